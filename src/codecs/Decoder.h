@@ -1,0 +1,20 @@
+#pragma once
+
+#include "Outcome.h"
+#include "Picture.h"
+
+#include <QString>
+
+namespace hazelmark {
+
+/// Reads the headers of the picture file at `path`; no pixel is decoded. The content decides what the file is, never
+/// its name. Fails with NoSuchFile, IsFolder, NotReadable, Empty, NotAPicture, Damaged or TooLarge.
+Outcome<PictureInfo> readPictureInfo(const QString &path);
+
+/// Decodes the first picture of the file at `path`. Cut-off or damaged data is a failure, not a partly grey picture.
+///
+/// `atLeast`: when not empty, the decoder may hand back a smaller picture than the file's, as long as it is not
+/// smaller than this in either dimension (JPEG: the library's scaled decode). Empty asks for every pixel.
+Outcome<Picture> decodePicture(const QString &path, QSize atLeast = {});
+
+} // namespace hazelmark

@@ -1,0 +1,63 @@
+#include "Failure.h"
+
+namespace hazelmark {
+
+namespace {
+
+QString reasonText(Failure::Reason reason)
+{
+    using Reason = Failure::Reason;
+    switch (reason) {
+    case Reason::NoSuchFile:
+        return QStringLiteral("there is no such file");
+    case Reason::IsFolder:
+        return QStringLiteral("it is a folder");
+    case Reason::NotReadable:
+        return QStringLiteral("it cannot be read");
+    case Reason::Empty:
+        return QStringLiteral("it is empty");
+    case Reason::NotAPicture:
+        return QStringLiteral("it is not a picture of a known type");
+    case Reason::Damaged:
+        return QStringLiteral("its picture data is damaged");
+    case Reason::Truncated:
+        return QStringLiteral("its picture data is cut off");
+    case Reason::TooLarge:
+        return QStringLiteral("it has more than a thousand megapixels");
+    case Reason::OutOfMemory:
+        return QStringLiteral("there is not enough memory for it");
+    case Reason::UnsupportedFormat:
+        return QStringLiteral("this format is not supported");
+    case Reason::NoSuchFolder:
+        return QStringLiteral("its folder does not exist");
+    case Reason::FolderNotWritable:
+        return QStringLiteral("its folder cannot be written to");
+    case Reason::ReadOnly:
+        return QStringLiteral("the existing file is read-only");
+    case Reason::Immutable:
+        return QStringLiteral("the existing file is locked");
+    case Reason::NotARegularFile:
+        return QStringLiteral("it is not a regular file");
+    case Reason::SameAsSource:
+        return QStringLiteral("it is the photo itself, which is never changed");
+    case Reason::DiskFull:
+        return QStringLiteral("the disk is full");
+    case Reason::WriteFailed:
+        return QStringLiteral("it could not be written");
+    case Reason::EncodeFailed:
+        return QStringLiteral("the picture could not be encoded");
+    }
+    Q_UNREACHABLE();
+}
+
+} // namespace
+
+QString Failure::sentence() const
+{
+    QString text = path + QStringLiteral(": ") + reasonText(reason);
+    if (!detail.isEmpty())
+        text += QStringLiteral(" (") + detail.simplified() + QLatin1Char(')');
+    return text + QLatin1Char('.');
+}
+
+} // namespace hazelmark

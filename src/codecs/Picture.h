@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QSize>
+#include <QSizeF>
+
+#include <optional>
+#include <vector>
+
+namespace hazelmark {
+
+/// More pixels than this are refused before anything is allocated.
+inline constexpr qint64 kMaxPixels = 1'000'000'000;
+
+enum class ColorModel { Rgb, Gray, Cmyk, Lab };
+
+/// A decoded bitmap as the file stores it: not turned by any orientation tag, not colour-converted (but see
+/// `convertedToSrgb`).
+///
+/// `pixels` has one of the formats RGBX8888, RGBA8888, RGBX64, RGBA64 (straight alpha, colours under transparent
+/// pixels kept), Grayscale8 or Grayscale16. Grey with alpha comes as RGBA with equal channels.
+struct Picture
+{
+    QImage pixels;
+    QByteArray iccProfile;                       ///< byte for byte as in the file; empty when it has none
+    ColorModel fileColorModel = ColorModel::Rgb; ///< what the file stores
+    /// The file's colours had no RGB form (CMYK, Lab) and were converted; `iccProfile` is then empty.
+    bool convertedToSrgb = false;
+};
+
+/// What is known of a picture file from its headers alone.
+struct PictureInfo
+{
+    QByteArray format; ///< "jpeg", "png", "tiff", "gif", "bmp", "webp", "ico" or another lower-case name
+    /// Pixel sizes of the file's pictures in file order, as stored. Pages that a TIFF marks as reduced-resolution or
+    /// mask are left out. At least one for a file that decodes.
+    std::vector<QSize> frames;
+    ColorModel colorModel = ColorModel::Rgb; ///< of the first picture, like all below
+    int bitsPerChannel = 8;
+    bool hasAlpha = false;
+    QByteArray iccProfile;
+    std::optional<QSizeF> dpi; ///< only where the file states an absolute resolution
+};
+
+/// Metadata as the bytes that a file embeds.
+struct MetadataBlocks
+{
+    QByteArray exif; ///< a TIFF-structured block, without the "Exif\0\0" lead-in
+    QByteArray iptc; ///< IIM records, without an image-resource wrapper
+    QByteArray xmp;  ///< the packet, UTF-8
+    QByteArray iccProfile;
+    std::optional<QSizeF> dpi;
+};
+
+} // namespace hazelmark

@@ -1,0 +1,37 @@
+#include "FilterNode.h"
+
+#include <algorithm>
+
+namespace hazelmark {
+
+FilterNode::FilterNode(std::vector<FilterNodePtr> inputs)
+    : m_inputs(std::move(inputs))
+{
+}
+
+FilterNode::~FilterNode() = default;
+
+int FilterNode::channels() const
+{
+    int most = 3;
+    for (const FilterNodePtr &input : m_inputs)
+        most = std::max(most, input->channels());
+    return most;
+}
+
+QRect FilterNode::inputRegion(std::size_t, const QRect &region) const
+{
+    return region;
+}
+
+std::optional<std::size_t> FilterNode::passesThrough(const QRect &) const
+{
+    return std::nullopt;
+}
+
+std::unique_ptr<PreparedState> FilterNode::prepare(const QRegion &, const PrepareContext &) const
+{
+    return nullptr;
+}
+
+} // namespace hazelmark

@@ -1,0 +1,8 @@
+#!/usr/bin/env bash
+# Sets everything up and runs the tests: ./test.sh [release|debug|asan]
+set -euo pipefail
+cd "$(dirname "$0")"
+preset=${1:-release}
+scripts/install-packages.sh build run test
+scripts/build.sh "$preset"
+ctest --test-dir "build/$preset" --output-on-failure --no-tests=error -j "$(nproc)"
