@@ -1,0 +1,93 @@
+#include "Workspace.h"
+
+#include "ProcessWide.h"
+
+#include <QFileInfo>
+#include <QLoggingCategory>
+#include <QProcess>
+#include <QTimer>
+
+#include <chrono>
+#include <memory>
+
+#include <unistd.h>
+
+namespace hazelmark {
+
+namespace {
+
+Q_LOGGING_CATEGORY(lcPlatform, "hazelmark.platform")
+
+// An opener that still runs after this time has become the viewer itself, or waits for it: it has opened the file.
+constexpr std::chrono::seconds kOpenerAnswer{5};
+
+// Calls the completion once, whoever comes first.
+class Answer
+{
+public:
+    explicit Answer(Workspace::Completion completion)
+        : m_completion(std::move(completion))
+    {
+    }
+    void give(bool opened)
+    {
+        if (const Workspace::Completion completion = std::exchange(m_completion, {}))
+            completion(opened);
+    }
+
+private:
+    Workspace::Completion m_completion;
+};
+
+} // namespace
+
+Workspace::Workspace(const QString &opener)
+    : m_opener(opener)
+{
+}
+
+Workspace::~Workspace() = default;
+
+Workspace &Workspace::sharedWorkspace()
+{
+    return ProcessWide<Workspace>::instance();
+}
+
+void Workspace::openFile(const QString &path, Completion completion)
+{
+    openUrl(path.isEmpty() ? QUrl() : QUrl::fromLocalFile(QFileInfo(path).absoluteFilePath()), std::move(completion));
+}
+
+void Workspace::openUrl(const QUrl &url, Completion completion)
+{
+    const auto answer = std::make_shared<Answer>(std::move(completion));
+    if (url.isEmpty() || !url.isValid()) {
+        answer->give(false);
+        return;
+    }
+    // Deliberately without a parent: a process object that is destroyed ends its process, and the viewer has to live
+    // on when this program ends. The object goes when the opener does.
+    auto *process = new QProcess;
+    process->setStandardInputFile(QProcess::nullDevice());
+    process->setStandardOutputFile(QProcess::nullDevice());
+    process->setStandardErrorFile(QProcess::nullDevice());
+    process->setChildProcessModifier([] { ::setsid(); }); // a Ctrl+C in our terminal is not meant for the viewer
+    QObject::connect(process, &QProcess::finished, process, [=](int exitCode, QProcess::ExitStatus status) {
+        const bool opened = status == QProcess::NormalExit && exitCode == 0;
+        if (!opened)
+            qCWarning(lcPlatform) << "Nothing opened" << url;
+        answer->give(opened);
+        process->deleteLater();
+    });
+    QObject::connect(process, &QProcess::errorOccurred, process, [=](QProcess::ProcessError error) {
+        if (error != QProcess::FailedToStart)
+            return; // `finished` follows
+        qCWarning(lcPlatform) << "Could not start" << process->program() << process->errorString();
+        answer->give(false);
+        process->deleteLater();
+    });
+    QTimer::singleShot(kOpenerAnswer, process, [answer] { answer->give(true); });
+    process->start(m_opener, {QString::fromLatin1(url.toEncoded())});
+}
+
+} // namespace hazelmark

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+namespace hazelmark {
+
+class PhotoFile;
+
+/// What the main screen needs of the application: the state that is the process's own, not the screen's, and the
+/// texts. The application hands it to the screen, and outlives it. Main thread only.
+class ApplicationDelegate
+{
+public:
+    virtual ~ApplicationDelegate() = default;
+
+    /// The open photo; empty as long as none was accepted.
+    virtual std::shared_ptr<PhotoFile> selectedImageFile() const = 0;
+    virtual void setSelectedImageFile(std::shared_ptr<PhotoFile> file) = 0;
+
+    /// Paths of photos that wait to be processed. Nothing fills it: closing asks about unsaved changes only when a
+    /// shell that works through several photos does.
+    virtual QStringList arraySelectedImagesToProcess() const = 0;
+
+    virtual bool isUiDisabled() const = 0;
+    virtual void setIsUiDisabled(bool disabled) = 0;
+    virtual bool isAppActive() const = 0;
+
+    /// The text for `key` in the interface language, with placeholders as "%@" and "%d" (to be filled by
+    /// formatString()); "(null)" for a key that the table does not have.
+    virtual QString getLocalizedStringForKey(const QString &key) = 0;
+
+    /// Asks on a sheet of the main window for a rating.
+    virtual void showAlertForRateApp() = 0;
+};
+
+} // namespace hazelmark
