@@ -13,7 +13,7 @@ FilterNode::~FilterNode() = default;
 
 int FilterNode::channels() const
 {
-    int most = 3;
+    int most = 1;
     for (const FilterNodePtr &input : m_inputs)
         most = std::max(most, input->channels());
     return most;
@@ -27,6 +27,16 @@ QRect FilterNode::inputRegion(std::size_t, const QRect &region) const
 std::optional<std::size_t> FilterNode::passesThrough(const QRect &) const
 {
     return std::nullopt;
+}
+
+bool FilterNode::isZero(int, const QRect &) const
+{
+    return false;
+}
+
+FilterNodePtr FilterNode::singlePlane(int) const
+{
+    return nullptr;
 }
 
 std::unique_ptr<PreparedState> FilterNode::prepare(const QRegion &, const PrepareContext &) const

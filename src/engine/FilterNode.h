@@ -58,7 +58,7 @@ public:
 
     const std::vector<FilterNodePtr> &inputs() const { return m_inputs; }
 
-    /// 3 or 4 planes; by default as many as the input with the most.
+    /// 3 or 4 planes, or 1 for a node that yields coverage alone; by default as many as the input with the most.
     virtual int channels() const;
 
     /// The region of input `input` that compute() reads for `region` of the output; `region` itself by default.
@@ -70,6 +70,12 @@ public:
     /// The input whose pixels the output equals all over `region`, if the node can tell cheaply. The renderer then
     /// never asks for the node's own pixels there, nor for those of its other inputs.
     virtual std::optional<std::size_t> passesThrough(const QRect &region) const;
+
+    /// True only if plane `channel` is 0 all over `region`, and the node can tell without computing it.
+    virtual bool isZero(int channel, const QRect &region) const;
+
+    /// A node that yields plane `channel` of this one alone, if there is a cheaper way than computing all of them.
+    virtual FilterNodePtr singlePlane(int channel) const;
 
     /// Called once a render, before any compute(), with every part of the output that compute() will be asked for
     /// (as far as the render needs this node at all). What it returns reaches compute() as TileReader::prepared().

@@ -10,7 +10,8 @@ namespace hazelmark {
 /// The pixels of one rectangle of a filter image while it is computed.
 ///
 /// Planar 32-bit floats, straight alpha, encoded (stored) values in 0..1: an 8-bit sample v is v / 255, a 16-bit one
-/// v / 65535, and both come back exactly. Three planes (R, G, B) for opaque pictures, four (R, G, B, A) otherwise.
+/// v / 65535, and both come back exactly. Three planes (R, G, B) for opaque pictures, four (R, G, B, A) for others, one
+/// for coverage.
 /// Rows count upwards like every filter-image coordinate: row(c, rect().top()) is the lowest row.
 ///
 /// Every row starts at a 64-byte boundary and is padded to a multiple of kRowPadding floats, which kernels may read

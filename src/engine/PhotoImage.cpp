@@ -1,0 +1,110 @@
+#include "PhotoImage.h"
+
+#include "Renderer.h"
+
+namespace hazelmark {
+
+namespace {
+
+QImage inWorkingFormat(QImage bitmap)
+{
+    switch (bitmap.format()) {
+    case QImage::Format_Invalid:
+    case QImage::Format_RGBX8888:
+    case QImage::Format_RGBA8888:
+    case QImage::Format_RGBX64:
+    case QImage::Format_RGBA64:
+    case QImage::Format_Grayscale8:
+    case QImage::Format_Grayscale16:
+        return bitmap;
+    default:
+        break;
+    }
+    const bool deep = bitmap.depth() > 32 || bitmap.format() == QImage::Format_BGR30 ||
+                      bitmap.format() == QImage::Format_RGB30 ||
+                      bitmap.format() == QImage::Format_A2BGR30_Premultiplied ||
+                      bitmap.format() == QImage::Format_A2RGB30_Premultiplied;
+    if (bitmap.hasAlphaChannel())
+        return std::move(bitmap).convertToFormat(deep ? QImage::Format_RGBA64 : QImage::Format_RGBA8888);
+    return std::move(bitmap).convertToFormat(deep ? QImage::Format_RGBX64 : QImage::Format_RGBX8888);
+}
+
+} // namespace
+
+PhotoImage::PhotoImage(FilterImage image, QSizeF size)
+    : m_size(size)
+    , m_image(std::move(image))
+{
+}
+
+PhotoImagePtr PhotoImage::fromBitmap(QImage bitmap, QByteArray iccProfile)
+{
+    const QImage working = inWorkingFormat(std::move(bitmap));
+    PhotoImagePtr photo(new PhotoImage(FilterImage(working, std::move(iccProfile)), QSizeF(working.size())));
+    photo->m_bitmap = working;
+    return photo;
+}
+
+PhotoImagePtr PhotoImage::drawing(FilterImage image, QSizeF size)
+{
+    if (image.isEmpty())
+        return nullptr;
+    return PhotoImagePtr(new PhotoImage(std::move(image), size));
+}
+
+bool PhotoImage::isValid() const
+{
+    return !pixels().isEmpty();
+}
+
+QSizeF PhotoImage::size() const
+{
+    std::lock_guard lock(m_sizeMutex);
+    return m_size;
+}
+
+void PhotoImage::setSize(QSizeF size)
+{
+    std::lock_guard lock(m_sizeMutex);
+    m_size = size;
+}
+
+QSize PhotoImage::pixelSize() const
+{
+    const FilterImage image = pixels();
+    return image.isEmpty() ? QSize() : image.pixelExtent().size();
+}
+
+QByteArray PhotoImage::iccProfile() const
+{
+    return pixels().iccProfile();
+}
+
+QImage PhotoImage::bitmap() const
+{
+    return bitmap(Renderer());
+}
+
+QImage PhotoImage::bitmap(const Renderer &renderer) const
+{
+    std::lock_guard drawing(m_drawMutex);
+    const FilterImage image = pixels();
+    {
+        std::lock_guard lock(m_imageMutex);
+        if (!m_bitmap.isNull())
+            return m_bitmap;
+    }
+    const QImage drawn = renderer.draw(image);
+    std::lock_guard lock(m_imageMutex);
+    m_bitmap = drawn;
+    m_image = FilterImage(drawn, image.iccProfile());
+    return m_bitmap;
+}
+
+FilterImage PhotoImage::pixels() const
+{
+    std::lock_guard lock(m_imageMutex);
+    return m_image;
+}
+
+} // namespace hazelmark

@@ -1,0 +1,96 @@
+#include "Utils.h"
+
+namespace hazelmark {
+
+const Utils &Utils::sharedUtils()
+{
+    static const Utils utils;
+    return utils;
+}
+
+FilterImage Utils::getCIImageFromNSImage(const PhotoImagePtr &photo) const
+{
+    if (!photo)
+        return {};
+    const FilterImage pixels = photo->pixels();
+    if (pixels.isEmpty())
+        return {};
+    const QSizeF size = photo->size();
+    const float sx = float(size.width() / pixels.extent().width());
+    const float sy = float(size.height() / pixels.extent().height());
+    return pixels.scaled(double(sx), double(sy));
+}
+
+void Utils::clearAllInPutParametersFromcurrentFilter(ImageFilter &filter) const
+{
+    filter.setImage(ImageFilter::kInputImage, {});
+    for (const QString &key :
+         {ImageFilter::kInputBackgroundImage, ImageFilter::kInputTargetImage, ImageFilter::kInputMaskImage}) {
+        if (filter.imageInputs().contains(key))
+            filter.setImage(key, {});
+    }
+}
+
+PhotoImagePtr Utils::getDrawedImage(const FilterImage &image, QSizeF size, QPointF AtPoint,
+                                    const QRectF &FromRect) const
+{
+    if (image.isEmpty())
+        return nullptr;
+    return PhotoImage::drawing(image.drawnInto(size.toSize(), QRectF(AtPoint, size), FromRect), size);
+}
+
+PhotoImagePtr Utils::scaleImage(const PhotoImagePtr &photo, QSizeF newSize) const
+{
+    if (!photo || !photo->isValid() || newSize.isEmpty())
+        return nullptr;
+    photo->setSize(newSize);
+    return PhotoImage::drawing(getCIImageFromNSImage(photo), newSize);
+}
+
+QImage Utils::getCgiImageRef(const PhotoImagePtr &photo) const
+{
+    return photo ? photo->bitmap() : QImage();
+}
+
+PhotoImagePtr Utils::getTransparentImageFromImage(const PhotoImagePtr &photo, float factor) const
+{
+    if (!photo || photo->size().isEmpty())
+        return photo;
+    return PhotoImage::drawing(getCIImageFromNSImage(photo).withOpacity(factor), photo->size());
+}
+
+PhotoImagePtr Utils::applyfilterOnBlurImage(const PhotoImagePtr &photo, const QString &,
+                                            const CoreFilterObject &FilterParameters) const
+{
+    const float b = FilterParameters.blurAmount.value_or(0.0f);
+    const float m = FilterParameters.motionBlurAmount.value_or(0.0f);
+    const FilterImage source = getCIImageFromNSImage(photo);
+    const QRectF extent = source.extent();
+    const float bn = b / 5.0f;
+    const float mn = m / 5.0f;
+
+    FilterImage result = source;
+    if (bn > 0.0f || mn > 0.0f) {
+        AffineClampFilter clamp;
+        clamp.setImage(ImageFilter::kInputImage, source);
+        result = clamp.outputImage();
+    }
+    DiscBlurFilter blur;
+    if (bn > 0.0f) {
+        blur.setImage(ImageFilter::kInputImage, result);
+        blur.inputRadius = float(extent.width() * double(bn) / 1000.0);
+        result = blur.outputImage();
+    }
+    const PhotoImagePtr drawn =
+        getDrawedImage(result, extent.size(), QPointF(0, 0), QRectF(QPointF(0, 0), extent.size()));
+    clearAllInPutParametersFromcurrentFilter(blur);
+    return drawn;
+}
+
+PhotoImagePtr Utils::applyfilterOnInFocusImage(const PhotoImagePtr &photo, const QString &,
+                                               const CoreFilterObject &) const
+{
+    return photo;
+}
+
+} // namespace hazelmark
