@@ -1,0 +1,7 @@
+#include "CodecsLog.h"
+
+namespace hazelmark {
+
+Q_LOGGING_CATEGORY(lcCodecs, "hazelmark.codecs")
+
+} // namespace hazelmark

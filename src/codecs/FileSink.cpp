@@ -1,0 +1,91 @@
+#include "FileSink.h"
+
+#include <QFile>
+
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace hazelmark {
+
+namespace {
+
+Failure failureForError(int error, const QString &path)
+{
+    using Reason = Failure::Reason;
+    Reason reason = Reason::WriteFailed;
+    if (error == ENOSPC || error == EDQUOT)
+        reason = Reason::DiskFull;
+    else if (error == ENOENT || error == ENOTDIR)
+        reason = Reason::NoSuchFolder;
+    else if (error == EACCES || error == EPERM || error == EROFS)
+        reason = Reason::FolderNotWritable;
+    else if (error == EISDIR)
+        reason = Reason::IsFolder;
+    return {reason, path, QString::fromLocal8Bit(std::strerror(error))};
+}
+
+} // namespace
+
+FileSink::FileSink(const QString &path, int descriptor)
+    : m_path(path)
+    , m_descriptor(descriptor)
+{
+}
+
+FileSink::~FileSink()
+{
+    if (m_descriptor >= 0)
+        ::close(m_descriptor);
+}
+
+Outcome<std::unique_ptr<FileSink>> FileSink::open(const QString &path)
+{
+    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    if (descriptor < 0)
+        return failureForError(errno, path);
+    return std::unique_ptr<FileSink>(new FileSink(path, descriptor));
+}
+
+bool FileSink::write(const void *bytes, size_t count)
+{
+    const char *next = static_cast<const char *>(bytes);
+    while (m_error == 0 && count > 0) {
+        const ssize_t written = ::write(m_descriptor, next, count);
+        if (written < 0) {
+            if (errno != EINTR)
+                m_error = errno;
+            continue;
+        }
+        next += written;
+        count -= size_t(written);
+    }
+    return m_error == 0;
+}
+
+int64_t FileSink::seek(int64_t offset, int whence)
+{
+    return ::lseek(m_descriptor, offset, whence);
+}
+
+Outcome<Done> FileSink::finish()
+{
+    const int descriptor = m_descriptor;
+    m_descriptor = -1;
+    if (::close(descriptor) != 0 && m_error == 0 && errno != EINTR)
+        m_error = errno;
+    if (m_error != 0)
+        return failureForError(m_error, m_path);
+    return Done{};
+}
+
+Failure FileSink::failure(const QString &encoderMessage) const
+{
+    if (m_error != 0)
+        return failureForError(m_error, m_path);
+    return {Failure::Reason::EncodeFailed, m_path, encoderMessage};
+}
+
+} // namespace hazelmark

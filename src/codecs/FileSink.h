@@ -1,0 +1,42 @@
+#pragma once
+
+#include "Outcome.h"
+
+#include <QString>
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+namespace hazelmark {
+
+/// A file that an encoder writes to. Every byte is checked: the first error is kept, and all that follows fails.
+/// Positions can be gone back to, as TIFF needs.
+class FileSink
+{
+public:
+    /// Creates or truncates the file. Fails with NoSuchFolder, FolderNotWritable, DiskFull or WriteFailed.
+    static Outcome<std::unique_ptr<FileSink>> open(const QString &path);
+    ~FileSink();
+    FileSink(const FileSink &) = delete;
+    FileSink &operator=(const FileSink &) = delete;
+
+    bool write(const void *bytes, size_t count);
+    /// Also beyond the end, as lseek does; -1 on failure.
+    int64_t seek(int64_t offset, int whence);
+    bool hasFailed() const { return m_error != 0; }
+
+    /// Closes the file; Done only when everything was written. The file system may report a full disk only here.
+    Outcome<Done> finish();
+    /// What went wrong with the file if anything did, else that the encoder itself failed with `encoderMessage`.
+    Failure failure(const QString &encoderMessage) const;
+
+private:
+    FileSink(const QString &path, int descriptor);
+
+    QString m_path;
+    int m_descriptor;
+    int m_error = 0;
+};
+
+} // namespace hazelmark

@@ -1,0 +1,267 @@
+#include "JpegSource.h"
+
+#include "CmykToSrgb.h"
+#include "Guarded.h"
+#include "PictureFormat.h"
+
+#include <algorithm>
+
+namespace hazelmark {
+
+namespace {
+
+constexpr int kIccMarker = JPEG_APP0 + 2;
+constexpr unsigned kWholeSegment = 0xffff;
+
+/// Scans of a progressive file that are still believed. Each one costs a pass over the whole picture, so a small
+/// hostile file could otherwise keep a core busy for hours; real files have about ten.
+constexpr int kMaxScans = 500;
+
+/// Rows that are asked of the library at once; it hands back at most two MCU rows' worth.
+constexpr int kRowsPerCall = 16;
+
+class JpegReader
+{
+public:
+    explicit JpegReader(SourceFile &source)
+        : m_source(source)
+        , m_errors(source)
+    {
+        m_lib.err = &m_errors.manager;
+        m_lib.client_data = &m_errors;
+        m_isCreated = runGuarded(m_errors.jump, [this] { jpeg_create_decompress(&m_lib); });
+        m_progress.progress_monitor = &stopAtTooManyScans;
+        m_lib.progress = &m_progress;
+    }
+    ~JpegReader() { jpeg_destroy_decompress(&m_lib); }
+    JpegReader(const JpegReader &) = delete;
+    JpegReader &operator=(const JpegReader &) = delete;
+
+    std::optional<Failure> readHeader();
+    ColorModel colorModel() const;
+    int bitsPerChannel() const { return m_lib.data_precision; }
+    QSize size() const { return {int(m_lib.image_width), int(m_lib.image_height)}; }
+    QByteArray iccProfile();
+    std::optional<QSizeF> dpi() const;
+    Outcome<Picture> decode(QSize atLeast);
+
+private:
+    static void stopAtTooManyScans(j_common_ptr lib);
+    void chooseScale(QSize atLeast);
+    void readRows(uchar *bits, qsizetype stride);
+    void readCmykRows(const CmykToSrgb &converter, uint8_t *cmyk, uchar *bits, qsizetype stride);
+    bool endsEarly();
+
+    SourceFile &m_source;
+    jpeg_decompress_struct m_lib = {};
+    JpegErrors m_errors;
+    JpegSource m_input{m_source, m_errors};
+    jpeg_progress_mgr m_progress = {};
+    bool m_isCreated = false;
+};
+
+void JpegReader::stopAtTooManyScans(j_common_ptr lib)
+{
+    auto decompress = reinterpret_cast<j_decompress_ptr>(lib);
+    if (decompress->input_scan_number > kMaxScans)
+        ERREXIT(decompress, JERR_BAD_PROGRESSION);
+}
+
+std::optional<Failure> JpegReader::readHeader()
+{
+    if (!m_isCreated || !m_source.device().seek(0))
+        return m_errors.failure();
+    m_input.attach(m_lib);
+    const bool read = runGuarded(m_errors.jump, [this] {
+        jpeg_save_markers(&m_lib, kIccMarker, kWholeSegment);
+        jpeg_read_header(&m_lib, TRUE);
+    });
+    if (!read)
+        return m_errors.failure();
+    return m_source.checkSize(m_lib.image_width, m_lib.image_height);
+}
+
+ColorModel JpegReader::colorModel() const
+{
+    switch (m_lib.jpeg_color_space) {
+    case JCS_GRAYSCALE:
+        return ColorModel::Gray;
+    case JCS_CMYK:
+    case JCS_YCCK:
+        return ColorModel::Cmyk;
+    default:
+        return ColorModel::Rgb;
+    }
+}
+
+QByteArray JpegReader::iccProfile()
+{
+    JOCTET *bytes = nullptr;
+    unsigned size = 0;
+    // A profile whose segments do not fit together is passed over: the picture is worth more.
+    const bool read = runGuarded(m_errors.jump, [&] {
+        if (!jpeg_read_icc_profile(&m_lib, &bytes, &size))
+            size = 0;
+    });
+    const QByteArray profile =
+        read && size > 0 ? QByteArray(reinterpret_cast<const char *>(bytes), qsizetype(size)) : QByteArray();
+    std::free(bytes);
+    return profile;
+}
+
+std::optional<QSizeF> JpegReader::dpi() const
+{
+    constexpr UINT8 kPerInch = 1;
+    constexpr UINT8 kPerCentimetre = 2;
+    constexpr double kCentimetresPerInch = 2.54;
+    if (!m_lib.saw_JFIF_marker || m_lib.X_density == 0 || m_lib.Y_density == 0)
+        return std::nullopt;
+    const QSizeF density(m_lib.X_density, m_lib.Y_density);
+    if (m_lib.density_unit == kPerInch)
+        return density;
+    if (m_lib.density_unit == kPerCentimetre)
+        return density * kCentimetresPerInch;
+    return std::nullopt; // an aspect ratio only
+}
+
+/// The smallest of the scales that the library has fast transforms for.
+void JpegReader::chooseScale(QSize atLeast)
+{
+    m_lib.scale_num = m_lib.scale_denom = 1;
+    if (atLeast.isEmpty())
+        return;
+    for (unsigned denominator : {8u, 4u, 2u}) {
+        const auto scaled = [denominator](JDIMENSION side) { return int((side + denominator - 1) / denominator); };
+        if (scaled(m_lib.image_width) >= atLeast.width() && scaled(m_lib.image_height) >= atLeast.height()) {
+            m_lib.scale_denom = denominator;
+            return;
+        }
+    }
+}
+
+Outcome<Picture> JpegReader::decode(QSize atLeast)
+{
+    Picture picture;
+    picture.fileColorModel = colorModel();
+    const QByteArray profile = iccProfile();
+    const bool isGray = picture.fileColorModel == ColorModel::Gray;
+    const bool isCmyk = picture.fileColorModel == ColorModel::Cmyk;
+    m_lib.out_color_space = isGray ? JCS_GRAYSCALE : isCmyk ? JCS_CMYK : JCS_EXT_RGBX;
+    chooseScale(atLeast);
+    bool isCutOff = false;
+    const bool isStarted = runGuarded(m_errors.jump, [&] {
+        jpeg_start_decompress(&m_lib);
+        isCutOff = endsEarly();
+    });
+    if (!isStarted)
+        return m_errors.failure();
+    if (isCutOff)
+        return m_source.failure(Failure::Reason::Truncated, QStringLiteral("the file ends before its last scan"));
+
+    const QSize size(int(m_lib.output_width), int(m_lib.output_height));
+    picture.pixels = allocateImage(size, isGray ? QImage::Format_Grayscale8 : QImage::Format_RGBX8888);
+    if (picture.pixels.isNull())
+        return m_source.failure(Failure::Reason::OutOfMemory);
+    uchar *bits = picture.pixels.bits();
+    const qsizetype stride = picture.pixels.bytesPerLine();
+
+    std::optional<CmykToSrgb> converter;
+    std::vector<uint8_t> cmyk;
+    if (isCmyk) {
+        converter.emplace(profile);
+        cmyk.resize(size_t(size.width()) * 4);
+        picture.convertedToSrgb = true;
+    } else {
+        picture.iccProfile = profile;
+    }
+    const bool read = runGuarded(m_errors.jump, [&] {
+        if (isCmyk)
+            readCmykRows(*converter, cmyk.data(), bits, stride);
+        else
+            readRows(bits, stride);
+        jpeg_finish_decompress(&m_lib);
+    });
+    if (!read)
+        return m_errors.failure();
+    // The arithmetic decoder takes missing data for zeros, which encoders may leave out: only a real end marker tells.
+    if (m_lib.arith_code && m_input.hasEnded())
+        return m_source.failure(Failure::Reason::Truncated);
+    return picture;
+}
+
+void JpegReader::readRows(uchar *bits, qsizetype stride)
+{
+    JSAMPROW rows[kRowsPerCall];
+    while (m_lib.output_scanline < m_lib.output_height) {
+        const JDIMENSION first = m_lib.output_scanline;
+        const JDIMENSION count = std::min(JDIMENSION(kRowsPerCall), m_lib.output_height - first);
+        for (JDIMENSION row = 0; row < count; ++row)
+            rows[row] = bits + qsizetype(first + row) * stride;
+        jpeg_read_scanlines(&m_lib, rows, count);
+    }
+}
+
+void JpegReader::readCmykRows(const CmykToSrgb &converter, uint8_t *cmyk, uchar *bits, qsizetype stride)
+{
+    const int width = int(m_lib.output_width);
+    const bool isInverted = m_lib.saw_Adobe_marker; // such files store the light that is left, not the ink
+    JSAMPROW row = cmyk;
+    while (m_lib.output_scanline < m_lib.output_height) {
+        uchar *target = bits + qsizetype(m_lib.output_scanline) * stride;
+        jpeg_read_scanlines(&m_lib, &row, 1);
+        if (isInverted)
+            std::transform(cmyk, cmyk + 4 * qsizetype(width), cmyk, [](uint8_t light) { return uint8_t(255 - light); });
+        converter.convertRow(cmyk, target, width);
+    }
+}
+
+/// Whether the file ended where another scan could have followed; to be asked when the library has started, which is
+/// when it has read all scans of a file that has several. One missing end marker after the last pixel is forgiven;
+/// where more scans could have refined the picture, it is only whole if every coefficient was there in full.
+bool JpegReader::endsEarly()
+{
+    if (!m_input.hasEnded() || !jpeg_has_multiple_scans(&m_lib))
+        return false;
+    if (!m_lib.coef_bits)
+        return true;
+    for (int component = 0; component < m_lib.num_components; ++component) {
+        const int *missingBits = m_lib.coef_bits[component];
+        if (std::any_of(missingBits, missingBits + DCTSIZE2, [](int bits) { return bits != 0; }))
+            return true;
+    }
+    return false;
+}
+
+bool isJpeg(const QByteArray &head)
+{
+    return head.startsWith("\xff\xd8\xff");
+}
+
+Outcome<PictureInfo> readJpegInfo(SourceFile &source)
+{
+    JpegReader reader(source);
+    if (const std::optional<Failure> failure = reader.readHeader())
+        return *failure;
+    PictureInfo info;
+    info.format = "jpeg";
+    info.frames = {reader.size()};
+    info.colorModel = reader.colorModel();
+    info.bitsPerChannel = reader.bitsPerChannel();
+    info.iccProfile = reader.iccProfile();
+    info.dpi = reader.dpi();
+    return info;
+}
+
+Outcome<Picture> decodeJpeg(SourceFile &source, QSize atLeast)
+{
+    JpegReader reader(source);
+    if (const std::optional<Failure> failure = reader.readHeader())
+        return *failure;
+    return reader.decode(atLeast);
+}
+
+} // namespace
+
+const PictureFormat kJpegFormat{isJpeg, readJpegInfo, decodeJpeg};
+
+} // namespace hazelmark

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "Picture.h"
+
+#include <QByteArray>
+
+#include <vector>
+
+namespace hazelmark {
+
+/// An application segment of a JPEG file: its marker number (0xe1 for APP1) and what follows its length field.
+struct JpegSegment
+{
+    int marker;
+    QByteArray data;
+};
+
+/// The segments that carry `metadata`, in the order in which they belong in the file: EXIF, XMP (with the extended
+/// form when the packet is too large for one segment), IPTC in image-resource blocks, the colour profile. An EXIF
+/// block that does not fit into the one segment that it may have is left out with a warning.
+std::vector<JpegSegment> metadataSegments(const MetadataBlocks &metadata);
+
+/// IIM records as an image-resource block ("8BIM", number 0x0404), the form in which JPEG and PNG files embed them.
+QByteArray iptcResourceBlock(const QByteArray &iptc);
+
+} // namespace hazelmark

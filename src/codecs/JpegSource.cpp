@@ -1,0 +1,149 @@
+#include "JpegSource.h"
+
+#include <algorithm>
+
+namespace hazelmark {
+
+namespace {
+
+constexpr qint64 kBufferSize = 256 * 1024;
+
+/// Bytes left over before a marker that are not taken for damage: several camera makers' encoders leave a few there.
+constexpr int kHarmlessLeftOver = 16;
+
+[[noreturn]] void leave(j_common_ptr lib)
+{
+    auto *errors = static_cast<JpegErrors *>(lib->client_data);
+    lib->err->format_message(lib, errors->message);
+    std::longjmp(errors->jump, 1);
+}
+
+void warnOrLeave(j_common_ptr lib, int level)
+{
+    if (level >= 0)
+        return; // a trace message
+    auto *errors = static_cast<JpegErrors *>(lib->client_data);
+    ++errors->manager.num_warnings;
+    switch (errors->manager.msg_code) {
+    case JWRN_EXTRANEOUS_DATA: {
+        const bool isInPicture = reinterpret_cast<j_decompress_ptr>(lib)->input_scan_number > 0;
+        const int leftOver = errors->manager.msg_parm.i[0];
+        if (isInPicture && leftOver > kHarmlessLeftOver && !errors->input->isFillerBehind(leftOver))
+            leave(lib);
+        return;
+    }
+    case JWRN_HIT_MARKER:
+    case JWRN_HUFF_BAD_CODE:
+    case JWRN_ARITH_BAD_CODE:
+    case JWRN_MUST_RESYNC:
+    case JWRN_BOGUS_PROGRESSION:
+        leave(lib);
+    default:
+        return;
+    }
+}
+
+void ignoreMessage(j_common_ptr) {}
+
+void ignoreSource(j_decompress_ptr) {}
+
+} // namespace
+
+JpegErrors::JpegErrors(SourceFile &sourceFile)
+    : source(sourceFile)
+{
+    jpeg_std_error(&manager);
+    manager.error_exit = &leave;
+    manager.emit_message = &warnOrLeave;
+    manager.output_message = &ignoreMessage;
+}
+
+Failure JpegErrors::failure() const
+{
+    using Reason = Failure::Reason;
+    Reason reason = Reason::Damaged;
+    switch (manager.msg_code) {
+    case JERR_IMAGE_TOO_BIG:
+        reason = Reason::TooLarge;
+        break;
+    case JERR_OUT_OF_MEMORY:
+        reason = Reason::OutOfMemory;
+        break;
+    case JERR_BAD_PRECISION:
+    case JERR_SOF_UNSUPPORTED:
+    case JERR_ARITH_NOTIMPL:
+    case JERR_CCIR601_NOTIMPL:
+    case JERR_COMPONENT_COUNT:
+    case JERR_CONVERSION_NOTIMPL:
+    case JERR_FRACT_SAMPLE_NOTIMPL:
+    case JERR_NOTIMPL:
+        reason = Reason::UnsupportedFormat;
+        break;
+    default:
+        if (input && input->hasReadError())
+            reason = Reason::NotReadable;
+        else if (input && input->hasEnded())
+            reason = Reason::Truncated;
+    }
+    return source.failure(reason, QString::fromLatin1(message));
+}
+
+JpegSource::JpegSource(SourceFile &source, JpegErrors &errors)
+    : m_source(source)
+    , m_buffer(kBufferSize)
+{
+    errors.input = this;
+    m_manager.init_source = &ignoreSource;
+    m_manager.fill_input_buffer = &fill;
+    m_manager.skip_input_data = &skip;
+    m_manager.resync_to_restart = &jpeg_resync_to_restart;
+    m_manager.term_source = &ignoreSource;
+}
+
+boolean JpegSource::fill(j_decompress_ptr lib)
+{
+    JpegSource *self = static_cast<JpegErrors *>(lib->client_data)->input;
+    qint64 count = self->m_source.device().read(reinterpret_cast<char *>(self->m_buffer.data()), kBufferSize);
+    if (count < 0) {
+        self->m_hasReadError = true;
+        ERREXIT(lib, JERR_FILE_READ);
+    }
+    if (count == 0) {
+        self->m_hasEnded = true;
+        self->m_buffer[0] = 0xff;
+        self->m_buffer[1] = JPEG_EOI;
+        count = 2;
+    }
+    self->m_manager.next_input_byte = self->m_buffer.data();
+    self->m_manager.bytes_in_buffer = size_t(count);
+    return TRUE;
+}
+
+void JpegSource::skip(j_decompress_ptr lib, long count)
+{
+    JpegSource *self = static_cast<JpegErrors *>(lib->client_data)->input;
+    if (count <= 0)
+        return;
+    if (size_t(count) <= self->m_manager.bytes_in_buffer) {
+        self->m_manager.next_input_byte += count;
+        self->m_manager.bytes_in_buffer -= size_t(count);
+        return;
+    }
+    QFile &file = self->m_source.device();
+    const qint64 beyond = count - qint64(self->m_manager.bytes_in_buffer);
+    self->m_manager.bytes_in_buffer = 0;
+    // Beyond the end the next fill() finds nothing to read.
+    file.seek(std::min(file.pos() + beyond, self->m_source.size()));
+}
+
+bool JpegSource::isFillerBehind(int count) const
+{
+    const qint64 end = m_source.device().pos() - qint64(m_manager.bytes_in_buffer);
+    const qint64 restoredPosition = m_source.device().pos();
+    const QByteArray bytes = m_source.bytesAt(end - count, count);
+    m_source.device().seek(restoredPosition);
+    return !bytes.isEmpty() &&
+           std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte == 0 || byte == char(0xff); });
+}
+
+} // namespace hazelmark

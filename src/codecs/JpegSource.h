@@ -1,0 +1,62 @@
+#pragma once
+
+#include "SourceFile.h"
+
+#include <csetjmp>
+#include <cstddef>
+#include <cstdio>
+#include <vector>
+
+#include <jpeglib.h>
+
+#include <jerror.h>
+
+namespace hazelmark {
+
+class JpegSource;
+
+/// The library's `client_data`. Takes its errors, and turns those of its warnings into errors that mean missing or
+/// damaged picture data: the library itself would fill the rest with grey and report success.
+struct JpegErrors
+{
+    explicit JpegErrors(SourceFile &source);
+    JpegErrors(const JpegErrors &) = delete;
+    JpegErrors &operator=(const JpegErrors &) = delete;
+
+    /// After a jump: what the file is to be refused for.
+    Failure failure() const;
+
+    jpeg_error_mgr manager = {};
+    std::jmp_buf jump;
+    SourceFile &source;
+    JpegSource *input = nullptr;
+    char message[JMSG_LENGTH_MAX] = {};
+};
+
+/// The library's data source on a SourceFile. At the end of the file it hands out an end-of-image marker, so that the
+/// decoder itself finds out whether anything is missing.
+class JpegSource
+{
+public:
+    JpegSource(SourceFile &source, JpegErrors &errors);
+    JpegSource(const JpegSource &) = delete;
+    JpegSource &operator=(const JpegSource &) = delete;
+
+    void attach(jpeg_decompress_struct &lib) { lib.src = &m_manager; }
+    bool hasEnded() const { return m_hasEnded; }
+    bool hasReadError() const { return m_hasReadError; }
+    /// Whether the `count` bytes before the read position are all filler (zeros or 0xff).
+    bool isFillerBehind(int count) const;
+
+private:
+    static boolean fill(j_decompress_ptr lib);
+    static void skip(j_decompress_ptr lib, long count);
+
+    jpeg_source_mgr m_manager = {};
+    SourceFile &m_source;
+    std::vector<JOCTET> m_buffer;
+    bool m_hasEnded = false;
+    bool m_hasReadError = false;
+};
+
+} // namespace hazelmark

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "Outcome.h"
+#include "Picture.h"
+
+#include <QByteArray>
+#include <QFile>
+#include <QString>
+
+#include <memory>
+
+namespace hazelmark {
+
+/// A picture file that is open for reading: a regular, readable file of at least one byte. Decoders read it through
+/// the QFile, never through a memory map: a file that another program cuts while it is read must end in a failure, not
+/// in a bus error.
+class SourceFile
+{
+public:
+    /// Fails with NoSuchFile, IsFolder, NotARegularFile (opening a pipe would wait for ever), NotReadable or Empty.
+    static Outcome<std::unique_ptr<SourceFile>> open(const QString &path);
+
+    QFile &device() { return m_file; }
+    qint64 size() const { return m_size; }
+    const QString &path() const { return m_path; }
+
+    /// The first bytes (up to kHeadSize), by which the formats are told apart.
+    const QByteArray &head() const { return m_head; }
+    static constexpr int kHeadSize = 4096;
+
+    /// `count` bytes from `offset`, or fewer where the file ends.
+    QByteArray bytesAt(qint64 offset, qint64 count);
+
+    Failure failure(Failure::Reason reason, const QString &detail = {}) const { return {reason, m_path, detail}; }
+
+    /// Nothing when a picture of this size may be decoded: both sides positive and no more than kMaxPixels.
+    std::optional<Failure> checkSize(qint64 width, qint64 height) const;
+
+private:
+    explicit SourceFile(const QString &path);
+
+    QString m_path;
+    QFile m_file;
+    qint64 m_size = 0;
+    QByteArray m_head;
+};
+
+/// An image with rows that are not filled; null when there is no memory for it.
+QImage allocateImage(QSize size, QImage::Format format);
+
+} // namespace hazelmark

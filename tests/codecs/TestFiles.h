@@ -1,0 +1,79 @@
+#pragma once
+
+#include "Decoder.h"
+#include "Encoder.h"
+
+#include <QFile>
+#include <QImage>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace hazelmark {
+
+/// A test with a folder of its own that goes with it.
+class FolderTest : public testing::Test
+{
+protected:
+    QString pathOf(const QString &name) const { return m_folder.filePath(name); }
+    QString write(const QString &name, const QByteArray &bytes) const
+    {
+        QFile file(pathOf(name));
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
+        EXPECT_EQ(file.write(bytes), bytes.size());
+        return file.fileName();
+    }
+    static QByteArray contentOf(const QString &path)
+    {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+/// A picture whose every sample differs from its neighbours: smooth colours with a little noise on them, and in the
+/// formats with alpha all of transparent, half-transparent and opaque pixels.
+inline QImage makePicture(int width, int height, QImage::Format format, quint32 seed = 1)
+{
+    QImage deep(width, height, QImage::Format_RGBA64);
+    QRandomGenerator random(seed);
+    for (int y = 0; y < height; ++y) {
+        auto *row = reinterpret_cast<quint16 *>(deep.scanLine(y));
+        for (int x = 0; x < width; ++x) {
+            row[4 * x] = quint16(60000 * x / width + random.bounded(4000));
+            row[4 * x + 1] = quint16(60000 * y / height + random.bounded(4000));
+            row[4 * x + 2] = quint16(60000 * (width - x + y) / (width + height) + random.bounded(4000));
+            row[4 * x + 3] = quint16(x < width / 4 ? 0 : x < width / 2 ? 65535 * y / height : 65535);
+        }
+    }
+    return deep.convertToFormat(format); // straight to straight: colours under transparent pixels stay
+}
+
+inline EncodeOptions optionsFor(WriteFormat format, MetadataBlocks metadata = {})
+{
+    EncodeOptions options;
+    options.format = format;
+    options.metadata = std::move(metadata);
+    return options;
+}
+
+/// The same pixels in every sample, whatever the rows' padding.
+inline testing::AssertionResult samePixels(const QImage &a, const QImage &b)
+{
+    if (a.size() != b.size() || a.format() != b.format())
+        return testing::AssertionFailure()
+               << "sizes or formats differ: " << a.width() << "x" << a.height() << " format " << a.format() << ", "
+               << b.width() << "x" << b.height() << " format " << b.format();
+    for (int y = 0; y < a.height(); ++y) {
+        const size_t used = size_t(a.width()) * size_t(a.depth()) / 8;
+        if (std::memcmp(a.constScanLine(y), b.constScanLine(y), used) != 0)
+            return testing::AssertionFailure() << "row " << y << " differs";
+    }
+    return testing::AssertionSuccess();
+}
+
+} // namespace hazelmark

@@ -1,0 +1,133 @@
+#include "TestPictures.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+#include <jpeglib.h>
+#include <png.h>
+
+namespace hazelmark {
+
+namespace {
+
+J_COLOR_SPACE inputSpace(TestJpeg::Colors colors)
+{
+    switch (colors) {
+    case TestJpeg::Colors::Gray:
+        return JCS_GRAYSCALE;
+    case TestJpeg::Colors::Rgb:
+    case TestJpeg::Colors::YCbCr:
+        return JCS_RGB;
+    case TestJpeg::Colors::Cmyk:
+    case TestJpeg::Colors::Ycck:
+        return JCS_CMYK;
+    }
+    std::abort();
+}
+
+J_COLOR_SPACE fileSpace(TestJpeg::Colors colors)
+{
+    switch (colors) {
+    case TestJpeg::Colors::Gray:
+        return JCS_GRAYSCALE;
+    case TestJpeg::Colors::Rgb:
+        return JCS_RGB;
+    case TestJpeg::Colors::YCbCr:
+        return JCS_YCbCr;
+    case TestJpeg::Colors::Cmyk:
+        return JCS_CMYK;
+    case TestJpeg::Colors::Ycck:
+        return JCS_YCCK;
+    }
+    std::abort();
+}
+
+} // namespace
+
+QByteArray makeJpeg(const TestJpeg &kind, int width, int height, const std::vector<uint8_t> &samples)
+{
+    jpeg_compress_struct lib = {};
+    jpeg_error_mgr errors;
+    lib.err = jpeg_std_error(&errors); // ends the test program on an error
+    jpeg_create_compress(&lib);
+    unsigned char *bytes = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&lib, &bytes, &size);
+    lib.image_width = JDIMENSION(width);
+    lib.image_height = JDIMENSION(height);
+    lib.in_color_space = inputSpace(kind.colors);
+    lib.input_components = lib.in_color_space == JCS_GRAYSCALE ? 1 : lib.in_color_space == JCS_RGB ? 3 : 4;
+    jpeg_set_defaults(&lib);
+    jpeg_set_colorspace(&lib, fileSpace(kind.colors));
+    jpeg_set_quality(&lib, 100, TRUE);
+    for (int component = 0; component < lib.num_components; ++component) {
+        const bool isLarge = kind.isSubsampled && (component == 0 || component == 3);
+        lib.comp_info[component].h_samp_factor = lib.comp_info[component].v_samp_factor = isLarge ? 2 : 1;
+    }
+    if (kind.isProgressive)
+        jpeg_simple_progression(&lib);
+    lib.arith_code = kind.isArithmetic;
+    lib.restart_interval = unsigned(kind.restartInterval);
+    lib.density_unit = UINT8(kind.densityUnit);
+    lib.X_density = UINT16(kind.densityX);
+    lib.Y_density = UINT16(kind.densityY);
+    if (kind.colors == TestJpeg::Colors::Cmyk)
+        lib.write_Adobe_marker = kind.hasAdobeMarker;
+    jpeg_start_compress(&lib, TRUE);
+    if (!kind.iccProfile.isEmpty())
+        jpeg_write_icc_profile(&lib, reinterpret_cast<const JOCTET *>(kind.iccProfile.constData()),
+                               unsigned(kind.iccProfile.size()));
+    const bool isInverted = lib.in_color_space == JCS_CMYK && kind.hasAdobeMarker;
+    std::vector<uint8_t> row(size_t(width) * size_t(lib.input_components));
+    for (size_t y = 0; y < size_t(height); ++y) {
+        for (size_t i = 0; i < row.size(); ++i) {
+            const uint8_t sample = samples[y * row.size() + i];
+            row[i] = isInverted ? uint8_t(255 - sample) : sample;
+        }
+        JSAMPROW pointer = row.data();
+        jpeg_write_scanlines(&lib, &pointer, 1);
+    }
+    jpeg_finish_compress(&lib);
+    jpeg_destroy_compress(&lib);
+    const QByteArray file(reinterpret_cast<const char *>(bytes), qsizetype(size));
+    std::free(bytes);
+    return file;
+}
+
+QByteArray makePng(const TestPng &kind, int width, int height, const std::vector<uint8_t> &rows)
+{
+    QByteArray file;
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png_create_info_struct(png);
+    png_set_write_fn(
+        png, &file,
+        [](png_structp writer, png_bytep bytes, size_t count) {
+            static_cast<QByteArray *>(png_get_io_ptr(writer))
+                ->append(reinterpret_cast<const char *>(bytes), qsizetype(count));
+        },
+        nullptr);
+    png_set_IHDR(png, info, png_uint_32(width), png_uint_32(height), kind.bitDepth, kind.colorType,
+                 kind.isInterlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
+                 PNG_FILTER_TYPE_DEFAULT);
+    const auto writeChunk = [png](const char *type, const QByteArray &data) {
+        if (!data.isEmpty())
+            png_write_chunk(png, reinterpret_cast<png_const_bytep>(type),
+                            reinterpret_cast<png_const_bytep>(data.constData()), size_t(data.size()));
+    };
+    if (!kind.palette.isEmpty())
+        png_set_PLTE(png, info, reinterpret_cast<png_const_colorp>(kind.palette.constData()),
+                     int(kind.palette.size() / 3));
+    png_write_info(png, info);
+    writeChunk("tRNS", kind.transparency);
+    writeChunk(kind.extraChunkType.constData(), kind.extraChunk);
+    const size_t rowBytes = png_get_rowbytes(png, info);
+    std::vector<png_bytep> pointers;
+    for (size_t y = 0; y < size_t(height); ++y)
+        pointers.push_back(const_cast<png_bytep>(rows.data()) + y * rowBytes);
+    png_write_image(png, pointers.data());
+    png_write_end(png, nullptr);
+    png_destroy_write_struct(&png, &info);
+    return file;
+}
+
+} // namespace hazelmark
