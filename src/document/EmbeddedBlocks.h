@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+
+namespace hazelmark {
+
+/// The metadata of a JPEG, PNG or WebP file as the bytes that it embeds; empty where it has none.
+struct EmbeddedBlocks
+{
+    QByteArray exif;        ///< TIFF-structured, without the "Exif\0\0" lead-in
+    QByteArray iptc;        ///< IIM records
+    QByteArray xmp;         ///< the packet
+    QByteArray extendedXmp; ///< JPEG only: the part of the packet that did not fit into one segment
+};
+
+/// Blocks larger than this are passed over.
+inline constexpr qint64 kMaxBlockSize = 64 * 1024 * 1024;
+
+/// Only these formats are known here: "jpeg", "png" and "webp", as PictureInfo::format names them.
+bool hasEmbeddedBlocks(const QByteArray &format);
+
+/// What the file at `path` embeds, or nothing when it cannot be read. Damage ends the search; what was found before it
+/// counts.
+EmbeddedBlocks readEmbeddedBlocks(const QString &path, const QByteArray &format);
+
+} // namespace hazelmark

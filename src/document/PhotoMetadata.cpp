@@ -1,0 +1,71 @@
+#include "PhotoMetadata.h"
+
+#include "Exiv2Session.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <string>
+
+namespace hazelmark {
+
+namespace {
+
+const Exiv2::byte *bytesOf(const QByteArray &block)
+{
+    return reinterpret_cast<const Exiv2::byte *>(block.constData());
+}
+
+} // namespace
+
+PhotoMetadata parseBlocks(const QString &path, const EmbeddedBlocks &blocks)
+{
+    PhotoMetadata metadata;
+    if (!blocks.exif.isEmpty()) {
+        withExiv2(path, [&] {
+            const auto order =
+                Exiv2::ExifParser::decode(metadata.exif, bytesOf(blocks.exif), uint32_t(blocks.exif.size()));
+            if (order != Exiv2::invalidByteOrder)
+                metadata.byteOrder = order;
+        });
+    }
+    if (!blocks.iptc.isEmpty()) {
+        withExiv2(path, [&] {
+            if (Exiv2::IptcParser::decode(metadata.iptc, bytesOf(blocks.iptc), uint32_t(blocks.iptc.size())) != 0)
+                qCWarning(lcDocument).noquote() << path + QStringLiteral(": IPTC records left out");
+        });
+    }
+    if (!blocks.xmp.isEmpty()) {
+        withExiv2(path, [&] {
+            if (Exiv2::XmpParser::decode(metadata.xmp, blocks.xmp.toStdString()) != 0)
+                qCWarning(lcDocument).noquote() << path + QStringLiteral(": XMP packet left out");
+        });
+    }
+    return metadata;
+}
+
+PhotoMetadata parseFile(const QString &path)
+{
+    PhotoMetadata metadata;
+    withExiv2(path, [&] {
+        // In full: Exiv2 takes "-", "data:..." and the like for something else than names of files.
+        const std::string name = QFile::encodeName(QFileInfo(path).absoluteFilePath()).toStdString();
+        if (Exiv2::ImageFactory::getType(name) == Exiv2::ImageType::none)
+            return;
+        const auto image = Exiv2::ImageFactory::open(name);
+        image->readMetadata();
+        metadata.exif = image->exifData();
+        metadata.iptc = image->iptcData();
+        metadata.xmp = image->xmpData();
+        if (image->byteOrder() != Exiv2::invalidByteOrder)
+            metadata.byteOrder = image->byteOrder();
+    });
+    return metadata;
+}
+
+PhotoMetadata readPhotoMetadata(const QString &path, const QByteArray &format)
+{
+    return hasEmbeddedBlocks(format) ? parseBlocks(path, readEmbeddedBlocks(path, format)) : parseFile(path);
+}
+
+} // namespace hazelmark

@@ -1,0 +1,346 @@
+#include "PropertyDictionary.h"
+
+#include "Decoder.h"
+#include "ExifValues.h"
+#include "Exiv2Session.h"
+#include "IptcNames.h"
+#include "ObjectText.h"
+#include "PhotoMetadata.h"
+#include "ProfileName.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <string>
+
+namespace hazelmark {
+
+namespace {
+
+/// Of the first directory's tags those that describe the picture, and not how its data lies in the file.
+constexpr std::array kTiffTags = {"DocumentName",
+                                  "ImageDescription",
+                                  "Make",
+                                  "Model",
+                                  "Orientation",
+                                  "XResolution",
+                                  "YResolution",
+                                  "ResolutionUnit",
+                                  "Software",
+                                  "DateTime",
+                                  "Artist",
+                                  "HostComputer",
+                                  "Copyright",
+                                  "WhitePoint",
+                                  "Compression",
+                                  "TileWidth",
+                                  "PrimaryChromaticities",
+                                  "TileLength",
+                                  "TransferFunction",
+                                  "PhotometricInterpretation"};
+
+QString colorModelName(ColorModel model)
+{
+    switch (model) {
+    case ColorModel::Rgb:
+        return QStringLiteral("RGB");
+    case ColorModel::Gray:
+        return QStringLiteral("Gray");
+    case ColorModel::Cmyk:
+        return QStringLiteral("CMYK");
+    case ColorModel::Lab:
+        return QStringLiteral("Lab");
+    }
+    Q_UNREACHABLE();
+}
+
+/// Fills the groups of the dictionary from what was parsed. Every group is a step of its own, so that one which makes
+/// no sense does not take the others along.
+class DictionaryBuilder
+{
+public:
+    DictionaryBuilder(const QString &path, const PictureInfo &info)
+        : m_path(path)
+        , m_info(info)
+        , m_metadata(readPhotoMetadata(path, info.format))
+    {
+    }
+
+    QVariantMap build()
+    {
+        takeHeader();
+        withExiv2(m_path, [this] { takeExifTags(); });
+        withExiv2(m_path, [this] { takeOrientation(); });
+        withExiv2(m_path, [this] { takeIptc(); });
+        withExiv2(m_path, [this] { takeRating(); });
+        withExiv2(m_path, [this] { takeAuxiliary(); });
+        takeResolution();
+        insertGroup(kExifGroup, m_exif);
+        insertGroup(kTiffGroup, m_tiff);
+        insertGroup(kGpsGroup, m_gps);
+        insertGroup(kIptcGroup, m_iptc);
+        insertGroup(kExifAuxGroup, m_aux);
+        return m_top;
+    }
+
+private:
+    static void insert(QVariantMap &group, const QString &key, const QVariant &object)
+    {
+        if (object.isValid() && !group.contains(key))
+            group.insert(key, object);
+    }
+
+    void insertGroup(QLatin1String key, const QVariantMap &group)
+    {
+        if (!group.isEmpty())
+            m_top.insert(key, group);
+    }
+
+    void takeHeader()
+    {
+        m_top.insert(QStringLiteral("PixelWidth"), qlonglong(m_info.frames.front().width()));
+        m_top.insert(QStringLiteral("PixelHeight"), qlonglong(m_info.frames.front().height()));
+        m_top.insert(QStringLiteral("Depth"), qlonglong(m_info.bitsPerChannel));
+        m_top.insert(QStringLiteral("ColorModel"), colorModelName(m_info.colorModel));
+        if (m_info.hasAlpha)
+            m_top.insert(QStringLiteral("HasAlpha"), true);
+        const QString profile = profileName(m_info.iccProfile);
+        if (!profile.isNull())
+            m_top.insert(QStringLiteral("ProfileName"), profile);
+    }
+
+    void takeExifTags()
+    {
+        for (const Exiv2::Exifdatum &datum : m_metadata.exif) {
+            const std::string group = datum.groupName();
+            const std::string tag = datum.tagName();
+            const bool isUnknown = tag.rfind("0x", 0) == 0;
+            if (isUnknown)
+                continue;
+            if (group == "Image")
+                takeImageTag(tag, datum.value());
+            else if (group == "Photo")
+                takePhotoTag(tag, datum.value());
+            else if (group == "GPSInfo")
+                takeGpsTag(tag, datum.value());
+        }
+    }
+
+    void takeImageTag(const std::string &tag, const Exiv2::Value &value)
+    {
+        if (tag != "Orientation" && std::find(kTiffTags.begin(), kTiffTags.end(), tag) != kTiffTags.end())
+            insert(m_tiff, QString::fromStdString(tag), exifObject(value));
+    }
+
+    void takePhotoTag(const std::string &tag, const Exiv2::Value &value)
+    {
+        if (tag == "MakerNote" || tag == "InteroperabilityTag") // a block of its own, and a mere offset
+            return;
+        QVariant object = tag == "UserComment" ? codedText(value, m_metadata.byteOrder) : exifObject(value);
+        const bool isArray = object.typeId() == QMetaType::QVariantList;
+        if (tag == "ISOSpeedRatings" && object.isValid() && !isArray)
+            object = QVariantList{object};
+        insert(m_exif, QString::fromStdString(tag), object);
+    }
+
+    void takeGpsTag(const std::string &tag, const Exiv2::Value &value)
+    {
+        const QString key = QString::fromStdString(tag.rfind("GPS", 0) == 0 ? tag.substr(3) : tag);
+        if (key.endsWith(QLatin1String("Latitude")) || key.endsWith(QLatin1String("Longitude")))
+            insert(m_gps, key, decimalDegrees(value));
+        else if (key == QLatin1String("TimeStamp"))
+            insert(m_gps, key, timeText(value));
+        else if (key == QLatin1String("ProcessingMethod") || key == QLatin1String("AreaInformation"))
+            insert(m_gps, key, codedText(value, m_metadata.byteOrder));
+        else
+            insert(m_gps, key, exifObject(value));
+    }
+
+    /// The one place where the tag is read: the top level and "{TIFF}" both have it from here.
+    void takeOrientation()
+    {
+        const auto found = m_metadata.exif.findKey(Exiv2::ExifKey("Exif.Image.Orientation"));
+        if (found == m_metadata.exif.end())
+            return;
+        const QVariant orientation = exifObject(found->value());
+        if (orientation.typeId() != QMetaType::LongLong)
+            return;
+        insert(m_top, QStringLiteral("Orientation"), orientation);
+        insert(m_tiff, QStringLiteral("Orientation"), orientation);
+    }
+
+    void takeIptc()
+    {
+        for (const Exiv2::Iptcdatum &datum : m_metadata.iptc) {
+            const bool isApplicationRecord = datum.record() == Exiv2::IptcDataSets::application2;
+            const IptcName *name = isApplicationRecord ? iptcName(datum.tag()) : nullptr;
+            const QString text = name ? metadataText(rawBytes(datum.value(), Exiv2::bigEndian)) : QString();
+            if (text.isEmpty())
+                continue;
+            const QString key = QLatin1String(name->key);
+            if (name->repeats)
+                m_iptc.insert(key, m_iptc.value(key).toList() << QVariant(text));
+            else
+                insert(m_iptc, key, text);
+        }
+        if (!m_iptc.contains(QStringLiteral("Keywords")))
+            takeXmpKeywords();
+    }
+
+    void takeXmpKeywords()
+    {
+        const auto subject = m_metadata.xmp.findKey(Exiv2::XmpKey("Xmp.dc.subject"));
+        if (subject == m_metadata.xmp.end())
+            return;
+        QVariantList keywords;
+        for (long i = 0; i < subject->count(); ++i)
+            keywords += metadataText(QByteArray::fromStdString(subject->toString(i)));
+        if (!keywords.isEmpty())
+            m_iptc.insert(QStringLiteral("Keywords"), keywords);
+    }
+
+    /// Stars: 0 to 5, or -1 for a rejected picture. XMP comes first: it is what editors keep up to date, while cameras
+    /// write a 0 into the EXIF tag.
+    void takeRating()
+    {
+        QVariant rating = xmpNumber("Xmp.xmp.Rating");
+        if (!rating.isValid())
+            rating = exifNumber("Exif.Image.Rating");
+        if (!rating.isValid())
+            rating = starsOfPercent(exifNumber("Exif.Image.RatingPercent"));
+        if (!rating.isValid())
+            rating = starsOfPercent(xmpNumber("Xmp.MicrosoftPhoto.Rating"));
+        insert(m_exif, QStringLiteral("Rating"), rating);
+    }
+
+    QVariant exifNumber(const char *key) const
+    {
+        const auto found = m_metadata.exif.findKey(Exiv2::ExifKey(key));
+        return found == m_metadata.exif.end() ? QVariant() : exifObject(found->value());
+    }
+
+    QVariant xmpNumber(const char *key) const
+    {
+        const auto found = m_metadata.xmp.findKey(Exiv2::XmpKey(key));
+        if (found == m_metadata.xmp.end())
+            return {};
+        bool isNumber = false;
+        const QByteArray text = QByteArray::fromStdString(found->toString()).trimmed();
+        const double value = text.toDouble(&isNumber);
+        if (!isNumber || !std::isfinite(value))
+            return {};
+        return value == integerValue(value) ? QVariant(qlonglong(value)) : QVariant(value);
+    }
+
+    /// 1, 25, 50, 75 and 99 per cent stand for one to five stars.
+    static QVariant starsOfPercent(const QVariant &percent)
+    {
+        if (!percent.isValid())
+            return {};
+        constexpr std::array kLeastPercent = {1, 13, 38, 63, 88};
+        return qlonglong(std::count_if(kLeastPercent.begin(), kLeastPercent.end(),
+                                       [&](int least) { return integerValue(percent) >= least; }));
+    }
+
+    void takeAuxiliary()
+    {
+        static constexpr std::array<std::array<const char *, 2>, 5> kExifSources = {{
+            {"LensModel", "LensModel"},
+            {"LensSpecification", "LensInfo"},
+            {"LensSerialNumber", "LensSerialNumber"},
+            {"BodySerialNumber", "SerialNumber"},
+            {"CameraOwnerName", "OwnerName"},
+        }};
+        for (const auto &[from, to] : kExifSources)
+            insert(m_aux, QLatin1String(to), m_exif.value(QLatin1String(from)));
+
+        static constexpr std::array<std::array<const char *, 2>, 5> kXmpSources = {{
+            {"Xmp.aux.Lens", "LensModel"},
+            {"Xmp.aux.SerialNumber", "SerialNumber"},
+            {"Xmp.aux.OwnerName", "OwnerName"},
+            {"Xmp.aux.Firmware", "Firmware"},
+            {"Xmp.aux.LensSerialNumber", "LensSerialNumber"},
+        }};
+        for (const auto &[from, to] : kXmpSources) {
+            const auto found = m_metadata.xmp.findKey(Exiv2::XmpKey(from));
+            if (found == m_metadata.xmp.end())
+                continue;
+            const QString text = metadataText(QByteArray::fromStdString(found->toString()));
+            if (!text.isEmpty())
+                insert(m_aux, QLatin1String(to), text);
+        }
+        takeMakerNoteLens();
+    }
+
+    /// Older cameras name the lens in their maker notes alone, often as a code that the library has a name for.
+    void takeMakerNoteLens()
+    {
+        const auto lens = Exiv2::lensName(m_metadata.exif);
+        if (lens == m_metadata.exif.end())
+            return;
+        const QString name = metadataText(QByteArray::fromStdString(lens->print(&m_metadata.exif)));
+        const bool isName = !name.isEmpty() && name.front().isLetter() && name != QLatin1String("n/a");
+        if (isName)
+            insert(m_aux, QStringLiteral("LensModel"), name);
+    }
+
+    void takeResolution()
+    {
+        std::optional<QSizeF> dpi = m_info.dpi;
+        if (!dpi)
+            dpi = exifResolution();
+        if (!dpi)
+            return;
+        m_top.insert(QStringLiteral("DPIWidth"), dpi->width());
+        m_top.insert(QStringLiteral("DPIHeight"), dpi->height());
+    }
+
+    std::optional<QSizeF> exifResolution() const
+    {
+        constexpr int kPerInch = 2;
+        constexpr int kPerCentimetre = 3;
+        constexpr double kCentimetresPerInch = 2.54;
+        const QSizeF resolution(m_tiff.value(QStringLiteral("XResolution")).toDouble(),
+                                m_tiff.value(QStringLiteral("YResolution")).toDouble());
+        const int unit = m_tiff.value(QStringLiteral("ResolutionUnit"), kPerInch).toInt();
+        if (resolution.isEmpty() || (unit != kPerInch && unit != kPerCentimetre))
+            return std::nullopt;
+        return unit == kPerInch ? resolution : resolution * kCentimetresPerInch;
+    }
+
+    const QString m_path;
+    const PictureInfo &m_info;
+    PhotoMetadata m_metadata;
+    QVariantMap m_top;
+    QVariantMap m_exif;
+    QVariantMap m_tiff;
+    QVariantMap m_gps;
+    QVariantMap m_iptc;
+    QVariantMap m_aux;
+};
+
+} // namespace
+
+std::optional<PictureProperties> readPictureProperties(const QString &path)
+{
+    const Outcome<PictureInfo> info = readPictureInfo(path);
+    if (!info || info->frames.empty())
+        return std::nullopt;
+    PictureProperties properties{DictionaryBuilder(path, *info).build(), info->frames};
+    const int orientation = integerValue(properties.dictionary.value(QStringLiteral("Orientation")));
+    if (orientation >= 5 && orientation <= 8) {
+        for (QSize &size : properties.uprightSizes)
+            size.transpose();
+    }
+    return properties;
+}
+
+std::optional<QVariantMap> readPropertyDictionary(const QString &path)
+{
+    std::optional<PictureProperties> properties = readPictureProperties(path);
+    if (!properties)
+        return std::nullopt;
+    return std::move(properties->dictionary);
+}
+
+} // namespace hazelmark

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "Encoder.h"
+
+#include <QByteArray>
+#include <QSize>
+#include <QString>
+#include <QVariant>
+
+#include <initializer_list>
+#include <ostream>
+#include <utility>
+
+class QTemporaryDir;
+
+namespace hazelmark {
+
+/// Readable failures.
+inline void PrintTo(const QString &text, std::ostream *out)
+{
+    *out << '"' << text.toStdString() << '"';
+}
+
+/// An EXIF block with the given tags ("Exif.Photo.FNumber", "28/10"), which Exiv2 types as its tables say.
+QByteArray exifBlock(std::initializer_list<std::pair<const char *, const char *>> tags, bool bigEndian = false);
+
+/// IIM records with the given data sets ("Iptc.Application2.Keywords", "sea").
+QByteArray iptcBlock(std::initializer_list<std::pair<const char *, const char *>> dataSets);
+
+/// An XMP packet whose one description holds `properties`, in which the usual prefixes are declared.
+QByteArray xmpPacket(const QByteArray &properties, const QByteArray &attributes = {});
+
+/// Writes a small grey-blue picture of `size` pixels with the blocks embedded, and hands back its path.
+QString writePhoto(const QTemporaryDir &folder, WriteFormat format, const MetadataBlocks &metadata,
+                   QSize size = {40, 30});
+
+/// The bytes as a file in the folder; its path.
+QString writeBytes(const QTemporaryDir &folder, const QString &name, const QByteArray &bytes);
+QByteArray readBytes(const QString &path);
+
+/// A photo's blocks as a camera and an editor would leave them: camera, exposure, position, caption, keywords, rating.
+MetadataBlocks richMetadata();
+
+} // namespace hazelmark
