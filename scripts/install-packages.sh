@@ -4,7 +4,7 @@
 set -euo pipefail
 
 build=(ca-certificates g++ cmake ninja-build pkg-config
-    qt6-base-dev qt6-base-dev-tools libgl-dev
+    qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev libxcb1-dev
     libexiv2-dev libjpeg62-turbo-dev libpng-dev libtiff-dev libgif-dev libimagequant-dev liblcms2-dev libhwy-dev)
 run=(qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins qt6-wayland xdg-utils)
 test=(libgtest-dev libgmock-dev libimage-exiftool-perl clang-format python3

@@ -1,0 +1,38 @@
+#pragma once
+
+#include <QPainterPath>
+#include <QWidget>
+
+namespace hazelmark {
+
+/// A small window that points with an arrow at the view it belongs to. A press elsewhere, or Esc, closes it.
+class CalloutWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    /// `content` becomes a child of the callout and gives it its size.
+    explicit CalloutWindow(QWidget *content, QWidget *parent = nullptr);
+
+    /// Shows the callout at `edge` of `anchor`, its arrow on the edge's middle, or as near to that as the screen
+    /// allows. Where there is no room on that side it stands on the opposite one.
+    void showRelativeTo(const QWidget &anchor, Qt::Edge edge);
+
+signals:
+    void closed();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QPainterPath outline() const;
+    void layOut(Qt::Edge arrowSide);
+
+    QWidget *m_content;
+    Qt::Edge m_arrowSide = Qt::TopEdge; ///< of the callout
+    int m_arrowPosition = 0;            ///< along that side, in points
+};
+
+} // namespace hazelmark

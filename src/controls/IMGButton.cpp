@@ -1,0 +1,346 @@
+#include "IMGButton.h"
+
+#include "FocusRing.h"
+#include "ImageCatalog.h"
+#include "Theme.h"
+
+#include <QFontMetricsF>
+#include <QGuiApplication>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QPointer>
+
+#include <algorithm>
+#include <cmath>
+
+namespace hazelmark {
+
+namespace {
+
+const QString kMeasuringFamily = QStringLiteral("Lucida Grande"); // or what the system has for it
+constexpr int kSmallestSize = 4;
+constexpr int kLargestSize = 50;
+constexpr double kBoldFromWidth = 200;
+constexpr double kBoldToWidth = 245;
+constexpr int kBoldSize = 20;
+constexpr QColor kDisabledGray{96, 96, 96};
+
+QFont measuringFont(int size)
+{
+    QFont font(kMeasuringFamily);
+    font.setPixelSize(size);
+    return font;
+}
+
+QSizeF measure(const QString &text, const QFont &font)
+{
+    return QFontMetricsF(font).size(0, text);
+}
+
+} // namespace
+
+IMGButton::IMGButton(QWidget *parent)
+    : QAbstractButton(parent)
+{
+    setCheckable(true);
+    setCursor(Qt::PointingHandCursor);
+    setFocusPolicy(Qt::TabFocus);
+    m_titleColors.fill(Qt::white);
+    m_titleColors[OnStateDis] = m_titleColors[OffStateDis] = kDisabledGray;
+}
+
+void IMGButton::setPieces(State state, const Pieces &pieces)
+{
+    m_pieces[state] = pieces;
+    updateGeometry();
+    update();
+}
+
+void IMGButton::setImgOnState_En(const QString &name)
+{
+    m_pieces[OnState].end = name;
+    update();
+}
+
+void IMGButton::setImgOffState_En(const QString &name)
+{
+    m_pieces[OffState].end = name;
+    updateGeometry();
+    update();
+}
+
+void IMGButton::setImgMouseHover(const QString &name)
+{
+    m_imgMouseHover = name;
+    update();
+}
+
+void IMGButton::setTitleColor(State state, const QColor &color)
+{
+    m_titleColors[state] = color;
+    update();
+}
+
+void IMGButton::setTitleMargins(const QMargins &margins)
+{
+    m_margins = margins;
+    update();
+}
+
+void IMGButton::setMultiLineMargins(int top, int bottom)
+{
+    m_marginTopML = top;
+    m_marginBottomML = bottom;
+    update();
+}
+
+void IMGButton::setMultiLineStr(const QString &separator)
+{
+    m_multiLineStr = separator;
+    update();
+}
+
+void IMGButton::setMakeBoldFont(bool bold)
+{
+    m_makeBoldFont = bold;
+    update();
+}
+
+QSize IMGButton::sizeHint() const
+{
+    const Pieces &off = m_pieces[OffState];
+    QSizeF size;
+    for (const QString &name : {off.start, off.middle, off.end}) {
+        const QSizeF piece = ImageCatalog::naturalSize(name);
+        if (!piece.isEmpty())
+            size = QSizeF(size.width() + piece.width(), std::max(size.height(), piece.height()));
+    }
+    if (!text().isEmpty()) {
+        const QSizeF title = measure(text(), theme::systemFont());
+        size = size.expandedTo({std::ceil(title.width()) + m_margins.left() + m_margins.right(),
+                                std::ceil(title.height()) + m_margins.top() + m_margins.bottom()});
+    }
+    return size.toSize();
+}
+
+bool IMGButton::event(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::Enter:
+        // Hovering is a thing of the application that the person works in.
+        if (QGuiApplication::applicationState() == Qt::ApplicationActive) {
+            m_mouseHover = true;
+            update();
+        }
+        break;
+    case QEvent::Leave:
+        m_mouseHover = false;
+        update();
+        break;
+    case QEvent::Hide:
+        // No release will come.
+        if (m_mouseDown) {
+            m_mouseDown = false;
+            setEnabled(true);
+        }
+        break;
+    case QEvent::MouseButtonRelease:
+        // The press has disabled the button, and disabled widgets are not told of a release.
+        if (m_mouseDown) {
+            mouseReleaseEvent(static_cast<QMouseEvent *>(event));
+            return true;
+        }
+        break;
+    default:
+        break;
+    }
+    return QAbstractButton::event(event);
+}
+
+void IMGButton::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    if (!isEnabled())
+        return;
+    m_mouseDown = true;
+    setEnabled(false);
+    update();
+    event->accept();
+}
+
+void IMGButton::mouseReleaseEvent(QMouseEvent *event)
+{
+    if (!m_mouseDown || event->button() != Qt::LeftButton) {
+        event->ignore();
+        return;
+    }
+    m_mouseDown = false;
+    update();
+    const QPointF point = event->position();
+    const bool inside = point.x() >= 0 && point.x() <= width() && point.y() >= 0 && point.y() <= height();
+    event->accept();
+    if (inside)
+        sendActionAndToggle();
+    else
+        setEnabled(true);
+}
+
+void IMGButton::sendActionAndToggle()
+{
+    const QPointer<IMGButton> self = this; // an action may end its button
+    emit clicked(isChecked());
+    if (!self)
+        return;
+    setChecked(!isChecked());
+    if (m_enableImmediately)
+        setEnabled(true);
+    update();
+}
+
+void IMGButton::keyPressEvent(QKeyEvent *event)
+{
+    const bool acts = event->key() == Qt::Key_Space || event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    if (acts && !event->isAutoRepeat() && !m_mouseDown) {
+        setEnabled(m_enableImmediately);
+        sendActionAndToggle();
+    } else if (!acts) {
+        QAbstractButton::keyPressEvent(event);
+    }
+}
+
+void IMGButton::keyReleaseEvent(QKeyEvent *event)
+{
+    // The base class would click on the release of the space bar.
+    if (event->key() != Qt::Key_Space)
+        QAbstractButton::keyReleaseEvent(event);
+}
+
+void IMGButton::nextCheckState()
+{
+    // Reached by assistive technology, before the action is sent: the state flips after it, as with the mouse.
+    QMetaObject::invokeMethod(
+        this, [this] { setChecked(!isChecked()); }, Qt::QueuedConnection);
+}
+
+bool IMGButton::focusNextPrevChild(bool next)
+{
+    // Being disabled for the length of a press is no reason to hand the focus on.
+    return m_mouseDown || QAbstractButton::focusNextPrevChild(next);
+}
+
+IMGButton::State IMGButton::currentState() const
+{
+    if (!isEnabled())
+        return isChecked() ? OnStateDis : OffStateDis;
+    if (m_mouseDown)
+        return isChecked() ? OnStateDwn : OffStateDwn;
+    return isChecked() ? OnState : OffState;
+}
+
+QColor IMGButton::currentTitleColor() const
+{
+    if (!isEnabled())
+        return m_titleColors[isChecked() ? OnStateDis : OffStateDis];
+    return m_titleColors[isChecked() ? OnState : OffState];
+}
+
+void IMGButton::drawPieces(QPainter &painter, const Pieces &pieces) const
+{
+    const QRectF bounds = rect();
+    const qreal scale = devicePixelRatioF();
+    const qreal startWidth = std::min(ImageCatalog::naturalSize(pieces.start).width(), bounds.width());
+    const qreal endWidth = std::min(ImageCatalog::naturalSize(pieces.end).width(), bounds.width());
+    const auto draw = [&](const QString &name, const QRectF &target) {
+        const QPixmap pixmap = ImageCatalog::imageNamed(name, target.size(), scale);
+        if (!pixmap.isNull())
+            painter.drawPixmap(target, pixmap, QRectF(pixmap.rect()));
+    };
+    draw(pieces.middle, bounds.adjusted(startWidth, 0, -endWidth, 0));
+    draw(pieces.start, QRectF(0, 0, startWidth, bounds.height()));
+    draw(pieces.end, QRectF(bounds.width() - endWidth, 0, endWidth, bounds.height()));
+}
+
+void IMGButton::breakTitle()
+{
+    const QStringList parts = m_mTitle.split(m_multiLineStr.isEmpty() ? QStringLiteral("\n") : m_multiLineStr);
+    if (parts.size() < 2)
+        return;
+    const qsizetype firstLine = parts.size() / 2; // the middle, rounded down
+    m_mTitle =
+        parts.mid(0, firstLine).join(m_multiLineStr) + QLatin1Char('\n') + parts.mid(firstLine).join(m_multiLineStr);
+}
+
+const IMGButton::Layout &IMGButton::getAttributesForRect(const QRectF &rect, bool multi)
+{
+    Layout &layout = multi ? m_twoLines : m_singleLine;
+    if (multi)
+        breakTitle();
+    const QString title = multi ? m_mTitle : text();
+    const int top = multi ? m_marginTopML : m_margins.top();
+    const int bottom = multi ? m_marginBottomML : m_margins.bottom();
+    const QRectF area = rect.adjusted(m_margins.left(), top, -m_margins.right(), -bottom);
+
+    int size = kSmallestSize;
+    QSizeF failing = measure(title, measuringFont(size + 1));
+    while (failing.width() <= area.width() && failing.height() <= area.height()) {
+        ++size;
+        if (size + 1 > kLargestSize)
+            return layout; // every size fits
+        failing = measure(title, measuringFont(size + 1));
+    }
+    layout.font = theme::systemFont(size);
+    if (m_makeBoldFont && failing.width() > kBoldFromWidth && failing.width() < kBoldToWidth) {
+        layout.font = measuringFont(kBoldSize);
+        layout.font.setBold(true);
+    }
+    layout.measured = measure(title, layout.font);
+    layout.rect = area.translated(0, (area.height() - layout.measured.height()) / 2);
+    return layout;
+}
+
+void IMGButton::drawTitle(QPainter &painter)
+{
+    const QRectF bounds = rect();
+    painter.setPen(currentTitleColor());
+    const Layout &single = getAttributesForRect(bounds);
+    const auto draw = [&](const Layout &layout, const QString &title, QPointF offset) {
+        if (layout.measured.isEmpty())
+            return; // none was made so far
+        painter.setFont(layout.font);
+        painter.drawText(layout.rect.translated(offset), Qt::AlignHCenter | Qt::AlignTop | Qt::TextDontClip, title);
+    };
+    const bool breaks =
+        text().contains(QLatin1Char('\n')) || (!m_multiLineStr.isEmpty() && text().split(m_multiLineStr).size() >= 2);
+    if (!breaks) {
+        draw(single, text(), {});
+        return;
+    }
+    const Layout &two = getAttributesForRect(bounds, true);
+    const QPointF offset = m_mouseDown ? QPointF(1, 1) : QPointF();
+    const bool twoAreLarger =
+        two.measured.width() * two.measured.height() > single.measured.width() * single.measured.height();
+    if (twoAreLarger)
+        draw(two, m_mTitle, offset);
+    else
+        draw(single, text(), offset);
+}
+
+void IMGButton::paintEvent(QPaintEvent *)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    m_mTitle = text();
+    drawPieces(painter, m_pieces[currentState()]);
+    drawTitle(painter);
+    if (m_mouseHover && !isChecked()) {
+        drawPieces(painter, {m_pieces[OnState].start, m_pieces[OnState].middle, m_imgMouseHover});
+        m_mTitle = text();
+        drawTitle(painter);
+    }
+    drawFocusRing(painter, *this);
+}
+
+} // namespace hazelmark

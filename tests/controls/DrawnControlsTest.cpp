@@ -1,0 +1,275 @@
+#include "BarProgressIndicator.h"
+#include "FloatSlider.h"
+#include "HighlightButton.h"
+#include "Theme.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QImage>
+#include <QSignalSpy>
+#include <QTest>
+#include <QWheelEvent>
+
+#include <gtest/gtest.h>
+
+#include <limits>
+
+using namespace hazelmark;
+
+namespace {
+
+const QColor kSliderGreen(52, 215, 64);
+
+QImage drawn(QWidget &widget)
+{
+    QImage image(widget.size(), QImage::Format_ARGB32);
+    image.fill(Qt::transparent);
+    widget.render(&image, {}, {}, QWidget::RenderFlags());
+    return image;
+}
+
+/// How many pixels of row `y` have exactly this colour.
+int count(const QImage &image, int y, const QColor &color)
+{
+    int number = 0;
+    for (int x = 0; x < image.width(); ++x)
+        number += image.pixelColor(x, y) == color;
+    return number;
+}
+
+void wheel(QWidget &widget, int angle)
+{
+    QWheelEvent event(QPointF(5, 5), widget.mapToGlobal(QPointF(5, 5)), {}, {0, angle}, Qt::NoButton, {},
+                      Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
+class FloatSliderTest : public testing::Test
+{
+protected:
+    FloatSliderTest()
+    {
+        m_slider.resize(220, 21);
+        m_slider.setRange(0, 100);
+        m_slider.show();
+    }
+
+    FloatSlider m_slider;
+    QSignalSpy m_action{&m_slider, &FloatSlider::valueChangedByUser};
+};
+
+} // namespace
+
+TEST_F(FloatSliderTest, OnlyAPersonsChangeSendsTheAction)
+{
+    m_slider.setValue(12.5);
+    m_slider.setRange(20, 100);
+    EXPECT_DOUBLE_EQ(m_slider.value(), 20);
+    EXPECT_TRUE(m_action.isEmpty());
+    QTest::mouseClick(&m_slider, Qt::LeftButton, {}, {110, 10});
+    EXPECT_DOUBLE_EQ(m_slider.value(), 60);
+    ASSERT_EQ(m_action.size(), 1);
+    EXPECT_DOUBLE_EQ(m_action[0][0].toDouble(), 60);
+}
+
+TEST_F(FloatSliderTest, FollowsThePointerFromWhereItTookTheKnob)
+{
+    m_slider.setValue(50); // knob centre at x = 110
+    QTest::mousePress(&m_slider, Qt::LeftButton, {}, {114, 10});
+    EXPECT_TRUE(m_action.isEmpty()) << "taking hold of the knob moved it";
+    QTest::mouseMove(&m_slider, {124, 10});
+    EXPECT_DOUBLE_EQ(m_slider.value(), 55);
+    QTest::mouseMove(&m_slider, {1000, -50});
+    EXPECT_DOUBLE_EQ(m_slider.value(), 100);
+    QTest::mouseMove(&m_slider, {1100, -50});
+    EXPECT_EQ(m_action.size(), 2) << "no action without a change";
+    QTest::mouseRelease(&m_slider, Qt::LeftButton, {}, {1100, -50});
+    QTest::mouseMove(&m_slider, {30, 10});
+    EXPECT_DOUBLE_EQ(m_slider.value(), 100);
+}
+
+TEST_F(FloatSliderTest, StepsWithKeysAndWheel)
+{
+    m_slider.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&m_slider));
+    m_slider.clearFocus();
+    m_slider.setValue(40);
+    wheel(m_slider, 120);
+    EXPECT_DOUBLE_EQ(m_slider.value(), 40) << "scrolling past a slider changed it";
+    m_slider.setFocus();
+    wheel(m_slider, 120);
+    EXPECT_DOUBLE_EQ(m_slider.value(), 41);
+    wheel(m_slider, -240);
+    EXPECT_DOUBLE_EQ(m_slider.value(), 39);
+    const std::pair<Qt::Key, double> keys[] = {{Qt::Key_Right, 40},  {Qt::Key_Up, 41},   {Qt::Key_Left, 40},
+                                               {Qt::Key_PageUp, 50}, {Qt::Key_End, 100}, {Qt::Key_Home, 0},
+                                               {Qt::Key_Down, 0}};
+    for (const auto &[key, value] : keys) {
+        QTest::keyClick(&m_slider, key);
+        EXPECT_DOUBLE_EQ(m_slider.value(), value) << key;
+    }
+    EXPECT_EQ(m_action.size(), 8);
+    m_slider.setRange(0, 1);
+    m_slider.stepBy(3);
+    EXPECT_DOUBLE_EQ(m_slider.value(), 0.03);
+}
+
+TEST_F(FloatSliderTest, KeepsToItsRangeWhateverItIsGiven)
+{
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    for (const auto &[given, kept] : {std::pair{-5.0, 0.0},
+                                      {1e9, 100.0},
+                                      {kInfinity, 100.0},
+                                      {-kInfinity, 0.0},
+                                      {std::numeric_limits<double>::quiet_NaN(), 0.0}}) {
+        m_slider.setValue(given);
+        EXPECT_EQ(m_slider.value(), kept) << given;
+    }
+    m_slider.setRange(5, 5);
+    EXPECT_EQ(m_slider.fraction(), 0);
+    m_slider.setRange(9, 3);
+    EXPECT_EQ(m_slider.maxValue(), 9);
+    drawn(m_slider);
+}
+
+TEST_F(FloatSliderTest, DrawsAGrayTrackAndAGreenPart)
+{
+    constexpr int kTrackTop = 8; // 5 rows in the middle of 21
+    const QImage empty = drawn(m_slider);
+    const QColor track = empty.pixelColor(100, kTrackTop);
+    EXPECT_EQ(track.alpha(), 128);
+    EXPECT_NEAR(track.red(), 167, 1); // stored premultiplied
+    EXPECT_NEAR(track.blue(), 165, 1);
+    EXPECT_EQ(empty.pixelColor(18, kTrackTop), track) << "nothing of the track is green";
+    EXPECT_EQ(empty.pixelColor(215, kTrackTop), track);
+    EXPECT_EQ(empty.pixelColor(216, kTrackTop).alpha(), 0);
+    m_slider.setValue(100);
+    const QImage full = drawn(m_slider);
+    int first = -1, last = -1;
+    for (int x = 0; x < full.width(); ++x) {
+        if (full.pixelColor(x, kTrackTop) == kSliderGreen) {
+            first = first < 0 ? x : first;
+            last = x;
+        }
+    }
+    EXPECT_EQ(first, 4);
+    EXPECT_EQ(last - first + 1, 220 - 8);
+    EXPECT_EQ(full.pixelColor(20, kTrackTop - 1).alpha(), 0) << "the track is 5 points high";
+    EXPECT_EQ(full.pixelColor(20, kTrackTop + 4), kSliderGreen);
+    EXPECT_EQ(full.pixelColor(20, kTrackTop + 5).alpha(), 0);
+    EXPECT_EQ(full.pixelColor(210, 10), kSliderGreen);
+    EXPECT_EQ(full.pixelColor(210, 5), kSliderGreen) << "the knob stands above the track";
+}
+
+TEST_F(FloatSliderTest, IsReadAndChangedByAssistiveTechnology)
+{
+    m_slider.setAccessibleName(QStringLiteral("Blur amount"));
+    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&m_slider);
+    ASSERT_TRUE(interface && interface->valueInterface());
+    EXPECT_EQ(interface->role(), QAccessible::Slider);
+    EXPECT_EQ(interface->text(QAccessible::Name), QStringLiteral("Blur amount"));
+    interface->valueInterface()->setCurrentValue(33.0);
+    EXPECT_DOUBLE_EQ(m_slider.value(), 33);
+    EXPECT_EQ(m_action.size(), 1);
+    EXPECT_EQ(interface->valueInterface()->maximumValue().toDouble(), 100);
+}
+
+struct ProgressCase
+{
+    double minimum, maximum, value;
+    int done;
+};
+
+class BarProgressIndicatorTest : public testing::TestWithParam<ProgressCase>
+{
+};
+
+TEST_P(BarProgressIndicatorTest, FillsWholePointsOfTheMaximum)
+{
+    const auto &[minimum, maximum, value, done] = GetParam();
+    BarProgressIndicator bar({0, 0, 301, 3}, Qt::blue, Qt::red, minimum, maximum, value);
+    const QImage image = drawn(bar);
+    EXPECT_EQ(count(image, 0, Qt::blue), done);
+    EXPECT_EQ(count(image, 2, Qt::red), 301 - done);
+    bar.setEmptyColor(Qt::transparent);
+    EXPECT_EQ(count(drawn(bar), 1, Qt::transparent), 301 - done);
+}
+
+INSTANTIATE_TEST_SUITE_P(Values, BarProgressIndicatorTest,
+                         testing::Values(ProgressCase{0, 100, 50, 150}, ProgressCase{50, 100, 50, 150},
+                                         ProgressCase{0, 100, 0, 0}, ProgressCase{0, 100, 100, 301},
+                                         ProgressCase{0, 100, 130, 301}, ProgressCase{0, 100, -3, 0},
+                                         ProgressCase{0, 0, 1, 0}));
+
+namespace {
+
+void enter(QWidget &widget)
+{
+    QEnterEvent event(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
+void leave(QWidget &widget)
+{
+    QEvent event(QEvent::Leave);
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
+} // namespace
+
+TEST(HighlightButtonTest, AFlatButtonTurnsLighterAndBoldUnderThePointer)
+{
+    HighlightButton button(HighlightButton::kFlatTag, QStringLiteral("reset"), QStringLiteral("reset-hover"));
+    button.resize(100, 32);
+    button.show();
+    button.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&button));
+    leave(button); // the pointer may stand where the window opened
+    EXPECT_TRUE(button.image().isEmpty());
+    EXPECT_EQ(button.backgroundColor(), QColor(55, 68, 170, 204));
+    EXPECT_EQ(drawn(button).pixelColor(50, 4), QColor(55, 68, 170, 204));
+    enter(button);
+    EXPECT_EQ(button.backgroundColor(), QColor(75, 78, 190, 204));
+    EXPECT_EQ(button.cursor().shape(), Qt::PointingHandCursor);
+    leave(button);
+    EXPECT_FALSE(button.isHighlighted());
+    EXPECT_EQ(button.cursor().shape(), Qt::ArrowCursor);
+    EXPECT_EQ(drawn(button).pixelColor(0, 0).alpha(), 0) << "the corner is round";
+}
+
+TEST(HighlightButtonTest, AnImageButtonSwapsItsImage)
+{
+    HighlightButton button(HighlightButton::kImageTag, QStringLiteral("brush"), QStringLiteral("brush-hover"));
+    button.show();
+    button.activateWindow();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&button));
+    leave(button); // the pointer may stand where the window opened
+    EXPECT_EQ(button.sizeHint(), QSize(32, 32));
+    enter(button);
+    EXPECT_EQ(button.image(), QStringLiteral("brush-hover"));
+    button.setImgNormalState(QStringLiteral("brush_selected.png"));
+    EXPECT_EQ(button.image(), QStringLiteral("brush-hover"));
+    leave(button);
+    EXPECT_EQ(button.image(), QStringLiteral("brush_selected.png"));
+    button.resize(32, 32);
+    EXPECT_EQ(drawn(button).pixelColor(16, 1).green() > 150, true) << "a name with a bitmap's extension is drawn";
+}
+
+TEST(HighlightButtonTest, APressHighlightsForAMomentAndClicks)
+{
+    HighlightButton button(HighlightButton::kFlatTag);
+    button.setText(QStringLiteral("Reset"));
+    button.resize(100, 32);
+    button.show();
+    QSignalSpy clicked(&button, &HighlightButton::clicked);
+    QTest::mousePress(&button, Qt::LeftButton, {}, {5, 5});
+    EXPECT_TRUE(button.isHighlighted());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !button.isHighlighted(); }));
+    QTest::mouseRelease(&button, Qt::LeftButton, {}, {5, 5});
+    QTest::keyClick(&button, Qt::Key_Return);
+    QTest::keyClick(&button, Qt::Key_Space);
+    EXPECT_EQ(clicked.size(), 3);
+    button.setEnabled(false);
+    QTest::mouseClick(&button, Qt::LeftButton, {}, {5, 5});
+    EXPECT_EQ(clicked.size(), 3);
+}

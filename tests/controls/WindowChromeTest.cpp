@@ -1,0 +1,293 @@
+#include "CalloutWindow.h"
+#include "Compositor.h"
+#include "DotPageControl.h"
+#include "IMGButton.h"
+#include "ProcessWide.h"
+#include "ScaleToFillImageView.h"
+#include "SheetQueue.h"
+#include "TitlebarWindow.h"
+
+#include <QApplication>
+#include <QDialog>
+#include <QImage>
+#include <QMenuBar>
+#include <QScreen>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using namespace hazelmark;
+
+namespace {
+
+class FakeCompositor : public Compositor
+{
+public:
+    bool isComposited() const override { return true; }
+    bool acceptsFrameExtents() const override { return true; }
+    void setFrameExtents(WId, const QMargins &extents) const override { m_extents = extents; }
+
+    mutable QMargins m_extents;
+};
+
+class TitlebarWindowTest : public testing::Test
+{
+protected:
+    TitlebarWindowTest()
+    {
+        m_content = new QWidget;
+        m_window.setContentView(m_content);
+        m_window.setFrame({10, 20, 800, 500});
+        m_window.show();
+    }
+
+    TitlebarWindow m_window;
+    QWidget *m_content;
+};
+
+} // namespace
+
+TEST_F(TitlebarWindowTest, TheContentFillsTheFrameBehindTheButtons)
+{
+    auto *menuBar = new QMenuBar;
+    menuBar->addMenu(QStringLiteral("File"));
+    m_window.setMenuBar(menuBar);
+    EXPECT_EQ(m_content->geometry(), QRect(0, 0, 800, 500));
+    EXPECT_EQ(m_window.frame(), QRect(10, 20, 800, 500));
+    int right = 0;
+    for (const IMGButton *button :
+         {m_window.closeButton(), m_window.minimizeButton(), m_window.zoomButton(), m_window.fullScreenButton()}) {
+        EXPECT_GE(button->x(), std::max(right, 7));
+        EXPECT_NEAR(button->geometry().center().y(), 30, 1);
+        EXPECT_EQ(m_window.childAt(button->geometry().center()), button) << "nothing lies over it";
+        right = button->geometry().right();
+    }
+    EXPECT_GT(menuBar->x(), right);
+    EXPECT_GT(m_window.titleBarLeadingInset(), menuBar->geometry().right());
+}
+
+TEST_F(TitlebarWindowTest, EveryWayOfClosingAsksFirst)
+{
+    int asked = 0;
+    bool agree = false;
+    m_window.setActions({.close =
+                             [&] {
+                                 ++asked;
+                                 if (agree)
+                                     m_window.closeNow();
+                             },
+                         .minimize = {},
+                         .zoom = {},
+                         .fullScreen = {}});
+    EXPECT_FALSE(m_window.close());
+    QTest::mouseClick(m_window.closeButton(), Qt::LeftButton);
+    EXPECT_EQ(asked, 2);
+    EXPECT_TRUE(m_window.isVisible());
+    agree = true;
+    EXPECT_TRUE(m_window.close());
+    EXPECT_FALSE(m_window.isVisible());
+    m_window.show();
+    QTest::mouseClick(m_window.closeButton(), Qt::LeftButton);
+    EXPECT_FALSE(m_window.isVisible());
+    m_window.show();
+    agree = false;
+    EXPECT_FALSE(m_window.close()) << "an agreement from before still counts";
+}
+
+TEST_F(TitlebarWindowTest, LiftsTheLargestSizeWhileItFillsTheScreen)
+{
+    QSignalSpy entered(&m_window, &TitlebarWindow::didEnterFullScreen);
+    QSignalSpy left(&m_window, &TitlebarWindow::didExitFullScreen);
+    m_window.setFrameSizeLimits({400, 300}, {700, 600});
+    EXPECT_EQ(m_window.maximumSize(), QSize(700, 600));
+    QTest::mouseClick(m_window.fullScreenButton(), Qt::LeftButton);
+    EXPECT_TRUE(m_window.isFullScreen());
+    EXPECT_GE(m_window.maximumSize().width(), QWIDGETSIZE_MAX);
+    EXPECT_EQ(entered.size(), 1);
+    QTest::mouseClick(m_window.fullScreenButton(), Qt::LeftButton);
+    EXPECT_FALSE(m_window.isFullScreen());
+    EXPECT_EQ(m_window.maximumSize(), QSize(700, 600));
+    EXPECT_EQ(left.size(), 1);
+    QTest::mouseClick(m_window.zoomButton(), Qt::LeftButton);
+    EXPECT_TRUE(m_window.isMaximized());
+    EXPECT_GE(m_window.maximumSize().width(), QWIDGETSIZE_MAX);
+    QTest::mouseDClick(&m_window, Qt::LeftButton, {}, {400, 30});
+    EXPECT_FALSE(m_window.isMaximized()) << "a double click on the strip zooms";
+    EXPECT_EQ(m_window.maximumSize(), QSize(700, 600));
+    EXPECT_EQ(entered.size(), 1);
+}
+
+TEST_F(TitlebarWindowTest, AMinimumAboveTheMaximumHolds)
+{
+    m_window.setFrameSizeLimits({1220, 700}, {1024, 700});
+    m_window.setFrame({51, 35, 1220, 700});
+    EXPECT_EQ(m_window.frame().size(), QSize(1220, 700));
+    EXPECT_EQ(m_window.maximumFrameSize(), QSize(1024, 700));
+}
+
+TEST_F(TitlebarWindowTest, OnlyBareBackgroundIsTheWindowsHandle)
+{
+    int zooms = 0;
+    m_window.setActions({.close = {}, .minimize = {}, .zoom = [&] { ++zooms; }, .fullScreen = {}});
+    auto *photo = new QWidget(m_content);
+    photo->setGeometry(300, 10, 200, 40); // on the strip, takes no press itself
+    photo->show();
+    QTest::mouseDClick(&m_window, Qt::LeftButton, {}, {400, 30});
+    EXPECT_EQ(zooms, 0);
+    QTest::mouseDClick(&m_window, Qt::LeftButton, {}, {600, 300});
+    EXPECT_EQ(zooms, 0) << "below the strip";
+    TitlebarWindow::setMovesWindow(*photo);
+    QTest::mouseDClick(&m_window, Qt::LeftButton, {}, {400, 30});
+    EXPECT_EQ(zooms, 1);
+}
+
+TEST(TitlebarWindowShadowTest, RoundsItsCornersAndKeepsTheShadowOutOfItsFrame)
+{
+    FakeCompositor compositor;
+    const ProcessWide<Compositor>::Replacement replacement(compositor);
+    TitlebarWindow window;
+    auto *content = new QWidget;
+    content->setAutoFillBackground(true);
+    window.setContentView(content);
+    window.setFrameSizeLimits({300, 200}, {700, 600});
+    window.setFrame({100, 100, 400, 300});
+    window.show();
+    const int reach = compositor.m_extents.left();
+    ASSERT_GT(reach, 0);
+    EXPECT_EQ(window.frame(), QRect(100, 100, 400, 300));
+    EXPECT_EQ(window.size(), QSize(400 + 2 * reach, 300 + 2 * reach));
+    EXPECT_EQ(window.minimumSize(), QSize(300 + 2 * reach, 200 + 2 * reach));
+    EXPECT_EQ(content->size(), QSize(400, 300));
+
+    QImage image(window.size(), QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    window.render(&image, {}, {}, QWidget::DrawChildren);
+    EXPECT_EQ(image.pixelColor(reach, reach).alpha(), 0) << "the corner of the frame";
+    EXPECT_EQ(image.pixelColor(reach + 6, reach + 6).alpha(), 255);
+    const int below = image.pixelColor(200, reach + 300 + 2).alpha();
+    const int farBelow = image.pixelColor(200, reach + 300 + reach - 2).alpha();
+    EXPECT_GT(below, farBelow);
+    EXPECT_GT(below, 30);
+
+    window.toggleFullScreen();
+    EXPECT_TRUE(compositor.m_extents.isNull());
+    EXPECT_EQ(content->size(), window.size());
+}
+
+TEST(SheetQueueTest, ShowsOneSheetAfterTheOther)
+{
+    QWidget window;
+    window.show();
+    SheetQueue &queue = SheetQueue::forWindow(window);
+    EXPECT_EQ(&queue, &SheetQueue::forWindow(window));
+    auto *first = new QDialog, *second = new QDialog, *gone = new QDialog, *third = new QDialog;
+    QString order;
+    for (const auto &[sheet, name] : {std::pair{first, '1'}, {second, '2'}, {third, '3'}})
+        QObject::connect(sheet, &QDialog::finished, [&order, name = name] { order += QLatin1Char(name); });
+    for (QDialog *sheet : {first, second, gone, third})
+        queue.present(sheet);
+    EXPECT_EQ(queue.current(), first);
+    EXPECT_TRUE(first->isVisible() && first->windowModality() == Qt::WindowModal && first->parent() == &window);
+    EXPECT_FALSE(second->isVisible());
+    EXPECT_EQ(queue.waiting(), 3);
+    delete gone;
+    first->accept();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return queue.current() == second; }));
+    second->reject();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return queue.current() == third; }));
+    third->close();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return queue.current() == nullptr; }));
+    EXPECT_EQ(order, QStringLiteral("123"));
+}
+
+TEST(SheetQueueTest, WaitsWhileItIsHeldAndGoesWithItsWindow)
+{
+    auto window = std::make_unique<QWidget>();
+    window->show();
+    SheetQueue &queue = SheetQueue::forWindow(*window);
+    auto hold = std::make_unique<SheetQueue::Hold>(queue);
+    auto *sheet = new QDialog;
+    queue.present(sheet);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(sheet->isVisible());
+    hold.reset();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return sheet->isVisible(); }));
+    hold = std::make_unique<SheetQueue::Hold>(queue);
+    queue.present(new QDialog);
+    window.reset();
+    hold.reset(); // outlives its queue
+    QCoreApplication::processEvents();
+}
+
+TEST(DotPageControlTest, OnlyAPersonsChoiceIsSent)
+{
+    DotPageControl control;
+    control.setDotSize(25, 5);
+    control.setNumberOfPages(3);
+    EXPECT_EQ(control.sizeHint(), QSize(95, 35));
+    control.resize(control.sizeHint());
+    control.show();
+    QSignalSpy selected(&control, &DotPageControl::pageSelected);
+    control.setCurrentPage(7);
+    EXPECT_EQ(control.currentPage(), 2);
+    EXPECT_TRUE(selected.isEmpty());
+    QTest::mouseClick(&control, Qt::LeftButton, {}, {48, 17});
+    EXPECT_EQ(control.currentPage(), 1);
+    QTest::keyClick(&control, Qt::Key_Left);
+    QTest::keyClick(&control, Qt::Key_Left); // no page there
+    ASSERT_EQ(selected.size(), 2);
+    EXPECT_EQ(selected[0][0].toInt(), 1);
+    EXPECT_EQ(selected[1][0].toInt(), 0);
+    control.setNumberOfPages(0);
+    EXPECT_EQ(control.currentPage(), 0);
+    QTest::mouseClick(&control, Qt::LeftButton, {}, {48, 17});
+    EXPECT_EQ(selected.size(), 2);
+}
+
+TEST(ScaleToFillImageViewTest, CoversTheViewWithoutDistortion)
+{
+    QImage picture(200, 100, QImage::Format_RGB32); // red | green | blue, of 50, 100 and 50 columns
+    for (int x = 0; x < 200; ++x)
+        for (int y = 0; y < 100; ++y)
+            picture.setPixelColor(x, y, x < 50 ? Qt::red : x < 150 ? Qt::green : Qt::blue);
+    ScaleToFillImageView view;
+    view.resize(100, 100);
+    view.setImage(QPixmap::fromImage(picture));
+    const QImage square = view.grab().toImage();
+    EXPECT_EQ(square.pixelColor(2, 50), QColor(Qt::green));
+    EXPECT_EQ(square.pixelColor(97, 50), QColor(Qt::green));
+    view.resize(400, 100);
+    const QImage wide = view.grab().toImage();
+    EXPECT_EQ(wide.pixelColor(90, 2), QColor(Qt::red));
+    EXPECT_EQ(wide.pixelColor(110, 97), QColor(Qt::green));
+    view.setImage({});
+    view.grab();
+}
+
+TEST(CalloutWindowTest, StandsAtTheAnchorAndStaysOnTheScreen)
+{
+    QWidget window;
+    window.setGeometry(0, 0, 400, 300);
+    auto *anchor = new QWidget(&window);
+    anchor->setGeometry(200, 100, 40, 20);
+    window.show();
+    auto *content = new QWidget;
+    content->setMinimumSize(120, 60);
+    CalloutWindow callout(content, &window);
+    QSignalSpy closed(&callout, &CalloutWindow::closed);
+    callout.showRelativeTo(*anchor, Qt::BottomEdge);
+    const QRect place(anchor->mapToGlobal(QPoint()), anchor->size());
+    EXPECT_EQ(callout.y(), place.bottom() + 1);
+    EXPECT_NEAR(callout.geometry().center().x(), place.center().x(), 1);
+    EXPECT_TRUE(callout.rect().contains(content->geometry()));
+    QTest::keyClick(&callout, Qt::Key_Escape);
+    EXPECT_FALSE(callout.isVisible());
+    EXPECT_EQ(closed.size(), 1);
+    anchor->move(0, 0);
+    callout.showRelativeTo(*anchor, Qt::TopEdge); // no room above
+    EXPECT_GE(callout.y(), anchor->mapToGlobal(QPoint(0, 20)).y());
+    EXPECT_GE(callout.x(), window.screen()->availableGeometry().left());
+}
