@@ -1,28 +1,45 @@
 #pragma once
 
+#include "CellGrid.h"
 #include "FilterNode.h"
 
+#include <variant>
+
 namespace hazelmark {
+
+class CellPlanes;
+class DiscSummer;
 
 /// The unweighted mean of the pixels within a disc around each pixel: the look of an out-of-focus lens.
 ///
 /// A pixel's weight is the part of its square that the disc covers, so fractional radii count. The input is defined
 /// everywhere (an edge-clamped picture whose own pixels lie in `inputExtent`). Works on stored values, premultiplied
-/// by alpha.
+/// by alpha; where alpha comes out as 0, so do the colours.
+///
+/// Tiny discs are summed weight by weight, small ones from prefix sums of the pixels. A large one is summed on a
+/// grid of cells, in prepare(), and drawn up to pixels tile by tile. docs/performance.md says why, and how exact.
 class DiscBlurNode : public FilterNode
 {
 public:
     /// `radius` in pixels, greater than 0, finite. `inputExtent`: outside it every pixel of the input equals the
     /// nearest one inside.
     DiscBlurNode(FilterNodePtr input, float radius, const QRect &inputExtent);
+    ~DiscBlurNode() override;
 
     QRect inputRegion(std::size_t input, const QRect &region) const override;
     void compute(Tile &result, const TileReader &inputs) const override;
     std::unique_ptr<PreparedState> prepare(const QRegion &needed, const PrepareContext &context) const override;
 
 private:
-    float m_radius;
+    int reach() const;
+    void weigh(Tile &result, const Tile &input) const;
+    void sum(Tile &result, const Tile &input) const;
+
     QRect m_inputExtent;
+    CellGrid m_grid;
+    std::vector<float> m_weights; ///< of a tiny disc; see kernels::weighRow
+    int m_weightsReach = 0;
+    std::unique_ptr<const DiscSummer> m_summer; ///< of any other, in cells of the grid
 };
 
 } // namespace hazelmark

@@ -1,0 +1,327 @@
+#include "DiscBlurReference.h"
+#include "filters/AffineClampNode.h"
+#include "filters/DiscBlurNode.h"
+#include "filters/SourceNode.h"
+
+#include <gtest/gtest.h>
+
+#include <cstring>
+
+namespace hazelmark {
+namespace {
+
+using namespace testing;
+using ::testing::Combine;
+using ::testing::Values;
+using ::testing::ValuesIn;
+
+// Pictures of 16 bits show how far a result is off before it is rounded to 8.
+constexpr QImage::Format kDeep = QImage::Format_RGBX64;
+
+TEST(DiscCoverage, IsTheAreaOfEveryPixelInTheDisc)
+{
+    for (const double radius : {0.01, 0.5, 0.7, 1.0, 2.5, 9.3}) {
+        const int reach = int(std::ceil(radius + 0.5));
+        double area = 0.0;
+        for (int y = -reach; y <= reach; ++y)
+            for (int x = -reach; x <= reach; ++x)
+                area += kernels::discCoverage(radius, x, y);
+        EXPECT_NEAR(area / (M_PI * radius * radius), 1.0, 1e-9) << radius;
+    }
+    // One pixel that the outline crosses twice, against its area by counting.
+    int inside = 0;
+    constexpr int kSteps = 2000;
+    for (int i = 0; i < kSteps; ++i)
+        for (int j = 0; j < kSteps; ++j)
+            inside += std::hypot(-0.5 + (i + 0.5) / kSteps, 1.5 + (j + 0.5) / kSteps) <= 2.0;
+    EXPECT_NEAR(kernels::discCoverage(2.0, 0, 2), double(inside) / (kSteps * kSteps), 1e-4);
+}
+
+TEST(DiscSpans, KeepTheAreaAndFitTheirAccumulator)
+{
+    for (double radius = 2.0; radius <= kernels::kLargestSummedRadius; radius += 0.37) {
+        const kernels::DiscSpans disc = kernels::makeDiscSpans(radius);
+        std::uint32_t heaviest = 0;
+        double total = 0.0;
+        for (const auto &group : disc.groups) {
+            heaviest = std::max(heaviest, group.weight);
+            for (const auto &span : group.spans) {
+                total += double(group.weight) * (disc.fractions + 2 * span.end);
+                ASSERT_LE(std::abs(span.dx), disc.reach);
+                ASSERT_LE(span.end, disc.reach * disc.fractions);
+            }
+        }
+        EXPECT_EQ(total, double(disc.total));
+        EXPECT_LT(total * 65535.0, 4294967296.0) << radius;
+        EXPECT_NEAR(total / (heaviest * disc.fractions), M_PI * radius * radius, 0.01 * M_PI * radius * radius)
+            << radius;
+    }
+}
+
+/// What is hardest to blur: contrast as full as can be, in the shapes that meet the disc's outline.
+struct Content
+{
+    const char *name;
+    Painter (*make)(double radius, QPointF centre);
+};
+
+const Content kContents[] = {
+    {"disc of the same radius",
+     [](double radius, QPointF centre) -> Painter {
+         return [=](int x, int y, int) { return std::hypot(x - centre.x(), y - centre.y()) <= radius ? 1.0 : 0.0; };
+     }},
+    {"hole of the same radius, smooth edge",
+     [](double radius, QPointF centre) -> Painter {
+         return [=](int x, int y, int) {
+             return std::clamp(std::hypot(x - centre.x(), y - centre.y()) - radius + 0.5, 0.0, 1.0);
+         };
+     }},
+    {"point",
+     [](double, QPointF centre) -> Painter {
+         return [=](int x, int y, int) { return x == int(centre.x()) && y == int(centre.y()) ? 1.0 : 0.0; };
+     }},
+    {"lines, level and steep",
+     [](double, QPointF centre) -> Painter {
+         return [=](int x, int y, int channel) { return (channel ? x - int(centre.x()) : y - int(centre.y())) == 0; };
+     }},
+    {"slanting edge",
+     [](double, QPointF centre) -> Painter {
+         return [=](int x, int y, int) { return 0.37 * (x - centre.x()) > y - centre.y() ? 1.0 : 0.0; };
+     }},
+    {"checkers, fine and coarse",
+     [](double, QPointF) -> Painter {
+         return [=](int x, int y, int channel) { return double((x / (channel + 1) + y / (channel + 1)) & 1); };
+     }},
+    {"stripes as wide as the radius",
+     [](double radius, QPointF centre) -> Painter {
+         return [=](int x, int, int) { return std::fmod(std::abs(x - centre.x()), 2.0 * radius) < radius ? 1.0 : 0.0; };
+     }},
+    {"black and white noise",
+     [](double, QPointF) -> Painter {
+         return [=](int x, int y, int channel) { return noise(x, y, channel) < 0.5 ? 0.0 : 1.0; };
+     }},
+};
+
+class HardestContent : public ::testing::TestWithParam<std::tuple<Content, float>>
+{
+};
+
+TEST_P(HardestContent, IsLessThanTwoStepsOff)
+{
+    const auto &[content, radius] = GetParam();
+    const int side = int(4 * std::min(radius, 100.0f)) + 40;
+    const QRectF middle(side / 2 - 5, side / 2 - 5, 11, 11);
+    const int step = radius > 60 ? 3 : 1;
+    for (const QPointF shift : {QPointF(0, 0), QPointF(0.5, 0.25), QPointF(-1.3, 0.8), QPointF(2.2, -3.1)}) {
+        const QPointF centre = QPointF(side / 2, side / 2) + shift;
+        const QImage bitmap = paint(QSize(side, side), kDeep, content.make(double(radius), centre));
+        const QImage result = blurred(bitmap, radius);
+        EXPECT_LT(errorOf(result, bitmap, double(radius), middle.toRect(), step).largest, 1.5) << content.name;
+        EXPECT_LT(errorOf(result, bitmap, double(radius), bitmap.rect(), side / 8).largest, 1.5) << content.name;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Blur, HardestContent,
+                         Combine(ValuesIn(kContents), Values(0.3f, 1.0f, 3.7f, 5.3f, 8.0f, 12.0f, 19.1f, 27.9f, 28.0f,
+                                                             45.6f, 71.9f, 72.0f, 120.0f)));
+
+/// Slow gradients, soft shapes, a little grain: a photo as far as a blur can see.
+double photo(int x, int y, int channel)
+{
+    const double u = x / 97.0, v = y / 83.0;
+    const double light = 0.5 + 0.2 * std::sin(u + channel) + 0.15 * std::cos(1.7 * v - u) + 0.1 * std::sin(5.1 * u * v);
+    const double leaf = std::hypot(std::fmod(x, 61.0) - 30.0, std::fmod(y, 47.0) - 23.0) < 17.0 ? -0.15 : 0.0;
+    return std::clamp(light + leaf + 0.08 * (noise(x, y, channel) - 0.5), 0.0, 1.0);
+}
+
+class PhotoBlur : public ::testing::TestWithParam<float>
+{
+};
+
+TEST_P(PhotoBlur, IsWithinATenthOfAStepOnAverage)
+{
+    const float radius = GetParam();
+    const QImage bitmap = paint(QSize(320, 240), QImage::Format_RGBX8888, photo);
+    const QImage result = blurred(bitmap.convertToFormat(kDeep), radius);
+    const BlurError error = errorOf(result, bitmap, double(radius), bitmap.rect(), radius > 50 ? 29 : 13);
+    EXPECT_LT(error.largest, 0.5);
+    EXPECT_LT(error.mean, 0.1);
+}
+
+INSTANTIATE_TEST_SUITE_P(Blur, PhotoBlur,
+                         Values(0.6f, 4.6f, 6.0f, 11.0f, 22.5f, 28.0f, 40.0f, 72.0f, 151.9f, 152.0f, 310.0f));
+
+class SmallPicture : public ::testing::TestWithParam<std::tuple<QSize, float>>
+{
+};
+
+TEST_P(SmallPicture, IsBlurredAsIfItsEdgesWentOnForEver)
+{
+    const auto &[size, radius] = GetParam();
+    const QImage bitmap = paint(size, kDeep, [](int x, int y, int c) { return noise(x, y, c) < 0.5 ? 0.0 : 1.0; });
+    const QImage result = blurred(bitmap, radius);
+    ASSERT_EQ(result.size(), size);
+    EXPECT_LT(errorOf(result, bitmap, double(radius), bitmap.rect(), std::max(1, size.width() / 7)).largest, 1.5);
+}
+
+INSTANTIATE_TEST_SUITE_P(Blur, SmallPicture,
+                         Combine(Values(QSize(1, 1), QSize(1, 40), QSize(33, 1), QSize(2, 3), QSize(17, 5),
+                                        QSize(90, 61)),
+                                 Values(0.01f, 2.5f, 7.0f, 30.0f, 90.0f, 200.0f, 700.0f)));
+
+TEST(DiscBlur, OfAnAbsurdRadiusIsTheMeanOfTheFourCorners)
+{
+    for (const float radius : {1e6f, 1e9f, 3e38f}) {
+        const QImage bitmap = paint(QSize(301, 87), kDeep, [](int x, int y, int c) { return noise(x, y, c); });
+        const Pixels pixels(bitmap);
+        const Pixels result(bitmap);
+        const QImage blurredBitmap = blurred(bitmap, radius);
+        for (const QPoint at : {QPoint(0, 0), QPoint(150, 40), QPoint(300, 86)}) {
+            for (std::size_t c = 0; c < 3; ++c) {
+                const double mean =
+                    (pixels.at(0, 0)[c] + pixels.at(300, 0)[c] + pixels.at(0, 86)[c] + pixels.at(300, 86)[c]) / 4.0;
+                EXPECT_NEAR(255.0 * Pixels(blurredBitmap).at(at.x(), at.y())[c], 255.0 * mean, 0.5) << radius;
+            }
+        }
+    }
+}
+
+class Constant : public ::testing::TestWithParam<float>
+{
+};
+
+TEST_P(Constant, PicturesStayAsTheyAre)
+{
+    for (const int value : {0, 1, 257, 12345, 32768, 65534, 65535}) {
+        const QImage bitmap = paint(QSize(40, 30), kDeep, [&](int, int, int) { return value / 65535.0; });
+        const QImage result = blurred(bitmap, GetParam());
+        for (int y = 0; y < 30; ++y)
+            ASSERT_EQ(std::memcmp(result.constScanLine(y), bitmap.constScanLine(y), 40 * 8), 0) << value;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Blur, Constant, Values(0.01f, 1.3f, 6.2f, 13.0f, 30.0f, 100.0f, 170.0f, 1000.0f, 1e9f));
+
+TEST(DiscBlur, OfAHundredthOfAPixelChangesNothing)
+{
+    const QImage bitmap = paint(QSize(67, 41), QImage::Format_RGBX8888, noise);
+    EXPECT_EQ(blurred(bitmap, 0.01f), bitmap);
+}
+
+class AlphaBlur : public ::testing::TestWithParam<float>
+{
+};
+
+TEST_P(AlphaBlur, IsPremultiplied)
+{
+    const float radius = GetParam();
+    // Clear red beside half-covered green beside solid noise: red must not show anywhere.
+    const QImage bitmap = paint(QSize(150, 60), QImage::Format_RGBA64, [](int x, int y, int c) -> double {
+        if (x < 50)
+            return c == 0 ? 1.0 : 0.0;
+        if (x < 100)
+            return c == 0 ? 0.0 : c == 3 ? 0.5 * noise(x, y, c) : 1.0;
+        return c == 0 ? 0.0 : c == 3 ? 1.0 : noise(x, y, c);
+    });
+    const QImage result = blurred(bitmap, radius);
+    EXPECT_LT(errorOf(result, bitmap, double(radius), bitmap.rect(), radius > 50 ? 17 : 5).largest, 1.0);
+    const Pixels pixels(result);
+    for (int x = 0; x < 150; x += 3)
+        EXPECT_EQ(pixels.at(x, 30)[0], 0.0) << x;
+}
+
+INSTANTIATE_TEST_SUITE_P(Blur, AlphaBlur, Values(0.8f, 5.0f, 20.0f, 40.0f, 90.0f));
+
+/// Hands a node its input and prepared state without a renderer.
+class Harness : public TileReader, public PrepareContext
+{
+public:
+    explicit Harness(const QImage &bitmap)
+        : m_source(std::make_shared<AffineClampNode>(std::make_shared<SourceNode>(bitmap), bitmap.rect()))
+        , m_bitmap(bitmap)
+    {
+    }
+
+    Tile blur(float radius, const QRegion &needed, const QRect &rect)
+    {
+        const DiscBlurNode node(m_source, radius, m_bitmap.rect());
+        m_state = node.prepare(needed, *this);
+        Tile tile(rect, node.channels());
+        node.compute(tile, *this);
+        return tile;
+    }
+
+    Tile read(std::size_t, const QRect &region) const override
+    {
+        const SourceReader source(m_bitmap);
+        Tile tile(region, m_source->channels());
+        if (m_source->passesThrough(region))
+            m_source->inputs()[0]->compute(tile, source);
+        else
+            m_source->compute(tile, source);
+        return tile;
+    }
+    const PreparedState *prepared() const override { return m_state.get(); }
+    void parallelFor(int count, const std::function<void(int)> &body) const override
+    {
+        for (int i = count - 1; i >= 0; --i)
+            body(i);
+    }
+
+private:
+    struct SourceReader : TileReader
+    {
+        explicit SourceReader(const QImage &bitmap)
+            : node(bitmap)
+        {
+        }
+        Tile read(std::size_t, const QRect &region) const override
+        {
+            Tile tile(region, node.channels());
+            node.compute(tile, *this);
+            return tile;
+        }
+        const PreparedState *prepared() const override { return nullptr; }
+        SourceNode node;
+    };
+
+    std::shared_ptr<AffineClampNode> m_source;
+    QImage m_bitmap;
+    std::unique_ptr<PreparedState> m_state;
+};
+
+class PartOfABlur : public ::testing::TestWithParam<float>
+{
+};
+
+TEST_P(PartOfABlur, IsTheSameWhateverElseIsComputed)
+{
+    const QImage bitmap = paint(QSize(400, 300), QImage::Format_RGBX8888, noise);
+    Harness harness(bitmap);
+    const QRect all = bitmap.rect();
+    const Tile whole = harness.blur(GetParam(), all, all);
+    for (const QRect &part : {QRect(0, 0, 31, 17), QRect(211, 83, 1, 1), QRect(333, 250, 67, 50)}) {
+        const Tile tile = harness.blur(GetParam(), part, part);
+        for (int c = 0; c < 3; ++c)
+            for (int y = part.top(); y <= part.bottom(); ++y)
+                ASSERT_EQ(std::memcmp(tile.row(c, y), whole.row(c, y) + part.left(),
+                                      std::size_t(part.width()) * sizeof(float)),
+                          0)
+                    << part.left() << "," << y;
+    }
+    const Tile beside =
+        harness.blur(GetParam(), QRegion(0, 0, 9, 9) + QRegion(300, 200, 40, 60), QRect(301, 210, 8, 8));
+    EXPECT_EQ(beside.row(1, 212)[3], whole.row(1, 212)[304]);
+}
+
+INSTANTIATE_TEST_SUITE_P(Blur, PartOfABlur, Values(1.5f, 9.0f, 33.0f, 100.0f, 200.0f, 900.0f));
+
+TEST(DiscBlur, IsTheSameWithAnyNumberOfThreads)
+{
+    const QImage bitmap = paint(QSize(700, 300), QImage::Format_RGBA8888, noise);
+    for (const float radius : {3.0f, 15.0f, 50.0f, 180.0f})
+        EXPECT_EQ(blurred(bitmap, radius, 1), blurred(bitmap, radius, 7)) << radius;
+}
+
+} // namespace
+} // namespace hazelmark
