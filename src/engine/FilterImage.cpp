@@ -6,6 +6,7 @@
 #include "filters/DiscBlurNode.h"
 #include "filters/ExposureAdjustNode.h"
 #include "filters/OpacityNode.h"
+#include "filters/OverColorNode.h"
 #include "filters/PlaceNode.h"
 #include "filters/ScaleNode.h"
 #include "filters/SourceNode.h"
@@ -81,6 +82,11 @@ FilterImage FilterImage::withOpacity(float factor) const
     if (isEmpty() || (factor == 1.0f && m_node->channels() != 1))
         return *this;
     return with(std::make_shared<OpacityNode>(m_node, factor), m_extent);
+}
+
+FilterImage FilterImage::overColor(const QColor &color) const
+{
+    return hasAlpha() ? with(std::make_shared<OverColorNode>(m_node, color), m_extent) : *this;
 }
 
 FilterImage FilterImage::scaled(double sx, double sy) const

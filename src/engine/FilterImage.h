@@ -3,6 +3,7 @@
 #include "FilterNode.h"
 
 #include <QByteArray>
+#include <QColor>
 #include <QImage>
 #include <QRectF>
 #include <QSize>
@@ -40,6 +41,8 @@ public:
     /// Times 2^ev in linear light.
     FilterImage exposureAdjusted(float ev) const;
     FilterImage withOpacity(float factor) const;
+    /// Laid over an opaque colour.
+    FilterImage overColor(const QColor &color) const;
     /// Scaled about the origin.
     FilterImage scaled(double sx, double sy) const;
     /// The part of the picture in `source`, drawn into the rectangle (point, size) of a canvas of `canvas` pixels.

@@ -29,6 +29,14 @@ std::optional<std::size_t> FilterNode::passesThrough(const QRect &) const
     return std::nullopt;
 }
 
+const FilterNode *FilterNode::shownIn(const QRect &region) const
+{
+    const FilterNode *node = this;
+    while (const std::optional<std::size_t> input = node->passesThrough(region))
+        node = node->inputs()[*input].get();
+    return node;
+}
+
 bool FilterNode::isZero(int, const QRect &) const
 {
     return false;

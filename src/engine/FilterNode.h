@@ -71,6 +71,9 @@ public:
     /// never asks for the node's own pixels there, nor for those of its other inputs.
     virtual std::optional<std::size_t> passesThrough(const QRect &region) const;
 
+    /// The node whose pixels show in `region` of this one: itself, or the end of a chain that hands them through.
+    const FilterNode *shownIn(const QRect &region) const;
+
     /// True only if plane `channel` is 0 all over `region`, and the node can tell without computing it.
     virtual bool isZero(int channel, const QRect &region) const;
 

@@ -25,14 +25,6 @@ struct NodeState
 };
 using NodeStates = std::map<const FilterNode *, NodeState>;
 
-/// The node whose pixels show in `region` of `node`: itself, or the end of a chain that hands them through.
-const FilterNode *shownBy(const FilterNode *node, const QRect &region)
-{
-    while (const std::optional<std::size_t> input = node->passesThrough(region))
-        node = node->inputs()[*input].get();
-    return node;
-}
-
 Tile computeTile(const FilterNode *node, const QRect &region, const NodeStates &states);
 
 class Reader : public TileReader
@@ -82,7 +74,7 @@ private:
 
 Tile computeTile(const FilterNode *node, const QRect &region, const NodeStates &states)
 {
-    node = shownBy(node, region);
+    node = node->shownIn(region);
     Tile tile(region, node->channels());
     node->compute(tile, Reader(node, states));
     return tile;
@@ -92,7 +84,7 @@ Tile computeTile(const FilterNode *node, const QRect &region, const NodeStates &
 void collectNeeds(const FilterNode *node, const QRect &region, NodeStates &states,
                   std::vector<const FilterNode *> &order)
 {
-    node = shownBy(node, region);
+    node = node->shownIn(region);
     for (std::size_t i = 0; i < node->inputs().size(); ++i)
         collectNeeds(node->inputs()[i].get(), node->inputRegion(i, region), states, order);
     if (states.try_emplace(node).second)
@@ -178,7 +170,7 @@ QImage Renderer::draw(const FilterImage &image) const
     int done = 0;
     parallelFor(int(tiles.size()), m_threads, [&](int index) {
         const QRect &region = tiles[std::size_t(index)];
-        const FilterNode *node = shownBy(last, region);
+        const FilterNode *node = last->shownIn(region);
         if (!copyStored(node, region, drawn, bits, extent))
             packTile(computeTile(node, region, states), channels, drawn, bits, extent);
         if (m_progress) {

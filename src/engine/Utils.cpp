@@ -47,9 +47,9 @@ PhotoImagePtr Utils::scaleImage(const PhotoImagePtr &photo, QSizeF newSize) cons
     return PhotoImage::drawing(getCIImageFromNSImage(photo), newSize);
 }
 
-QImage Utils::getCgiImageRef(const PhotoImagePtr &photo) const
+PixelImage Utils::getCgiImageRef(const PhotoImagePtr &photo) const
 {
-    return photo ? photo->bitmap() : QImage();
+    return photo ? PixelImage{photo->bitmap(), photo->iccProfile()} : PixelImage{};
 }
 
 PhotoImagePtr Utils::getTransparentImageFromImage(const PhotoImagePtr &photo, float factor) const
@@ -57,6 +57,11 @@ PhotoImagePtr Utils::getTransparentImageFromImage(const PhotoImagePtr &photo, fl
     if (!photo || photo->size().isEmpty())
         return photo;
     return PhotoImage::drawing(getCIImageFromNSImage(photo).withOpacity(factor), photo->size());
+}
+
+PhotoImagePtr Utils::addBackgroundToImage(const PhotoImagePtr &photo, const QColor &Color) const
+{
+    return photo ? PhotoImage::drawing(getCIImageFromNSImage(photo).overColor(Color), photo->size()) : nullptr;
 }
 
 PhotoImagePtr Utils::applyfilterOnBlurImage(const PhotoImagePtr &photo, const QString &,

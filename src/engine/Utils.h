@@ -4,6 +4,7 @@
 #include "ImageFilter.h"
 #include "PhotoImage.h"
 
+#include <QColor>
 #include <QImage>
 #include <QPointF>
 #include <QRectF>
@@ -11,6 +12,13 @@
 #include <QString>
 
 namespace hazelmark {
+
+/// Stored pixels, straight alpha, and the colour profile that they are meant in (empty: sRGB is assumed).
+struct PixelImage
+{
+    QImage bitmap;
+    QByteArray iccProfile;
+};
 
 /// The process-wide utility object: conversions between photo images, bitmaps and filter images, and the two passes
 /// of the blur chain. Stateless, callable from any thread. (Sizes that fit and points as fractions: Geometry.)
@@ -36,12 +44,15 @@ public:
     /// Sets the source's own logical size to `newSize`: afterwards the caller's object reports the new size.
     PhotoImagePtr scaleImage(const PhotoImagePtr &photo, QSizeF newSize) const;
 
-    /// The photo image's pixels; null for a missing photo.
-    QImage getCgiImageRef(const PhotoImagePtr &photo) const;
+    /// The photo image's pixels with the profile that says what they mean; no pixels for a missing photo.
+    PixelImage getCgiImageRef(const PhotoImagePtr &photo) const;
 
     /// The picture drawn over nothing at opacity `factor`; the very picture if its logical size is not above 0 both
     /// ways.
     PhotoImagePtr getTransparentImageFromImage(const PhotoImagePtr &photo, float factor) const;
+
+    /// The picture laid over an opaque colour, at the picture's logical size; null for a missing picture.
+    PhotoImagePtr addBackgroundToImage(const PhotoImagePtr &photo, const QColor &Color) const;
 
     /// What the painted region shows: the photo blurred by a disc whose radius in points is width x b / 5 / 1000,
     /// b being `blurAmount`, so that a small preview looks as soft as the full-size export. Not above 0, b leaves the

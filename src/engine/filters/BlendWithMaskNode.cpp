@@ -58,7 +58,8 @@ void BlendWithMaskNode::compute(Tile &result, const TileReader &inputs) const
 
 std::optional<std::size_t> BlendWithMaskNode::passesThrough(const QRect &region) const
 {
-    return inputs()[Mask]->isZero(0, region) ? std::optional<std::size_t>(Background) : std::nullopt;
+    const bool sameBothWays = inputs()[Foreground]->shownIn(region) == inputs()[Background]->shownIn(region);
+    return sameBothWays || inputs()[Mask]->isZero(0, region) ? std::optional<std::size_t>(Background) : std::nullopt;
 }
 
 } // namespace hazelmark

@@ -1,0 +1,186 @@
+#include "FlippedImage.h"
+
+#include "Pictures.h"
+#include "Utils.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace hazelmark {
+
+using testing::filled;
+using testing::noise;
+using testing::samplesAt;
+
+namespace {
+
+const QSize kSize(700, 300); // more than one tile each way
+
+PhotoImagePtr photoOf(const QImage &image)
+{
+    return PhotoImage::fromBitmap(image);
+}
+
+PhotoImagePtr mask(const QColor &color, QSize size = kSize)
+{
+    return photoOf(filled(size, QImage::Format_RGBX8888, color));
+}
+
+} // namespace
+
+TEST(Blend, OnlyTheGreenChannelOfTheMaskCounts)
+{
+    const QImage front = noise(kSize, QImage::Format_RGBX8888, 1);
+    const QImage back = noise(kSize, QImage::Format_RGBX8888, 2);
+    const auto blend = [&](const QColor &color) {
+        return FlippedImage::blendWithAlphaMask(photoOf(front), photoOf(back), mask(color), 20)->bitmap();
+    };
+    EXPECT_EQ(blend(Qt::black), back);
+    EXPECT_EQ(blend(Qt::red), back);
+    EXPECT_EQ(blend(QColor(0, 255, 0)), front);
+    EXPECT_EQ(blend(Qt::white), front);
+    const QImage mixed = blend(QColor(0, 128, 0));
+    for (int i = 0; i < 400; ++i) {
+        const int x = i * 17 % kSize.width(), y = i * 7 % kSize.height();
+        for (int c = 0; c < 3; ++c)
+            EXPECT_NEAR(samplesAt(mixed, x, y)[c],
+                        (samplesAt(front, x, y)[c] * 128 + samplesAt(back, x, y)[c] * 127) / 255.0, 0.5001);
+    }
+}
+
+class BlendFormats : public ::testing::TestWithParam<QImage::Format>
+{
+};
+
+TEST_P(BlendFormats, UnpaintedPixelsKeepEveryStoredBit)
+{
+    const QImage photo = noise(kSize, GetParam());
+    QImage paint = filled(kSize, QImage::Format_RGBX8888, Qt::black);
+    for (int y = 40; y < 100; ++y) // a spot in one tile, so that its tile is computed and others are copied
+        for (int x = 10; x < 60; ++x)
+            paint.setPixelColor(x, y, Qt::green);
+    CoreFilterObject settings;
+    settings.blurAmount = 25.0f;
+    const PhotoImagePtr original = photoOf(photo);
+    const PhotoImagePtr blurred = Utils::sharedUtils().applyfilterOnBlurImage(original, {}, settings);
+    const PhotoImagePtr blended = FlippedImage::blendWithAlphaMask(blurred, original, photoOf(paint), 20);
+    const QImage result = blended->bitmap();
+    ASSERT_EQ(result.format(), photo.format());
+    const std::size_t pixelBytes = std::size_t(photo.depth()) / 8;
+    int changed = 0;
+    for (int y = 0; y < kSize.height(); ++y) {
+        for (int x = 0; x < kSize.width(); ++x) {
+            const bool same = std::memcmp(result.constScanLine(y) + std::size_t(x) * pixelBytes,
+                                          photo.constScanLine(y) + std::size_t(x) * pixelBytes, pixelBytes) == 0;
+            const bool painted = paint.pixelColor(x, y) != QColor(Qt::black);
+            ASSERT_TRUE(same || painted) << x << ", " << y;
+            changed += !same;
+        }
+    }
+    EXPECT_GT(changed, 60 * 50 * 9 / 10);
+}
+
+INSTANTIATE_TEST_SUITE_P(AllDepths, BlendFormats,
+                         ::testing::Values(QImage::Format_RGBX8888, QImage::Format_RGBA8888, QImage::Format_RGBX64,
+                                           QImage::Format_RGBA64));
+
+TEST(Blend, PicturesAreFittedToTheReceiversSize)
+{
+    const PhotoImagePtr front = photoOf(filled({200, 100}, QImage::Format_RGBX8888, Qt::white));
+    const PhotoImagePtr back = photoOf(filled({50, 50}, QImage::Format_RGBX8888, Qt::black));
+    QImage half = filled({20, 10}, QImage::Format_RGBX8888, Qt::black);
+    for (int y = 0; y < 5; ++y) // the upper half
+        for (int x = 0; x < 20; ++x)
+            half.setPixelColor(x, y, Qt::green);
+    const PhotoImagePtr paint = photoOf(half);
+    paint->setSize({7, 3}); // as some other render left it
+    const PhotoImagePtr blended = FlippedImage::blendWithAlphaMask(front, back, paint, 20);
+    EXPECT_EQ(blended->size(), QSizeF(200, 100));
+    const QImage result = blended->bitmap();
+    ASSERT_EQ(result.size(), QSize(200, 100));
+    for (int x = 0; x < 200; ++x) {
+        EXPECT_EQ(samplesAt(result, x, 10)[0], 255);
+        EXPECT_EQ(samplesAt(result, x, 90)[0], 0);
+    }
+    EXPECT_NEAR(samplesAt(result, 100, 50)[0], 127, 25);
+}
+
+TEST(Blend, WithoutMaskOrBackgroundTheReceiverShows)
+{
+    const QImage front = noise(kSize, QImage::Format_RGBX8888);
+    EXPECT_EQ(FlippedImage::blendWithAlphaMask(photoOf(front), photoOf(front), nullptr, 20)->bitmap(), front);
+    EXPECT_EQ(FlippedImage::blendWithAlphaMask(photoOf(front), nullptr, mask(Qt::black), 20)->bitmap(), front);
+    EXPECT_EQ(FlippedImage::blendWithAlphaMask(nullptr, photoOf(front), mask(Qt::black), 20), nullptr);
+}
+
+TEST(Vignette, HalvesTheLightAtATenthWhateverRadiusAndColour)
+{
+    QImage ramp({256, 1}, QImage::Format_RGBX8888);
+    for (int x = 0; x < 256; ++x)
+        ramp.setPixel(x, 0, qRgb(x, x, x));
+    const QImage dark = FlippedImage::vignetteWithRadius(photoOf(ramp), 0, 0.1f, Qt::black)->bitmap();
+    EXPECT_EQ(FlippedImage::vignetteWithRadius(photoOf(ramp), 99, 0.1f, Qt::red)->bitmap(), dark);
+    for (int x = 0; x < 256; ++x) {
+        const double v = x / 255.0;
+        const double light = (v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4)) / 2;
+        const double wanted = light <= 0.0031308 ? light * 12.92 : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
+        EXPECT_NEAR(samplesAt(dark, x, 0)[1], wanted * 255, 0.5001) << x;
+    }
+}
+
+TEST(Vignette, NotAboveZeroHandsBackTheVeryPicture)
+{
+    const PhotoImagePtr photo = photoOf(noise({5, 5}, QImage::Format_RGBX8888));
+    for (float intensity : {0.0f, -1.0f, std::nanf("")})
+        EXPECT_EQ(FlippedImage::vignetteWithRadius(photo, 0, intensity, Qt::black), photo);
+}
+
+TEST(Vignette, AlphaStays)
+{
+    const QImage photo = noise({64, 8}, QImage::Format_RGBA8888);
+    const QImage dark = FlippedImage::vignetteWithRadius(photoOf(photo), 0, 0.2f, Qt::black)->bitmap();
+    for (int x = 0; x < 64; ++x)
+        EXPECT_EQ(samplesAt(dark, x, 3)[3], samplesAt(photo, x, 3)[3]);
+}
+
+class Orientations : public ::testing::TestWithParam<int>
+{
+};
+
+TEST_P(Orientations, ViewerUndoesWhatTheWriterTurned)
+{
+    // What a viewer does for each tag value, from the definition: which corner of the stored pixels the picture's
+    // top left and top right come from.
+    struct Corners
+    {
+        QPoint topLeft, topRight;
+    };
+    const int w = 37, h = 20;
+    for (QImage::Format format : {QImage::Format_RGBX8888, QImage::Format_RGBA64, QImage::Format_Grayscale8}) {
+        const QImage upright = noise({w, h}, format);
+        const int orientation = GetParam();
+        const QImage stored = FlippedImage::RotateWithEXIF(upright, orientation);
+        const int sw = stored.width() - 1, sh = stored.height() - 1;
+        const Corners corners[] = {
+            {{0, 0}, {sw, 0}}, {{sw, 0}, {0, 0}}, {{sw, sh}, {0, sh}}, {{0, sh}, {sw, sh}},
+            {{0, 0}, {0, sh}}, {{0, sh}, {0, 0}}, {{sw, sh}, {sw, 0}}, {{sw, 0}, {sw, sh}},
+        };
+        const Corners &expected = corners[orientation - 1];
+        EXPECT_EQ(stored.size(), orientation >= 5 ? QSize(h, w) : QSize(w, h));
+        EXPECT_EQ(stored.pixelColor(expected.topLeft), upright.pixelColor(0, 0));
+        EXPECT_EQ(stored.pixelColor(expected.topRight), upright.pixelColor(w - 1, 0));
+        EXPECT_EQ(FlippedImage::uprightFromEXIF(stored, orientation), upright);
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Orientations, ::testing::Range(1, 9));
+
+TEST(Orientation, OtherValuesChangeNothing)
+{
+    const QImage image = noise({4, 3}, QImage::Format_RGBX8888);
+    for (int value : {-1, 0, 1, 9, 274})
+        EXPECT_EQ(FlippedImage::RotateWithEXIF(image, value), image);
+}
+
+} // namespace hazelmark

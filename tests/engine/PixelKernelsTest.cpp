@@ -1,0 +1,201 @@
+#include "kernels/PixelRows.h"
+#include "kernels/ScaleRows.h"
+#include "kernels/ToneRows.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <limits>
+#include <random>
+#include <vector>
+
+namespace hazelmark {
+
+namespace {
+
+constexpr std::size_t kPadding = 16;
+
+/// A row of floats as tiles have them: aligned and padded.
+struct Row
+{
+    explicit Row(std::size_t width, float value = 0.0f)
+        : storage(width + 2 * kPadding, value)
+    {
+        const auto address = reinterpret_cast<std::uintptr_t>(storage.data());
+        data = storage.data() + (64 - address % 64) % 64 / sizeof(float);
+    }
+    std::vector<float> storage;
+    float *data;
+};
+
+std::vector<float> randomValues(std::size_t count, unsigned seed)
+{
+    std::mt19937 random(seed);
+    std::uniform_real_distribution<float> values(0.0f, 1.0f);
+    std::vector<float> result(count);
+    for (float &value : result)
+        value = values(random);
+    return result;
+}
+
+Row rowOf(const std::vector<float> &values)
+{
+    Row row(values.size());
+    std::copy(values.begin(), values.end(), row.data);
+    return row;
+}
+
+} // namespace
+
+class KernelWidths : public ::testing::TestWithParam<std::size_t>
+{
+};
+
+TEST_P(KernelWidths, EverySampleComesBackAndNothingBehindTheRowIsTouched)
+{
+    const std::size_t width = GetParam();
+    std::mt19937 random(7);
+    for (int channels : {3, 4}) {
+        std::vector<std::uint8_t> eight(4 * width), eightBack(4 * width + 4, 77);
+        std::vector<std::uint16_t> sixteen(4 * width), sixteenBack(4 * width + 4, 77);
+        for (std::size_t i = 0; i < 4 * width; ++i) {
+            eight[i] = channels == 3 && i % 4 == 3 ? 255 : std::uint8_t(i);
+            sixteen[i] = channels == 3 && i % 4 == 3 ? 65535 : std::uint16_t(i == 0 ? 65535 : random());
+        }
+        Row rows[4] = {Row(width), Row(width), Row(width), Row(width)};
+        float *planes[4] = {rows[0].data, rows[1].data, rows[2].data, rows[3].data};
+        kernels::unpackRgb8(eight.data(), planes, channels, width);
+        for (std::size_t i = 0; i < width; ++i)
+            ASSERT_NEAR(planes[1][i], eight[4 * i + 1] / 255.0, 1e-7);
+        kernels::packRgb8(planes, channels, eightBack.data(), width);
+        kernels::unpackRgb16(sixteen.data(), planes, channels, width);
+        kernels::packRgb16(planes, channels, sixteenBack.data(), width);
+        for (std::size_t i = 0; i < 4 * width; ++i) {
+            ASSERT_EQ(eightBack[i], eight[i]) << i;
+            ASSERT_EQ(sixteenBack[i], sixteen[i]) << i;
+        }
+        for (std::size_t i = 4 * width; i < 4 * width + 4; ++i) {
+            ASSERT_EQ(eightBack[i], 77);
+            ASSERT_EQ(sixteenBack[i], 77);
+        }
+        kernels::unpackChannel16(sixteen.data(), 2, planes[0], width);
+        for (std::size_t i = 0; i < width; ++i)
+            ASSERT_NEAR(planes[0][i], sixteen[4 * i + 2] / 65535.0, 1e-7);
+    }
+}
+
+TEST_P(KernelWidths, BlendsAgreeWithDoublePrecision)
+{
+    const std::size_t width = GetParam();
+    Row fg[4] = {rowOf(randomValues(width, 1)), rowOf(randomValues(width, 2)), rowOf(randomValues(width, 3)),
+                 rowOf(randomValues(width, 4))};
+    Row bg[4] = {rowOf(randomValues(width, 5)), rowOf(randomValues(width, 6)), rowOf(randomValues(width, 7)),
+                 rowOf(randomValues(width, 8))};
+    Row weight = rowOf(randomValues(width, 9));
+    weight.data[0] = 0.0f;
+    bg[3].data[0] = 0.0f; // transparent, with colours under it
+    weight.data[width - 1] = width > 1 ? 1.0f : 0.0f;
+    Row out[4] = {Row(width), Row(width), Row(width), Row(width)};
+    const float *foreground[4] = {fg[0].data, fg[1].data, fg[2].data, fg[3].data};
+    const float *background[4] = {bg[0].data, bg[1].data, bg[2].data, bg[3].data};
+    float *result[4] = {out[0].data, out[1].data, out[2].data, out[3].data};
+
+    kernels::blendWithAlpha(foreground, background, weight.data, result, width);
+    for (int c = 0; c < 4; ++c)
+        EXPECT_EQ(result[c][0], background[c][0]);
+    for (std::size_t i = 1; i < width; ++i) {
+        const double k = weight.data[i];
+        const double alpha = k * foreground[3][i] + (1 - k) * background[3][i];
+        EXPECT_NEAR(result[3][i], alpha, 1e-6);
+        for (int c = 0; c < 3; ++c) {
+            const double mixed =
+                k * foreground[c][i] * foreground[3][i] + (1 - k) * background[c][i] * background[3][i];
+            EXPECT_NEAR(result[c][i], mixed / alpha, 1e-5);
+        }
+    }
+    kernels::blendOpaque(foreground[0], background[0], weight.data, result[0], width);
+    EXPECT_EQ(result[0][0], background[0][0]);
+    for (std::size_t i = 0; i < width; ++i)
+        EXPECT_NEAR(result[0][i], weight.data[i] * foreground[0][i] + (1.0 - weight.data[i]) * background[0][i], 1e-6);
+}
+
+TEST_P(KernelWidths, LinearLightIsScaledAlongTheSrgbCurve)
+{
+    const auto decode = [](double v) { return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
+    const auto encode = [](double v) { return v <= 0.0031308 ? v * 12.92 : 1.055 * std::pow(v, 1 / 2.4) - 0.055; };
+    const std::size_t width = GetParam();
+    for (float gain : {1.0f, 0.5f, 1.0f / 1024}) {
+        std::vector<float> values = randomValues(width, 3);
+        values[0] = 0.0f;
+        values[width / 2] = 0.04f;
+        values[width - 1] = width > 1 ? 1.0f : 0.0f;
+        Row row = rowOf(values);
+        kernels::scaleLinearLight(row.data, gain, width);
+        for (std::size_t i = 0; i < width; ++i)
+            EXPECT_NEAR(row.data[i], encode(decode(values[i]) * gain), 4e-6) << values[i] << " x " << gain;
+    }
+}
+
+TEST_P(KernelWidths, WeighedSumsAgreeWithDoublePrecision)
+{
+    const std::size_t width = GetParam();
+    for (int taps : {1, 4, 21}) {
+        const std::vector<float> weights = randomValues(width * std::size_t(taps), 11);
+        const std::vector<float> input = randomValues(width + 64, 12);
+        std::vector<int> first(width);
+        for (std::size_t i = 0; i < width; ++i)
+            first[i] = int(i * 40 / width);
+        Row out(width);
+        kernels::scaleRow(input.data(), first.data(), weights.data(), taps, out.data, width);
+        std::vector<Row> rows;
+        std::vector<const float *> starts;
+        for (int t = 0; t < taps; ++t)
+            rows.push_back(rowOf(randomValues(width, unsigned(20 + t))));
+        for (const Row &row : rows)
+            starts.push_back(row.data);
+        Row along(width);
+        kernels::weighRows(starts.data(), weights.data(), taps, along.data, width);
+        for (std::size_t i = 0; i < width; ++i) {
+            double across = 0, down = 0;
+            for (int t = 0; t < taps; ++t) {
+                across += double(weights[i * std::size_t(taps) + std::size_t(t)]) * input[std::size_t(first[i] + t)];
+                down += double(weights[std::size_t(t)]) * starts[std::size_t(t)][i];
+            }
+            ASSERT_NEAR(out.data[i], across, 1e-5);
+            ASSERT_NEAR(along.data[i], down, 1e-5);
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Odd, KernelWidths, ::testing::Values(1, 2, 3, 15, 16, 17, 63, 64, 65, 1021));
+
+TEST(PixelKernels, PackingClampsAndNeverPassesNaNOn)
+{
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float inf = std::numeric_limits<float>::infinity();
+    // One full vector of the widest target and a tail, so that both ways of packing are seen.
+    const std::size_t width = 19;
+    Row values(width);
+    const float wild[] = {nan, -inf, -0.1f, 0.5f, 1.7f, inf, 2.5f / 255};
+    for (std::size_t i = 0; i < width; ++i)
+        values.data[i] = wild[i % 7];
+    const float *planes[3] = {values.data, values.data, values.data};
+    std::vector<std::uint8_t> packed(4 * width);
+    kernels::packRgb8(planes, 3, packed.data(), width);
+    const int wanted[] = {0, 0, 0, 128, 255, 255, 2};
+    for (std::size_t i = 0; i < width; ++i)
+        EXPECT_EQ(packed[4 * i], wanted[i % 7]) << i;
+}
+
+TEST(PixelKernels, ClampingKeepsFullAreasFull)
+{
+    Row row(16);
+    const float values[] = {-0.2f, 0.0f, 0.25f, 1.0f - 0x1p-22f, 1.0f, 1.3f, 65534.0f / 65535};
+    std::copy(std::begin(values), std::end(values), row.data);
+    kernels::clampToUnit(row.data, 7);
+    const float wanted[] = {0.0f, 0.0f, 0.25f, 1.0f, 1.0f, 1.0f, 65534.0f / 65535};
+    for (std::size_t i = 0; i < 7; ++i)
+        EXPECT_EQ(row.data[i], wanted[i]);
+}
+
+} // namespace hazelmark

@@ -1,0 +1,241 @@
+#include "Utils.h"
+
+#include "ParallelFor.h"
+#include "Pictures.h"
+#include "Renderer.h"
+
+#include <gtest/gtest.h>
+
+#include <atomic>
+#include <stdexcept>
+#include <thread>
+
+namespace hazelmark {
+
+using testing::filled;
+using testing::noise;
+using testing::samplesAt;
+
+namespace {
+const Utils &utils = Utils::sharedUtils();
+}
+
+TEST(PhotoImage, FilterImageMeasuresTheLogicalSize)
+{
+    const PhotoImagePtr photo = PhotoImage::fromBitmap(noise({200, 200}, QImage::Format_RGBX8888));
+    photo->setSize({100, 100});
+    EXPECT_EQ(utils.getCIImageFromNSImage(photo).extent(), QRectF(0, 0, 100, 100));
+    EXPECT_EQ(photo->pixelSize(), QSize(200, 200));
+    EXPECT_TRUE(utils.getCIImageFromNSImage(nullptr).isEmpty());
+    EXPECT_FALSE(PhotoImage::fromBitmap({})->isValid());
+    EXPECT_TRUE(utils.getCIImageFromNSImage(PhotoImage::fromBitmap({})).isEmpty());
+}
+
+TEST(PhotoImage, KeepsItsProfileThroughEveryStep)
+{
+    const QByteArray profile("a profile");
+    const PhotoImagePtr photo = PhotoImage::fromBitmap(noise({40, 30}, QImage::Format_RGBX8888), profile);
+    CoreFilterObject settings;
+    settings.blurAmount = 60;
+    EXPECT_EQ(utils.applyfilterOnBlurImage(photo, {}, settings)->iccProfile(), profile);
+    EXPECT_EQ(utils.scaleImage(photo, {10, 10})->iccProfile(), profile);
+}
+
+TEST(PhotoImage, ManyThreadsMayAskForThePixelsAtOnce)
+{
+    const PhotoImagePtr photo = PhotoImage::fromBitmap(noise({900, 600}, QImage::Format_RGBX8888));
+    const PhotoImagePtr scaled = utils.scaleImage(photo, {450, 300});
+    QImage seen[4];
+    std::vector<std::thread> threads;
+    for (QImage &image : seen)
+        threads.emplace_back([&] {
+            scaled->setSize({100, 100});
+            image = scaled->bitmap();
+        });
+    for (std::thread &thread : threads)
+        thread.join();
+    for (const QImage &image : seen)
+        EXPECT_EQ(image.constBits(), seen[0].constBits());
+}
+
+TEST(ScaleImage, SourceReportsTheNewSizeAfterwards)
+{
+    const PhotoImagePtr photo = PhotoImage::fromBitmap(noise({200, 100}, QImage::Format_RGBX8888));
+    const PhotoImagePtr scaled = utils.scaleImage(photo, {50, 40});
+    EXPECT_EQ(photo->size(), QSizeF(50, 40));
+    EXPECT_EQ(photo->pixelSize(), QSize(200, 100));
+    EXPECT_EQ(scaled->size(), QSizeF(50, 40));
+    EXPECT_EQ(scaled->bitmap().size(), QSize(50, 40));
+    EXPECT_EQ(utils.scaleImage(PhotoImage::fromBitmap({}), {5, 5}), nullptr);
+    EXPECT_EQ(utils.scaleImage(nullptr, {5, 5}), nullptr);
+}
+
+TEST(ScaleImage, FlatAreasAndMeansAreKept)
+{
+    for (const QSize &size : {QSize(1, 1), QSize(3, 200), QSize(640, 480), QSize(1500, 7)}) {
+        const PhotoImagePtr flat =
+            PhotoImage::fromBitmap(filled({97, 61}, QImage::Format_RGBX8888, QColor(255, 0, 77)));
+        const QImage scaled = utils.scaleImage(flat, size)->bitmap();
+        EXPECT_EQ(scaled, filled(size, QImage::Format_RGBX8888, QColor(255, 0, 77))) << size.width();
+    }
+    const QImage fine = noise({512, 512}, QImage::Format_RGBX8888);
+    double mean = 0;
+    for (int y = 0; y < 512; ++y)
+        for (int x = 0; x < 512; ++x)
+            mean += samplesAt(fine, x, y)[0] / (512.0 * 512.0);
+    const QImage small = utils.scaleImage(PhotoImage::fromBitmap(fine), {4, 4})->bitmap();
+    double smallMean = 0;
+    for (int i = 0; i < 16; ++i)
+        smallMean += samplesAt(small, i % 4, i / 4)[0] / 16.0;
+    EXPECT_NEAR(smallMean, mean, 1.5); // every source pixel counts
+}
+
+TEST(ScaleImage, SmoothRampsStaySmoothAndInPlace)
+{
+    QImage ramp({64, 48}, QImage::Format_RGBX8888);
+    for (int y = 0; y < 48; ++y)
+        for (int x = 0; x < 64; ++x)
+            ramp.setPixel(x, y, qRgb(x * 4, y * 5, 0));
+    const QImage large = utils.scaleImage(PhotoImage::fromBitmap(ramp), {640, 480})->bitmap();
+    for (int y = 40; y < 440; y += 13) {
+        for (int x = 40; x < 600; x += 13) {
+            EXPECT_NEAR(samplesAt(large, x, y)[0], ((x + 0.5) / 10 - 0.5) * 4, 0.51);
+            EXPECT_NEAR(samplesAt(large, x, y)[1], ((y + 0.5) / 10 - 0.5) * 5, 0.51);
+        }
+    }
+}
+
+TEST(ScaleImage, TransparentColoursDoNotBleed)
+{
+    QImage image = filled({20, 20}, QImage::Format_RGBA8888, QColor(255, 0, 0, 0)); // red nobody sees
+    for (int y = 0; y < 20; ++y)
+        for (int x = 10; x < 20; ++x)
+            image.setPixelColor(x, y, QColor(0, 0, 255, 255));
+    const QImage scaled = utils.scaleImage(PhotoImage::fromBitmap(image), {70, 70})->bitmap();
+    for (int x = 0; x < 70; ++x) {
+        if (samplesAt(scaled, x, 35)[3] > 0) {
+            EXPECT_EQ(samplesAt(scaled, x, 35)[0], 0) << x;
+        }
+    }
+}
+
+TEST(DrawedImage, CropsPlacesAndRefusesEmptyInput)
+{
+    const QImage bitmap = noise({30, 20}, QImage::Format_RGBX8888);
+    const FilterImage image(bitmap);
+    EXPECT_EQ(utils.getDrawedImage({}, {10, 10}, {0, 0}, {0, 0, 10, 10}), nullptr);
+    const PhotoImagePtr whole = utils.getDrawedImage(image.clamped(), {30, 20}, {0, 0}, {0, 0, 30, 20});
+    EXPECT_EQ(whole->bitmap(), bitmap);
+    // Origin bottom-left: the source rectangle's lower left corner lands at the point, 5 from the left, 4 from below.
+    const QImage placed = utils.getDrawedImage(image, {30, 20}, {5, 4}, {0, 0, 30, 20})->bitmap();
+    EXPECT_EQ(placed.pixelColor(5, 15), bitmap.pixelColor(0, 19));
+    EXPECT_EQ(placed.pixelColor(4, 15).alpha(), 0);
+    EXPECT_EQ(placed.pixelColor(5, 16).alpha(), 0);
+    const QImage doubled = utils
+                               .getDrawedImage(FilterImage(filled({8, 8}, QImage::Format_RGBX8888, Qt::blue)), {16, 16},
+                                               {0, 0}, {2, 2, 4, 4})
+                               ->bitmap();
+    EXPECT_EQ(doubled, filled({16, 16}, QImage::Format_RGBX8888, Qt::blue));
+}
+
+TEST(TransparentImage, FactorScalesAlphaAndEmptySizesComeBackThemselves)
+{
+    const QImage bitmap = noise({30, 20}, QImage::Format_RGBX8888);
+    const PhotoImagePtr photo = PhotoImage::fromBitmap(bitmap);
+    EXPECT_EQ(utils.getTransparentImageFromImage(photo, 1.0f)->bitmap(), bitmap);
+    const QImage half = utils.getTransparentImageFromImage(photo, 0.5f)->bitmap();
+    EXPECT_EQ(half.pixelColor(3, 3).alpha(), 128);
+    EXPECT_EQ(half.pixelColor(3, 3).red(), bitmap.pixelColor(3, 3).red());
+    photo->setSize({0, 20});
+    EXPECT_EQ(utils.getTransparentImageFromImage(photo, 0.5f), photo);
+}
+
+TEST(BlurPass, RadiusFollowsTheWidth)
+{
+    // b = 5 on a picture 2000 wide blurs with radius 2: a point spreads two pixels and no further.
+    QImage point = filled({2000, 20}, QImage::Format_RGBX8888, Qt::black);
+    point.setPixelColor(1000, 10, Qt::white);
+    CoreFilterObject settings;
+    settings.blurAmount = 5.0f;
+    const QImage blurred = utils.applyfilterOnBlurImage(PhotoImage::fromBitmap(point), {}, settings)->bitmap();
+    EXPECT_NEAR(samplesAt(blurred, 1000, 10)[0], 255 / (4 * 3.14159), 1);
+    EXPECT_NEAR(samplesAt(blurred, 1001, 10)[0], 255 / (4 * 3.14159), 1);
+    EXPECT_GT(samplesAt(blurred, 1002, 10)[0], 0);
+    EXPECT_EQ(samplesAt(blurred, 1003, 10)[0], 0);
+}
+
+TEST(BlurPass, WithoutBlurThePictureIsUnchanged)
+{
+    const QImage bitmap = noise({1000, 300}, QImage::Format_RGBA8888);
+    const PhotoImagePtr photo = PhotoImage::fromBitmap(bitmap);
+    for (const auto &[blur, motion] : {std::pair(0.0f, 0.0f), {0.0f, 10.0f}, {-5.0f, 0.0f}}) {
+        CoreFilterObject settings;
+        settings.blurAmount = blur;
+        settings.motionBlurAmount = motion;
+        const PhotoImagePtr result = utils.applyfilterOnBlurImage(photo, {}, settings);
+        EXPECT_NE(result, photo);
+        EXPECT_EQ(result->bitmap(), bitmap);
+        EXPECT_EQ(utils.applyfilterOnInFocusImage(photo, {}, settings), photo);
+    }
+    EXPECT_EQ(utils.applyfilterOnBlurImage(nullptr, {}, {}), nullptr);
+    EXPECT_EQ(utils.applyfilterOnBlurImage(PhotoImage::fromBitmap({}), {}, {}), nullptr);
+}
+
+TEST(BlurPass, BordersKeepTheirColour)
+{
+    const QImage flat = filled({400, 300}, QImage::Format_RGBX8888, QColor(200, 90, 10));
+    CoreFilterObject settings;
+    settings.blurAmount = 100.0f;
+    EXPECT_EQ(utils.applyfilterOnBlurImage(PhotoImage::fromBitmap(flat), {}, settings)->bitmap(), flat);
+}
+
+TEST(Filters, DetachingLetsTheInputsGo)
+{
+    BlendWithMaskFilter blend;
+    const FilterImage image(noise({4, 4}, QImage::Format_RGBX8888));
+    blend.setImage(ImageFilter::kInputImage, image);
+    blend.setImage(ImageFilter::kInputBackgroundImage, image);
+    blend.setImage(ImageFilter::kInputMaskImage, image);
+    EXPECT_FALSE(blend.outputImage().isEmpty());
+    utils.clearAllInPutParametersFromcurrentFilter(blend);
+    for (const QString &key : blend.imageInputs())
+        EXPECT_TRUE(blend.image(key).isEmpty());
+}
+
+TEST(ParallelFor, EveryIndexOnceAlsoNestedAndFromManyThreads)
+{
+    std::atomic<int> sum = 0;
+    std::vector<std::thread> callers;
+    for (int caller = 0; caller < 4; ++caller)
+        callers.emplace_back(
+            [&] { parallelFor(50, 8, [&](int i) { parallelFor(3, 8, [&](int j) { sum += i * 3 + j; }); }); });
+    for (std::thread &caller : callers)
+        caller.join();
+    EXPECT_EQ(sum, 4 * 150 * 149 / 2);
+}
+
+TEST(ParallelFor, TheFirstExceptionReachesTheCaller)
+{
+    EXPECT_THROW(parallelFor(1000, 4,
+                             [](int i) {
+                                 if (i == 10)
+                                     throw std::runtime_error("ten");
+                             }),
+                 std::runtime_error);
+}
+
+TEST(Renderer, ProgressRisesToOne)
+{
+    double last = 0;
+    int calls = 0;
+    const Renderer renderer(3, [&](double done) {
+        EXPECT_GT(done, last);
+        last = done;
+        ++calls;
+    });
+    renderer.draw(FilterImage(noise({1200, 700}, QImage::Format_RGBX8888)));
+    EXPECT_EQ(last, 1.0);
+    EXPECT_GT(calls, 4);
+}
+
+} // namespace hazelmark
