@@ -1,0 +1,11 @@
+#pragma once
+
+namespace hazelmark::bench {
+
+// The rows of the table, by topic. Each registers its own; the pictures are made when a row first needs them.
+
+void addBlurRows();
+void addErrorRows();
+void addCommandLineRows();
+
+} // namespace hazelmark::bench

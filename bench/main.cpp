@@ -1,0 +1,12 @@
+#include "Benches.h"
+#include "Comparison.h"
+
+int main(int argc, char **argv)
+{
+    hazelmark::bench::addBlurRows();
+#ifdef HAZELMARK_CLI
+    hazelmark::bench::addCommandLineRows();
+#endif
+    hazelmark::bench::addErrorRows();
+    return hazelmark::bench::run(argc, argv);
+}
