@@ -1,0 +1,258 @@
+#include "PaintCanvas.h"
+
+#include "Geometry.h"
+#include "NotificationCenter.h"
+#include "NotificationNames.h"
+#include "PaintControl.h"
+
+#include <QUndoCommand>
+
+#include <algorithm>
+#include <cmath>
+#include <functional>
+#include <utility>
+
+namespace hazelmark {
+
+namespace {
+
+/// More stamps than this change nothing that can be seen: the diagonal of the largest canvas has fewer pixels. A
+/// spacing of next to nothing in a file would ask for any number of them.
+constexpr float kMaxStampsPerSegment = 65536;
+
+class ReplaceSession : public QUndoCommand
+{
+public:
+    using Load = std::function<void(const QVariantList &)>;
+
+    ReplaceSession(Load load, QVariantList before, QVariantList after)
+        : m_load(std::move(load))
+        , m_before(std::move(before))
+        , m_after(std::move(after))
+    {
+    }
+    void undo() override { m_load(m_before); }
+    void redo() override { m_load(m_after); }
+
+private:
+    Load m_load;
+    QVariantList m_before;
+    QVariantList m_after;
+};
+
+} // namespace
+
+PaintCanvas::PaintCanvas()
+    : m_paintSession(std::make_shared<PaintSession>())
+{
+}
+
+PaintCanvas::~PaintCanvas() = default;
+
+void PaintCanvas::setFrameSize(QSizeF frameSize)
+{
+    m_frameSize = frameSize;
+}
+
+QSize PaintCanvas::bufferSize() const
+{
+    return QSize(int(m_frameSize.width()), int(m_frameSize.height())).expandedTo(QSize(0, 0));
+}
+
+PaintStep PaintCanvas::paintStepFromPoint(QPointF from, QPointF to) const
+{
+    return {m_brushColor, from, to, m_pointSize, m_hardness, m_eraser, m_pointAlpha, m_brushPixelStep};
+}
+
+void PaintCanvas::appendStep(const PaintStep &step)
+{
+    m_paintSession->addStep(step);
+    drawNewestStep();
+}
+
+void PaintCanvas::drawNewestStep()
+{
+    const PaintStepList &steps = *m_paintSession->steps();
+    if (steps.empty())
+        clearBuffer();
+    m_brush = PaintControl::brushImageWithHardness(m_hardness, m_eraser, 1.0F);
+    if (!steps.empty() && isDrawable(steps.back()))
+        drawStep(steps.back());
+}
+
+bool PaintCanvas::isDrawable(const PaintStep &step) const
+{
+    const auto inside = [this](QPointF fraction) {
+        const QPointF point = Geometry::convertedPointToFrameBase(fraction, m_frameSize);
+        return point.x() >= 0 && point.y() >= 0 && point.x() <= m_frameSize.width() &&
+               point.y() <= m_frameSize.height();
+    };
+    return inside(step.start()) && inside(step.end());
+}
+
+void PaintCanvas::syncBrushState(const PaintStep &step)
+{
+    if (m_hardness != step.hardness() || m_pointAlpha != step.alpha()) {
+        m_brush = PaintControl::brushImageWithHardness(step.hardness(), step.eraser(), step.alpha());
+        m_hardness = step.hardness();
+        m_pointAlpha = step.alpha();
+    }
+    m_brushColor = step.color();
+    m_eraser = step.eraser();
+    m_pointSize = step.pointSize();
+    m_brushPixelStep = step.brushPixelStep();
+}
+
+void PaintCanvas::bindBrush()
+{
+    if (!m_brushTexture.isMadeFrom(m_brush))
+        m_brushTexture = BrushTexture(m_brush);
+}
+
+void PaintCanvas::drawStep(const PaintStep &step)
+{
+    syncBrushState(step);
+    bindBrush();
+    renderLineFromPoint(Geometry::convertedPointToFrameBase(step.start(), m_frameSize),
+                        Geometry::convertedPointToFrameBase(step.end(), m_frameSize));
+}
+
+void PaintCanvas::renderLineFromPoint(QPointF from, QPointF to)
+{
+    const QSize size = bufferSize();
+    if (size.isEmpty())
+        return;
+    // Lengths in single precision, and stamps placed on the grid of single-precision numbers with y counted from
+    // below: it decides how many stamps a segment gets and which pixel a centre between two pixels falls to.
+    const double height = m_frameSize.height();
+    const QPointF start(from.x(), height - from.y());
+    const double dx = to.x() - from.x();
+    const double dy = (height - to.y()) - start.y();
+    const float distance = std::sqrt(float(dx * dx + dy * dy));
+    const float wanted = std::ceil(distance / m_brushPixelStep);
+    // A click gives 0 / step; not a number (0 / 0) fails the comparison too.
+    const int count = wanted >= 1 ? int(std::min(wanted, kMaxStampsPerSegment)) : 1;
+
+    const double columnsPerPoint = size.width() / m_frameSize.width();
+    const double linesPerPoint = size.height() / height;
+    m_centres.clear();
+    for (int i = 0; i < count; ++i) {
+        const auto x = float(start.x() + dx * i / count);
+        const auto y = float(start.y() + dy * i / count);
+        m_centres.push_back({x * columnsPerPoint, size.height() - y * linesPerPoint});
+    }
+
+    fitBufferToFrame();
+    const auto mode = m_eraser ? StampPainter::Mode::Erase : StampPainter::Mode::Paint;
+    const QRect touched = StampPainter(mode, m_brushColor, m_pointSize, m_brushTexture).stamp(m_buffer, m_centres);
+    if (!touched.isEmpty())
+        bufferChanged(touched);
+}
+
+void PaintCanvas::fitBufferToFrame()
+{
+    const QSize size = bufferSize();
+    if (m_buffer.isNull()) {
+        m_buffer = QImage(size, QImage::Format_RGBA8888_Premultiplied);
+        m_buffer.fill(0);
+    } else if (m_buffer.size() != size) {
+        m_buffer = m_buffer.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        m_buffer.convertTo(QImage::Format_RGBA8888_Premultiplied);
+    }
+}
+
+void PaintCanvas::clearBuffer()
+{
+    if (m_buffer.isNull())
+        return;
+    m_buffer = QImage();
+    bufferChanged(QRect(QPoint(), bufferSize()));
+}
+
+void PaintCanvas::removeAllPixelsDrawed()
+{
+    if (m_paintSession->steps()->empty())
+        clearBuffer();
+    m_brush = PaintControl::brushImageWithHardness(m_hardness, m_eraser, 1.0F);
+    // The pass stamps with a fully transparent colour: no pixel changes, so the stamps are left out. What the steps do
+    // to the brush state stays.
+    for (const PaintStep &step : *m_paintSession->steps()) {
+        if (isDrawable(step))
+            syncBrushState(step);
+    }
+}
+
+void PaintCanvas::clearDrawing()
+{
+    m_brushTexture = BrushTexture();
+    removeAllPixelsDrawed();
+    m_sessionPrevDataArray.clear();
+    m_paintSession->setSteps(std::make_shared<PaintStepList>());
+    m_paintSession->clear();
+    clearBuffer();
+}
+
+void PaintCanvas::restoreDrawedPoints(const std::shared_ptr<PaintStepList> &steps)
+{
+    removeAllPixelsDrawed();
+    clearBuffer();
+    m_paintSession->setSteps(steps && !steps->empty() ? steps : std::make_shared<PaintStepList>());
+    for (const PaintStep &step : *m_paintSession->steps()) {
+        if (isDrawable(step))
+            drawStep(step);
+    }
+}
+
+void PaintCanvas::updatePaintCanvasBySessionDataArray(const QVariantList &dataArray)
+{
+    const auto load = [this](const QVariantList &records) { loadSession(records); };
+    m_undoStack.push(new ReplaceSession(load, m_sessionPrevDataArray, dataArray));
+}
+
+void PaintCanvas::loadSession(const QVariantList &dataArray)
+{
+    m_paintSession->setDataArray(dataArray);
+    m_sessionPrevDataArray = dataArray;
+    drawNewestStep();
+}
+
+QImage PaintCanvas::snapshot()
+{
+    if (bufferSize().isEmpty())
+        return {};
+    if (m_buffer.isNull()) {
+        QImage blank(bufferSize(), QImage::Format_RGBA8888_Premultiplied);
+        blank.fill(0);
+        return blank;
+    }
+    fitBufferToFrame();
+    return m_buffer;
+}
+
+void PaintCanvas::mouseDown(QPointF place)
+{
+    m_firstLocation = Geometry::convertedPointToPercentBase(place, m_frameSize);
+    appendStep(paintStepFromPoint(m_firstLocation, m_firstLocation));
+}
+
+void PaintCanvas::mouseDragged(QPointF place)
+{
+    const QPointF location = Geometry::convertedPointToPercentBase(place, m_frameSize);
+    const PaintStep step = paintStepFromPoint(m_firstLocation, location);
+    m_firstLocation = location;
+    appendStep(step);
+}
+
+void PaintCanvas::mouseUp()
+{
+    sendDrawingEndedNotification();
+}
+
+void PaintCanvas::sendDrawingEndedNotification()
+{
+    NotificationCenter::defaultCenter().post(kNotificationBurshDrawedRegionUpdated);
+}
+
+void PaintCanvas::bufferChanged(const QRect & /*rect*/) {}
+
+} // namespace hazelmark

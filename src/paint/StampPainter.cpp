@@ -1,0 +1,181 @@
+#include "StampPainter.h"
+
+#include "kernels/StampRow.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace hazelmark {
+
+namespace {
+
+// Not std::clamp, which lets a not-a-number through.
+float fraction(double component)
+{
+    return component > 0 ? float(std::min(component, 1.0)) : 0.0F;
+}
+
+/// The pixels 0..size-1 whose centres lie in [low, high).
+struct Span
+{
+    int begin;
+    int end;
+};
+
+Span coveredPixels(double low, double high, int size)
+{
+    const auto clipped = [size](double value) { return int(std::clamp(std::ceil(value - 0.5), 0.0, double(size))); };
+    return {clipped(low), clipped(high)};
+}
+
+/// The tip's columns as the pixels of one stamp see them: the same for every line.
+class StampColumns
+{
+public:
+    /// For the pixels `span` of a stamp that begins at `left`, and some more behind them.
+    void place(Span span, double left, double texelsPerColumn, int texels)
+    {
+        const int count = span.end - span.begin + kernels::kMaxStampLanes;
+        m_begin = span.begin;
+        m_texel.resize(std::size_t(count));
+        m_fraction.resize(std::size_t(count));
+        for (int i = 0; i < count; ++i) {
+            const double place = (span.begin + i + 0.5 - left) * texelsPerColumn - 0.5;
+            const double inside = std::clamp(place, 0.0, double(texels - 1));
+            m_texel[std::size_t(i)] = std::int32_t(inside);
+            m_fraction[std::size_t(i)] = float(inside - std::int32_t(inside));
+        }
+    }
+
+    const std::int32_t *texels(int column) const { return m_texel.data() + (column - m_begin); }
+    const float *fractions(int column) const { return m_fraction.data() + (column - m_begin); }
+
+private:
+    int m_begin = 0;
+    std::vector<std::int32_t> m_texel;
+    std::vector<float> m_fraction;
+};
+
+/// One height of the tip, mixed of the two rows of texels next to it.
+class TipRow
+{
+public:
+    explicit TipRow(const BrushTexture::Level &level)
+        : m_level(level)
+        , m_stride(std::size_t(level.width + kernels::StampRow::kPadding))
+        , m_samples(m_stride * std::size_t(level.planes))
+    {
+    }
+
+    /// Mixes the row at `place` (row i of texels is at i). False when nothing is covered there.
+    bool mix(double place)
+    {
+        const double inside = std::clamp(place, 0.0, double(m_level.height - 1));
+        const int upper = int(inside);
+        const int lower = std::min(upper + 1, m_level.height - 1);
+        const auto share = float(inside - upper);
+        const auto [upperFirst, upperLast] = m_level.covered[std::size_t(upper)];
+        const auto [lowerFirst, lowerLast] = m_level.covered[std::size_t(lower)];
+        const int first = std::min(upperFirst, lowerFirst);
+        const int last = std::max(upperLast, lowerLast);
+        if (first > last)
+            return false;
+        // With the uncovered neighbours, towards which the interpolation falls off to 0.
+        m_first = std::max(first - 1, 0);
+        m_last = std::min(last + 1, m_level.width - 1);
+        for (int plane = 0; plane < m_level.planes; ++plane) {
+            float *mixed = m_samples.data() + std::size_t(plane) * m_stride;
+            kernels::mixRows(m_level.row(plane, upper) + m_first, m_level.row(plane, lower) + m_first, share,
+                             mixed + m_first, m_last - m_first + 1);
+            std::fill_n(mixed + m_last + 1, kernels::StampRow::kPadding, 0.0F);
+        }
+        return true;
+    }
+
+    /// The pixels that the last mix covers, of a stamp that begins at `left`. Where the buffer's width allows, they
+    /// go on to a whole number of blocks: pixels behind the covered ones sample 0 and stay as they are.
+    Span pixels(double left, double columnsPerTexel, int width) const
+    {
+        const bool reachesEnd = m_last == m_level.width - 1;
+        const double begin = m_first > 0 ? (m_first + 0.5) * columnsPerTexel : 0;
+        const double end = (reachesEnd ? m_level.width : m_last + 0.5) * columnsPerTexel;
+        Span span = coveredPixels(left + begin, left + end, width);
+        if (!reachesEnd) {
+            const int blocks = (span.end - span.begin + kernels::kMaxStampLanes - 1) / kernels::kMaxStampLanes;
+            span.end = std::min(span.begin + blocks * kernels::kMaxStampLanes, width);
+        }
+        return span;
+    }
+
+    std::array<const float *, 4> planes() const
+    {
+        std::array<const float *, 4> rows{};
+        for (std::size_t plane = 0; plane < 4; ++plane)
+            rows[plane] = m_samples.data() + (m_level.planes == 4 ? plane * m_stride : 0);
+        return rows;
+    }
+
+private:
+    const BrushTexture::Level &m_level;
+    std::size_t m_stride;
+    std::vector<float> m_samples;
+    int m_first = 0;
+    int m_last = 0;
+};
+
+} // namespace
+
+StampPainter::StampPainter(Mode mode, const Color &color, float pointSize, BrushTexture &texture)
+    : m_pointSize(pointSize)
+{
+    if (!texture.isEmpty() && std::isfinite(pointSize) && pointSize > 0)
+        m_level = &texture.levelFor(pointSize);
+    if (mode == Mode::Paint) {
+        m_alpha = fraction(color.alpha);
+        m_addend = {255 * fraction(color.red), 255 * fraction(color.green), 255 * fraction(color.blue), 255 * m_alpha};
+    }
+}
+
+QRect StampPainter::stamp(QImage &buffer, const std::vector<StampCentre> &centres) const
+{
+    if (!m_level)
+        return {};
+    uchar *bits = buffer.bits();
+    const qsizetype stride = buffer.bytesPerLine();
+    const QSize size = buffer.size();
+    const double texelsPerColumn = m_level->width / m_pointSize;
+    const double texelsPerLine = m_level->height / m_pointSize;
+    TipRow tip(*m_level);
+    StampColumns stampColumns;
+    kernels::StampRow row{};
+    row.tip = tip.planes();
+    row.white = m_level->planes == 1;
+    row.dense = texelsPerColumn < 0.999;
+    row.addend = m_addend;
+    row.alpha = m_alpha;
+
+    QRect touched;
+    for (const StampCentre &centre : centres) {
+        if (!std::isfinite(centre.x) || !std::isfinite(centre.y))
+            continue;
+        const double left = centre.x - m_pointSize / 2;
+        const double top = centre.y - m_pointSize / 2;
+        const Span columns = coveredPixels(left, left + m_pointSize, size.width());
+        const Span lines = coveredPixels(top, top + m_pointSize, size.height());
+        if (columns.begin >= columns.end || lines.begin >= lines.end)
+            continue;
+        stampColumns.place(columns, left, texelsPerColumn, m_level->width);
+        for (int line = lines.begin; line < lines.end; ++line) {
+            if (!tip.mix((line + 0.5 - top) * texelsPerLine - 0.5))
+                continue;
+            const Span span = tip.pixels(left, 1 / texelsPerColumn, size.width());
+            row.texel = stampColumns.texels(span.begin);
+            row.fraction = stampColumns.fractions(span.begin);
+            kernels::blendStampRow(bits + line * stride + 4 * qsizetype(span.begin), span.end - span.begin, row);
+        }
+        touched |= QRect(QPoint(columns.begin, lines.begin), QPoint(columns.end - 1, lines.end - 1));
+    }
+    return touched;
+}
+
+} // namespace hazelmark

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "Color.h"
+#include "StampPainter.h"
+
+#include <QImage>
+
+#include <vector>
+
+namespace hazelmark {
+
+/// The tip at the level that a stamp samples, computed again: halved by averages of 2 x 2 while it is at least twice
+/// as large as the stamp. The tip's side must be a power of two. Premultiplied RGBA in 0..1, 4 values a texel.
+struct ReferenceTip
+{
+    ReferenceTip(const QImage &tip, float pointSize);
+    double at(int x, int y, int component) const;
+
+    int side;
+    std::vector<double> samples;
+};
+
+/// Stamps pixel by pixel in double precision, with one rounding a stamp: what StampPainter must agree with.
+void stampReference(QImage &buffer, StampPainter::Mode mode, const Color &color, float pointSize, const QImage &tip,
+                    const std::vector<StampCentre> &centres);
+
+/// The largest difference of any component of any pixel.
+int largestDifference(const QImage &a, const QImage &b);
+
+} // namespace hazelmark
