@@ -10,8 +10,8 @@ namespace hazelmark {
 namespace {
 
 // The order matters where one format's files also look like another's: camera raw files are TIFF files too, so their
-// row belongs before TIFF's.
-constexpr const PictureFormat *kFormats[] = {&kJpegFormat, &kPngFormat};
+// row belongs before TIFF's. Qt's takes whatever is left.
+constexpr const PictureFormat *kFormats[] = {&kJpegFormat, &kPngFormat, &kTiffFormat, &kGifFormat, &kQtFormat};
 
 const PictureFormat *formatOf(const SourceFile &source)
 {

@@ -35,10 +35,12 @@ Outcome<Done> encodeTo(FileSink &sink, const QImage &pixels, const EncodeOptions
         return encodePng(pixels, options, sink);
     case WriteFormat::Jpeg:
         return encodeJpeg(pixels, options, sink);
-    case WriteFormat::Bmp:
     case WriteFormat::Tiff:
+        return encodeTiff(pixels, options, sink);
+    case WriteFormat::Bmp:
+        return encodeBmp(pixels, options, sink);
     case WriteFormat::Gif:
-        return sink.failure(QStringLiteral("the format is not known"));
+        return encodeGif(pixels, options, sink);
     }
     Q_UNREACHABLE();
 }

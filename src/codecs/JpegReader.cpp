@@ -38,14 +38,13 @@ public:
     JpegReader &operator=(const JpegReader &) = delete;
 
     std::optional<Failure> readHeader();
-    ColorModel colorModel() const;
-    int bitsPerChannel() const { return m_lib.data_precision; }
-    QSize size() const { return {int(m_lib.image_width), int(m_lib.image_height)}; }
-    QByteArray iccProfile();
-    std::optional<QSizeF> dpi() const;
+    PictureInfo info();
     Outcome<Picture> decode(QSize atLeast);
 
 private:
+    ColorModel colorModel() const;
+    QByteArray iccProfile();
+    std::optional<QSizeF> dpi() const;
     static void stopAtTooManyScans(j_common_ptr lib);
     void chooseScale(QSize atLeast);
     void readRows(uchar *bits, qsizetype stride);
@@ -122,6 +121,18 @@ std::optional<QSizeF> JpegReader::dpi() const
     if (m_lib.density_unit == kPerCentimetre)
         return density * kCentimetresPerInch;
     return std::nullopt; // an aspect ratio only
+}
+
+PictureInfo JpegReader::info()
+{
+    PictureInfo info;
+    info.format = "jpeg";
+    info.frames = {QSize(int(m_lib.image_width), int(m_lib.image_height))};
+    info.colorModel = colorModel();
+    info.bitsPerChannel = m_lib.data_precision;
+    info.iccProfile = iccProfile();
+    info.dpi = dpi();
+    return info;
 }
 
 /// The smallest of the scales that the library has fast transforms for.
@@ -237,31 +248,8 @@ bool isJpeg(const QByteArray &head)
     return head.startsWith("\xff\xd8\xff");
 }
 
-Outcome<PictureInfo> readJpegInfo(SourceFile &source)
-{
-    JpegReader reader(source);
-    if (const std::optional<Failure> failure = reader.readHeader())
-        return *failure;
-    PictureInfo info;
-    info.format = "jpeg";
-    info.frames = {reader.size()};
-    info.colorModel = reader.colorModel();
-    info.bitsPerChannel = reader.bitsPerChannel();
-    info.iccProfile = reader.iccProfile();
-    info.dpi = reader.dpi();
-    return info;
-}
-
-Outcome<Picture> decodeJpeg(SourceFile &source, QSize atLeast)
-{
-    JpegReader reader(source);
-    if (const std::optional<Failure> failure = reader.readHeader())
-        return *failure;
-    return reader.decode(atLeast);
-}
-
 } // namespace
 
-const PictureFormat kJpegFormat{isJpeg, readJpegInfo, decodeJpeg};
+const PictureFormat kJpegFormat = formatReadBy<JpegReader>(isJpeg);
 
 } // namespace hazelmark

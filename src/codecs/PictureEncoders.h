@@ -10,5 +10,8 @@ namespace hazelmark {
 
 Outcome<Done> encodeJpeg(const QImage &pixels, const EncodeOptions &options, FileSink &sink);
 Outcome<Done> encodePng(const QImage &pixels, const EncodeOptions &options, FileSink &sink);
+Outcome<Done> encodeTiff(const QImage &pixels, const EncodeOptions &options, FileSink &sink);
+Outcome<Done> encodeBmp(const QImage &pixels, const EncodeOptions &options, FileSink &sink);
+Outcome<Done> encodeGif(const QImage &pixels, const EncodeOptions &options, FileSink &sink);
 
 } // namespace hazelmark

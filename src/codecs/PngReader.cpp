@@ -37,7 +37,7 @@ public:
 
     std::optional<Failure> readHeader();
     PictureInfo info();
-    Outcome<Picture> decode();
+    Outcome<Picture> decode(QSize);
 
 private:
     [[noreturn]] static void leave(png_structp png, png_const_charp message);
@@ -162,7 +162,7 @@ void PngReader::requestOutputFormat()
     png_read_update_info(m_png, m_info);
 }
 
-Outcome<Picture> PngReader::decode()
+Outcome<Picture> PngReader::decode(QSize)
 {
     Picture picture;
     picture.fileColorModel = isGray() ? ColorModel::Gray : ColorModel::Rgb;
@@ -194,24 +194,8 @@ bool isPng(const QByteArray &head)
     return head.startsWith("\x89PNG\r\n\x1a\n");
 }
 
-Outcome<PictureInfo> readPngInfo(SourceFile &source)
-{
-    PngReader reader(source);
-    if (const std::optional<Failure> failure = reader.readHeader())
-        return *failure;
-    return reader.info();
-}
-
-Outcome<Picture> decodePng(SourceFile &source, QSize)
-{
-    PngReader reader(source);
-    if (const std::optional<Failure> failure = reader.readHeader())
-        return *failure;
-    return reader.decode();
-}
-
 } // namespace
 
-const PictureFormat kPngFormat{isPng, readPngInfo, decodePng};
+const PictureFormat kPngFormat = formatReadBy<PngReader>(isPng);
 
 } // namespace hazelmark

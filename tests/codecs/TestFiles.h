@@ -20,6 +20,7 @@ protected:
     QString write(const QString &name, const QByteArray &bytes) const
     {
         QFile file(pathOf(name));
+        file.remove(); // truncating an existing file makes some file systems flush it
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         EXPECT_EQ(file.write(bytes), bytes.size());
         return file.fileName();

@@ -1,0 +1,199 @@
+#include "ColorProfile.h"
+
+#include "CodecsLog.h"
+#include "LcmsHandles.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <cstring>
+#include <vector>
+
+namespace hazelmark {
+
+namespace {
+
+constexpr cmsUInt32Number kTransformFlags = cmsFLAGS_NOCACHE | cmsFLAGS_COPY_ALPHA;
+
+/// sRGB for empty bytes; null when the profile is none for RGB pictures.
+ProfileHandle openRgbProfile(const QByteArray &iccProfile)
+{
+    if (iccProfile.isEmpty())
+        return ProfileHandle(cmsCreate_sRGBProfile());
+    ProfileHandle profile = openProfile(iccProfile);
+    if (profile && cmsGetColorSpace(profile.get()) != cmsSigRgbData)
+        profile.reset();
+    return profile;
+}
+
+using Color16 = std::array<uint16_t, 3>;
+
+/// Less than half an 8-bit step apart.
+bool isNearly(const Color16 &a, const Color16 &b)
+{
+    constexpr int kTolerance = 128;
+    return std::abs(a[0] - b[0]) <= kTolerance && std::abs(a[1] - b[1]) <= kTolerance &&
+           std::abs(a[2] - b[2]) <= kTolerance;
+}
+
+/// Converts a grid of colours through both profiles: true when none moves.
+bool leavesColorsAlone(cmsHPROFILE source, cmsHPROFILE target)
+{
+    constexpr int kSteps = 17;
+    const TransformHandle transform(
+        cmsCreateTransform(source, TYPE_RGB_16, target, TYPE_RGB_16, INTENT_PERCEPTUAL, cmsFLAGS_NOCACHE));
+    if (!transform)
+        return false;
+    const auto level = [](int step) { return uint16_t(65535 * step / (kSteps - 1)); };
+    std::vector<Color16> colors;
+    for (int red = 0; red < kSteps; ++red) {
+        for (int green = 0; green < kSteps; ++green) {
+            for (int blue = 0; blue < kSteps; ++blue)
+                colors.push_back({level(red), level(green), level(blue)});
+        }
+    }
+    std::vector<Color16> converted(colors.size());
+    cmsDoTransform(transform.get(), colors.data(), converted.data(), cmsUInt32Number(colors.size()));
+    return std::equal(colors.begin(), colors.end(), converted.begin(), isNearly);
+}
+
+/// The relative luminance curve of a grey profile. One whose connection space is Lab stores lightness, which is turned
+/// into luminance here. Null when the profile has no curve.
+ToneCurveHandle luminanceCurve(cmsHPROFILE gray)
+{
+    const auto *stored = static_cast<const cmsToneCurve *>(cmsReadTag(gray, cmsSigGrayTRCTag));
+    if (!stored)
+        return {};
+    if (cmsGetPCS(gray) != cmsSigLabData)
+        return ToneCurveHandle(cmsDupToneCurve(stored));
+    constexpr int kEntries = 4096;
+    std::vector<cmsFloat32Number> table(kEntries);
+    for (int i = 0; i < kEntries; ++i) {
+        const cmsFloat32Number lightness = cmsEvalToneCurveFloat(stored, float(i) / (kEntries - 1));
+        const cmsCIELab lab = {100.0 * double(lightness), 0, 0};
+        cmsCIEXYZ xyz;
+        cmsLab2XYZ(nullptr, &xyz, &lab);
+        table[size_t(i)] = float(xyz.Y);
+    }
+    return ToneCurveHandle(cmsBuildTabulatedToneCurveFloat(nullptr, kEntries, table.data()));
+}
+
+/// The profile's bytes with a fixed time of creation instead of the present one.
+QByteArray savedProfile(cmsHPROFILE profile)
+{
+    constexpr qsizetype kTimeOffset = 24;
+    constexpr char kTime[12] = {0x07, char(0xd0), 0, 1, 0, 1, 0, 0, 0, 0, 0, 0}; // 2000-01-01 00:00:00
+    cmsUInt32Number size = 0;
+    if (!cmsSaveProfileToMem(profile, nullptr, &size))
+        return {};
+    QByteArray bytes(qsizetype(size), '\0');
+    if (!cmsSaveProfileToMem(profile, bytes.data(), &size))
+        return {};
+    std::memcpy(bytes.data() + kTimeOffset, kTime, sizeof kTime);
+    return bytes;
+}
+
+void setDescription(cmsHPROFILE profile, const char *text)
+{
+    cmsMLU *name = cmsMLUalloc(nullptr, 1);
+    cmsMLUsetASCII(name, "en", "US", text);
+    cmsWriteTag(profile, cmsSigProfileDescriptionTag, name);
+    cmsMLUfree(name);
+}
+
+} // namespace
+
+QByteArray rgbProfileForGray(const QByteArray &grayProfile)
+{
+    const ProfileHandle gray = openProfile(grayProfile);
+    if (!gray)
+        return {};
+    if (cmsGetColorSpace(gray.get()) == cmsSigRgbData)
+        return grayProfile;
+    const ToneCurveHandle curve = cmsGetColorSpace(gray.get()) == cmsSigGrayData ? luminanceCurve(gray.get()) : nullptr;
+    if (!curve) {
+        qCWarning(lcCodecs) << "The grey picture's colour profile cannot be used.";
+        return {};
+    }
+    constexpr cmsCIExyY kD65 = {0.3127, 0.3290, 1.0};
+    constexpr cmsCIExyYTRIPLE kSrgbPrimaries = {{0.6400, 0.3300, 1.0}, {0.3000, 0.6000, 1.0}, {0.1500, 0.0600, 1.0}};
+    cmsToneCurve *curves[3] = {curve.get(), curve.get(), curve.get()};
+    const ProfileHandle rgb(cmsCreateRGBProfile(&kD65, &kSrgbPrimaries, curves));
+    if (!rgb)
+        return {};
+    cmsSetProfileVersion(rgb.get(), cmsGetProfileVersion(gray.get()) < 4 ? 2.4 : 4.3);
+    if (const void *white = cmsReadTag(gray.get(), cmsSigMediaWhitePointTag))
+        cmsWriteTag(rgb.get(), cmsSigMediaWhitePointTag, white);
+    setDescription(rgb.get(), "RGB with a grey picture's tone curve");
+    return savedProfile(rgb.get());
+}
+
+QString profileDescription(const QByteArray &iccProfile)
+{
+    const ProfileHandle profile = openProfile(iccProfile);
+    if (!profile)
+        return {};
+    const cmsUInt32Number bytes = cmsGetProfileInfo(profile.get(), cmsInfoDescription, "en", "US", nullptr, 0);
+    std::vector<wchar_t> text(bytes / sizeof(wchar_t) + 1);
+    cmsGetProfileInfo(profile.get(), cmsInfoDescription, "en", "US", text.data(),
+                      cmsUInt32Number(text.size() * sizeof(wchar_t)));
+    text.back() = 0;
+    return QString::fromWCharArray(text.data()).trimmed();
+}
+
+bool convertToSrgb(QImage &pixels, const QByteArray &iccProfile)
+{
+    if (iccProfile.isEmpty() || pixels.isNull())
+        return true;
+    const auto transform = ColorTransform::between(iccProfile, {}, pixels.format());
+    if (!transform)
+        return false;
+    if (transform->isIdentity())
+        return true;
+    uchar *bits = pixels.bits();
+    if (!bits)
+        return false;
+    const qsizetype stride = pixels.bytesPerLine();
+    transform->convertRows(bits, stride, bits, stride, pixels.width(), pixels.height());
+    return true;
+}
+
+std::shared_ptr<const ColorTransform> ColorTransform::between(const QByteArray &sourceProfile,
+                                                              const QByteArray &targetProfile, QImage::Format format)
+{
+    const bool is16Bit = format == QImage::Format_RGBX64 || format == QImage::Format_RGBA64;
+    if (!is16Bit && format != QImage::Format_RGBX8888 && format != QImage::Format_RGBA8888)
+        return {};
+    const ProfileHandle source = openRgbProfile(sourceProfile);
+    const ProfileHandle target = openRgbProfile(targetProfile);
+    if (!source || !target)
+        return {};
+    const cmsUInt32Number layout = is16Bit ? TYPE_RGBA_16 : TYPE_RGBA_8;
+    void *transform =
+        cmsCreateTransform(source.get(), layout, target.get(), layout, INTENT_PERCEPTUAL, kTransformFlags);
+    if (!transform)
+        return {};
+    std::shared_ptr<ColorTransform> result(new ColorTransform(transform));
+    result->m_isIdentity = leavesColorsAlone(source.get(), target.get());
+    return result;
+}
+
+ColorTransform::ColorTransform(void *transform)
+    : m_transform(transform)
+{
+}
+
+ColorTransform::~ColorTransform()
+{
+    cmsDeleteTransform(m_transform);
+}
+
+void ColorTransform::convertRows(const uchar *source, qsizetype sourceStride, uchar *target, qsizetype targetStride,
+                                 int width, int rowCount) const
+{
+    // Row by row: the library's own strides are 32-bit numbers.
+    for (int row = 0; row < rowCount; ++row)
+        cmsDoTransform(m_transform, source + row * sourceStride, target + row * targetStride, cmsUInt32Number(width));
+}
+
+} // namespace hazelmark

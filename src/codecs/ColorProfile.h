@@ -1,0 +1,50 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QString>
+
+#include <memory>
+
+namespace hazelmark {
+
+// Colour profiles as the bytes that files embed. Everywhere empty bytes stand for sRGB. What is made of the same bytes
+// is the same bytes: no time of creation is put into a profile.
+
+/// An RGB profile in which equal channels look as the same levels do in `grayProfile`: its tone curve and white with
+/// the primaries of sRGB. A profile that is an RGB one already comes back as it is (some grey files embed one); empty
+/// when the profile cannot be used.
+QByteArray rgbProfileForGray(const QByteArray &grayProfile);
+
+/// The name that the profile gives itself, in English where it has several; empty when it has none.
+QString profileDescription(const QByteArray &iccProfile);
+
+/// Converts `pixels` (RGBX8888, RGBA8888, RGBX64 or RGBA64; straight alpha, which stays) from the RGB profile to sRGB.
+/// Pixels that are sRGB already keep every bit. False, and nothing is done, when the profile cannot be used.
+bool convertToSrgb(QImage &pixels, const QByteArray &iccProfile);
+
+/// Turns straight RGB(A) pixels of one RGB profile into those of another. Immutable: any number of threads may convert
+/// ranges of rows with the same object at once.
+class ColorTransform
+{
+public:
+    /// For pictures of the given format (RGBX8888, RGBA8888, RGBX64 or RGBA64). Null when a profile cannot be used.
+    static std::shared_ptr<const ColorTransform> between(const QByteArray &sourceProfile,
+                                                         const QByteArray &targetProfile, QImage::Format format);
+    ~ColorTransform();
+
+    /// Whether no 8-bit value would change by the conversion, so that it is better left out.
+    bool isIdentity() const { return m_isIdentity; }
+
+    /// Rows of `width` pixels, strides in bytes; the fourth sample of each pixel is copied. `target` may be `source`.
+    void convertRows(const uchar *source, qsizetype sourceStride, uchar *target, qsizetype targetStride, int width,
+                     int rowCount) const;
+
+private:
+    explicit ColorTransform(void *transform);
+
+    void *m_transform;
+    bool m_isIdentity = false;
+};
+
+} // namespace hazelmark

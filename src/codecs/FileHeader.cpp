@@ -1,0 +1,195 @@
+#include "FileHeader.h"
+
+#include "ZlibStream.h"
+
+#include <QtEndian>
+
+#include <algorithm>
+
+namespace hazelmark {
+
+namespace {
+
+/// Little-endian fields; 0 beyond the end, so that a cut-off header reads as an empty picture.
+class Fields
+{
+public:
+    explicit Fields(QByteArray bytes)
+        : m_bytes(std::move(bytes))
+    {
+    }
+    qsizetype size() const { return m_bytes.size(); }
+    const QByteArray &bytes() const { return m_bytes; }
+    quint8 at8(qsizetype offset) const { return quint8(offset < m_bytes.size() ? m_bytes[offset] : 0); }
+    quint16 at16(qsizetype offset) const { return quint16(at8(offset) | at8(offset + 1) << 8); }
+    quint32 at24(qsizetype offset) const { return at16(offset) | quint32(at8(offset + 2)) << 16; }
+    quint32 at32(qsizetype offset) const { return at16(offset) | quint32(at16(offset + 2)) << 16; }
+    qint32 signed32(qsizetype offset) const { return qint32(at32(offset)); }
+
+private:
+    QByteArray m_bytes;
+};
+
+qint64 bmpStride(qint64 width, int bitsPerPixel)
+{
+    return (width * bitsPerPixel + 31) / 32 * 4;
+}
+
+/// Whether a run-length-encoded bitmap's data ends before all rows are done or an end marker is met.
+bool isRunDataCutOff(SourceFile &source, qint64 offset, bool has4Bits, qint64 height)
+{
+    constexpr qint64 kPieceSize = 1024 * 1024;
+    constexpr int kLongestUnit = 2 + 256;
+    constexpr quint8 kEndOfLine = 0;
+    constexpr quint8 kEndOfBitmap = 1;
+    constexpr quint8 kDelta = 2;
+    qint64 row = 0;
+    while (true) {
+        const Fields data(source.bytesAt(offset, kPieceSize));
+        const bool isLastPiece = offset + data.size() >= source.size();
+        qsizetype at = 0;
+        while (at + (isLastPiece ? 2 : kLongestUnit) <= data.size()) {
+            const quint8 count = data.at8(at);
+            const quint8 code = data.at8(at + 1);
+            at += 2;
+            if (count != 0)
+                continue; // a run of one value
+            if (code == kEndOfBitmap || (code == kEndOfLine && ++row >= height))
+                return false;
+            if (code == kDelta)
+                at += 2;
+            else if (code > kDelta)
+                at += has4Bits ? (code + 3) / 4 * 2 : (code + 1) / 2 * 2; // literal values, padded to 16 bits
+        }
+        if (isLastPiece)
+            return row + 1 < height || at > data.size();
+        offset += at;
+    }
+}
+
+FileHeader readBmp(SourceFile &source)
+{
+    constexpr quint32 kOldHeaderSize = 12;
+    constexpr quint32 kV5HeaderSize = 124;
+    constexpr quint32 kEmbeddedProfile = 0x4d424544; // "MBED"
+    constexpr double kMetresPerInch = 0.0254;
+    constexpr int kFileHeaderSize = 14;
+    enum Compression { Plain = 0, Run8 = 1, Run4 = 2, BitFields = 3, AlphaBitFields = 6 };
+
+    const Fields fields(source.bytesAt(0, 256));
+    FileHeader header;
+    const quint32 headerSize = fields.at32(14);
+    const qint64 dataOffset = fields.at32(10);
+    if (headerSize == kOldHeaderSize) {
+        const qint64 stride = bmpStride(fields.at16(18), fields.at16(24));
+        header.isCutOff = dataOffset + stride * fields.at16(20) > source.size();
+        return header;
+    }
+    const qint64 width = fields.signed32(18);
+    const qint64 height = std::abs(qint64(fields.signed32(22)));
+    const quint32 compression = fields.at32(30);
+    if (compression == Run8 || compression == Run4)
+        header.isCutOff = isRunDataCutOff(source, dataOffset, compression == Run4, height);
+    else if (compression == Plain || compression == BitFields || compression == AlphaBitFields)
+        header.isCutOff = dataOffset + bmpStride(std::max<qint64>(width, 0), fields.at16(28)) * height > source.size();
+    if (fields.signed32(38) > 0 && fields.signed32(42) > 0)
+        header.dpi = QSizeF(fields.signed32(38), fields.signed32(42)) * kMetresPerInch;
+    if (headerSize >= kV5HeaderSize && fields.at32(70) == kEmbeddedProfile) {
+        const qint64 size = fields.at32(130);
+        const QByteArray profile =
+            source.bytesAt(kFileHeaderSize + qint64(fields.at32(126)), std::min<qint64>(size, kMaxIccProfileSize));
+        if (profile.size() == size)
+            header.iccProfile = profile;
+    }
+    return header;
+}
+
+/// A directory of pictures, each either a PNG file or a bitmap whose height counts its mask too.
+FileHeader readIcon(SourceFile &source)
+{
+    constexpr qint64 kEntrySize = 16;
+    constexpr qint64 kDirectoryOffset = 6;
+    const int count = Fields(source.bytesAt(4, 2)).at16(0);
+    const Fields directory(source.bytesAt(kDirectoryOffset, count * kEntrySize));
+    FileHeader header;
+    header.hasAlpha = true;
+    for (int index = 0; index < count && (index + 1) * kEntrySize <= directory.size(); ++index) {
+        const qsizetype entry = index * kEntrySize;
+        const qint64 offset = directory.at32(entry + 12);
+        if (index == 0)
+            header.isCutOff = offset + directory.at32(entry + 8) > source.size();
+        const Fields picture(source.bytesAt(offset, 32));
+        if (picture.bytes().startsWith("\x89PNG")) {
+            header.frames.emplace_back(qFromBigEndian(picture.signed32(16)), qFromBigEndian(picture.signed32(20)));
+        } else if (picture.size() >= 12) {
+            header.frames.emplace_back(picture.signed32(4), std::abs(picture.signed32(8) / 2));
+        }
+    }
+    std::erase_if(header.frames, [](QSize size) { return size.isEmpty(); });
+    return header;
+}
+
+FileHeader readWebP(SourceFile &source)
+{
+    constexpr qint64 kFirstChunk = 12;
+    constexpr quint8 kAlphaFlag = 0x10;
+    FileHeader header;
+    header.hasAlpha = false;
+    const qint64 end = qint64(Fields(source.head()).at32(4)) + 8;
+    header.isCutOff = end > source.size();
+    QSize canvas;
+    qsizetype frameCount = 0;
+    for (qint64 offset = kFirstChunk; offset + 8 <= std::min(end, source.size());) {
+        const Fields chunk(source.bytesAt(offset, 32));
+        const QByteArray type = chunk.bytes().left(4);
+        const qint64 size = chunk.at32(4);
+        if (type == "VP8X") {
+            header.hasAlpha = (chunk.at8(8) & kAlphaFlag) != 0;
+            canvas = QSize(int(chunk.at24(12)) + 1, int(chunk.at24(15)) + 1);
+        } else if (type == "VP8L" && offset == kFirstChunk) {
+            header.hasAlpha = (chunk.at32(9) >> 28 & 1) != 0; // after two 14-bit sides
+        } else if (type == "ANMF") {
+            ++frameCount;
+        } else if (type == "ICCP" && size <= kMaxIccProfileSize) {
+            const QByteArray profile = source.bytesAt(offset + 8, size);
+            if (profile.size() == size)
+                header.iccProfile = profile;
+        }
+        offset += 8 + size + size % 2;
+    }
+    if (!canvas.isEmpty())
+        header.frames.assign(size_t(std::max<qsizetype>(frameCount, 1)), canvas);
+    return header;
+}
+
+FileHeader readTga(SourceFile &source)
+{
+    constexpr qint64 kHeaderSize = 18;
+    constexpr quint8 kPlainColors = 2;
+    const Fields fields(source.bytesAt(0, kHeaderSize));
+    FileHeader header;
+    const int bitsPerPixel = fields.at8(16);
+    header.hasAlpha = bitsPerPixel == 32;
+    header.isCutOff =
+        fields.at8(2) == kPlainColors &&
+        kHeaderSize + fields.at8(0) + qint64(fields.at16(12)) * fields.at16(14) * ((bitsPerPixel + 7) / 8) >
+            source.size();
+    return header;
+}
+
+} // namespace
+
+FileHeader readFileHeader(SourceFile &source, const QByteArray &format)
+{
+    if (format == "bmp")
+        return readBmp(source);
+    if (format == "ico" || format == "cur")
+        return readIcon(source);
+    if (format == "webp")
+        return readWebP(source);
+    if (format == "tga")
+        return readTga(source);
+    return {};
+}
+
+} // namespace hazelmark

@@ -1,0 +1,160 @@
+#include "FileHeader.h"
+#include "PictureFormat.h"
+
+#include <QColorSpace>
+#include <QImageReader>
+
+#include <algorithm>
+#include <iterator>
+#include <mutex>
+
+namespace hazelmark {
+
+namespace {
+
+/// A gigapixel of 16-bit RGBA. Pictures are refused by kMaxPixels before; this is Qt's own guard of 256 MB, raised.
+constexpr int kAllocationLimitMegabytes = 8192;
+
+/// Not pictures of pixels; recognised by so little that any file of zeros is taken for one; or read by decoders of our
+/// own, which have found that the file is none.
+constexpr const char *kRefusedFormats[] = {"svg", "svgz", "pdf", "wbmp", "jpeg", "png", "tiff", "gif"};
+
+constexpr int kMaxFrames = 10000;
+
+/// A reader on the file that lets the content alone decide, and turns nothing.
+class QtReader
+{
+public:
+    explicit QtReader(SourceFile &source);
+
+    std::optional<Failure> readHeader();
+    PictureInfo info();
+    Outcome<Picture> decode(QSize);
+
+private:
+    Failure failure() const;
+    static QImage straightened(QImage image);
+    std::vector<QSize> frameSizes();
+
+    SourceFile &m_source;
+    QImageReader m_reader;
+    FileHeader m_header;
+    QSize m_size;
+};
+
+QtReader::QtReader(SourceFile &source)
+    : m_source(source)
+{
+    static std::once_flag raised;
+    std::call_once(raised, [] {
+        QImageReader::setAllocationLimit(std::max(QImageReader::allocationLimit(), kAllocationLimitMegabytes));
+    });
+    source.device().seek(0);
+    m_reader.setDecideFormatFromContent(true);
+    m_reader.setAutoTransform(false);
+    m_reader.setDevice(&source.device());
+}
+
+Failure QtReader::failure() const
+{
+    using Reason = Failure::Reason;
+    Reason reason = Reason::Damaged;
+    if (m_reader.error() == QImageReader::DeviceError)
+        reason = Reason::NotReadable;
+    else if (m_reader.error() == QImageReader::UnsupportedFormatError)
+        reason = Reason::NotAPicture;
+    return m_source.failure(reason, m_reader.errorString());
+}
+
+std::optional<Failure> QtReader::readHeader()
+{
+    const QByteArray format = m_reader.format();
+    if (format.isEmpty() ||
+        std::find(std::begin(kRefusedFormats), std::end(kRefusedFormats), format) != std::end(kRefusedFormats))
+        return m_source.failure(Failure::Reason::NotAPicture);
+    m_header = readFileHeader(m_source, format);
+    m_source.device().seek(0);
+    m_size = m_header.frames.empty() ? m_reader.size() : m_header.frames.front();
+    if (m_header.isCutOff && m_size.isEmpty())
+        return m_source.failure(Failure::Reason::Truncated);
+    if (m_size.isEmpty())
+        return m_source.failure(Failure::Reason::Damaged);
+    return m_source.checkSize(m_size.width(), m_size.height());
+}
+
+std::vector<QSize> QtReader::frameSizes()
+{
+    if (!m_header.frames.empty())
+        return m_header.frames;
+    std::vector<QSize> sizes = {m_size};
+    const int count = std::min(m_reader.imageCount(), kMaxFrames);
+    for (int index = 1; index < count && m_reader.jumpToImage(index); ++index) {
+        const QSize size = m_reader.size();
+        if (!size.isEmpty())
+            sizes.push_back(size);
+    }
+    return sizes;
+}
+
+PictureInfo QtReader::info()
+{
+    PictureInfo info;
+    info.format = m_reader.format();
+    const QImage::Format pixelFormat = m_reader.imageFormat();
+    if (pixelFormat != QImage::Format_Invalid) {
+        const QPixelFormat layout = QImage::toPixelFormat(pixelFormat);
+        const bool isGray = layout.colorModel() == QPixelFormat::Grayscale;
+        info.colorModel = isGray ? ColorModel::Gray : ColorModel::Rgb;
+        info.bitsPerChannel = std::max(8, int(isGray ? layout.bitsPerPixel() : layout.redSize()));
+        info.hasAlpha = layout.alphaUsage() == QPixelFormat::UsesAlpha;
+    }
+    info.hasAlpha = m_header.hasAlpha.value_or(info.hasAlpha);
+    info.iccProfile = m_header.iccProfile;
+    info.dpi = m_header.dpi;
+    info.frames = frameSizes();
+    return info;
+}
+
+/// The picture in the format of Picture::pixels that holds all that it has.
+QImage QtReader::straightened(QImage image)
+{
+    if (image.format() == QImage::Format_Grayscale8 || image.format() == QImage::Format_Grayscale16)
+        return image;
+    const QPixelFormat layout = image.pixelFormat();
+    const bool isDeep = layout.colorModel() == QPixelFormat::RGB && layout.redSize() > 8;
+    if (image.hasAlphaChannel())
+        image.convertTo(isDeep ? QImage::Format_RGBA64 : QImage::Format_RGBA8888);
+    else
+        image.convertTo(isDeep ? QImage::Format_RGBX64 : QImage::Format_RGBX8888);
+    return image;
+}
+
+Outcome<Picture> QtReader::decode(QSize)
+{
+    if (m_header.isCutOff)
+        return m_source.failure(Failure::Reason::Truncated);
+    QImage image;
+    if (!m_reader.read(&image) || image.isNull())
+        return failure();
+    if (const std::optional<Failure> tooLarge = m_source.checkSize(image.width(), image.height()))
+        return *tooLarge;
+    Picture picture;
+    picture.iccProfile = m_header.iccProfile.isEmpty() ? image.colorSpace().iccProfile() : m_header.iccProfile;
+    picture.pixels = straightened(std::move(image));
+    if (picture.pixels.isNull())
+        return m_source.failure(Failure::Reason::OutOfMemory);
+    if (picture.pixels.format() == QImage::Format_Grayscale8 || picture.pixels.format() == QImage::Format_Grayscale16)
+        picture.fileColorModel = ColorModel::Gray;
+    return picture;
+}
+
+bool isAnything(const QByteArray &)
+{
+    return true;
+}
+
+} // namespace
+
+const PictureFormat kQtFormat = formatReadBy<QtReader>(isAnything);
+
+} // namespace hazelmark

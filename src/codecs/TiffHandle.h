@@ -1,0 +1,50 @@
+#pragma once
+
+#include "FileSink.h"
+#include "SourceFile.h"
+
+#include <QString>
+
+#include <tiffio.h>
+
+namespace hazelmark {
+
+/// A TIFF file that is open in the library, on a SourceFile or a FileSink. Keeps the first of the library's error
+/// messages, and those of its warnings that mean missing or damaged picture data.
+class TiffHandle
+{
+public:
+    explicit TiffHandle(SourceFile &source);
+    /// `isBig`: the form with 64-bit offsets, for files that could pass 4 GB.
+    TiffHandle(FileSink &sink, bool isBig);
+    ~TiffHandle() { close(); }
+    TiffHandle(const TiffHandle &) = delete;
+    TiffHandle &operator=(const TiffHandle &) = delete;
+
+    TIFF *get() const { return m_tiff; }
+    void close();
+
+    bool hasError() const { return m_hasError; }
+    void clearError() { m_hasError = false; }
+    /// Whether a read asked for bytes beyond the end of the file.
+    bool hasHitEnd() const { return m_hasHitEnd; }
+    /// Whether a colour profile was passed over because the file ends before it.
+    bool hasLostProfile() const { return m_hasLostProfile; }
+    const QString &message() const { return m_message; }
+
+private:
+    static TIFFOpenOptions *makeOptions(TiffHandle *self);
+    static int takeError(TIFF *, void *self, const char *module, const char *format, va_list arguments);
+    static int takeWarning(TIFF *, void *self, const char *module, const char *format, va_list arguments);
+    void keep(const QString &text);
+
+    SourceFile *m_source = nullptr;
+    FileSink *m_sink = nullptr;
+    TIFF *m_tiff = nullptr;
+    QString m_message;
+    bool m_hasError = false;
+    bool m_hasHitEnd = false;
+    bool m_hasLostProfile = false;
+};
+
+} // namespace hazelmark
