@@ -216,6 +216,13 @@ void TitlebarWindow::closeEvent(QCloseEvent *event)
     m_closing = false;
 }
 
+bool TitlebarWindow::event(QEvent *event)
+{
+    if (event->type() == QEvent::LayoutRequest) // the menu bar has other titles
+        layOut();
+    return QWidget::event(event);
+}
+
 void TitlebarWindow::changeEvent(QEvent *event)
 {
     QWidget::changeEvent(event);

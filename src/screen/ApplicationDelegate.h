@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QStringList>
+#include <QUrl>
 
 #include <memory>
 
@@ -28,9 +29,16 @@ public:
     virtual void setIsUiDisabled(bool disabled) = 0;
     virtual bool isAppActive() const = 0;
 
+    /// An export is under way: what would disturb it, or start another, rests in the menus too.
+    virtual void setIsExporting(bool exporting) = 0;
+
     /// The text for `key` in the interface language, with placeholders as "%@" and "%d" (to be filled by
     /// formatString()); "(null)" for a key that the table does not have.
     virtual QString getLocalizedStringForKey(const QString &key) = 0;
+
+    /// The address behind the Help menu's tag 0 to 7 (0 the manual, 2 this program's page in the software centre);
+    /// empty for any other tag, and for one without a page.
+    virtual QUrl linkForTag(int tag) const = 0;
 
     /// Asks on a sheet of the main window for a rating.
     virtual void showAlertForRateApp() = 0;

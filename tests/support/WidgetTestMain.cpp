@@ -1,3 +1,4 @@
+// The main function of test programs whose modules have windows.
 #include "Theme.h"
 
 #include <QApplication>

@@ -1,0 +1,251 @@
+#include "AppDelegate.h"
+
+#include "AboutDialog.h"
+#include "MainMenu.h"
+#include "NotificationNames.h"
+#include "ProcessState.h"
+#include "SheetQueue.h"
+#include "TitlebarWindow.h"
+#include "UserDefaults.h"
+#include "Workspace.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QCursor>
+#include <QLoggingCategory>
+
+namespace hazelmark {
+
+namespace {
+
+Q_LOGGING_CATEGORY(lcApp, "hazelmark.app", QtInfoMsg)
+
+void post(QLatin1String name)
+{
+    NotificationCenter::defaultCenter().post(name);
+}
+
+/// "TitlebarWindow" of hazelmark::TitlebarWindow.
+QString classNameWithoutNamespace(const QObject &object)
+{
+    return QString::fromLatin1(object.metaObject()->className()).section(QLatin1String("::"), -1);
+}
+
+} // namespace
+
+AppDelegate::AppDelegate(ScreenFactory makeMainScreen)
+    : m_makeMainScreen(std::move(makeMainScreen))
+    , m_terminate([] { QCoreApplication::exit(0); }) // not quit(), which asks every window first
+    , m_ratePrompt([this] { return m_myWindowController ? m_myWindowController->windowMain() : nullptr; },
+                   [this] { return linkForTag(LinkTable::kStorePageTag); })
+{
+    // The process ends when handleWindowClose_Main() says so.
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+    connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive)
+            applicationDidBecomeActive();
+        else
+            applicationWillResignActive();
+    });
+    connect(qGuiApp, &QCoreApplication::aboutToQuit, this, &AppDelegate::applicationWillTerminate);
+}
+
+AppDelegate::~AppDelegate()
+{
+    qGuiApp->removeEventFilter(this);
+}
+
+void AppDelegate::applicationDidFinishLaunching()
+{
+    ProcessState::shared().isAppActive = true;
+    openMainWindow();
+    qGuiApp->installEventFilter(this); // the closing of any window
+    promotionWindowSetup();
+    checkForRateupPopup();
+    setLocalizedStrings();
+}
+
+void AppDelegate::openMainWindow()
+{
+    if (!m_myWindowController) {
+        m_myWindowController = std::make_unique<MainWinController>([this] { return m_makeMainScreen(*this); });
+        m_mainMenu = std::make_unique<MainMenu>(m_links);
+        m_myWindowController->windowMain()->setMenuBar(m_mainMenu->menuBar());
+        connect(m_mainMenu.get(), &MainMenu::openTapped, this, &AppDelegate::openTapped);
+        connect(m_mainMenu.get(), &MainMenu::closeTapped, this, &AppDelegate::closeTapped);
+        connect(m_mainMenu.get(), &MainMenu::saveTapped, this, &AppDelegate::saveTapped);
+        connect(m_mainMenu.get(), &MainMenu::saveAsTapped, this, &AppDelegate::saveAsTapped);
+        connect(m_mainMenu.get(), &MainMenu::quitTapped, this, &AppDelegate::btnQuitApp);
+        connect(m_mainMenu.get(), &MainMenu::languageTapped, this, &AppDelegate::btnSetLanguageAction);
+        connect(m_mainMenu.get(), &MainMenu::tipsTapped, this, &AppDelegate::showTips);
+        connect(m_mainMenu.get(), &MainMenu::helpTapped, this, &AppDelegate::showHelp);
+        connect(m_mainMenu.get(), &MainMenu::linkTapped, this, &AppDelegate::helpMenuItemTapped);
+        connect(m_mainMenu.get(), &MainMenu::aboutTapped, this, &AppDelegate::showAbout);
+        updateMenu();
+    }
+    m_myWindowController->showWindow();
+}
+
+void AppDelegate::promotionWindowSetup()
+{
+    m_arrOurApps.clear();
+} // no program is promoted
+
+void AppDelegate::checkForRateupPopup()
+{
+    m_ratePrompt.checkForRateupPopup();
+}
+
+void AppDelegate::showAlertForRateApp()
+{
+    m_ratePrompt.showAlertForRateApp();
+}
+
+void AppDelegate::setLocalizedStrings()
+{
+    m_mainMenu->setLocalizedStrings(m_localisation);
+    const auto lookup = [this](const char *key) { return getLocalizedStringForKey(QString::fromLatin1(key)); };
+    m_myWindowController->windowMain()->setButtonNames(lookup("CLOSE_WINDOW"), lookup("MINIMIZE_WINDOW"),
+                                                       lookup("ZOOM_WINDOW"), lookup("FULL_SCREEN"));
+}
+
+void AppDelegate::applicationDidBecomeActive()
+{
+    ProcessState::shared().isAppActive = true;
+}
+
+void AppDelegate::applicationWillResignActive()
+{
+    ProcessState::shared().isAppActive = false;
+    while (QGuiApplication::overrideCursor())
+        QGuiApplication::restoreOverrideCursor();
+    // A view under the pointer may have hidden it or made it its brush; a text field's beam is nothing to undo.
+    if (QWidget *view = QApplication::widgetAt(QCursor::pos())) {
+        const Qt::CursorShape shape = view->cursor().shape();
+        if (shape == Qt::BlankCursor || shape == Qt::BitmapCursor)
+            view->setCursor(Qt::ArrowCursor);
+    }
+}
+
+void AppDelegate::openTapped()
+{
+    post(kNotificationOpenPhotoFromMenuTapped);
+}
+void AppDelegate::closeTapped()
+{
+    post(kNotificationClosePhotoFromMenuTapped);
+}
+void AppDelegate::saveTapped()
+{
+    post(kNotificationSavePhotoFromMenuTapped);
+}
+void AppDelegate::saveAsTapped()
+{
+    saveTapped();
+}
+void AppDelegate::showTips()
+{
+    post(kNotificationShowTipsFromMenuTapped);
+}
+void AppDelegate::showHelp()
+{
+    helpMenuItemTapped(LinkTable::kHomePageTag);
+}
+
+void AppDelegate::helpMenuItemTapped(int tag)
+{
+    const QUrl address = linkForTag(tag);
+    if (!address.isEmpty())
+        Workspace::sharedWorkspace().openUrl(address);
+}
+
+void AppDelegate::btnSetLanguageAction(int tag)
+{
+    m_localisation.loadLanguageSettings(tag);
+    post(kNotificationUpdateLanguage);
+}
+
+void AppDelegate::btnQuitApp()
+{
+    m_terminate();
+}
+
+void AppDelegate::showAbout()
+{
+    SheetQueue::forWindow(*m_myWindowController->windowMain()).present(new AboutDialog(m_localisation));
+}
+
+bool AppDelegate::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Close) {
+        auto *window = qobject_cast<QWidget *>(watched);
+        // Menus, tool tips and pop-ups come and go; they are no windows to a person.
+        if (window && window->isWindow() && (window->windowType() == Qt::Window || window->windowType() == Qt::Dialog))
+            handleWindowClose(window);
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void AppDelegate::handleWindowClose(QWidget *window)
+{
+    QMetaObject::invokeMethod(
+        this,
+        [this, window = QPointer(window), className = classNameWithoutNamespace(*window)] {
+            if (!window || !window->isVisible()) // else it refused
+                handleWindowClose_Main(className);
+        },
+        Qt::QueuedConnection);
+}
+
+void AppDelegate::handleWindowClose_Main(const QString &className)
+{
+    qCInfo(lcApp).noquote() << "closing Window Class" << className;
+    if (className == QLatin1String("TitlebarWindow"))
+        m_terminate(); // nothing is promoted
+}
+
+void AppDelegate::setSelectedImageFile(std::shared_ptr<PhotoFile> file)
+{
+    m_selectedImageFile = std::move(file);
+    updateMenu();
+}
+
+bool AppDelegate::isUiDisabled() const
+{
+    return ProcessState::shared().isUiDisabled;
+}
+
+void AppDelegate::setIsUiDisabled(bool disabled)
+{
+    ProcessState::shared().isUiDisabled = disabled;
+    updateMenu();
+}
+
+bool AppDelegate::isAppActive() const
+{
+    return ProcessState::shared().isAppActive;
+}
+
+void AppDelegate::setIsExporting(bool exporting)
+{
+    m_isExporting = exporting;
+    updateMenu();
+}
+
+void AppDelegate::updateMenu()
+{
+    if (m_mainMenu)
+        m_mainMenu->setAvailable(m_selectedImageFile && !isUiDisabled(), m_isExporting);
+}
+
+QString AppDelegate::getLocalizedStringForKey(const QString &key)
+{
+    return m_localisation.getLocalizedStringForKey(key);
+}
+
+QString AppDelegate::getLocalizedString(const QString &key, const QString &text)
+{
+    return m_localisation.getLocalizedString(key, text);
+}
+
+} // namespace hazelmark

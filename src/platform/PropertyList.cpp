@@ -1,0 +1,109 @@
+#include "PropertyList.h"
+
+#include <QFile>
+#include <QLoggingCategory>
+#include <QVariantList>
+#include <QXmlStreamReader>
+
+namespace hazelmark {
+
+namespace {
+
+Q_LOGGING_CATEGORY(lcPlatform, "hazelmark.platform")
+
+constexpr qint64 kLargestFile = 4 << 20;
+constexpr int kDeepest = 16;
+
+QVariant readValue(QXmlStreamReader &xml, int depth);
+
+QVariantMap readDictionary(QXmlStreamReader &xml, int depth)
+{
+    QVariantMap dictionary;
+    while (xml.readNextStartElement()) {
+        if (xml.name() != QLatin1String("key")) {
+            xml.raiseError(QStringLiteral("a key is missing"));
+            break;
+        }
+        const QString key = xml.readElementText();
+        if (!xml.readNextStartElement()) {
+            xml.raiseError(QStringLiteral("the key \"%1\" has no value").arg(key));
+            break;
+        }
+        dictionary.insert(key, readValue(xml, depth));
+    }
+    return dictionary;
+}
+
+QVariantList readArray(QXmlStreamReader &xml, int depth)
+{
+    QVariantList array;
+    while (xml.readNextStartElement())
+        array.append(readValue(xml, depth));
+    return array;
+}
+
+template <typename Number>
+QVariant checked(QXmlStreamReader &xml, Number number, bool isNumber)
+{
+    if (!isNumber)
+        xml.raiseError(QStringLiteral("a number is none"));
+    return QVariant::fromValue(number);
+}
+
+QVariant readValue(QXmlStreamReader &xml, int depth)
+{
+    const QString type = xml.name().toString();
+    if (depth >= kDeepest) {
+        xml.raiseError(QStringLiteral("too many levels"));
+        return {};
+    }
+    if (type == QLatin1String("string"))
+        return xml.readElementText();
+    if (type == QLatin1String("dict"))
+        return readDictionary(xml, depth + 1);
+    if (type == QLatin1String("array"))
+        return readArray(xml, depth + 1);
+    bool isNumber = false;
+    if (type == QLatin1String("integer")) {
+        const qint64 number = xml.readElementText().trimmed().toLongLong(&isNumber);
+        return checked(xml, number, isNumber);
+    }
+    if (type == QLatin1String("real")) {
+        const double number = xml.readElementText().trimmed().toDouble(&isNumber);
+        return checked(xml, number, isNumber);
+    }
+    if (type == QLatin1String("true") || type == QLatin1String("false")) {
+        xml.skipCurrentElement();
+        return type == QLatin1String("true");
+    }
+    xml.raiseError(QStringLiteral("\"%1\" is no type of value").arg(type));
+    return {};
+}
+
+} // namespace
+
+std::optional<QVariantMap> readPropertyList(const QString &path)
+{
+    QFile file(path);
+    if (path.isEmpty() || !file.open(QIODevice::ReadOnly) || file.size() > kLargestFile) {
+        qCWarning(lcPlatform) << "Cannot read" << path;
+        return {};
+    }
+    QXmlStreamReader xml(&file);
+    QVariantMap root;
+    if (xml.readNextStartElement() && xml.name() == QLatin1String("plist") && xml.readNextStartElement() &&
+        xml.name() == QLatin1String("dict")) {
+        root = readDictionary(xml, 1);
+        if (xml.readNextStartElement())
+            xml.raiseError(QStringLiteral("more than one root"));
+    } else if (!xml.hasError()) {
+        xml.raiseError(QStringLiteral("no property list with a dictionary"));
+    }
+    if (xml.hasError()) {
+        qCWarning(lcPlatform) << path << "line" << xml.lineNumber() << xml.errorString();
+        return {};
+    }
+    return root;
+}
+
+} // namespace hazelmark

@@ -1,0 +1,95 @@
+#pragma once
+
+#include "Bundle.h"
+#include "Compositor.h"
+#include "NotificationCenter.h"
+#include "ProcessState.h"
+#include "ProcessWide.h"
+#include "Screen.h"
+#include "UserDefaults.h"
+#include "UserSession.h"
+#include "ViewController.h"
+#include "Workspace.h"
+
+#include <QTemporaryDir>
+#include <QWidget>
+
+#include <map>
+#include <vector>
+
+namespace hazelmark {
+
+class FakeUserSession : public UserSession
+{
+public:
+    QStringList preferredLanguages() const override { return m_languages; }
+
+    QStringList m_languages{QStringLiteral("en")};
+};
+
+class FakeScreen : public Screen
+{
+public:
+    QRectF visibleFrame() const override { return m_visibleFrame; }
+
+    QRectF m_visibleFrame{0, 24, 1600, 1000};
+};
+
+class FakeWorkspace : public Workspace
+{
+public:
+    void openUrl(const QUrl &url, Completion completion) override
+    {
+        m_opened.push_back(url);
+        if (completion)
+            completion(m_succeeds);
+    }
+
+    std::vector<QUrl> m_opened;
+    bool m_succeeds = true;
+};
+
+class FakeScreenController : public ViewController
+{
+public:
+    QWidget *view() override { return m_view; }
+
+    QWidget *m_view = new QWidget; ///< the window owns it once it is shown in one
+};
+
+/// A desktop of the tests' own: nothing outside the process is read, written or opened.
+class FakeDesktop
+{
+public:
+    /// Counts the posts of each name of `names`.
+    void observe(const QStringList &names)
+    {
+        for (const QString &name : names) {
+            m_tokens.push_back(m_center.addObserver(name, [this, name](const QVariantMap &userInfo) {
+                m_posted.append(name);
+                m_lastUserInfo = userInfo;
+            }));
+        }
+    }
+
+    QTemporaryDir m_folder;
+    NotificationCenter m_center;
+    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("defaults.conf"))};
+    FakeUserSession m_session;
+    FakeScreen m_screen;
+    FakeWorkspace m_workspace;
+    ProcessState m_state;
+    QStringList m_posted;
+    QVariantMap m_lastUserInfo;
+
+private:
+    std::vector<NotificationCenter::Token> m_tokens;
+    ProcessWide<NotificationCenter>::Replacement m_replaceCenter{m_center};
+    ProcessWide<UserDefaults>::Replacement m_replaceDefaults{m_defaults};
+    ProcessWide<UserSession>::Replacement m_replaceSession{m_session};
+    ProcessWide<Screen>::Replacement m_replaceScreen{m_screen};
+    ProcessWide<Workspace>::Replacement m_replaceWorkspace{m_workspace};
+    ProcessWide<ProcessState>::Replacement m_replaceState{m_state};
+};
+
+} // namespace hazelmark
