@@ -1,6 +1,7 @@
 #include "EmbeddedBlocks.h"
 
 #include "Exiv2Session.h"
+#include "TiffBlock.h"
 #include "ZlibStream.h"
 
 #include <QFile>
@@ -23,11 +24,6 @@ const QByteArray kResourceLeadIn("Photoshop 3.0", 14);
 quint32 bigEndian32(const QByteArray &bytes, qsizetype offset)
 {
     return qFromBigEndian<quint32>(bytes.constData() + offset);
-}
-
-bool isTiffStructure(const QByteArray &bytes)
-{
-    return bytes.startsWith(QByteArray("II*\0", 4)) || bytes.startsWith(QByteArray("MM\0*", 4));
 }
 
 QByteArray withoutExifLeadIn(const QByteArray &bytes)
@@ -126,7 +122,7 @@ private:
         if (data.startsWith(kExifLeadIn)) {
             const QByteArray block = withoutExifLeadIn(data);
             // A block of more than a segment goes on in the next; a second block of its own is not looked at.
-            if (m_blocks.exif.isEmpty() || !isTiffStructure(block))
+            if (m_blocks.exif.isEmpty() || !TiffBlock::isTiffStructure(block))
                 append(m_blocks.exif, block);
         } else if (data.startsWith(kXmpLeadIn) && m_blocks.xmp.isEmpty()) {
             m_blocks.xmp = data.mid(kXmpLeadIn.size());
@@ -140,21 +136,21 @@ private:
     {
         constexpr qsizetype kNameSize = 32;
         constexpr qsizetype kHeadSize = kNameSize + 8;
-        if (piece.size() <= kHeadSize)
-            return;
-        const QByteArray name = piece.left(kNameSize);
-        const qint64 offset = bigEndian32(piece, kNameSize + 4);
-        QByteArray &whole = m_extensions[name];
-        // Pieces come in order; one that leaves a gap belongs to nothing that could be read.
-        if (offset == whole.size())
-            append(whole, piece.mid(kHeadSize));
+        m_extensionSize += piece.size();
+        if (piece.size() > kHeadSize && m_extensionSize <= kMaxBlockSize)
+            m_extensions[piece.left(kNameSize)][bigEndian32(piece, kNameSize + 4)] = piece.mid(kHeadSize);
     }
 
+    /// The pieces come in any order; one that is missing makes the whole worthless.
     QByteArray extension() const
     {
         for (auto it = m_extensions.constBegin(); it != m_extensions.constEnd(); ++it) {
-            if (m_blocks.xmp.contains(it.key()))
-                return it.value();
+            if (!m_blocks.xmp.contains(it.key()))
+                continue;
+            QByteArray whole;
+            for (auto piece = it->constBegin(); piece != it->constEnd() && piece.key() == whole.size(); ++piece)
+                whole += *piece;
+            return whole;
         }
         return {};
     }
@@ -162,7 +158,8 @@ private:
     QFile &m_file;
     EmbeddedBlocks m_blocks;
     QByteArray m_resources;
-    QMap<QByteArray, QByteArray> m_extensions;
+    QMap<QByteArray, QMap<qsizetype, QByteArray>> m_extensions; ///< by name and place
+    qsizetype m_extensionSize = 0;
 };
 
 /// The bytes of a raw profile in a PNG text: a name, the size in decimal, then hexadecimal digits.

@@ -16,11 +16,15 @@ const Exiv2::byte *bytesOf(const QByteArray &block)
     return reinterpret_cast<const Exiv2::byte *>(block.constData());
 }
 
-} // namespace
+QByteArray bytesOf(const Exiv2::DataBuf &buffer)
+{
+    return QByteArray(reinterpret_cast<const char *>(buffer.pData_), buffer.size_);
+}
 
 PhotoMetadata parseBlocks(const QString &path, const EmbeddedBlocks &blocks)
 {
     PhotoMetadata metadata;
+    metadata.blocks = blocks;
     if (!blocks.exif.isEmpty()) {
         withExiv2(path, [&] {
             const auto order =
@@ -59,9 +63,13 @@ PhotoMetadata parseFile(const QString &path)
         metadata.xmp = image->xmpData();
         if (image->byteOrder() != Exiv2::invalidByteOrder)
             metadata.byteOrder = image->byteOrder();
+        metadata.blocks.xmp = QByteArray::fromStdString(image->xmpPacket());
+        metadata.blocks.iptc = bytesOf(Exiv2::IptcParser::encode(metadata.iptc));
     });
     return metadata;
 }
+
+} // namespace
 
 PhotoMetadata readPhotoMetadata(const QString &path, const QByteArray &format)
 {

@@ -13,16 +13,12 @@ struct PhotoMetadata
     Exiv2::IptcData iptc;
     Exiv2::XmpData xmp;
     Exiv2::ByteOrder byteOrder = Exiv2::littleEndian; ///< of the EXIF values
+    EmbeddedBlocks blocks; ///< the bytes; without `exif` for a file that has its EXIF tags among its own
 };
 
-/// Parses the blocks of the file at `path`. What cannot be parsed is left out with a warning, each block for itself.
-PhotoMetadata parseBlocks(const QString &path, const EmbeddedBlocks &blocks);
-
-/// Parses the metadata of a file whose blocks are not known here: TIFF and whatever else Exiv2 reads. Empty for a file
-/// of which it knows nothing.
-PhotoMetadata parseFile(const QString &path);
-
-/// The one or the other, as the format (PictureInfo::format) asks.
+/// Reads the metadata of the file at `path`, of the format that PictureInfo names: from its blocks where they are known
+/// here (see hasEmbeddedBlocks()), else as far as Exiv2 reads the file. What cannot be parsed is left out with a
+/// warning, each block for itself.
 PhotoMetadata readPhotoMetadata(const QString &path, const QByteArray &format);
 
 } // namespace hazelmark

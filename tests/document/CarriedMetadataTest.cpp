@@ -1,0 +1,280 @@
+#include "CarriedMetadata.h"
+
+#include "Decoder.h"
+#include "PropertyDictionary.h"
+#include "SamplePhotos.h"
+
+#include <QBuffer>
+#include <QColorSpace>
+#include <QImage>
+#include <QTemporaryDir>
+
+#include <exiv2/exiv2.hpp>
+#include <gtest/gtest.h>
+
+#include <random>
+
+namespace hazelmark {
+
+namespace {
+
+constexpr QSize kSize(40, 30);
+
+/// A JPEG file whose content occurs nowhere else.
+QByteArray thumbnail(int seed = 1)
+{
+    std::mt19937 random{std::mt19937::result_type(seed)};
+    QImage pixels(16, 12, QImage::Format_RGB32);
+    for (int y = 0; y < 12; ++y) {
+        for (int x = 0; x < 16; ++x)
+            pixels.setPixel(x, y, random() | 0xff000000);
+    }
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    pixels.save(&buffer, "JPG");
+    return bytes;
+}
+
+/// Bytes from the end of the thumbnail's data, by which it would be found.
+QByteArray traceOf(const QByteArray &picture)
+{
+    return picture.right(40).left(24);
+}
+
+QByteArray encoded(const Exiv2::ExifData &data, Exiv2::ByteOrder order = Exiv2::littleEndian)
+{
+    Exiv2::Blob blob;
+    Exiv2::ExifParser::encode(blob, order, data);
+    return QByteArray(reinterpret_cast<const char *>(blob.data()), qsizetype(blob.size()));
+}
+
+void setBytes(Exiv2::ExifData &data, const char *key, const QByteArray &bytes)
+{
+    data[key] = Exiv2::DataValue(reinterpret_cast<const Exiv2::byte *>(bytes.constData()), long(bytes.size()));
+}
+
+void setThumbnail(Exiv2::ExifData &data, const QByteArray &picture)
+{
+    Exiv2::ExifThumb(data).setJpegThumbnail(reinterpret_cast<const Exiv2::byte *>(picture.constData()),
+                                            long(picture.size()));
+}
+
+} // namespace
+
+class CarriedMetadata : public testing::TestWithParam<std::tuple<WriteFormat, WriteFormat>>
+{
+protected:
+    WriteFormat sourceFormat() const { return std::get<0>(GetParam()); }
+    WriteFormat targetFormat() const { return std::get<1>(GetParam()); }
+
+    QString writeSource(const MetadataBlocks &blocks) { return writePhoto(m_sources, sourceFormat(), blocks, kSize); }
+
+    /// The written file of the same size, with what it carries.
+    QString exportOf(const QString &source)
+    {
+        return writePhoto(m_targets, targetFormat(), carriedMetadata(source, kSize, targetFormat()), kSize);
+    }
+
+    /// Without the resolution, which PNG files state in whole pixels a metre.
+    static QVariantMap propertiesOf(const QString &path)
+    {
+        QVariantMap properties = readPropertyDictionary(path).value_or(QVariantMap());
+        properties.remove(QStringLiteral("DPIWidth"));
+        properties.remove(QStringLiteral("DPIHeight"));
+        return properties;
+    }
+
+    Exiv2::ExifData exifOf(const QString &path)
+    {
+        const auto image = Exiv2::ImageFactory::open(path.toStdString());
+        image->readMetadata();
+        return image->exifData();
+    }
+
+    const QTemporaryDir m_sources;
+    const QTemporaryDir m_targets;
+};
+
+TEST_P(CarriedMetadata, IsAllOfTheSource)
+{
+    MetadataBlocks blocks = richMetadata();
+    blocks.iccProfile = QColorSpace(QColorSpace::AdobeRgb).iccProfile();
+    blocks.dpi = QSizeF(300, 300);
+    const QString source = writeSource(blocks);
+    const QString target = exportOf(source);
+    EXPECT_EQ(propertiesOf(target), propertiesOf(source));
+    const Outcome<PictureInfo> info = readPictureInfo(target);
+    ASSERT_TRUE(info);
+    EXPECT_EQ(info->iccProfile, blocks.iccProfile);
+    const MetadataBlocks again = carriedMetadata(target, kSize, targetFormat());
+    EXPECT_EQ(again.iptc, blocks.iptc);
+    EXPECT_EQ(again.xmp, blocks.xmp);
+
+    const Exiv2::ExifData before = exifOf(source);
+    const Exiv2::ExifData after = exifOf(target);
+    for (const Exiv2::Exifdatum &datum : before) {
+        const auto found = after.findKey(Exiv2::ExifKey(datum.key()));
+        ASSERT_NE(found, after.end()) << datum.key();
+        const bool isOffset = datum.tagName() == "ExifTag" || datum.tagName() == "GPSTag";
+        EXPECT_TRUE(isOffset || found->toString() == datum.toString()) << datum.key();
+    }
+}
+
+TEST_P(CarriedMetadata, HasNoThumbnailLeft)
+{
+    const QByteArray picture = thumbnail();
+    Exiv2::ExifData data;
+    data["Exif.Image.Make"] = "Acme";
+    setThumbnail(data, picture);
+    MetadataBlocks blocks;
+    blocks.exif = encoded(data, Exiv2::bigEndian);
+    const QString source = writeSource(blocks);
+    ASSERT_TRUE(readBytes(source).contains(traceOf(picture)));
+    const QString target = exportOf(source);
+    EXPECT_FALSE(readBytes(target).contains(traceOf(picture)));
+    const Exiv2::ExifData exif = exifOf(target);
+    EXPECT_EQ(exif.findKey(Exiv2::ExifKey("Exif.Image.Make"))->toString(), "Acme");
+    EXPECT_EQ(exif.findKey(Exiv2::ExifKey("Exif.Thumbnail.JPEGInterchangeFormat")), exif.end());
+}
+
+TEST_P(CarriedMetadata, KeepsANoteOfAnUnknownMakerInItsPlaceWithoutItsPictures)
+{
+    const QByteArray inNote = thumbnail(2);
+    const QByteArray inTag = thumbnail(3);
+    const QByteArray note = "ACME\1 offsets from the start of the block " + inNote + " and the end";
+    Exiv2::ExifData data;
+    data["Exif.Image.Make"] = "Acme";
+    setBytes(data, "Exif.Photo.MakerNote", note);
+    setThumbnail(data, inTag);
+    data["Exif.Photo.PixelXDimension"] = uint32_t(4000);
+    MetadataBlocks blocks;
+    blocks.exif = encoded(data, Exiv2::bigEndian);
+    const QString target = exportOf(writeSource(blocks));
+
+    const QByteArray carried = carriedMetadata(target, kSize, WriteFormat::Png).exif;
+    EXPECT_EQ(carried.indexOf("ACME\1 offsets"), blocks.exif.indexOf("ACME\1 offsets"));
+    EXPECT_TRUE(carried.contains(QByteArray(inNote.size(), '\0') + " and the end"));
+    EXPECT_TRUE(carried.startsWith("MM"));
+    EXPECT_FALSE(readBytes(target).contains(traceOf(inNote)));
+    EXPECT_FALSE(readBytes(target).contains(traceOf(inTag)));
+    const Exiv2::ExifData exif = exifOf(target);
+    EXPECT_EQ(exif.findKey(Exiv2::ExifKey("Exif.Photo.PixelXDimension"))->toLong(), 40);
+    EXPECT_EQ(exif.findKey(Exiv2::ExifKey("Exif.Thumbnail.Compression")), exif.end());
+}
+
+TEST_P(CarriedMetadata, LosesThePreviewsInNotesOfKnownMakers)
+{
+    const QByteArray picture = thumbnail(4);
+    Exiv2::ExifData data;
+    data["Exif.Image.Make"] = "CASIO COMPUTER CO.,LTD.";
+    setBytes(data, "Exif.Casio2.0x1234", "kept as it is");
+    setBytes(data, "Exif.Casio2.PreviewImage", picture);
+    MetadataBlocks blocks;
+    blocks.exif = encoded(data);
+    const QString source = writeSource(blocks);
+    ASSERT_TRUE(readBytes(source).contains(traceOf(picture)));
+    const QString target = exportOf(source);
+    EXPECT_FALSE(readBytes(target).contains(traceOf(picture)));
+    const Exiv2::ExifData exif = exifOf(target);
+    const auto hasTag = [](const Exiv2::ExifData &data, const char *name) {
+        return std::any_of(data.begin(), data.end(), [=](const auto &datum) { return datum.tagName() == name; });
+    };
+    EXPECT_TRUE(hasTag(exifOf(source), "PreviewImage"));
+    EXPECT_FALSE(hasTag(exif, "PreviewImage"));
+    EXPECT_TRUE(hasTag(exif, "0x1234"));
+    EXPECT_TRUE(readBytes(target).contains("kept as it is"));
+}
+
+TEST_P(CarriedMetadata, StatesTheSizeThatTheFileHas)
+{
+    MetadataBlocks blocks;
+    blocks.exif = exifBlock({{"Exif.Photo.PixelXDimension", "4000"}, {"Exif.Photo.PixelYDimension", "30"}});
+    Exiv2::ExifData exif = exifOf(exportOf(writeSource(blocks)));
+    EXPECT_EQ(exif.findKey(Exiv2::ExifKey("Exif.Photo.PixelXDimension"))->toLong(), 40);
+    EXPECT_EQ(exif.findKey(Exiv2::ExifKey("Exif.Photo.PixelYDimension"))->toLong(), 30);
+
+    blocks.exif = exifBlock({{"Exif.Photo.FNumber", "4/1"}});
+    exif = exifOf(exportOf(writeSource(blocks)));
+    EXPECT_EQ(exif.findKey(Exiv2::ExifKey("Exif.Photo.PixelXDimension")), exif.end());
+}
+
+TEST_P(CarriedMetadata, LeavesOutPicturesInIptcRecords)
+{
+    MetadataBlocks blocks;
+    blocks.iptc = iptcBlock({{"Iptc.Application2.Caption", "kept"}, {"Iptc.Application2.Preview", "a picture"}});
+    const QString target = exportOf(writeSource(blocks));
+    EXPECT_FALSE(readBytes(target).contains("a picture"));
+    EXPECT_TRUE(carriedMetadata(target, kSize, targetFormat()).iptc.contains("kept"));
+}
+
+TEST_P(CarriedMetadata, OfDamagedBlocksNeitherCrashesNorHangs)
+{
+    std::mt19937 random(7);
+    Exiv2::ExifData data;
+    setThumbnail(data, thumbnail());
+    setBytes(data, "Exif.Photo.MakerNote", "ACME " + thumbnail(2));
+    data["Exif.GPSInfo.GPSLatitude"] = "1/1 2/1 3/1";
+    MetadataBlocks good = richMetadata();
+    good.exif = encoded(data);
+    for (int round = 0; round < 80; ++round) {
+        MetadataBlocks bad = good;
+        for (QByteArray *block : {&bad.exif, &bad.iptc, &bad.xmp}) {
+            for (size_t i = random() % 6; i > 0; --i)
+                (*block)[qsizetype(random() % std::min<size_t>(size_t(block->size()), 400))] = char(random());
+        }
+        EXPECT_TRUE(readPictureInfo(exportOf(writeSource(bad))));
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, CarriedMetadata,
+                         testing::Values(std::tuple(WriteFormat::Jpeg, WriteFormat::Jpeg),
+                                         std::tuple(WriteFormat::Jpeg, WriteFormat::Png),
+                                         std::tuple(WriteFormat::Png, WriteFormat::Jpeg)));
+
+TEST(CarriedMetadataLimits, WhatDoesNotFitIntoAJpegFileIsDroppedAloneAndNotTheRest)
+{
+    const QTemporaryDir folder;
+    Exiv2::ExifData data;
+    data["Exif.Image.Make"] = "Acme";
+    setBytes(data, "Exif.Photo.MakerNote", QByteArray(70'000, 'n'));
+    Exiv2::MemIo io;
+    Exiv2::TiffParser::encode(io, nullptr, 0, Exiv2::littleEndian, data, {}, {});
+    MetadataBlocks blocks;
+    blocks.exif = QByteArray(reinterpret_cast<const char *>(io.mmap()), qsizetype(io.size()));
+    const QString source = writePhoto(folder, WriteFormat::Png, blocks, kSize);
+    EXPECT_EQ(carriedMetadata(source, kSize, WriteFormat::Png).exif, blocks.exif);
+    const QByteArray fitting = carriedMetadata(source, kSize, WriteFormat::Jpeg).exif;
+    EXPECT_LT(fitting.size(), 65'000);
+    EXPECT_TRUE(fitting.contains("Acme"));
+}
+
+TEST(CarriedMetadataLimits, ABlockMadeOfNestedStreamsIsLeftOutSoon)
+{
+    // Each of the starts leads through all that follow, and none to an end.
+    QByteArray note("ACME");
+    for (int i = 0; i < 400'000; ++i)
+        note += QByteArray("\xd8\xff\xda\0\x02", 5);
+    note += QByteArray("\xff\xc4\0\x02nothing", 11);
+    const QTemporaryDir folder;
+    Exiv2::ExifData data;
+    setBytes(data, "Exif.Photo.MakerNote", note);
+    Exiv2::MemIo io;
+    Exiv2::TiffParser::encode(io, nullptr, 0, Exiv2::littleEndian, data, {}, {});
+    MetadataBlocks blocks;
+    blocks.exif = QByteArray(reinterpret_cast<const char *>(io.mmap()), qsizetype(io.size()));
+    const QString source = writePhoto(folder, WriteFormat::Png, blocks, kSize);
+    EXPECT_TRUE(carriedMetadata(source, kSize, WriteFormat::Png).exif.isEmpty());
+}
+
+TEST(CarriedMetadataLimits, FormatsWithoutAPlaceForMetadataGetTheProfileAlone)
+{
+    const QTemporaryDir folder;
+    MetadataBlocks blocks = richMetadata();
+    blocks.iccProfile = QColorSpace(QColorSpace::AdobeRgb).iccProfile();
+    const MetadataBlocks carried =
+        carriedMetadata(writePhoto(folder, WriteFormat::Jpeg, blocks, kSize), kSize, WriteFormat::Gif);
+    EXPECT_EQ(carried.iccProfile, blocks.iccProfile);
+    EXPECT_TRUE(carried.exif.isEmpty() && carried.iptc.isEmpty() && carried.xmp.isEmpty());
+}
+
+} // namespace hazelmark
