@@ -1,0 +1,48 @@
+#pragma once
+
+#include "Outcome.h"
+
+#include <QString>
+
+namespace hazelmark {
+
+/// Puts a file in place whole or not at all. The content is written to a temporary file in the folder of the final
+/// place, and takes the place in one step when it is whole and on the disk; until then an existing file stays byte for
+/// byte as it was, and whenever something goes wrong the temporary file is removed.
+///
+/// A link is followed: the file that it leads to is replaced, the link stays.
+class SafeFile
+{
+public:
+    /// Whether a file may be put at `path` without changing the photo at `source`. Asked before anything is rendered,
+    /// and again by commit(). Permission bits count for the superuser too.
+    static Outcome<Done> checkDestination(const QString &path, const QString &source);
+
+    /// Creates the temporary file.
+    static Outcome<SafeFile> create(const QString &path, const QString &source);
+
+    SafeFile(SafeFile &&other) noexcept;
+    SafeFile &operator=(SafeFile &&) = delete;
+    /// Removes the temporary file if it was not committed.
+    ~SafeFile();
+
+    /// Where the content is to be written, by path: the file is there, empty.
+    const QString &temporaryPath() const { return m_temporaryPath; }
+
+    /// Flushes the content to the disk, gives the file the mode that a new one would have (or that the replaced one
+    /// has) and puts it in place.
+    Outcome<Done> commit();
+
+    /// Makes the signals that end a program (interrupt, terminate, hang up) remove the temporary files first. For
+    /// programs that do not handle these signals themselves.
+    static void removeTemporariesOnSignals();
+
+private:
+    SafeFile(QString path, QString source, QString temporaryPath);
+
+    QString m_path;
+    QString m_source;
+    QString m_temporaryPath; ///< empty once there is nothing to remove
+};
+
+} // namespace hazelmark

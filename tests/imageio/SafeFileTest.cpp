@@ -1,0 +1,164 @@
+#include "SafeFile.h"
+
+#include "SamplePhotos.h"
+
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+namespace hazelmark {
+
+using Reason = Failure::Reason;
+
+namespace {
+
+class SafeFiles : public ::testing::Test
+{
+protected:
+    QString path(const char *name) const { return m_folder.filePath(QLatin1String(name)); }
+    QString file(const char *name, const QByteArray &content)
+    {
+        return writeBytes(m_folder, QLatin1String(name), content);
+    }
+
+    void expectRefused(const QString &out, Reason reason)
+    {
+        const QStringList before = entries();
+        const auto checked = SafeFile::checkDestination(out, m_source);
+        ASSERT_FALSE(bool(checked)) << out.toStdString();
+        EXPECT_EQ(checked.failure().reason, reason) << checked.failure().sentence().toStdString();
+        EXPECT_TRUE(checked.failure().sentence().contains(out));
+        EXPECT_FALSE(bool(SafeFile::create(out, m_source)));
+        EXPECT_EQ(entries(), before);
+    }
+
+    QStringList entries() const
+    {
+        return QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
+    }
+
+    void put(const QString &out, const QByteArray &content)
+    {
+        auto safe = SafeFile::create(out, m_source);
+        ASSERT_TRUE(bool(safe));
+        QFile temporary(safe->temporaryPath());
+        ASSERT_TRUE(temporary.open(QIODevice::WriteOnly));
+        temporary.write(content);
+        temporary.close();
+        ASSERT_TRUE(bool(safe->commit()));
+    }
+
+    QTemporaryDir m_folder;
+    QString m_source = file("photo.jpg", "the photo");
+};
+
+mode_t modeOf(const QString &path)
+{
+    struct stat status = {};
+    ::stat(QFile::encodeName(path).constData(), &status);
+    return status.st_mode & 0777;
+}
+
+} // namespace
+
+TEST_F(SafeFiles, ANewFileHasAnOrdinaryModeAndAReplacedOneKeepsIts)
+{
+    const mode_t before = ::umask(027);
+    put(path("new.png"), "content");
+    ::umask(before);
+    EXPECT_EQ(readBytes(path("new.png")), "content");
+    EXPECT_EQ(modeOf(path("new.png")), 0640u);
+    ::chmod(QFile::encodeName(path("new.png")).constData(), 0604);
+    put(path("new.png"), "other");
+    EXPECT_EQ(readBytes(path("new.png")), "other");
+    EXPECT_EQ(modeOf(path("new.png")), 0604u);
+    EXPECT_EQ(entries().size(), 2);
+}
+
+TEST_F(SafeFiles, WithoutCommitNothingHasHappened)
+{
+    const QString out = file("out.png", "old");
+    {
+        auto safe = SafeFile::create(out, m_source);
+        ASSERT_TRUE(bool(safe));
+        QFile temporary(safe->temporaryPath());
+        ASSERT_TRUE(temporary.open(QIODevice::WriteOnly));
+        temporary.write("half of the new o");
+    }
+    EXPECT_EQ(readBytes(out), "old");
+    EXPECT_EQ(entries().size(), 2);
+}
+
+TEST_F(SafeFiles, LinksAreFollowedAndStay)
+{
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("deep")));
+    ASSERT_TRUE(QFile::link(QStringLiteral("deep/real.png"), path("link.png"))); // leads nowhere yet
+    for (const QByteArray &content : {QByteArray("first"), QByteArray("second")}) {
+        put(path("link.png"), content);
+        EXPECT_TRUE(QFileInfo(path("link.png")).isSymLink());
+        EXPECT_EQ(readBytes(path("deep/real.png")), content);
+    }
+}
+
+TEST_F(SafeFiles, WhatMustNotBeReplacedIsRefused)
+{
+    expectRefused(m_source, Reason::SameAsSource);
+    ASSERT_TRUE(QFile::link(m_source, path("soft.jpg")));
+    expectRefused(path("soft.jpg"), Reason::SameAsSource);
+    ASSERT_EQ(::link(QFile::encodeName(m_source).constData(), QFile::encodeName(path("hard.jpg")).constData()), 0);
+    expectRefused(path("hard.jpg"), Reason::SameAsSource);
+
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("folder.png")));
+    expectRefused(path("folder.png"), Reason::IsFolder);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(path("pipe.png")).constData(), 0600), 0);
+    expectRefused(path("pipe.png"), Reason::NotARegularFile);
+    expectRefused(QStringLiteral("/dev/null"), Reason::NotARegularFile);
+    ASSERT_TRUE(QFile::link(path("ring.png"), path("ring.png")));
+    expectRefused(path("ring.png"), Reason::NotARegularFile);
+
+    const QString locked = file("locked.png", "locked");
+    ::chmod(QFile::encodeName(locked).constData(), 0444);
+    expectRefused(locked, Reason::ReadOnly);
+
+    expectRefused(path("none/out.png"), Reason::NoSuchFolder);
+    expectRefused(path("photo.jpg/out.png"), Reason::NoSuchFolder);
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("shut")));
+    ::chmod(QFile::encodeName(path("shut")).constData(), 0555);
+    expectRefused(path("shut/out.png"), Reason::FolderNotWritable);
+    ::chmod(QFile::encodeName(path("shut")).constData(), 0755);
+}
+
+TEST_F(SafeFiles, AFileThatBecameReadOnlyMeanwhileStays)
+{
+    const QString out = file("out.png", "old");
+    auto safe = SafeFile::create(out, m_source);
+    ASSERT_TRUE(bool(safe));
+    ::chmod(QFile::encodeName(out).constData(), 0444);
+    EXPECT_FALSE(bool(safe->commit()));
+    EXPECT_EQ(readBytes(out), "old");
+}
+
+TEST_F(SafeFiles, ASignalRemovesTheTemporaryFile)
+{
+    const pid_t child = ::fork();
+    if (child == 0) {
+        SafeFile::removeTemporariesOnSignals();
+        auto safe = SafeFile::create(path("out.png"), m_source);
+        ::raise(SIGTERM);
+        ::_exit(0);
+    }
+    int status = 0;
+    ASSERT_EQ(::waitpid(child, &status, 0), child);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
+    EXPECT_EQ(entries(), QStringList(QStringLiteral("photo.jpg")));
+}
+
+} // namespace hazelmark
