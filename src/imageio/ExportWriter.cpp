@@ -1,5 +1,6 @@
 #include "ExportWriter.h"
 
+#include "CarriedMetadata.h"
 #include "ExportFormats.h"
 #include "FlippedImage.h"
 #include "ImageIoLog.h"
@@ -104,7 +105,8 @@ Outcome<Done> ExportWriter::write(int formatIndex, const QString &path, const Pi
     const QString &source = m_settings.selectedImageFile.filePath();
     EncodeOptions options;
     options.format = *format;
-    options.metadata.iccProfile = pixels.iccProfile;
+    options.metadata = carriedMetadata(source, pixels.bitmap.size(), *format);
+    options.metadata.iccProfile = pixels.iccProfile; // the photo's own, or what stands for a grey one
     const QVariantMap dict = m_settings.selectedImageFile.metaInfoDict().value_or(QVariantMap());
     if (dict.contains(kQualityEntry))
         options.jpegQuality = int(std::lround(std::clamp(dict.value(kQualityEntry).toDouble(), 0.0, 1.0) * 100.0));

@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <cstdio>
+#include <optional>
+
+namespace hazelmark {
+
+/// What the command line was asked to do. Exit codes: 0 done, 1 it did not happen, 2 wrong usage.
+namespace exitcode {
+inline constexpr int kDone = 0;
+inline constexpr int kFailed = 1;
+inline constexpr int kWrongUsage = 2;
+} // namespace exitcode
+
+struct InfoRequest
+{
+    QString photo;
+};
+
+struct RenderRequest
+{
+    QString photo;
+    QString mask;
+    QString output;
+    float blur = 60.0f;    ///< the blur slider's value
+    float vignette = 0.0f; ///< the vignette slider's value
+};
+
+/// The program's arguments, read and checked. Help, version and wrong usage are dealt with while reading: then there
+/// is no request, and `exitCode` says how to end.
+struct CommandLine
+{
+    /// `arguments`: without the program's name.
+    static CommandLine parse(const QStringList &arguments);
+
+    int exitCode = exitcode::kDone;
+    bool verbose = false;
+    std::optional<InfoRequest> info;
+    std::optional<RenderRequest> render;
+};
+
+/// Runs what was asked for; the exit code.
+int runCommandLine(const CommandLine &commandLine);
+
+/// One sentence, a line of its own, on standard error.
+void printError(const QString &sentence);
+
+} // namespace hazelmark

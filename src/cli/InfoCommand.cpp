@@ -1,0 +1,48 @@
+#include "InfoCommand.h"
+
+#include "Decoder.h"
+#include "ExifInfo.h"
+#include "PhotoFile.h"
+
+#include <QFileInfo>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace hazelmark {
+
+namespace {
+
+QJsonObject jsonOf(const RecordFields &fields)
+{
+    QJsonObject object;
+    for (const auto &[name, value] : fields)
+        object[name] = QJsonValue::fromVariant(value);
+    return object;
+}
+
+} // namespace
+
+int runInfo(const InfoRequest &request)
+{
+    const Outcome<PictureInfo> header = readPictureInfo(request.photo);
+    if (!header) {
+        printError(header.failure().sentence());
+        return exitcode::kFailed;
+    }
+    const PhotoFile photo(QFileInfo(request.photo).absoluteFilePath());
+    const QVariantMap properties = photo.metaInfoDict().value_or(QVariantMap());
+    const QJsonObject all{
+        {QStringLiteral("PhotoFile"), jsonOf(photo.fields())},
+        {QStringLiteral("ExifInfo"), jsonOf(ExifInfo(photo.metaInfoDict()).fields())},
+        {QStringLiteral("properties"), QJsonObject::fromVariantMap(properties)},
+    };
+    const QByteArray text = QJsonDocument(all).toJson();
+    const bool written =
+        std::fwrite(text.constData(), 1, std::size_t(text.size()), stdout) == std::size_t(text.size()) &&
+        std::fflush(stdout) == 0;
+    if (!written)
+        printError(QStringLiteral("Standard output could not be written."));
+    return written ? exitcode::kDone : exitcode::kFailed;
+}
+
+} // namespace hazelmark

@@ -1,0 +1,74 @@
+#include "RenderCommand.h"
+
+#include "Decoder.h"
+#include "ExportFormats.h"
+#include "ExportWriter.h"
+#include "PathParts.h"
+#include "RenderJobs.h"
+#include "SafeFile.h"
+
+#include <QFileInfo>
+
+namespace hazelmark {
+
+namespace {
+
+int failed(const Failure &failure)
+{
+    printError(failure.sentence());
+    return exitcode::kFailed;
+}
+
+void sayIfConverted(const ImageLoader::Loaded &loaded, const QString &path)
+{
+    if (loaded.convertedToSrgb)
+        printError(QStringLiteral("%1: its colours have no RGB form and were converted to sRGB.").arg(path));
+}
+
+/// What cannot end well is told before anything is rendered.
+std::optional<Failure> checkFiles(const RenderRequest &request)
+{
+    for (const QString &path : {request.photo, request.mask}) {
+        const Outcome<PictureInfo> header = readPictureInfo(path);
+        if (!header)
+            return header.failure();
+    }
+    const Outcome<Done> destination = SafeFile::checkDestination(request.output, request.photo);
+    return destination ? std::nullopt : std::optional(destination.failure());
+}
+
+} // namespace
+
+int runRender(const RenderRequest &request)
+{
+    const PhotoFile photo(QFileInfo(request.photo).absoluteFilePath());
+    ExportWriter::Settings settings{photo, {}, {}};
+    const ExportFormats formats = ExportFormats::forSource(photo.fileExtension());
+    settings.arrformatsSupportedByIM = formats.formats;
+    settings.fileTypeToExportImage = formats.formFor(pathExtension(request.output));
+    if (settings.fileTypeToExportImage.isNull()) {
+        printError(QStringLiteral("%1: the extension must be that of a format that can be written: png, jpg, tiff, gif "
+                                  "or bmp.")
+                       .arg(request.output));
+        return exitcode::kFailed;
+    }
+    if (const std::optional<Failure> fault = checkFiles(request))
+        return failed(*fault);
+
+    const Outcome<ImageLoader::Loaded> mask = ImageLoader::load(request.mask);
+    if (!mask)
+        return failed(mask.failure());
+    ExportJob job;
+    job.imageUrl = request.photo;
+    job.maskImage = Utils::sharedUtils().addBackgroundToImage(mask->photo, Qt::black);
+    job.settings.blurAmount = request.blur;
+    job.settings.vignetteAmount = request.vignette;
+    const Outcome<ImageLoader::Loaded> rendered = job.run();
+    if (!rendered)
+        return failed(rendered.failure());
+    sayIfConverted(*rendered, request.photo);
+    const Outcome<Done> saved = ExportWriter(settings).save(request.output, rendered->photo);
+    return saved ? exitcode::kDone : failed(saved.failure());
+}
+
+} // namespace hazelmark

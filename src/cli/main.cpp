@@ -1,0 +1,17 @@
+#include "CommandLine.h"
+
+#include <QCoreApplication>
+#include <QLoggingCategory>
+
+int main(int argc, char *argv[])
+{
+    using namespace hazelmark;
+    // Before anything can write to the log.
+    QLoggingCategory::setFilterRules(QStringLiteral("*=false"));
+    QCoreApplication application(argc, argv);
+    QCoreApplication::setApplicationVersion(QStringLiteral(HAZELMARK_VERSION));
+    const CommandLine commandLine = CommandLine::parse(QCoreApplication::arguments().mid(1));
+    if (commandLine.verbose)
+        QLoggingCategory::setFilterRules(QStringLiteral("hazelmark.*=true"));
+    return runCommandLine(commandLine);
+}

@@ -1,0 +1,52 @@
+#include "RenderJobs.h"
+
+#include "FlippedImage.h"
+#include "Utils.h"
+
+#include <QColor>
+
+#include <new>
+
+namespace hazelmark {
+
+namespace {
+
+/// The blend ignores this number; it is handed over all the same.
+constexpr float kBlendNumber = 20.0f;
+
+} // namespace
+
+PhotoImagePtr PreviewJob::run(int threads) const
+{
+    const Utils &utils = Utils::sharedUtils();
+    const PhotoImagePtr inFocus = utils.applyfilterOnInFocusImage(resizedInputImage, {}, settings);
+    const PhotoImagePtr blurred = utils.applyfilterOnBlurImage(resizedInputImage, {}, settings);
+    const PhotoImagePtr result = FlippedImage::blendWithAlphaMask(blurred, inFocus, maskImage, kBlendNumber);
+    if (result)
+        result->bitmap(Renderer(threads));
+    return result;
+}
+
+Outcome<ImageLoader::Loaded> ExportJob::run() const
+{
+    Outcome<ImageLoader::Loaded> loaded = ImageLoader::load(imageUrl);
+    if (!loaded || !maskImage)
+        return loaded;
+    try {
+        const Utils &utils = Utils::sharedUtils();
+        const PhotoImagePtr photo = loaded->photo;
+        const PhotoImagePtr mask = utils.scaleImage(maskImage, photo->size());
+        PhotoImagePtr blurred = utils.applyfilterOnBlurImage(photo, {}, settings);
+        const PhotoImagePtr inFocus = utils.applyfilterOnInFocusImage(photo, {}, settings);
+        const float v = settings.vignetteAmount.value_or(0.0f);
+        if (v > 0.0f)
+            blurred = FlippedImage::vignetteWithRadius(blurred, 0.0f, v, QColor::fromRgbF(0, 0, 0, std::min(v, 1.0f)));
+        loaded->photo = FlippedImage::blendWithAlphaMask(blurred, inFocus, mask, kBlendNumber);
+        loaded->photo->bitmap(Renderer(threads, progress));
+        return loaded;
+    } catch (const std::bad_alloc &) {
+        return Failure{Failure::Reason::OutOfMemory, imageUrl, {}};
+    }
+}
+
+} // namespace hazelmark

@@ -1,0 +1,39 @@
+#pragma once
+
+#include "CoreFilterObject.h"
+#include "ImageLoader.h"
+#include "Outcome.h"
+#include "PhotoImage.h"
+#include "Renderer.h"
+
+#include <QString>
+
+namespace hazelmark {
+
+/// The two renders, as functions of their inputs. Both may run on any thread, any number at once.
+
+/// One preview: the photo scaled to the screen, blurred where the mask is green.
+struct PreviewJob
+{
+    PhotoImagePtr resizedInputImage;
+    PhotoImagePtr maskImage;
+    CoreFilterObject settings;
+
+    /// The drawn preview at the input's size; null without input. No darkening: `vignetteAmount` shows at export only.
+    PhotoImagePtr run(int threads = 0) const;
+};
+
+/// One export up to the finished picture; ExportWriter puts it into a file.
+struct ExportJob
+{
+    QString imageUrl;        ///< path of the photo
+    PhotoImagePtr maskImage; ///< of any size; null exports the photo as it is. Its logical size becomes the photo's.
+    CoreFilterObject settings;
+    Renderer::Progress progress;
+    int threads = 0; ///< 0: all processors
+
+    /// The photo in full size, upright and RGB, blurred and darkened where the mask is green, drawn.
+    Outcome<ImageLoader::Loaded> run() const;
+};
+
+} // namespace hazelmark

@@ -1,0 +1,213 @@
+#include "Decoder.h"
+#include "Encoder.h"
+#include "Pictures.h"
+#include "SamplePhotos.h"
+
+#include <QDir>
+#include <QFile>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <sys/stat.h>
+
+namespace hazelmark {
+
+using testing::filled;
+using testing::noise;
+
+namespace {
+
+struct Ended
+{
+    int exitCode = -1;
+    QByteArray output;
+    QByteArray errors;
+};
+
+QStringList wordsOf(const char *line)
+{
+    return QString::fromLatin1(line).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+/// Runs the program itself, as a person would.
+class CommandLineProgram : public ::testing::Test
+{
+protected:
+    QString path(const char *name) const { return m_folder.filePath(QLatin1String(name)); }
+
+    QString picture(const char *name, const QImage &image, WriteFormat format, MetadataBlocks metadata = {})
+    {
+        EncodeOptions options;
+        options.format = format;
+        options.metadata = std::move(metadata);
+        EXPECT_TRUE(bool(encodePicture(image, options, path(name))));
+        return path(name);
+    }
+
+    Ended run(const QStringList &arguments)
+    {
+        QProcess process;
+        process.setWorkingDirectory(m_folder.path());
+        process.start(QStringLiteral(HAZELMARK_CLI), arguments);
+        EXPECT_TRUE(process.waitForFinished(60000));
+        EXPECT_EQ(process.exitStatus(), QProcess::NormalExit);
+        return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
+    }
+
+    Ended render(const QString &photo, const QString &mask, const QString &out, const QStringList &more = {})
+    {
+        const QStringList arguments{QStringLiteral("render"),   photo, QStringLiteral("--mask"), mask,
+                                    QStringLiteral("--output"), out};
+        return run(arguments + more);
+    }
+
+    /// Exit 1 and one sentence, in a line of its own, that names the file; nothing new in the folder.
+    void expectFailure(const QString &photo, const QString &mask, const QString &out, const QString &named)
+    {
+        const QStringList before = entries();
+        const Ended ended = render(photo, mask, out);
+        EXPECT_EQ(ended.exitCode, 1) << out.toStdString();
+        EXPECT_EQ(ended.errors.count('\n'), 1) << ended.errors.toStdString();
+        EXPECT_TRUE(ended.errors.endsWith(".\n"));
+        EXPECT_TRUE(QString::fromUtf8(ended.errors).contains(named)) << ended.errors.toStdString();
+        EXPECT_EQ(entries(), before);
+    }
+
+    QStringList entries() const
+    {
+        return QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System);
+    }
+
+    QTemporaryDir m_folder;
+    const QImage m_image = noise({120, 80}, QImage::Format_RGBX8888);
+    const QString m_photo = picture("photo.png", m_image, WriteFormat::Png);
+    const QString m_black =
+        picture("black.png", filled({60, 40}, QImage::Format_RGBX8888, Qt::black), WriteFormat::Png);
+    const QString m_green =
+        picture("green.png", filled({60, 40}, QImage::Format_RGBX8888, Qt::green), WriteFormat::Png);
+};
+
+} // namespace
+
+TEST_F(CommandLineProgram, WrongUsageEndsWithTwoAndOneSentence)
+{
+    for (const char *line : {"", "blur photo.png", "info", "info a.png b.png", "render photo.png --output out.png",
+                             "render photo.png --mask black.png", "render --mask black.png --output out.png",
+                             "render photo.png --mask black.png --output out.png --blur nan",
+                             "render photo.png --mask black.png --output out.png --vignette inf",
+                             "render photo.png --mask black.png --output out.png --blur 1e99",
+                             "render photo.png --mask black.png --output out.png --blur soft",
+                             "render photo.png --mask black.png --output out.png --sharpen 3"}) {
+        const Ended ended = run(wordsOf(line));
+        EXPECT_EQ(ended.exitCode, 2) << line;
+        EXPECT_EQ(ended.errors.count('\n'), 1) << ended.errors.toStdString();
+        EXPECT_EQ(ended.output, "") << line;
+        EXPECT_FALSE(QFile::exists(path("out.png")));
+    }
+    for (const char *line : {"--help", "--version", "render --help"}) {
+        const Ended ended = run(wordsOf(line));
+        EXPECT_EQ(ended.exitCode, 0);
+        EXPECT_FALSE(ended.output.isEmpty());
+        EXPECT_EQ(ended.errors, "");
+    }
+}
+
+TEST_F(CommandLineProgram, InfoPrintsEveryField)
+{
+    const QString photo = writePhoto(m_folder, WriteFormat::Jpeg, richMetadata());
+    const Ended ended = run({QStringLiteral("info"), photo});
+    ASSERT_EQ(ended.exitCode, 0) << ended.errors.toStdString();
+    EXPECT_EQ(ended.errors, "");
+    const QJsonObject all = QJsonDocument::fromJson(ended.output).object();
+    const QJsonObject file = all[QLatin1String("PhotoFile")].toObject();
+    const QJsonObject exif = all[QLatin1String("ExifInfo")].toObject();
+    EXPECT_EQ(file[QLatin1String("width")].toInt(), 30); // the tag says a quarter turn
+    EXPECT_EQ(file[QLatin1String("filePath")].toString(), photo);
+    EXPECT_EQ(exif[QLatin1String("imageSize")].toString(), QStringLiteral("40 x 30"));
+    EXPECT_TRUE(exif.contains(QLatin1String("folderName")) && exif[QLatin1String("folderName")].isNull());
+    EXPECT_EQ(all[QLatin1String("properties")].toObject()[QLatin1String("PixelHeight")].toInt(), 30);
+
+    const Ended missing = run({QStringLiteral("info"), path("none.png")});
+    EXPECT_EQ(missing.exitCode, 1);
+    EXPECT_EQ(missing.errors.count('\n'), 1);
+    EXPECT_EQ(missing.output, "");
+}
+
+TEST_F(CommandLineProgram, EveryFormatIsWrittenWhateverTheCaseOfItsExtension)
+{
+    for (const auto &[name, format] : {std::pair("a.png", "png"),
+                                       {"b.JPG", "jpeg"},
+                                       {"c.jpeg", "jpeg"},
+                                       {"d.TIF", "tiff"},
+                                       {"e.tiff", "tiff"},
+                                       {"f.Gif", "gif"},
+                                       {"g.bmp", "bmp"}}) {
+        const Ended ended = render(m_photo, m_black, path(name));
+        EXPECT_EQ(ended.exitCode, 0) << name << ended.errors.toStdString();
+        EXPECT_EQ(ended.errors, "") << name;
+        const auto info = readPictureInfo(path(name));
+        ASSERT_TRUE(bool(info)) << name;
+        EXPECT_EQ(info->format, format) << name;
+        EXPECT_EQ(info->frames.back(), m_image.size()) << name;
+    }
+    EXPECT_EQ((*decodePicture(path("a.png"))).pixels, m_image);
+}
+
+TEST_F(CommandLineProgram, PaintedPartsAreBlurredAndTheDefaultsAreThoseOfTheSliders)
+{
+    const auto rendered = [&](const char *options) {
+        EXPECT_EQ(render(m_photo, m_green, path("out.png"), wordsOf(options)).exitCode, 0);
+        return (*decodePicture(path("out.png"))).pixels;
+    };
+    const QImage plain = rendered("");
+    EXPECT_NE(plain, m_image);
+    EXPECT_EQ(rendered("--blur 60 --vignette 0"), plain);
+    EXPECT_EQ(rendered("--blur 0"), m_image);
+    EXPECT_EQ(rendered("--blur=-5"), m_image);
+    EXPECT_NE(rendered("--blur=0 --vignette 0.1"), m_image);
+}
+
+TEST_F(CommandLineProgram, ARotatedPhotoKeepsItsPixelSizeAndTag)
+{
+    MetadataBlocks blocks;
+    blocks.exif = exifBlock({{"Exif.Image.Orientation", "6"}});
+    const QString photo = picture("turned.png", m_image, WriteFormat::Png, blocks);
+    ASSERT_EQ(render(photo, m_black, path("out.png")).exitCode, 0);
+    EXPECT_EQ((*decodePicture(path("out.png"))).pixels, m_image); // stored as the source stores it
+    const Ended info = run({QStringLiteral("info"), path("out.png")});
+    const QJsonObject properties =
+        QJsonDocument::fromJson(info.output).object()[QLatin1String("properties")].toObject();
+    EXPECT_EQ(properties[QLatin1String("Orientation")].toInt(), 6);
+    // A format without the tag gets upright pixels.
+    ASSERT_EQ(render(photo, m_black, path("out.bmp")).exitCode, 0);
+    EXPECT_EQ((*decodePicture(path("out.bmp"))).pixels.size(), m_image.size().transposed());
+}
+
+TEST_F(CommandLineProgram, BadInputIsOneSentenceAndChangesNothing)
+{
+    const QString out = writeBytes(m_folder, QStringLiteral("out.png"), "precious");
+    expectFailure(path("none.png"), m_black, out, path("none.png"));
+    expectFailure(m_folder.path(), m_black, out, m_folder.path());
+    expectFailure(writeBytes(m_folder, QStringLiteral("text.jpg"), "hello"), m_black, out, path("text.jpg"));
+    expectFailure(writeBytes(m_folder, QStringLiteral("empty.jpg"), ""), m_black, out, path("empty.jpg"));
+    const QByteArray whole = readBytes(picture("whole.jpg", m_image, WriteFormat::Jpeg));
+    const QString half = writeBytes(m_folder, QStringLiteral("half.jpg"), whole.left(whole.size() / 2));
+    expectFailure(half, m_black, out, half);
+    expectFailure(m_photo, path("text.jpg"), out, path("text.jpg"));
+    expectFailure(m_photo, half, out, half);
+    expectFailure(m_photo, m_black, path("none/out.png"), path("none/out.png"));
+    expectFailure(m_photo, m_black, path("out.webp"), path("out.webp"));
+    expectFailure(m_photo, m_black, path("out"), QStringLiteral("gif"));
+    expectFailure(m_photo, m_black, m_photo, m_photo);
+    EXPECT_EQ(readBytes(out), "precious");
+    ::chmod(QFile::encodeName(out).constData(), 0444);
+    expectFailure(m_photo, m_black, out, out);
+    EXPECT_EQ(readBytes(out), "precious");
+    EXPECT_EQ((*decodePicture(m_photo)).pixels, m_image);
+}
+
+} // namespace hazelmark
