@@ -49,14 +49,14 @@ PaintCanvas::PaintCanvas()
 
 PaintCanvas::~PaintCanvas() = default;
 
-void PaintCanvas::setFrameSize(QSizeF frameSize)
+void PaintCanvas::setCanvasSize(QSizeF canvasSize)
 {
-    m_frameSize = frameSize;
+    m_canvasSize = canvasSize;
 }
 
 QSize PaintCanvas::bufferSize() const
 {
-    return QSize(int(m_frameSize.width()), int(m_frameSize.height())).expandedTo(QSize(0, 0));
+    return QSize(int(m_canvasSize.width()), int(m_canvasSize.height())).expandedTo(QSize(0, 0));
 }
 
 PaintStep PaintCanvas::paintStepFromPoint(QPointF from, QPointF to) const
@@ -83,9 +83,9 @@ void PaintCanvas::drawNewestStep()
 bool PaintCanvas::isDrawable(const PaintStep &step) const
 {
     const auto inside = [this](QPointF fraction) {
-        const QPointF point = Geometry::convertedPointToFrameBase(fraction, m_frameSize);
-        return point.x() >= 0 && point.y() >= 0 && point.x() <= m_frameSize.width() &&
-               point.y() <= m_frameSize.height();
+        const QPointF point = Geometry::convertedPointToFrameBase(fraction, m_canvasSize);
+        return point.x() >= 0 && point.y() >= 0 && point.x() <= m_canvasSize.width() &&
+               point.y() <= m_canvasSize.height();
     };
     return inside(step.start()) && inside(step.end());
 }
@@ -113,8 +113,8 @@ void PaintCanvas::drawStep(const PaintStep &step)
 {
     syncBrushState(step);
     bindBrush();
-    renderLineFromPoint(Geometry::convertedPointToFrameBase(step.start(), m_frameSize),
-                        Geometry::convertedPointToFrameBase(step.end(), m_frameSize));
+    renderLineFromPoint(Geometry::convertedPointToFrameBase(step.start(), m_canvasSize),
+                        Geometry::convertedPointToFrameBase(step.end(), m_canvasSize));
 }
 
 void PaintCanvas::renderLineFromPoint(QPointF from, QPointF to)
@@ -124,7 +124,7 @@ void PaintCanvas::renderLineFromPoint(QPointF from, QPointF to)
         return;
     // Lengths in single precision, and stamps placed on the grid of single-precision numbers with y counted from
     // below: it decides how many stamps a segment gets and which pixel a centre between two pixels falls to.
-    const double height = m_frameSize.height();
+    const double height = m_canvasSize.height();
     const QPointF start(from.x(), height - from.y());
     const double dx = to.x() - from.x();
     const double dy = (height - to.y()) - start.y();
@@ -133,7 +133,7 @@ void PaintCanvas::renderLineFromPoint(QPointF from, QPointF to)
     // A click gives 0 / step; not a number (0 / 0) fails the comparison too.
     const int count = wanted >= 1 ? int(std::min(wanted, kMaxStampsPerSegment)) : 1;
 
-    const double columnsPerPoint = size.width() / m_frameSize.width();
+    const double columnsPerPoint = size.width() / m_canvasSize.width();
     const double linesPerPoint = size.height() / height;
     m_centres.clear();
     for (int i = 0; i < count; ++i) {
@@ -158,6 +158,7 @@ void PaintCanvas::fitBufferToFrame()
     } else if (m_buffer.size() != size) {
         m_buffer = m_buffer.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
         m_buffer.convertTo(QImage::Format_RGBA8888_Premultiplied);
+        bufferChanged(m_buffer.rect());
     }
 }
 
@@ -231,13 +232,13 @@ QImage PaintCanvas::snapshot()
 
 void PaintCanvas::mouseDown(QPointF place)
 {
-    m_firstLocation = Geometry::convertedPointToPercentBase(place, m_frameSize);
+    m_firstLocation = Geometry::convertedPointToPercentBase(place, m_canvasSize);
     appendStep(paintStepFromPoint(m_firstLocation, m_firstLocation));
 }
 
 void PaintCanvas::mouseDragged(QPointF place)
 {
-    const QPointF location = Geometry::convertedPointToPercentBase(place, m_frameSize);
+    const QPointF location = Geometry::convertedPointToPercentBase(place, m_canvasSize);
     const PaintStep step = paintStepFromPoint(m_firstLocation, location);
     m_firstLocation = location;
     appendStep(step);

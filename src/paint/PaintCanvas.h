@@ -35,10 +35,10 @@ public:
     PaintCanvas(const PaintCanvas &) = delete;
     PaintCanvas &operator=(const PaintCanvas &) = delete;
 
-    QSizeF frameSize() const { return m_frameSize; }
+    QSizeF canvasSize() const { return m_canvasSize; }
     /// What is painted is stretched to the new size, so that it stays right until restoreDrawedPoints() draws it
     /// sharply.
-    void setFrameSize(QSizeF frameSize);
+    void setCanvasSize(QSizeF canvasSize);
     /// The frame's size truncated to whole pixels; empty when the frame is.
     QSize bufferSize() const;
 
@@ -121,7 +121,7 @@ private:
     void fitBufferToFrame();
 
     std::shared_ptr<PaintSession> m_paintSession;
-    QSizeF m_frameSize;
+    QSizeF m_canvasSize;
     QImage m_buffer;
 
     QImage m_brush;

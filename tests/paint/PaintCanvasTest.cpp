@@ -31,7 +31,7 @@ class Canvas : public testing::Test
 protected:
     Canvas()
     {
-        canvas.setFrameSize({400, 300});
+        canvas.setCanvasSize({400, 300});
         control.setColor(kGreen);
         setBrush(40, 1);
     }
@@ -131,7 +131,7 @@ TEST_F(Canvas, StrokesAgreeWithTheReferenceAtTwoSizes)
     ASSERT_EQ(steps->size(), 5U);
 
     for (const QSize size : {QSize(400, 300), QSize(200, 150)}) {
-        canvas.setFrameSize(size);
+        canvas.setCanvasSize(size);
         canvas.restoreDrawedPoints(steps);
         QImage wanted(size, QImage::Format_RGBA8888_Premultiplied);
         wanted.fill(0);
@@ -146,7 +146,7 @@ TEST_F(Canvas, StrokesAgreeWithTheReferenceAtTwoSizes)
 
 TEST_F(Canvas, FrameIsRealValuedAndItsBufferTruncated)
 {
-    canvas.setFrameSize({1000, 666.67});
+    canvas.setCanvasSize({1000, 666.67});
     setBrush(20, 1);
     drag({500, 0.5}, {500, 666.67});
     EXPECT_EQ(canvas.arrDrawedPoints()->back().end(), QPointF(0.5, 1));
@@ -156,7 +156,7 @@ TEST_F(Canvas, FrameIsRealValuedAndItsBufferTruncated)
     EXPECT_EQ(qAlpha(pixels.pixel(500, 665)), 255);
 
     const auto kept = canvas.arrDrawedPoints();
-    canvas.setFrameSize({500, 333.335});
+    canvas.setCanvasSize({500, 333.335});
     canvas.restoreDrawedPoints(kept);
     EXPECT_EQ(canvas.snapshot().size(), QSize(500, 333));
     EXPECT_EQ(alphaAt(250, 0), 255);
@@ -248,7 +248,7 @@ TEST_F(Canvas, SnapshotIsNotTouchedByLaterStrokes)
     canvas.mouseDown({130, 100});
     EXPECT_EQ(qAlpha(blank.pixel(100, 100)), 0);
     EXPECT_EQ(dot, copy);
-    canvas.setFrameSize({});
+    canvas.setCanvasSize({});
     EXPECT_TRUE(canvas.snapshot().isNull());
     canvas.mouseDown({0, 0});
     EXPECT_EQ(canvas.arrDrawedPoints()->size(), 3U);
@@ -257,13 +257,13 @@ TEST_F(Canvas, SnapshotIsNotTouchedByLaterStrokes)
 TEST_F(Canvas, IsStretchedBetweenAResizeAndTheReplay)
 {
     drag({200, 150}, {300, 150});
-    canvas.setFrameSize({200, 150});
+    canvas.setCanvasSize({200, 150});
     EXPECT_EQ(alphaAt(120, 75), 255);
     EXPECT_EQ(alphaAt(120, 95), 0);
     canvas.mouseDown({30, 30});
     EXPECT_EQ(alphaAt(30, 30), 255);
     EXPECT_EQ(alphaAt(120, 75), 255);
-    canvas.setFrameSize({800, 600});
+    canvas.setCanvasSize({800, 600});
     EXPECT_EQ(alphaAt(480, 300), 255);
     EXPECT_EQ(canvas.snapshot().format(), QImage::Format_RGBA8888_Premultiplied);
 }

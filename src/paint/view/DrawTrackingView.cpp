@@ -1,0 +1,30 @@
+#include "DrawTrackingView.h"
+
+#include "NotificationCenter.h"
+#include "NotificationNames.h"
+#include "PointerTracker.h"
+
+#include <QEvent>
+
+namespace hazelmark {
+
+DrawTrackingView::DrawTrackingView(QWidget *parent)
+    : QWidget(parent)
+{
+    setAttribute(Qt::WA_AcceptTouchEvents);
+    new PointerTracker(
+        *this, [] { NotificationCenter::defaultCenter().post(kNotificationMouseIn); },
+        [] { NotificationCenter::defaultCenter().post(kNotificationMouseout); });
+}
+
+bool DrawTrackingView::event(QEvent *event)
+{
+    if (event->type() != QEvent::TouchBegin)
+        return QWidget::event(event);
+    NotificationCenter::defaultCenter().post(kNotificationMouseIn);
+    // Not accepted: it comes again as mouse events, to the view that lies on top by then.
+    event->ignore();
+    return false;
+}
+
+} // namespace hazelmark

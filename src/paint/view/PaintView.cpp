@@ -1,0 +1,284 @@
+#include "PaintView.h"
+
+#include "NotificationCenter.h"
+#include "NotificationNames.h"
+#include "PointerTracker.h"
+#include "ProcessState.h"
+
+#include <QCoreApplication>
+#include <QCursor>
+#include <QGuiApplication>
+#include <QInputDevice>
+#include <QMouseEvent>
+#include <QPainter>
+#include <QTabletEvent>
+#include <QTimer>
+#include <QTouchEvent>
+
+#include <chrono>
+#include <cmath>
+#include <utility>
+
+namespace hazelmark {
+
+namespace {
+constexpr std::chrono::milliseconds kCursorPollInterval{100};
+}
+
+PaintView::PaintView(QWidget *parent)
+    : QWidget(parent)
+{
+    // Only one widget of the process wants every move, but the setting is the process's.
+    QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
+    setAttribute(Qt::WA_AcceptTouchEvents);
+    new PointerTracker(
+        *this, [this] { mouseEntered(); }, [this] { mouseExited(); });
+    followGeometry();
+}
+
+void PaintView::setFrame(const QRectF &frame)
+{
+    m_frame = frame;
+    setGeometry(frame.toAlignedRect());
+    setCanvasSize(frame.size());
+    update();
+}
+
+void PaintView::followGeometry()
+{
+    if (geometry() != m_frame.toAlignedRect()) {
+        m_frame = geometry();
+        setCanvasSize(m_frame.size());
+    }
+}
+
+void PaintView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    followGeometry();
+}
+
+void PaintView::moveEvent(QMoveEvent *event)
+{
+    QWidget::moveEvent(event);
+    followGeometry();
+}
+
+QPointF PaintView::frameOffset() const
+{
+    return m_frame.topLeft() - geometry().topLeft();
+}
+
+void PaintView::setOpacity(double opacity)
+{
+    m_opacity = opacity;
+    update();
+}
+
+void PaintView::paintEvent(QPaintEvent * /*event*/)
+{
+    if (arrDrawedPoints()->empty())
+        clearBuffer();
+    if (buffer().isNull())
+        return;
+    QPainter painter(this);
+    painter.setOpacity(m_opacity);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawImage(QRectF(frameOffset(), m_frame.size()), buffer());
+}
+
+void PaintView::bufferChanged(const QRect &rect)
+{
+    const QSize pixels = bufferSize();
+    if (pixels.isEmpty()) {
+        update();
+        return;
+    }
+    const double columns = m_frame.width() / pixels.width();
+    const double lines = m_frame.height() / pixels.height();
+    const QRectF shown(rect.x() * columns, rect.y() * lines, rect.width() * columns, rect.height() * lines);
+    // One point more on each side: scaling mixes neighbours.
+    update(shown.translated(frameOffset()).toAlignedRect().adjusted(-1, -1, 1, 1));
+}
+
+// Strokes
+
+bool PaintView::beginStroke(Stroke stroke, QPointF position)
+{
+    if (m_stroke != Stroke::None)
+        return false;
+    m_stroke = stroke;
+    mouseDown(position - frameOffset());
+    return true;
+}
+
+bool PaintView::continueStroke(Stroke stroke, QPointF position)
+{
+    if (m_stroke != stroke)
+        return false;
+    mouseDragged(position - frameOffset());
+    return true;
+}
+
+bool PaintView::endStroke(Stroke stroke)
+{
+    if (m_stroke != stroke)
+        return false;
+    m_stroke = Stroke::None;
+    mouseUp();
+    return true;
+}
+
+void PaintView::hideEvent(QHideEvent *event)
+{
+    // The end of a stroke does not come to a hidden view.
+    m_stroke = Stroke::None;
+    QWidget::hideEvent(event);
+}
+
+void PaintView::mousePressEvent(QMouseEvent *event)
+{
+    event->setAccepted(event->button() == Qt::LeftButton && beginStroke(Stroke::Mouse, event->position()));
+}
+
+void PaintView::mouseMoveEvent(QMouseEvent *event)
+{
+    event->setAccepted(continueStroke(Stroke::Mouse, event->position()));
+}
+
+void PaintView::mouseReleaseEvent(QMouseEvent *event)
+{
+    event->setAccepted(event->button() == Qt::LeftButton && endStroke(Stroke::Mouse));
+}
+
+void PaintView::tabletEvent(QTabletEvent *event)
+{
+    // What is not accepted comes again as a mouse event.
+    switch (event->type()) {
+    case QEvent::TabletPress:
+        event->setAccepted(event->button() == Qt::LeftButton && beginStroke(Stroke::Pen, event->position()));
+        break;
+    case QEvent::TabletMove:
+        event->setAccepted(continueStroke(Stroke::Pen, event->position()));
+        break;
+    case QEvent::TabletRelease:
+        event->setAccepted(event->button() == Qt::LeftButton && endStroke(Stroke::Pen));
+        break;
+    default:
+        event->ignore();
+    }
+}
+
+bool PaintView::event(QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+    case QEvent::TouchCancel:
+        if (handleTouch(static_cast<QTouchEvent &>(*event))) {
+            event->accept();
+            return true;
+        }
+        break;
+    default:
+        break;
+    }
+    return QWidget::event(event);
+}
+
+bool PaintView::handleTouch(QTouchEvent &event)
+{
+    // A touch pad moves the pointer.
+    if (event.device()->type() != QInputDevice::DeviceType::TouchScreen)
+        return false;
+    if (event.type() == QEvent::TouchCancel) {
+        endStroke(Stroke::Touch);
+        return true;
+    }
+    for (const QEventPoint &point : event.points()) {
+        if (point.state() == QEventPoint::Pressed && beginStroke(Stroke::Touch, point.position()))
+            m_finger = point.id();
+        else if (point.id() == m_finger && point.state() == QEventPoint::Updated)
+            continueStroke(Stroke::Touch, point.position());
+        else if (point.id() == m_finger && point.state() == QEventPoint::Released)
+            endStroke(Stroke::Touch);
+    }
+    return true;
+}
+
+// The cursor
+
+QImage PaintView::cursorImage() const
+{
+    const double scale = devicePixelRatioF();
+    const double size = pointSize();
+    const int side = int(std::ceil((size + 1) * scale));
+    QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(scale);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(Qt::white, 1));
+    painter.drawEllipse(QRectF(1, 1, size - 1, size - 1));
+    painter.setPen(QPen(eraser() ? QColor(Qt::red) : QColor(Qt::green), 1));
+    painter.drawEllipse(QRectF(2, 2, size - 3, size - 3));
+    return image;
+}
+
+void PaintView::setBrushCursor(float hotSpot)
+{
+    const CursorKey wanted{pointSize(), hotSpot, eraser(), devicePixelRatioF(), cursor().pixmap().cacheKey()};
+    if (wanted == m_cursorKey)
+        return;
+    QPixmap circle = QPixmap::fromImage(cursorImage());
+    double pixels = hotSpot;
+    if (QGuiApplication::platformName() == u"xcb") {
+        // Qt hands image and hot spot to the X server as they are: there both count in pixels.
+        pixels *= circle.devicePixelRatio();
+        circle.setDevicePixelRatio(1);
+    }
+    const int place = int(std::lround(pixels));
+    setCursor(QCursor(circle, place, place));
+    m_cursorKey = wanted;
+    m_cursorKey.pixmap = cursor().pixmap().cacheKey();
+}
+
+void PaintView::mouseEntered()
+{
+    checkMouseCursor();
+    if (ProcessState::shared().isUiDisabled) {
+        setCursor(Qt::ArrowCursor);
+        return;
+    }
+    // The hot spot is the full size here and half of it in the poll: two separate values.
+    setBrushCursor(pointSize());
+    NotificationCenter::defaultCenter().post(kNotificationMouseIn);
+}
+
+void PaintView::mouseExited()
+{
+    setCursor(Qt::ArrowCursor);
+    NotificationCenter::defaultCenter().post(kNotificationMouseout);
+    delete std::exchange(m_mouseTimer, nullptr);
+}
+
+void PaintView::checkMouseCursor()
+{
+    m_mouseTimer = new QTimer(this);
+    connect(m_mouseTimer, &QTimer::timeout, this, &PaintView::checkMouseAfterDelay);
+    m_mouseTimer->start(kCursorPollInterval);
+}
+
+void PaintView::checkMouseAfterDelay()
+{
+    const bool isOver = rect().contains(mapFromGlobal(QCursor::pos()));
+    if (!isOver || !ProcessState::shared().isAppActive || !isActiveWindow())
+        return;
+    if (ProcessState::shared().isUiDisabled)
+        setCursor(Qt::ArrowCursor);
+    else
+        setBrushCursor(0.5F * pointSize());
+}
+
+} // namespace hazelmark

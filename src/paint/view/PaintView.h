@@ -1,0 +1,93 @@
+#pragma once
+
+#include "PaintCanvas.h"
+
+#include <QImage>
+#include <QRectF>
+#include <QWidget>
+
+class QTimer;
+class QTouchEvent;
+
+namespace hazelmark {
+
+/// The canvas as a transparent view over the photo: shows the pixels, paints with the pointer, and owns its cursor, a
+/// circle as large as a stamp, green for paint and red for erase.
+///
+/// The left button, a pen and one finger paint. Moves are not merged into fewer ones, so that paint reaches close to
+/// an edge, where the segment that leaves the view is skipped.
+///
+/// Posts "notificationMouseIn" and "notificationMouseout" when the pointer comes and goes (see PointerTracker), and
+/// "notificationBurshDrawedRegionUpdated" at the end of each stroke.
+class PaintView : public QWidget, public PaintCanvas
+{
+    Q_OBJECT
+
+public:
+    explicit PaintView(QWidget *parent = nullptr);
+
+    /// The rectangle in the parent that the canvas covers, real-valued. The widget itself stands on the whole points
+    /// around it. A geometry that is set directly becomes the frame.
+    QRectF frame() const { return m_frame; }
+    void setFrame(const QRectF &frame);
+
+    /// How strongly the pixels are shown, 0..1. Never enters the snapshot.
+    double opacity() const { return m_opacity; }
+    void setOpacity(double opacity);
+
+    /// A circle of the stamp's diameter on a transparent square one point larger: a white line, and inside it a green
+    /// one when painting and a red one when erasing. At the view's backing scale.
+    QImage cursorImage() const;
+
+    // The pointer's coming and going, as the tracker tells of them.
+    void mouseEntered();
+    void mouseExited();
+    /// Starts polling the cursor every 0.1 s. A poll that runs already is forgotten, but goes on.
+    void checkMouseCursor();
+    /// One poll: sets the cursor if the pointer is over the view in the window that the person works in.
+    void checkMouseAfterDelay();
+
+protected:
+    bool event(QEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
+    void moveEvent(QMoveEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void tabletEvent(QTabletEvent *event) override;
+    void bufferChanged(const QRect &rect) override;
+
+private:
+    /// What draws the stroke: one at a time, the others wait.
+    enum class Stroke { None, Mouse, Pen, Touch };
+
+    QPointF frameOffset() const;
+    bool handleTouch(QTouchEvent &event);
+    bool beginStroke(Stroke stroke, QPointF position);
+    bool continueStroke(Stroke stroke, QPointF position);
+    bool endStroke(Stroke stroke);
+    void followGeometry();
+    void setBrushCursor(float hotSpot);
+
+    QRectF m_frame;
+    double m_opacity = 1;
+    Stroke m_stroke = Stroke::None;
+    int m_finger = 0;
+    QTimer *m_mouseTimer = nullptr;
+
+    /// What the cursor that is set was made of.
+    struct CursorKey
+    {
+        float pointSize = 0;
+        float hotSpot = 0;
+        bool eraser = false;
+        double scale = 0;
+        qint64 pixmap = 0;
+        bool operator==(const CursorKey &) const = default;
+    };
+    CursorKey m_cursorKey;
+};
+
+} // namespace hazelmark

@@ -1,0 +1,311 @@
+#include "PaintView.h"
+#include "DrawTrackingView.h"
+#include "NotificationCenter.h"
+#include "NotificationNames.h"
+#include "PaintControl.h"
+#include "ProcessState.h"
+
+#include <gtest/gtest.h>
+
+#include <QApplication>
+#include <QCursor>
+#include <QLoggingCategory>
+#include <QPointingDevice>
+#include <QTabletEvent>
+#include <QTest>
+
+namespace hazelmark {
+
+namespace {
+
+class Window : public testing::Test
+{
+protected:
+    Window()
+    {
+        ProcessState::shared() = {false, true};
+        window.setGeometry(50, 50, 500, 400);
+        window.setStyleSheet(u"background: black"_qs);
+        view.setFrame({50, 40, 400, 300});
+        control.setColor({0, 1, 0, 1});
+        control.setHardness(1);
+        control.setLineWidth(40);
+    }
+    ~Window() override { ProcessState::shared() = {}; }
+
+    void show()
+    {
+        QCursor::setPos(10, 10);
+        window.show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+        window.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&window));
+    }
+
+    /// Moves the pointer to a place in the window and lets the poll see it.
+    void point(QPoint place)
+    {
+        QCursor::setPos(window.mapToGlobal(place));
+        QTest::qWait(130);
+    }
+
+    int alphaAt(int x, int y) { return qAlpha(view.snapshot().pixel(x, y)); }
+    std::size_t steps() const { return view.arrDrawedPoints()->size(); }
+
+    NotificationCenter::Token count(QLatin1String name, int &counter)
+    {
+        return NotificationCenter::defaultCenter().addObserver(name, [&](const QVariantMap &) { ++counter; });
+    }
+
+    QWidget window;
+    DrawTrackingView tracking{&window};
+    PaintView view{&window};
+    PaintControl control{&view};
+};
+
+} // namespace
+
+TEST_F(Window, LeftButtonPaintsASegmentAMove)
+{
+    int ended = 0;
+    const auto token = count(kNotificationBurshDrawedRegionUpdated, ended);
+    show();
+    QTest::mousePress(&view, Qt::LeftButton, {}, {100, 150});
+    QTest::mouseMove(&view, {200, 150});
+    QTest::mouseMove(&view, {300, 200});
+    EXPECT_EQ(steps(), 3U);
+    EXPECT_EQ(ended, 0);
+    QTest::mouseRelease(&view, Qt::LeftButton, {}, {300, 200});
+    EXPECT_EQ(ended, 1);
+    EXPECT_EQ(view.arrDrawedPoints()->back().start(), QPointF(0.5, 0.5));
+    EXPECT_EQ(view.arrDrawedPoints()->back().end(), QPointF(0.75, 200.0 / 300));
+    EXPECT_EQ(alphaAt(150, 150), 255);
+    EXPECT_EQ(alphaAt(250, 150), 0);
+
+    // Moves without a button and other buttons do nothing.
+    QTest::mouseMove(&view, {10, 10});
+    QTest::mouseClick(&view, Qt::RightButton, {}, {50, 50});
+    EXPECT_EQ(steps(), 3U);
+    EXPECT_EQ(ended, 1);
+    // The second press of a double click paints like any other.
+    QTest::mouseDClick(&view, Qt::LeftButton, {}, {50, 50});
+    EXPECT_EQ(steps(), 4U);
+}
+
+TEST_F(Window, PenAndFingerPaintLikeTheMouse)
+{
+    int ended = 0;
+    const auto token = count(kNotificationBurshDrawedRegionUpdated, ended);
+    show();
+    const auto pen = [this](QEvent::Type type, QPointF at, double pressure) {
+        QTabletEvent event(type, QPointingDevice::primaryPointingDevice(), at, view.mapToGlobal(at), pressure, 0, 0, 0,
+                           0, 0, {}, type == QEvent::TabletMove ? Qt::NoButton : Qt::LeftButton,
+                           type == QEvent::TabletRelease ? Qt::NoButton : Qt::LeftButton);
+        QCoreApplication::sendEvent(&view, &event);
+        return event.isAccepted();
+    };
+    EXPECT_FALSE(pen(QEvent::TabletMove, {50, 50}, 0));
+    EXPECT_TRUE(pen(QEvent::TabletPress, {100.25, 100}, 0.1));
+    EXPECT_TRUE(pen(QEvent::TabletMove, {150, 100}, 0.9));
+    EXPECT_TRUE(pen(QEvent::TabletRelease, {150, 100}, 0));
+    EXPECT_EQ(steps(), 2U);
+    EXPECT_EQ(view.arrDrawedPoints()->back().start().x(), 100.25 / 400);
+    EXPECT_EQ(view.arrDrawedPoints()->front().pointSize(), view.arrDrawedPoints()->back().pointSize());
+
+    std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
+    QTest::touchEvent(&view, screen.get()).press(7, {50, 200});
+    QTest::touchEvent(&view, screen.get()).move(7, {90, 200});
+    QTest::touchEvent(&view, screen.get()).move(7, {120, 210}).press(8, {300, 20});
+    QTest::touchEvent(&view, screen.get()).release(7, {120, 210}).move(8, {310, 20});
+    QTest::touchEvent(&view, screen.get()).release(8, {310, 20});
+    EXPECT_EQ(steps(), 5U);
+    EXPECT_EQ(alphaAt(80, 200), 255);
+    EXPECT_EQ(alphaAt(300, 20), 0);
+    EXPECT_EQ(ended, 2);
+}
+
+TEST_F(Window, FrameBetweenPointsIsPaintedAndShownThere)
+{
+    view.setFrame({50.5, 40.25, 400, 266.67});
+    EXPECT_EQ(view.geometry(), QRect(50, 40, 401, 267));
+    EXPECT_EQ(view.snapshot().size(), QSize(400, 266));
+    show();
+    QTest::mouseClick(&view, Qt::LeftButton, {}, {100, 100});
+    EXPECT_EQ(view.arrDrawedPoints()->front().start(), QPointF(99.5 / 400, 99.75 / 266.67));
+    view.setOpacity(0.6);
+    const QImage shown = window.grab().toImage();
+    EXPECT_NEAR(qGreen(shown.pixel(150, 140)), 153, 1);
+    EXPECT_EQ(alphaAt(99, 99), 255);
+    // The frame's own borders do not move with a plain resize.
+    view.setGeometry(0, 0, 200, 100);
+    EXPECT_EQ(view.frame(), QRectF(0, 0, 200, 100));
+    EXPECT_EQ(view.snapshot().size(), QSize(200, 100));
+}
+
+TEST_F(Window, PaintEventOnlyShowsTheBuffer)
+{
+    control.setHardness(0);
+    show();
+    QTest::mouseClick(&view, Qt::LeftButton, {}, {100, 100});
+    const QImage once = view.snapshot();
+    for (int i = 0; i < 3; ++i)
+        window.grab();
+    EXPECT_EQ(view.snapshot(), once);
+    // A list that its holder empties clears the canvas with the next repaint.
+    view.arrDrawedPoints()->clear();
+    window.grab();
+    EXPECT_EQ(alphaAt(100, 100), 0);
+}
+
+TEST_F(Window, PointerThatComesAndGoesIsTold)
+{
+    int in = 0;
+    int out = 0;
+    const auto inToken = count(kNotificationMouseIn, in);
+    const auto outToken = count(kNotificationMouseout, out);
+    tracking.hide();
+    show();
+    QTest::qWait(130);
+    EXPECT_EQ(in + out, 0);
+    point({100, 100});
+    EXPECT_EQ(in, 1);
+    // Full size when it comes, half of it from the first poll on.
+    QTest::qWait(150);
+    EXPECT_EQ(view.cursor().hotSpot(), QPoint(20, 20));
+    view.mouseEntered();
+    EXPECT_EQ(view.cursor().hotSpot(), QPoint(41, 41));
+    EXPECT_EQ(in, 2);
+    point({10, 10});
+    EXPECT_EQ(out, 1);
+    EXPECT_EQ(view.cursor().shape(), Qt::ArrowCursor);
+    view.hide();
+    point({100, 100});
+    point({10, 10});
+    EXPECT_EQ(in, 2);
+    EXPECT_EQ(out, 1);
+}
+
+TEST_F(Window, StackedViewsShownAndHiddenOnNoticeComeToRest)
+{
+    int in = 0;
+    int out = 0;
+    tracking.setGeometry(view.geometry());
+    view.hide();
+    const auto inToken = NotificationCenter::defaultCenter().addObserver(kNotificationMouseIn, [&](const auto &) {
+        ++in;
+        view.show();
+    });
+    const auto outToken = NotificationCenter::defaultCenter().addObserver(kNotificationMouseout, [&](const auto &) {
+        ++out;
+        view.hide();
+        tracking.show();
+    });
+    show();
+    point({100, 100});
+    EXPECT_TRUE(view.isVisible());
+    point({10, 10});
+    EXPECT_FALSE(view.isVisible());
+    point({120, 100});
+    EXPECT_TRUE(view.isVisible());
+    QTest::qWait(250);
+    EXPECT_LE(in, 4); // one a view and coming
+    EXPECT_LE(out, 2);
+
+    // Nothing is hidden while a button is held, wherever the pointer goes.
+    QTest::mousePress(window.windowHandle(), Qt::LeftButton, {}, {120, 100});
+    point({5, 100});
+    EXPECT_TRUE(view.isVisible());
+    point({200, 200});
+    EXPECT_EQ(steps(), 3U);
+    point({5, 100});
+    EXPECT_TRUE(view.isVisible());
+    QTest::mouseRelease(window.windowHandle(), Qt::LeftButton, {}, {5, 100});
+    QTest::qWait(130);
+    EXPECT_FALSE(view.isVisible());
+}
+
+TEST_F(Window, BlockedOrInactiveApplicationTakesNoPointer)
+{
+    int in = 0;
+    const auto token = count(kNotificationMouseIn, in);
+    tracking.hide();
+    ProcessState::shared().isUiDisabled = true;
+    show();
+    point({100, 100});
+    EXPECT_EQ(in, 0);
+    EXPECT_EQ(view.cursor().shape(), Qt::ArrowCursor);
+    // The poll brings the circle when the block is over.
+    ProcessState::shared().isUiDisabled = false;
+    QTest::qWait(150);
+    EXPECT_EQ(view.cursor().shape(), Qt::BitmapCursor);
+    ProcessState::shared().isAppActive = false;
+    view.setCursor(Qt::ArrowCursor);
+    QTest::qWait(150);
+    EXPECT_EQ(view.cursor().shape(), Qt::ArrowCursor);
+    point({10, 10});
+    point({100, 100});
+    EXPECT_EQ(in, 0);
+    ProcessState::shared().isAppActive = true;
+    QTest::qWait(150);
+    EXPECT_EQ(in, 1);
+}
+
+TEST_F(Window, PollThatIsForgottenGoesOn)
+{
+    show();
+    tracking.hide();
+    point({100, 100});
+    view.checkMouseCursor();
+    view.mouseExited();
+    EXPECT_EQ(view.cursor().shape(), Qt::ArrowCursor);
+    QTest::qWait(250);
+    EXPECT_EQ(view.cursor().shape(), Qt::BitmapCursor);
+}
+
+TEST_F(Window, CursorIsACircleOfTheStampSize)
+{
+    for (const float size : {5.0F, 66.0F, 486.0F}) {
+        view.setPointSize(size);
+        for (const bool erases : {false, true}) {
+            view.setEraser(erases);
+            const QImage cursor = view.cursorImage();
+            ASSERT_EQ(cursor.width(), int(size) + 1);
+            // The lines lie half on each of two pixels: white alone outermost, the colour alone innermost.
+            const int middle = int(size / 2);
+            const QColor outer = cursor.pixelColor(middle, 0);
+            EXPECT_EQ(outer.rgb(), qRgb(255, 255, 255));
+            EXPECT_GT(outer.alpha(), 60);
+            const QColor inner = cursor.pixelColor(middle, 2);
+            EXPECT_EQ(inner.rgb(), erases ? qRgb(255, 0, 0) : qRgb(0, 255, 0));
+            EXPECT_GT(inner.alpha(), 60);
+            EXPECT_EQ(cursor.pixelColor(0, 0).alpha(), 0);
+        }
+    }
+}
+
+TEST_F(Window, FingerOnTheTrackingViewPaintsOnTheCanvasThatItBrings)
+{
+    tracking.setGeometry(view.geometry());
+    view.hide();
+    const auto token =
+        NotificationCenter::defaultCenter().addObserver(kNotificationMouseIn, [&](const auto &) { view.show(); });
+    show();
+    std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
+    QTest::touchEvent(&tracking, screen.get()).press(1, {50, 200});
+    QTest::touchEvent(&tracking, screen.get()).move(1, {90, 200});
+    QTest::touchEvent(&tracking, screen.get()).release(1, {90, 200});
+    EXPECT_TRUE(view.isVisible());
+    EXPECT_GE(steps(), 2U);
+    EXPECT_EQ(alphaAt(70, 200), 255);
+}
+
+} // namespace hazelmark
+
+int main(int argc, char **argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    testing::InitGoogleTest(&argc, argv);
+    const QApplication application(argc, argv);
+    return RUN_ALL_TESTS();
+}
