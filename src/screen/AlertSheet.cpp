@@ -1,0 +1,82 @@
+#include "AlertSheet.h"
+
+#include "ApplicationDelegate.h"
+#include "ImageCatalog.h"
+#include "SheetQueue.h"
+#include "Theme.h"
+
+#include <QGridLayout>
+#include <QLabel>
+#include <QPushButton>
+
+namespace hazelmark {
+
+namespace {
+
+constexpr int kTextWidth = 360;
+constexpr int kIconSize = 40;
+
+QLabel *textLabel(const QString &text, bool bold)
+{
+    auto *label = new QLabel(text);
+    QFont font = theme::systemFont();
+    font.setBold(bold);
+    label->setFont(font);
+    label->setTextFormat(Qt::PlainText); // file names may hold anything
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setWordWrap(true);
+    label->setMinimumWidth(kTextWidth);
+    return label;
+}
+
+} // namespace
+
+AlertSheet::AlertSheet(const QString &title, const QString &message, const QString &defaultButton,
+                       const QString &alternateButton)
+    : m_title(title)
+    , m_message(message)
+    , m_defaultButton(new QPushButton(defaultButton))
+{
+    setWindowTitle(title);
+    auto *icon = new QLabel;
+    icon->setPixmap(
+        ImageCatalog::imageNamed(QStringLiteral("warning"), QSizeF(kIconSize, kIconSize), devicePixelRatioF()));
+    auto *buttons = new QHBoxLayout;
+    buttons->setSpacing(theme::kSpacing);
+    buttons->addStretch();
+    if (!alternateButton.isEmpty()) {
+        m_alternateButton = new QPushButton(alternateButton);
+        buttons->addWidget(m_alternateButton);
+        connect(m_alternateButton, &QPushButton::clicked, this, [this] { done(AlternateReturn); });
+    }
+    buttons->addWidget(m_defaultButton);
+    m_defaultButton->setDefault(true);
+    m_defaultButton->setFocus();
+    connect(m_defaultButton, &QPushButton::clicked, this, [this] { done(DefaultReturn); });
+
+    auto *layout = new QGridLayout(this);
+    const int margin = theme::kMargin + theme::kGrid;
+    layout->setContentsMargins(margin, margin, margin, margin);
+    layout->setHorizontalSpacing(theme::kMargin);
+    layout->setVerticalSpacing(theme::kSpacing);
+    layout->addWidget(icon, 0, 0, 2, 1, Qt::AlignTop);
+    layout->addWidget(textLabel(title, true), 0, 1);
+    layout->addWidget(textLabel(message.trimmed(), false), 1, 1); // the space between the two is the layout's
+    layout->setRowMinimumHeight(2, theme::kSpacing);
+    layout->addLayout(buttons, 3, 0, 1, 2);
+    layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void AlertSheet::reject()
+{
+    done(m_alternateButton ? Dismissed : DefaultReturn);
+}
+
+void AlertSheet::showAlertWithTitle(QWidget &window, ApplicationDelegate &application, const QString &title,
+                                    const QString &andMessage)
+{
+    SheetQueue::forWindow(window).present(
+        new AlertSheet(title, andMessage, application.getLocalizedStringForKey(QStringLiteral("OK"))));
+}
+
+} // namespace hazelmark

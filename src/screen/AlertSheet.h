@@ -1,0 +1,48 @@
+#pragma once
+
+#include <QDialog>
+#include <QString>
+
+class QPushButton;
+
+namespace hazelmark {
+
+class ApplicationDelegate;
+
+/// A warning with one button or two, to be shown as a sheet. `finished` carries one of the returns below.
+class AlertSheet : public QDialog
+{
+    Q_OBJECT
+
+public:
+    enum Return {
+        DefaultReturn = Accepted,
+        AlternateReturn = Rejected,
+        Dismissed = -1, ///< closed, or Esc, where there were two buttons to choose from
+    };
+
+    /// `title` says what happened, `message` what there is to know and do. Without an `alternateButton` there is only
+    /// one answer.
+    AlertSheet(const QString &title, const QString &message, const QString &defaultButton,
+               const QString &alternateButton = {});
+
+    QString messageText() const { return m_title; }
+    QString informativeText() const { return m_message; }
+    QPushButton *defaultButton() const { return m_defaultButton; }
+    QPushButton *alternateButton() const { return m_alternateButton; } ///< may be null
+
+    /// The one way in which the main screen says that something went wrong: on a sheet of `window`, in its turn, with
+    /// the localised "OK" as the only button.
+    static void showAlertWithTitle(QWidget &window, ApplicationDelegate &application, const QString &title,
+                                   const QString &andMessage);
+
+    void reject() override;
+
+private:
+    QString m_title;
+    QString m_message;
+    QPushButton *m_defaultButton;
+    QPushButton *m_alternateButton = nullptr;
+};
+
+} // namespace hazelmark

@@ -1,0 +1,265 @@
+// How the settings panel is put together; what it does stands in SettingsPanel.cpp.
+#include "SettingsPanel.h"
+
+#include "ApplicationDelegate.h"
+#include "ColorWell.h"
+#include "DisclosureButton.h"
+#include "FloatSlider.h"
+#include "HighlightButton.h"
+#include "SettingRowView.h"
+#include "Theme.h"
+
+#include <QLabel>
+#include <QScrollArea>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+namespace hazelmark {
+
+namespace {
+
+constexpr int kToolStripHeight = 56;
+constexpr int kResetHeight = 24;
+constexpr int kRowSpacing = theme::kGrid;
+constexpr int kGroupSpacing = theme::kMargin;
+
+QLabel *quietLabel()
+{
+    auto *label = new QLabel;
+    label->setFont(theme::systemFont(theme::kSmallTextSize));
+    label->setWordWrap(true);
+    label->setMinimumWidth(1); // long words do not widen the panel
+    QPalette palette = label->palette();
+    palette.setColor(QPalette::WindowText, theme::kQuietText);
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, theme::kDisabledText);
+    label->setPalette(palette);
+    return label;
+}
+
+QFrame *hairline()
+{
+    auto *line = new QFrame;
+    line->setFixedHeight(1);
+    line->setAutoFillBackground(true);
+    QPalette palette = line->palette();
+    palette.setColor(QPalette::Window, theme::kHairline);
+    line->setPalette(palette);
+    return line;
+}
+
+} // namespace
+
+SettingsPanel::SettingsPanel(ApplicationDelegate &application, QWidget *parent)
+    : QWidget(parent)
+    , m_application(application)
+{
+    setObjectName(QStringLiteral("vwRightContainer"));
+    setFixedWidth(kPanelWidthPoints);
+    setAutoFillBackground(true);
+    QPalette ground = palette();
+    ground.setColor(QPalette::Window, theme::kPanel);
+    setPalette(ground);
+
+    auto *layout = new QVBoxLayout(this);
+    layout->setContentsMargins({});
+    layout->setSpacing(0);
+    makeTools(layout);
+    layout->addWidget(hairline());
+
+    for (const SettingRow &row : settingsTable())
+        m_rows[static_cast<size_t>(row.setting)] = new SettingRowView(row, this);
+    auto *document = new QWidget;
+    document->setObjectName(QStringLiteral("vwSettingOptions"));
+    auto *documentLayout = new QVBoxLayout(document);
+    documentLayout->setContentsMargins(theme::kMargin, theme::kMargin, theme::kMargin, theme::kMargin);
+    documentLayout->setSpacing(kRowSpacing);
+    makeGroups(documentLayout);
+    documentLayout->addStretch();
+
+    m_scrollvwSettings = new QScrollArea;
+    m_scrollvwSettings->setObjectName(QStringLiteral("scrollvwSettings"));
+    m_scrollvwSettings->setFrameShape(QFrame::NoFrame);
+    m_scrollvwSettings->setWidgetResizable(true);
+    m_scrollvwSettings->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scrollvwSettings->setFocusPolicy(Qt::NoFocus);
+    m_scrollvwSettings->setWidget(document);
+    // The scroll bar takes its place from the margin, so that nothing moves when it comes and goes.
+    QScrollBar *bar = m_scrollvwSettings->verticalScrollBar();
+    connect(bar, &QScrollBar::rangeChanged, documentLayout, [bar, documentLayout](int minimum, int maximum) {
+        QMargins margins = documentLayout->contentsMargins();
+        margins.setRight(maximum > minimum ? theme::kMargin - bar->sizeHint().width() : theme::kMargin);
+        documentLayout->setContentsMargins(margins);
+    });
+    layout->addWidget(m_scrollvwSettings, 1);
+
+    connectActions();
+    setLocalizedStrings();
+    showTool(false);
+    setUnfolded(false);
+    setAllTextsForSliders();
+}
+
+void SettingsPanel::makeTools(QVBoxLayout *layout)
+{
+    m_btnPaint = new HighlightButton(HighlightButton::kImageTag, QStringLiteral("brush.png"), {}, this);
+    m_btnPaint->setObjectName(QStringLiteral("btnPaint"));
+    m_btnEraser = new HighlightButton(HighlightButton::kImageTag, QStringLiteral("eraser.png"), {}, this);
+    m_btnEraser->setObjectName(QStringLiteral("btnEraser"));
+    for (HighlightButton *button : {m_btnPaint, m_btnEraser}) {
+        button->setCheckable(true);
+        button->setAutoExclusive(true);
+    }
+    m_toolName = quietLabel();
+    auto *tools = new QHBoxLayout;
+    tools->setContentsMargins(theme::kMargin, 0, theme::kMargin, 0);
+    tools->setSpacing(theme::kSpacing);
+    tools->addWidget(m_btnPaint);
+    tools->addWidget(m_btnEraser);
+    tools->addWidget(m_toolName, 1);
+    auto *strip = new QWidget;
+    strip->setFixedHeight(kToolStripHeight);
+    strip->setLayout(tools);
+    layout->addWidget(strip);
+}
+
+QWidget *SettingsPanel::makeHeader(const char *titleKey, ResetTag tag)
+{
+    auto *title = new QLabel;
+    QFont bold = theme::systemFont();
+    bold.setBold(true);
+    title->setFont(bold);
+    title->setWordWrap(true);
+    title->setMinimumWidth(1);
+    m_headers.append({title, titleKey});
+
+    auto *reset = new HighlightButton(HighlightButton::kFlatTag);
+    reset->setObjectName(QStringLiteral("btnReset%1").arg(tag));
+    reset->setFont(theme::systemFont(theme::kSmallTextSize));
+    reset->setFixedHeight(kResetHeight);
+    m_resets.append({reset, tag});
+
+    auto *header = new QWidget;
+    auto *layout = new QHBoxLayout(header);
+    layout->setContentsMargins(0, 0, 0, theme::kGrid);
+    layout->setSpacing(theme::kGrid);
+    layout->addWidget(title, 1);
+    layout->addWidget(reset, 0, Qt::AlignTop);
+    return header;
+}
+
+void SettingsPanel::addGroup(QVBoxLayout *layout, const char *titleKey, ResetTag tag, const QList<Setting> &settings)
+{
+    layout->addWidget(makeHeader(titleKey, tag));
+    for (const Setting setting : settings)
+        layout->addWidget(m_rows[static_cast<size_t>(setting)]);
+}
+
+QWidget *SettingsPanel::makeColorRow()
+{
+    m_lblVignetteColor = new QLabel;
+    m_lblVignetteColor->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    m_colorPickerVignette = new ColorWell(Qt::black);
+    m_colorPickerVignette->setObjectName(QStringLiteral("colorPickerVignette"));
+    auto *row = new QWidget;
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins({});
+    layout->addWidget(m_lblVignetteColor, 1);
+    layout->addWidget(m_colorPickerVignette);
+    return row;
+}
+
+void SettingsPanel::makeGroups(QVBoxLayout *layout)
+{
+    using S = Setting;
+    addGroup(layout, "GROUP_BRUSH", kResetMasking, {S::BrushDiameter, S::BrushHardness, S::BrushSizeAuto});
+    layout->addSpacing(kGroupSpacing);
+    addGroup(layout, "GROUP_BLUR", kResetBlur, {S::BlurAmount, S::Vignette});
+    m_vignetteNote = quietLabel();
+    layout->addWidget(m_vignetteNote);
+    layout->addSpacing(kGroupSpacing);
+    layout->addWidget(hairline());
+    layout->addSpacing(theme::kGrid);
+    m_disclosure = new DisclosureButton;
+    m_disclosure->setObjectName(QStringLiteral("btnMoreSettings"));
+    layout->addWidget(m_disclosure);
+
+    m_folded = new QWidget;
+    auto *folded = new QVBoxLayout(m_folded);
+    folded->setContentsMargins(0, theme::kSpacing, 0, 0);
+    folded->setSpacing(kRowSpacing);
+    addGroup(folded, "GROUP_BLURRED_AREA", kResetNothing,
+             {S::Contrast, S::Highlights, S::Saturation, S::Warmth, S::MotionBlurAmount, S::MotionRadialTwist,
+              S::MotionLinearAngle, S::EdgeBlurAmount});
+    folded->addSpacing(theme::kGrid);
+    folded->addWidget(makeColorRow());
+    folded->addSpacing(kGroupSpacing);
+    addGroup(folded, "GROUP_IN_FOCUS_AREA", kResetInFocus,
+             {S::InFocusBrightness, S::InFocusSharpness, S::InFocusClarity, S::InFocusVividness, S::InFocusWarmth});
+    layout->addWidget(m_folded);
+}
+
+void SettingsPanel::connectActions()
+{
+    for (const SettingRow &row : settingsTable()) {
+        const Setting setting = row.setting;
+        connect(slider(setting), &FloatSlider::valueChangedByUser, this, [this, setting] { sendAction(setting); });
+        QLineEdit *field = this->field(setting);
+        connect(field, &QLineEdit::textEdited, this, [this, field] { controlTextDidChange(field); });
+    }
+    for (const auto &[button, tag] : std::as_const(m_resets))
+        connect(button, &QAbstractButton::clicked, this, [this, tag = tag] { btnResetSliderSettingsTapped(tag); });
+    connect(m_btnPaint, &QAbstractButton::clicked, this, [this] { emit segmentPaintEraseTapped(false); });
+    connect(m_btnEraser, &QAbstractButton::clicked, this, [this] { emit segmentPaintEraseTapped(true); });
+    connect(m_colorPickerVignette, &ColorWell::colorChangedByUser, this, &SettingsPanel::vignetteColorChanged);
+    connect(m_disclosure, &QAbstractButton::toggled, this, &SettingsPanel::setUnfolded);
+}
+
+void SettingsPanel::setLocalizedStrings()
+{
+    setAccessibleName(lookup("SETTINGS_PANEL"));
+    for (SettingRowView *row : m_rows)
+        row->setLocalizedStrings(m_application);
+    for (const auto &[label, key] : std::as_const(m_headers))
+        label->setText(lookup(key));
+    for (int i = 0; i < m_resets.size(); ++i) {
+        HighlightButton *reset = m_resets[i].first;
+        reset->setText(lookup("RESET"));
+        reset->setFixedWidth(reset->sizeHint().width() - theme::kMargin); // leaves the titles their room
+        // Read out by itself a button has to say what it resets.
+        reset->setAccessibleName(m_headers[i].first->text() + QStringLiteral(": ") + lookup("RESET"));
+    }
+    m_btnPaint->setToolTip(lookup("PAINT"));
+    m_btnPaint->setAccessibleName(lookup("PAINT"));
+    m_btnEraser->setToolTip(lookup("ERASE"));
+    m_btnEraser->setAccessibleName(lookup("ERASE"));
+    m_toolName->setText(lookup(m_btnEraser->isChecked() ? "ERASE" : "PAINT"));
+    m_lblVignetteColor->setText(lookup("VIGNETTE_COLOR"));
+    m_colorPickerVignette->setAccessibleName(lookup("VIGNETTE_COLOR"));
+    m_disclosure->setText(lookup("SLIDERS_WITHOUT_EFFECT"));
+    showVignetteStops();
+    setButtonsHighlightColor();
+}
+
+void SettingsPanel::setButtonsHighlightColor()
+{
+    for (const auto &[button, tag] : std::as_const(m_resets))
+        button->setButtonDefault();
+}
+
+void SettingsPanel::setUnfolded(bool unfolded)
+{
+    m_disclosure->setChecked(unfolded);
+    m_folded->setVisible(unfolded);
+}
+
+bool SettingsPanel::isUnfolded() const
+{
+    return m_disclosure->isChecked();
+}
+
+void SettingsPanel::scrollToTop()
+{
+    m_scrollvwSettings->verticalScrollBar()->setValue(0);
+}
+
+} // namespace hazelmark

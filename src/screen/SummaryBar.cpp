@@ -1,0 +1,101 @@
+#include "SummaryBar.h"
+
+#include "ApplicationDelegate.h"
+#include "ElidedLabel.h"
+#include "FileAttributes.h"
+#include "FormatString.h"
+#include "PathParts.h"
+#include "Theme.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPainter>
+
+namespace hazelmark {
+
+SummaryBar::SummaryBar(ApplicationDelegate &application, QWidget *parent)
+    : QWidget(parent)
+    , m_application(application)
+    , m_txtFilePath(new ElidedLabel(theme::kText))
+    , m_txtPhotoSize(new QLabel)
+    , m_exportText(new ElidedLabel(theme::kQuietText, Qt::AlignRight))
+{
+    setObjectName(QStringLiteral("vwBottom"));
+    m_txtFilePath->setObjectName(QStringLiteral("txtFilePath"));
+    m_txtPhotoSize->setObjectName(QStringLiteral("txtPhotoSize"));
+    m_exportText->setObjectName(QStringLiteral("txtExport"));
+    setFixedHeight(kHeightPoints);
+    setAutoFillBackground(true);
+    QPalette ground = palette();
+    ground.setColor(QPalette::Window, theme::kStrip);
+    setPalette(ground);
+    QPalette quiet = m_txtPhotoSize->palette();
+    quiet.setColor(QPalette::WindowText, theme::kQuietText);
+    m_txtPhotoSize->setPalette(quiet);
+
+    auto *layout = new QHBoxLayout(this);
+    layout->setContentsMargins(theme::kMargin, 0, theme::kMargin, 0);
+    layout->setSpacing(theme::kMargin);
+    layout->addWidget(m_txtFilePath);
+    layout->addWidget(m_txtPhotoSize);
+    layout->addStretch(1);
+    layout->addWidget(m_exportText);
+}
+
+QString SummaryBar::photoSizeText(double bytes)
+{
+    constexpr double kKilo = 1000;
+    constexpr double kMega = 1000000;
+    if (bytes < kKilo)
+        return QString::asprintf("%.0f KB", bytes); // small files count in bytes and say KB: that is how it is wanted
+    if (bytes < kMega)
+        return QString::asprintf("%.0f KB", bytes / kKilo);
+    return QString::asprintf("%.2f MB", bytes / kMega);
+}
+
+void SummaryBar::setupBottomSummaryInfo(const QString &path)
+{
+    const std::optional<FileAttributes> attributes = FileAttributes::ofPath(path);
+    m_txtPhotoSize->setText(photoSizeText(attributes ? static_cast<double>(attributes->size) : 0));
+    m_txtFilePath->setText(lastPathComponent(path));
+    clearExport();
+    show();
+}
+
+void SummaryBar::setExportText(const char *key, const QString &path)
+{
+    m_exportText->setText(
+        formatString(m_application.getLocalizedStringForKey(QLatin1String(key)), {lastPathComponent(path)}));
+}
+
+void SummaryBar::showExporting(const QString &path)
+{
+    setExportText("EXPORTING", path);
+}
+
+void SummaryBar::showExported(const QString &path)
+{
+    setExportText("EXPORTED", path);
+}
+
+void SummaryBar::clearExport()
+{
+    m_exportText->setText({});
+}
+
+QString SummaryBar::txtFilePath() const
+{
+    return m_txtFilePath->text();
+}
+
+QString SummaryBar::txtPhotoSize() const
+{
+    return m_txtPhotoSize->text();
+}
+
+QString SummaryBar::exportText() const
+{
+    return m_exportText->text();
+}
+
+} // namespace hazelmark
