@@ -1,13 +1,13 @@
 #pragma once
 
-#include <QDialog>
+#include "Sheet.h"
 
 namespace hazelmark {
 
 class Localisation;
 
 /// Name, version, purpose and licence of the program.
-class AboutDialog : public QDialog
+class AboutDialog : public Sheet
 {
     Q_OBJECT
 

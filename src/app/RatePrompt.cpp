@@ -1,12 +1,11 @@
 #include "RatePrompt.h"
 
+#include "AlertSheet.h"
 #include "Bundle.h"
 #include "SheetQueue.h"
 #include "UserDefaults.h"
 #include "Workspace.h"
 
-#include <QMessageBox>
-#include <QPushButton>
 #include <QTimer>
 #include <QUrl>
 
@@ -55,20 +54,17 @@ void RatePrompt::showAlertForRateApp()
     if (m_alert || !window)
         return;
     // These texts are the same in every language.
-    m_alert = new QMessageBox(QMessageBox::Question, QString(), QStringLiteral("Rate Us"));
-    m_alert->setInformativeText(QStringLiteral("If you enjoy using our app, would you like to rate us on app store?"));
-    auto *yes = m_alert->addButton(QStringLiteral("YES"), QMessageBox::AcceptRole);
-    auto *no = m_alert->addButton(QStringLiteral("NO"), QMessageBox::RejectRole);
-    m_alert->setDefaultButton(yes);
-    m_alert->setEscapeButton(no);
-    connect(m_alert, &QMessageBox::finished, this,
-            [this, alert = m_alert.data(), no] { alertDidEndClose(alert->clickedButton() == no); });
+    m_alert = new AlertSheet(AlertSheet::Style::Question, QStringLiteral("Rate Us"),
+                             QStringLiteral("If you enjoy using our app, would you like to rate us on app store?"),
+                             {QStringLiteral("YES"), QStringLiteral("NO")});
+    connect(m_alert, &AlertSheet::finished, this, &RatePrompt::alertDidEndClose);
     SheetQueue::forWindow(*window).present(m_alert);
 }
 
-void RatePrompt::alertDidEndClose(bool alternateButton)
+void RatePrompt::alertDidEndClose(int button)
 {
-    if (alternateButton) {
+    constexpr int kAlternateButton = 1;
+    if (button == kAlternateButton) {
         storeAnswer();
         return;
     }

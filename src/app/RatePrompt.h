@@ -5,11 +5,12 @@
 
 #include <functional>
 
-class QMessageBox;
 class QUrl;
 class QWidget;
 
 namespace hazelmark {
+
+class AlertSheet;
 
 /// Asks for a rating: on every seventh launch, until the person has answered for this version of the program.
 class RatePrompt : public QObject
@@ -28,12 +29,12 @@ public:
     void showAlertForRateApp();
 
 private:
-    void alertDidEndClose(bool alternateButton);
+    void alertDidEndClose(int button);
     void storeAnswer();
 
     WindowFinder m_mainWindow;
     StorePage m_storePage;
-    QPointer<QMessageBox> m_alert;
+    QPointer<AlertSheet> m_alert;
 };
 
 } // namespace hazelmark

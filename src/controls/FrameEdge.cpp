@@ -56,9 +56,10 @@ void FrameEdge::place(const QRect &frame, int reach)
     update();
 }
 
-void FrameEdge::setCornerRadius(qreal radius)
+void FrameEdge::setCorner(qreal radius, const QColor &outside)
 {
     m_radius = radius;
+    m_outside = outside;
     update();
 }
 
@@ -76,13 +77,16 @@ void FrameEdge::paintEvent(QPaintEvent *)
     painter.translate(-pos());
     const QRectF frame = m_frame;
     if (m_radius > 0) {
-        // The content has painted into the corner: what stands outside the arc is taken away again.
+        // The content has painted into the corner: what stands outside the arc is taken away again, and the shadow
+        // beneath it with it.
         QPainterPath outside;
         outside.addRect(frame);
         QPainterPath inside;
         inside.addRoundedRect(frame, m_radius, m_radius);
         painter.setCompositionMode(QPainter::CompositionMode_DestinationOut);
         painter.fillPath(outside.subtracted(inside), Qt::black);
+        painter.setCompositionMode(QPainter::CompositionMode_DestinationOver);
+        painter.fillPath(outside.subtracted(inside), m_outside);
         painter.setCompositionMode(QPainter::CompositionMode_SourceOver);
     }
     painter.setPen(QPen(theme::kHairline, 1));

@@ -18,8 +18,8 @@ public:
 
     /// `outer`: the part of the window that its frame and, on every side, `reach` points of shadow cover.
     void place(const QRect &frame, int reach);
-    /// Corner radius of the frame in points; 0 draws a square corner.
-    void setCornerRadius(qreal radius);
+    /// Corner radius of the frame in points, 0 for a square corner, and what shows outside the arc.
+    void setCorner(qreal radius, const QColor &outside);
 
 protected:
     void mousePressEvent(QMouseEvent *event) override;
@@ -29,6 +29,7 @@ private:
     const Qt::Edges m_edges;
     QRect m_frame; ///< in the window's coordinates
     qreal m_radius = 0;
+    QColor m_outside;
 };
 
 } // namespace hazelmark

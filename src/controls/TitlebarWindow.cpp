@@ -10,6 +10,7 @@
 #include <QMenuBar>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QShortcut>
 #include <QWindow>
 
 #include <algorithm>
@@ -22,6 +23,8 @@ namespace {
 constexpr char kMovesWindow[] = "movesWindow";
 constexpr int kShadowReach = 16;
 constexpr int kShadowDrop = 3; ///< how much lower than the frame the shadow lies
+constexpr int kShadowRingAlpha = 7;
+constexpr int kShadowAlphaAtFrame = 78; ///< what the shadow's rings add up to
 constexpr int kButtonSpacing = theme::kGrid;
 
 constexpr std::array<Qt::Edges::Int, 8> kEdges{Qt::LeftEdge,
@@ -67,6 +70,8 @@ void TitlebarWindow::makeButtons()
     m_minimizeButton = make(QStringLiteral("min"), &Actions::minimize);
     m_zoomButton = make(QStringLiteral("max"), &Actions::zoom);
     m_fullScreenButton = make(QStringLiteral("full"), &Actions::fullScreen);
+    auto *fullScreenKey = new QShortcut(QKeySequence(Qt::Key_F11), this);
+    connect(fullScreenKey, &QShortcut::activated, this, [this] { m_actions.fullScreen(); });
 }
 
 void TitlebarWindow::setActions(const Actions &actions)
@@ -281,9 +286,10 @@ void TitlebarWindow::layOut()
         m_menuBar->raise();
     }
     const bool roundCorners = m_composited && !fillsScreen();
+    const QColor shadowAtFrame(0, 0, 0, shadowMargins().isNull() ? 0 : kShadowAlphaAtFrame);
     for (FrameEdge *edge : m_edges) {
         edge->setVisible(!fillsScreen());
-        edge->setCornerRadius(roundCorners ? kCornerRadius : 0);
+        edge->setCorner(roundCorners ? kCornerRadius : 0, shadowAtFrame);
         edge->place(frame, shadowMargins().left());
         edge->raise();
     }
@@ -337,8 +343,7 @@ void TitlebarWindow::paintEvent(QPaintEvent *)
     painter.setPen(Qt::NoPen);
     if (!shadowMargins().isNull()) {
         // Rings of little opacity, the outermost first: they add up to a soft shadow that is darkest at the frame.
-        constexpr int kRingAlpha = 7;
-        painter.setBrush(QColor(0, 0, 0, kRingAlpha));
+        painter.setBrush(QColor(0, 0, 0, kShadowRingAlpha));
         for (int reach = kShadowReach - kShadowDrop; reach > 0; --reach) {
             const QRectF ring = frame.adjusted(-reach, -reach, reach, reach).translated(0, kShadowDrop);
             painter.drawRoundedRect(ring, kCornerRadius + reach, kCornerRadius + reach);

@@ -5,7 +5,8 @@
 namespace hazelmark {
 
 UserDefaults::UserDefaults()
-    : m_settings(QSettings::IniFormat, QSettings::UserScope, QStringLiteral("hazelmark"), QStringLiteral("hazelmark"))
+    : m_settings(QSettings::NativeFormat, QSettings::UserScope, QStringLiteral("hazelmark"),
+                 QStringLiteral("hazelmark"))
 {
 }
 

@@ -1,8 +1,8 @@
 #include "RatePrompt.h"
+#include "AlertSheet.h"
 #include "Fakes.h"
 #include "SheetQueue.h"
 
-#include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
 
@@ -20,7 +20,7 @@ class RatePromptTest : public testing::Test
 protected:
     RatePromptTest() { m_window.show(); }
 
-    QMessageBox *alert() { return qobject_cast<QMessageBox *>(SheetQueue::forWindow(m_window).current()); }
+    AlertSheet *alert() { return qobject_cast<AlertSheet *>(SheetQueue::forWindow(m_window).current()); }
     /// Long enough for a prompt that is due to be up.
     bool isUp()
     {
@@ -28,7 +28,7 @@ protected:
     }
     void answer(const char *button)
     {
-        for (QAbstractButton *each : alert()->buttons())
+        for (QPushButton *each : alert()->buttons())
             if (each->text() == QLatin1String(button))
                 each->click();
         EXPECT_TRUE(QTest::qWaitFor([this] { return !alert(); }));
@@ -53,7 +53,7 @@ TEST_F(RatePromptTest, IsDueOnEverySeventhLaunch)
     EXPECT_EQ(m_desktop.m_defaults.integer(kCount), 0);
     EXPECT_EQ(alert(), nullptr) << "not before its delay";
     ASSERT_TRUE(isUp());
-    EXPECT_EQ(alert()->text(), QStringLiteral("Rate Us"));
+    EXPECT_EQ(alert()->windowTitle(), QStringLiteral("Rate Us"));
     m_prompt.showAlertForRateApp();
     EXPECT_EQ(SheetQueue::forWindow(m_window).waiting(), 0) << "two prompts stand on each other";
 }
