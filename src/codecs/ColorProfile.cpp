@@ -2,6 +2,7 @@
 
 #include "CodecsLog.h"
 #include "LcmsHandles.h"
+#include "RowRanges.h"
 
 #include <algorithm>
 #include <array>
@@ -154,7 +155,10 @@ bool convertToSrgb(QImage &pixels, const QByteArray &iccProfile)
     if (!bits)
         return false;
     const qsizetype stride = pixels.bytesPerLine();
-    transform->convertRows(bits, stride, bits, stride, pixels.width(), pixels.height());
+    forRowRanges(pixels.height(), [&, width = pixels.width()](int first, int end) {
+        uchar *rows = bits + first * stride;
+        transform->convertRows(rows, stride, rows, stride, width, end - first);
+    });
     return true;
 }
 
@@ -169,8 +173,9 @@ std::shared_ptr<const ColorTransform> ColorTransform::between(const QByteArray &
     if (!source || !target)
         return {};
     const cmsUInt32Number layout = is16Bit ? TYPE_RGBA_16 : TYPE_RGBA_8;
-    void *transform =
-        cmsCreateTransform(source.get(), layout, target.get(), layout, INTENT_PERCEPTUAL, kTransformFlags);
+    // The library's shortcut for 16 bits is a table that is several levels off between its nodes.
+    const cmsUInt32Number flags = kTransformFlags | (is16Bit ? cmsFLAGS_NOOPTIMIZE : 0);
+    void *transform = cmsCreateTransform(source.get(), layout, target.get(), layout, INTENT_PERCEPTUAL, flags);
     if (!transform)
         return {};
     std::shared_ptr<ColorTransform> result(new ColorTransform(transform));

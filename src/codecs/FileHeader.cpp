@@ -5,6 +5,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <limits>
 
 namespace hazelmark {
 
@@ -33,6 +34,13 @@ private:
 qint64 bmpStride(qint64 width, int bitsPerPixel)
 {
     return (width * bitsPerPixel + 31) / 32 * 4;
+}
+
+/// Whether the file ends before `rows` rows of `stride` bytes from `offset`. (No product: a hostile header may state
+/// any two numbers.)
+bool areRowsCutOff(const SourceFile &source, qint64 offset, qint64 stride, qint64 rows)
+{
+    return offset > source.size() || (rows > 0 && stride > (source.size() - offset) / rows);
 }
 
 /// Whether a run-length-encoded bitmap's data ends before all rows are done or an end marker is met.
@@ -82,16 +90,20 @@ FileHeader readBmp(SourceFile &source)
     const qint64 dataOffset = fields.at32(10);
     if (headerSize == kOldHeaderSize) {
         const qint64 stride = bmpStride(fields.at16(18), fields.at16(24));
-        header.isCutOff = dataOffset + stride * fields.at16(20) > source.size();
+        header.isCutOff = areRowsCutOff(source, dataOffset, stride, fields.at16(20));
         return header;
     }
+    constexpr qint64 kMaxSide = std::numeric_limits<int>::max();
     const qint64 width = fields.signed32(18);
     const qint64 height = std::abs(qint64(fields.signed32(22)));
+    if (width > 0 && width <= kMaxSide && height > 0 && height <= kMaxSide)
+        header.frames = {QSize(int(width), int(height))};
     const quint32 compression = fields.at32(30);
     if (compression == Run8 || compression == Run4)
         header.isCutOff = isRunDataCutOff(source, dataOffset, compression == Run4, height);
     else if (compression == Plain || compression == BitFields || compression == AlphaBitFields)
-        header.isCutOff = dataOffset + bmpStride(std::max<qint64>(width, 0), fields.at16(28)) * height > source.size();
+        header.isCutOff =
+            areRowsCutOff(source, dataOffset, bmpStride(std::max<qint64>(width, 0), fields.at16(28)), height);
     if (fields.signed32(38) > 0 && fields.signed32(42) > 0)
         header.dpi = QSizeF(fields.signed32(38), fields.signed32(42)) * kMetresPerInch;
     if (headerSize >= kV5HeaderSize && fields.at32(70) == kEmbeddedProfile) {
@@ -116,8 +128,7 @@ FileHeader readIcon(SourceFile &source)
     for (int index = 0; index < count && (index + 1) * kEntrySize <= directory.size(); ++index) {
         const qsizetype entry = index * kEntrySize;
         const qint64 offset = directory.at32(entry + 12);
-        if (index == 0)
-            header.isCutOff = offset + directory.at32(entry + 8) > source.size();
+        header.isCutOff = header.isCutOff || offset + directory.at32(entry + 8) > source.size();
         const Fields picture(source.bytesAt(offset, 32));
         if (picture.bytes().startsWith("\x89PNG")) {
             header.frames.emplace_back(qFromBigEndian(picture.signed32(16)), qFromBigEndian(picture.signed32(20)));
@@ -126,6 +137,16 @@ FileHeader readIcon(SourceFile &source)
         }
     }
     std::erase_if(header.frames, [](QSize size) { return size.isEmpty(); });
+    header.isOfAnotherKind = header.frames.empty();
+    return header;
+}
+
+/// A piece of C source text with an array in braces.
+FileHeader readXbm(SourceFile &source)
+{
+    constexpr qint64 kTailSize = 64;
+    FileHeader header;
+    header.isCutOff = !source.bytesAt(std::max<qint64>(0, source.size() - kTailSize), kTailSize).contains('}');
     return header;
 }
 
@@ -150,6 +171,7 @@ FileHeader readWebP(SourceFile &source)
             header.hasAlpha = (chunk.at32(9) >> 28 & 1) != 0; // after two 14-bit sides
         } else if (type == "ANMF") {
             ++frameCount;
+            header.hasAlpha = true; // a frame need not cover the canvas
         } else if (type == "ICCP" && size <= kMaxIccProfileSize) {
             const QByteArray profile = source.bytesAt(offset + 8, size);
             if (profile.size() == size)
@@ -159,21 +181,6 @@ FileHeader readWebP(SourceFile &source)
     }
     if (!canvas.isEmpty())
         header.frames.assign(size_t(std::max<qsizetype>(frameCount, 1)), canvas);
-    return header;
-}
-
-FileHeader readTga(SourceFile &source)
-{
-    constexpr qint64 kHeaderSize = 18;
-    constexpr quint8 kPlainColors = 2;
-    const Fields fields(source.bytesAt(0, kHeaderSize));
-    FileHeader header;
-    const int bitsPerPixel = fields.at8(16);
-    header.hasAlpha = bitsPerPixel == 32;
-    header.isCutOff =
-        fields.at8(2) == kPlainColors &&
-        kHeaderSize + fields.at8(0) + qint64(fields.at16(12)) * fields.at16(14) * ((bitsPerPixel + 7) / 8) >
-            source.size();
     return header;
 }
 
@@ -187,8 +194,8 @@ FileHeader readFileHeader(SourceFile &source, const QByteArray &format)
         return readIcon(source);
     if (format == "webp")
         return readWebP(source);
-    if (format == "tga")
-        return readTga(source);
+    if (format == "xbm")
+        return readXbm(source);
     return {};
 }
 

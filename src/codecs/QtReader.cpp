@@ -15,9 +15,9 @@ namespace {
 /// A gigapixel of 16-bit RGBA. Pictures are refused by kMaxPixels before; this is Qt's own guard of 256 MB, raised.
 constexpr int kAllocationLimitMegabytes = 8192;
 
-/// Not pictures of pixels; recognised by so little that any file of zeros is taken for one; or read by decoders of our
-/// own, which have found that the file is none.
-constexpr const char *kRefusedFormats[] = {"svg", "svgz", "pdf", "wbmp", "jpeg", "png", "tiff", "gif"};
+/// Not pictures of pixels (svg, pdf); recognised by so little that any file of zeros is taken for one (wbmp); read
+/// upside down (tga); or read by decoders of our own, which have found that the file is none.
+constexpr const char *kRefusedFormats[] = {"svg", "svgz", "pdf", "wbmp", "tga", "jpeg", "png", "tiff", "gif"};
 
 constexpr int kMaxFrames = 10000;
 
@@ -73,6 +73,8 @@ std::optional<Failure> QtReader::readHeader()
         std::find(std::begin(kRefusedFormats), std::end(kRefusedFormats), format) != std::end(kRefusedFormats))
         return m_source.failure(Failure::Reason::NotAPicture);
     m_header = readFileHeader(m_source, format);
+    if (m_header.isOfAnotherKind)
+        return m_source.failure(Failure::Reason::NotAPicture);
     m_source.device().seek(0);
     m_size = m_header.frames.empty() ? m_reader.size() : m_header.frames.front();
     if (m_header.isCutOff && m_size.isEmpty())

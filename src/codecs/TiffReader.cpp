@@ -1,6 +1,7 @@
 #include "CmykToSrgb.h"
 #include "LabToSrgb.h"
 #include "PictureFormat.h"
+#include "PixelRows.h"
 #include "TiffHandle.h"
 #include "TiffLayout.h"
 #include "TiffSamples.h"
@@ -8,6 +9,7 @@
 #include <QtEndian>
 
 #include <algorithm>
+#include <array>
 #include <cstring>
 
 namespace hazelmark {
@@ -380,17 +382,26 @@ bool TiffReader::applyPalette()
     uint16_t *maps[3] = {};
     if (!TIFFGetField(m_tiff.get(), TIFFTAG_COLORMAP, &maps[0], &maps[1], &maps[2]))
         return false;
-    // Some writers fill the 16-bit map with 8-bit values.
     const size_t entries = size_t(1) << m_layout.bitsPerSample;
-    const bool is8BitMap = std::all_of(std::begin(maps), std::end(maps), [entries](const uint16_t *map) {
-        return std::all_of(map, map + entries, [](uint16_t value) { return value < 256; });
-    });
+    const auto isTrueOfAll = [&maps, entries](auto predicate) {
+        return std::all_of(std::begin(maps), std::end(maps),
+                           [&](const uint16_t *map) { return std::all_of(map, map + entries, predicate); });
+    };
+    // Some writers fill the 16-bit map with 8-bit values, or with such values times 256 rather than 257.
+    const bool is8Bit = isTrueOfAll([](uint16_t value) { return value < 256; });
+    const bool isShifted = isTrueOfAll([](uint16_t value) { return value % 256 == 0; });
+    std::array<std::array<uint8_t, 256>, 3> colors = {};
+    for (size_t channel = 0; channel < 3; ++channel) {
+        std::transform(maps[channel], maps[channel] + entries, colors[channel].begin(), [&](uint16_t value) {
+            return is8Bit ? uint8_t(value) : isShifted ? uint8_t(value >> 8) : roundTo8Bits(value);
+        });
+    }
     for (int y = 0; y < int(m_layout.height); ++y) {
         uint8_t *row = rowAt<uint8_t>(y);
         for (uint32_t x = 0; x < m_layout.width; ++x, row += 4) {
             const uint8_t index = row[0];
             for (int channel = 0; channel < 3; ++channel)
-                row[channel] = uint8_t(is8BitMap ? maps[channel][index] : maps[channel][index] >> 8);
+                row[channel] = colors[size_t(channel)][index];
             row[3] = 255;
         }
     }

@@ -6,6 +6,10 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
+
+#include <zlib.h>
+
 namespace hazelmark {
 
 using Reason = Failure::Reason;
@@ -67,6 +71,93 @@ TEST_F(FileFailures, ContentDecidesNotTheName)
     const auto picture = decodePicture(path);
     ASSERT_TRUE(picture);
     EXPECT_TRUE(samePixels(picture->pixels, pixels));
+}
+
+namespace {
+
+/// `size` little-endian bytes of a number.
+QByteArray little(quint32 value, int size)
+{
+    QByteArray bytes;
+    for (int i = 0; i < size; ++i)
+        bytes += char(value >> 8 * i);
+    return bytes;
+}
+
+QByteArray big32(quint32 value)
+{
+    QByteArray bytes = little(value, 4);
+    std::reverse(bytes.begin(), bytes.end());
+    return bytes;
+}
+
+quint32 crcOf(const QByteArray &chunk)
+{
+    return quint32(crc32(0, reinterpret_cast<const Bytef *>(chunk.constData()), uInt(chunk.size())));
+}
+
+QByteArray pngHeader(quint32 side)
+{
+    const QByteArray chunk = "IHDR" + big32(side) + big32(side) + QByteArray("\x08\x02\0\0\0", 5);
+    return QByteArray("\x89PNG\r\n\x1a\n\0\0\0\x0d", 12) + chunk + big32(crcOf(chunk)) +
+           QByteArray("\0\0\0\x01IDAT\0\0\0\0\0", 13);
+}
+
+QByteArray tiffHeader(quint32 side)
+{
+    const auto entry = [](int tag, int type, quint32 value) {
+        return little(quint32(tag), 2) + little(quint32(type), 2) + little(1, 4) + little(value, 4);
+    };
+    return QByteArray("II*\0\x08\0\0\0\x07\0", 10) + entry(256, 4, side) + entry(257, 4, side) + entry(258, 3, 8) +
+           entry(259, 3, 1) + entry(262, 3, 1) + entry(273, 4, 8) + entry(279, 4, 100) + little(0, 4);
+}
+
+QByteArray bmpHeader(quint32 side)
+{
+    return "BM" + little(154, 4) + little(0, 4) + little(54, 4) + little(40, 4) + little(side, 4) + little(side, 4) +
+           little(1, 2) + little(24, 2) + QByteArray(24, '\0') + QByteArray(100, 'x');
+}
+
+QByteArray icoHeader(quint32 side)
+{
+    return QByteArray("\0\0\x01\0\x01\0\0\0\0\0\x01\0\x20\0", 14) + little(200, 4) + little(22, 4) + pngHeader(side) +
+           QByteArray(200, 'x');
+}
+
+QByteArray gifHeader(quint32 side)
+{
+    return "GIF89a" + little(side, 2) + little(side, 2) + QByteArray("\x80\0\0\0\0\0\xff\xff\xff,\0\0\0\0", 14) +
+           little(1, 2) + little(1, 2) + QByteArray("\0\x02\x02\x44\x01\0;", 7);
+}
+
+/// A frame header between the start and a scan's.
+QByteArray jpegHeader(quint32 side)
+{
+    const QByteArray sides = big32(side).right(2) + big32(side).right(2);
+    return QByteArray("\xff\xd8\xff\xc0\0\x0b\x08", 7) + sides + QByteArray("\x01\x01\x11\0", 4) +
+           QByteArray("\xff\xda\0\x08\x01\x01\0\0\x3f\0", 10) + QByteArray(50, 'x');
+}
+
+} // namespace
+
+TEST_F(FileFailures, HeadersThatClaimMoreThanAGigapixelAreRefusedBeforeAnythingIsAllocated)
+{
+    for (const QByteArray &file : {pngHeader(100000), tiffHeader(100000), bmpHeader(100000), icoHeader(100000),
+                                   gifHeader(60000), jpegHeader(60000), jpegHeader(65535)})
+        expectBoth(write(QStringLiteral("huge"), file), Reason::TooLarge);
+    for (const QByteArray &file : {pngHeader(0x7fffffff), bmpHeader(0x7fffffff)})
+        expectBoth(write(QStringLiteral("huger"), file), Reason::TooLarge);
+}
+
+/// Just below the limit the header alone must not cost the memory of the pixels that are not there.
+TEST_F(FileFailures, LargeClaimWithoutDataFails)
+{
+    for (const QByteArray &file : {pngHeader(30000), tiffHeader(30000), bmpHeader(30000), jpegHeader(30000)}) {
+        const QString path = write(QStringLiteral("large"), file);
+        const auto info = readPictureInfo(path);
+        EXPECT_TRUE(info) << info.failure().sentence().toStdString();
+        EXPECT_FALSE(decodePicture(path));
+    }
 }
 
 } // namespace hazelmark

@@ -32,6 +32,26 @@ protected:
         return file.readAll();
     }
 
+    /// Of a file with these bytes; a failure fails the test.
+    PictureInfo infoOf(const QByteArray &bytes) const
+    {
+        const auto info = readPictureInfo(write(QStringLiteral("picture"), bytes));
+        EXPECT_TRUE(info) << info.failure().sentence().toStdString();
+        return info ? *info : PictureInfo();
+    }
+    Picture decoded(const QByteArray &bytes, QSize atLeast = {}) const
+    {
+        const auto picture = decodePicture(write(QStringLiteral("picture"), bytes), atLeast);
+        EXPECT_TRUE(picture) << picture.failure().sentence().toStdString();
+        return picture ? *picture : Picture();
+    }
+    /// Why a file with these bytes is not decoded; nothing when it is.
+    std::optional<Failure::Reason> reasonFor(const QByteArray &bytes) const
+    {
+        const auto picture = decodePicture(write(QStringLiteral("picture"), bytes));
+        return picture ? std::nullopt : std::optional(picture.failure().reason);
+    }
+
 private:
     QTemporaryDir m_folder;
 };
@@ -75,6 +95,17 @@ inline testing::AssertionResult samePixels(const QImage &a, const QImage &b)
             return testing::AssertionFailure() << "row " << y << " differs";
     }
     return testing::AssertionSuccess();
+}
+
+/// The first `count` samples of the first row, 8 or 16 bits as the format has them.
+inline std::vector<int> samplesOf(const QImage &image, int count)
+{
+    const uchar *row = image.constScanLine(0);
+    const bool isDeep = image.depth() == 64 || image.format() == QImage::Format_Grayscale16;
+    std::vector<int> samples;
+    for (int i = 0; i < count; ++i)
+        samples.push_back(isDeep ? reinterpret_cast<const quint16 *>(row)[i] : row[i]);
+    return samples;
 }
 
 } // namespace hazelmark

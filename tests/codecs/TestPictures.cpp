@@ -1,10 +1,14 @@
 #include "TestPictures.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
+#include <QFile>
+
 #include <jpeglib.h>
 #include <png.h>
+#include <tiffio.h>
 
 namespace hazelmark {
 
@@ -128,6 +132,95 @@ QByteArray makePng(const TestPng &kind, int width, int height, const std::vector
     png_write_end(png, nullptr);
     png_destroy_write_struct(&png, &info);
     return file;
+}
+
+namespace {
+
+void setTags(TIFF *tiff, const TestTiff &page)
+{
+    TIFFSetField(tiff, TIFFTAG_SUBFILETYPE, page.subfileType);
+    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, page.width);
+    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, page.height);
+    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, page.bits);
+    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, page.samplesPerPixel);
+    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, page.photometric);
+    TIFFSetField(tiff, TIFFTAG_COMPRESSION, page.compression);
+    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, page.sampleFormat);
+    TIFFSetField(tiff, TIFFTAG_ORIENTATION, page.orientation);
+    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, page.isPlanar ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG);
+    if (!page.extraSamples.empty())
+        TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, int(page.extraSamples.size()), page.extraSamples.data());
+    if (!page.colorMap.empty()) {
+        const size_t entries = page.colorMap.size() / 3;
+        TIFFSetField(tiff, TIFFTAG_COLORMAP, page.colorMap.data(), page.colorMap.data() + entries,
+                     page.colorMap.data() + 2 * entries);
+    }
+    if (page.resolution > 0) {
+        TIFFSetField(tiff, TIFFTAG_XRESOLUTION, page.resolution);
+        TIFFSetField(tiff, TIFFTAG_YRESOLUTION, page.resolution);
+        TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, page.resolutionUnit);
+    }
+    if (page.tileSide > 0) {
+        TIFFSetField(tiff, TIFFTAG_TILEWIDTH, page.tileSide);
+        TIFFSetField(tiff, TIFFTAG_TILELENGTH, page.tileSide);
+    } else {
+        TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 3);
+    }
+}
+
+/// The samples of one plane of the page, or all of them where `plane` is -1.
+std::vector<uint8_t> planeOf(const TestTiff &page, int plane)
+{
+    if (plane < 0)
+        return page.rows;
+    const size_t bytes = size_t(page.bits) / 8;
+    const size_t pixel = bytes * size_t(page.samplesPerPixel);
+    std::vector<uint8_t> samples;
+    for (size_t at = size_t(plane) * bytes; at < page.rows.size(); at += pixel)
+        samples.insert(samples.end(), page.rows.begin() + long(at), page.rows.begin() + long(at + bytes));
+    return samples;
+}
+
+void writePlane(TIFF *tiff, const TestTiff &page, const std::vector<uint8_t> &samples, int plane)
+{
+    const size_t rowBytes = samples.size() / size_t(page.height);
+    if (page.tileSide == 0) {
+        std::vector<uint8_t> row; // a copy: the library may swap bytes in place
+        for (int y = 0; y < page.height; ++y) {
+            row.assign(samples.begin() + long(size_t(y) * rowBytes), samples.begin() + long(size_t(y + 1) * rowBytes));
+            TIFFWriteScanline(tiff, row.data(), uint32_t(y), uint16_t(plane));
+        }
+        return;
+    }
+    const size_t pixelBytes = rowBytes / size_t(page.width);
+    std::vector<uint8_t> tile(static_cast<size_t>(TIFFTileSize(tiff)));
+    for (int top = 0; top < page.height; top += page.tileSide) {
+        for (int left = 0; left < page.width; left += page.tileSide) {
+            for (int y = top; y < std::min(page.height, top + page.tileSide); ++y) {
+                const size_t columns = size_t(std::min(page.tileSide, page.width - left));
+                const auto source = samples.begin() + long(size_t(y) * rowBytes + size_t(left) * pixelBytes);
+                std::copy_n(source, columns * pixelBytes,
+                            tile.begin() + long(size_t(y - top) * size_t(page.tileSide) * pixelBytes));
+            }
+            TIFFWriteTile(tiff, tile.data(), uint32_t(left), uint32_t(top), 0, uint16_t(plane));
+        }
+    }
+}
+
+} // namespace
+
+QByteArray makeTiff(const std::vector<TestTiff> &pages, const QString &scratchPath)
+{
+    TIFF *tiff = TIFFOpen(QFile::encodeName(scratchPath).constData(), "w");
+    for (const TestTiff &page : pages) {
+        setTags(tiff, page);
+        for (int plane = 0; plane < (page.isPlanar ? page.samplesPerPixel : 1); ++plane)
+            writePlane(tiff, page, planeOf(page, page.isPlanar ? plane : -1), plane);
+        TIFFWriteDirectory(tiff);
+    }
+    TIFFClose(tiff);
+    QFile file(scratchPath);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
 } // namespace hazelmark

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QImage>
+#include <QString>
 
 #include <vector>
 
@@ -32,13 +33,38 @@ struct TestPng
     int colorType;
     int bitDepth = 8;
     bool isInterlaced = false;
-    QByteArray palette;        ///< R, G, B triples
-    QByteArray transparency;   ///< the content of tRNS
-    QByteArray extraChunkType; ///< written before the picture data
-    QByteArray extraChunk;
+    QByteArray palette = {};        ///< R, G, B triples
+    QByteArray transparency = {};   ///< the content of tRNS
+    QByteArray extraChunkType = {}; ///< written before the picture data
+    QByteArray extraChunk = {};
 };
 
 /// `rows`: packed as the file stores them (big-endian, no filter bytes).
 QByteArray makePng(const TestPng &kind, int width, int height, const std::vector<uint8_t> &rows);
+
+/// One page of a TIFF file.
+struct TestTiff
+{
+    int width = 1;
+    int height = 1;
+    int bits = 8;
+    int samplesPerPixel = 3;
+    int photometric = 2;  ///< RGB
+    int compression = 1;  ///< none
+    int sampleFormat = 1; ///< unsigned integers
+    int subfileType = 0;
+    int orientation = 1;
+    int tileSide = 0; ///< 0: strips of a few rows
+    std::vector<uint16_t> extraSamples;
+    std::vector<uint16_t> colorMap; ///< reds, greens, blues
+    double resolution = 0;
+    int resolutionUnit = 2; ///< inch
+    /// As the file stores them, in the machine's byte order. Contiguous; `isPlanar` has them separated on writing
+    /// (whole-byte samples only).
+    std::vector<uint8_t> rows;
+    bool isPlanar = false;
+};
+
+QByteArray makeTiff(const std::vector<TestTiff> &pages, const QString &scratchPath);
 
 } // namespace hazelmark

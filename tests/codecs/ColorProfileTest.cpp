@@ -1,0 +1,205 @@
+#include "ColorProfile.h"
+#include "TestFiles.h"
+
+#include <QThread>
+
+#include <cmath>
+#include <thread>
+
+#include <lcms2.h>
+
+namespace hazelmark {
+
+namespace {
+
+QByteArray saved(cmsHPROFILE profile)
+{
+    cmsUInt32Number size = 0;
+    cmsSaveProfileToMem(profile, nullptr, &size);
+    QByteArray bytes(qsizetype(size), '\0');
+    cmsSaveProfileToMem(profile, bytes.data(), &size);
+    cmsCloseProfile(profile);
+    return bytes;
+}
+
+QByteArray grayProfile(double gamma, bool isLab = false)
+{
+    cmsToneCurve *curve = cmsBuildGamma(nullptr, gamma);
+    cmsHPROFILE profile = cmsCreateGrayProfile(cmsD50_xyY(), curve);
+    if (isLab)
+        cmsSetPCS(profile, cmsSigLabData);
+    cmsFreeToneCurve(curve);
+    return saved(profile);
+}
+
+/// Primaries wider than those of sRGB, white D65, a plain power curve.
+QByteArray wideProfile(double gamma)
+{
+    const cmsCIExyY white = {0.3127, 0.3290, 1};
+    const cmsCIExyYTRIPLE primaries = {{0.64, 0.33, 1}, {0.21, 0.71, 1}, {0.15, 0.06, 1}};
+    cmsToneCurve *curve = cmsBuildGamma(nullptr, gamma);
+    cmsToneCurve *curves[3] = {curve, curve, curve};
+    cmsHPROFILE profile = cmsCreateRGBProfile(&white, &primaries, curves);
+    cmsFreeToneCurve(curve);
+    return saved(profile);
+}
+
+double srgbEncoded(double linear)
+{
+    linear = std::clamp(linear, 0.0, 1.0);
+    return linear <= 0.0031308 ? 12.92 * linear : 1.055 * std::pow(linear, 1 / 2.4) - 0.055;
+}
+
+/// sRGB of a colour of wideProfile(gamma), by the matrices between the two sets of primaries (same white).
+std::array<double, 3> expectedSrgb(const std::array<double, 3> &wide, double gamma)
+{
+    const double r = std::pow(wide[0], gamma);
+    const double g = std::pow(wide[1], gamma);
+    const double b = std::pow(wide[2], gamma);
+    return {srgbEncoded(1.39836 * r - 0.39836 * g), srgbEncoded(g), srgbEncoded(-0.04293 * g + 1.04293 * b)};
+}
+
+/// Luminance of a grey pixel through a profile, computed by the library from the profile to XYZ.
+double luminance(const QByteArray &profileBytes, cmsUInt32Number layout, uint16_t level)
+{
+    cmsHPROFILE profile = cmsOpenProfileFromMem(profileBytes.constData(), cmsUInt32Number(profileBytes.size()));
+    cmsHPROFILE xyz = cmsCreateXYZProfile();
+    cmsHTRANSFORM transform = cmsCreateTransform(profile, layout, xyz, TYPE_XYZ_DBL, INTENT_RELATIVE_COLORIMETRIC,
+                                                 cmsFLAGS_NOOPTIMIZE | cmsFLAGS_NOCACHE);
+    const uint16_t pixel[3] = {level, level, level};
+    cmsCIEXYZ result = {};
+    cmsDoTransform(transform, pixel, &result, 1);
+    cmsDeleteTransform(transform);
+    cmsCloseProfile(xyz);
+    cmsCloseProfile(profile);
+    return result.Y;
+}
+
+} // namespace
+
+TEST(ColorProfile, RgbProfileOfAGrayOneShowsTheSameLevels)
+{
+    for (const QByteArray &gray : {grayProfile(1.0), grayProfile(1.8), grayProfile(2.2), grayProfile(1.0, true)}) {
+        const QByteArray rgb = rgbProfileForGray(gray);
+        ASSERT_FALSE(rgb.isEmpty());
+        for (int level = 0; level <= 65535; level += 4369) {
+            EXPECT_NEAR(luminance(rgb, TYPE_RGB_16, uint16_t(level)), luminance(gray, TYPE_GRAY_16, uint16_t(level)),
+                        3e-4)
+                << level;
+        }
+    }
+}
+
+TEST(ColorProfile, SameBytesComeOfTheSameBytesAtAnyTime)
+{
+    const QByteArray gray = grayProfile(2.2);
+    const QByteArray first = rgbProfileForGray(gray);
+    QThread::msleep(1100); // the library's time of creation counts seconds
+    EXPECT_EQ(rgbProfileForGray(gray), first);
+}
+
+TEST(ColorProfile, RgbProfileOfAGrayPictureIsItselfAndOthersAreNone)
+{
+    const QByteArray rgb = wideProfile(2.2);
+    EXPECT_EQ(rgbProfileForGray(rgb), rgb);
+    EXPECT_TRUE(rgbProfileForGray({}).isEmpty());
+    EXPECT_TRUE(rgbProfileForGray("no profile").isEmpty());
+    EXPECT_TRUE(rgbProfileForGray(rgb.left(200)).isEmpty());
+    EXPECT_TRUE(rgbProfileForGray(saved(cmsCreateLab4Profile(nullptr))).isEmpty());
+}
+
+TEST(ColorProfile, ConversionToSrgbMatchesTheMatricesAndKeepsAlpha)
+{
+    constexpr double kGamma = 2.2;
+    for (const QImage::Format format :
+         {QImage::Format_RGBX8888, QImage::Format_RGBA8888, QImage::Format_RGBX64, QImage::Format_RGBA64}) {
+        const QImage original = makePicture(64, 48, format);
+        QImage converted = original;
+        ASSERT_TRUE(convertToSrgb(converted, wideProfile(kGamma)));
+        double worst = 0;
+        for (int y = 0; y < 48; ++y) {
+            for (int x = 0; x < 64; ++x) {
+                const QRgba64 before = original.pixelColor(x, y).rgba64();
+                const QRgba64 after = converted.pixelColor(x, y).rgba64();
+                const auto expected =
+                    expectedSrgb({before.red() / 65535.0, before.green() / 65535.0, before.blue() / 65535.0}, kGamma);
+                EXPECT_EQ(after.alpha(), before.alpha());
+                worst = std::max({worst, std::abs(after.red() / 65535.0 - expected[0]),
+                                  std::abs(after.green() / 65535.0 - expected[1]),
+                                  std::abs(after.blue() / 65535.0 - expected[2])});
+            }
+        }
+        EXPECT_LT(worst, 1.3 / 255) << format;
+    }
+}
+
+TEST(ColorProfile, PixelsThatAreSrgbAlreadyKeepEveryBit)
+{
+    const QByteArray srgb = saved(cmsCreate_sRGBProfile());
+    const QImage original = makePicture(64, 48, QImage::Format_RGBA64);
+    for (const QByteArray &profile : {srgb, QByteArray()}) {
+        QImage converted = original;
+        ASSERT_TRUE(convertToSrgb(converted, profile));
+        EXPECT_TRUE(samePixels(converted, original));
+    }
+    QImage converted = original;
+    EXPECT_FALSE(convertToSrgb(converted, "no profile"));
+    EXPECT_FALSE(convertToSrgb(converted, grayProfile(2.2)));
+    EXPECT_TRUE(samePixels(converted, original));
+}
+
+TEST(ColorProfile, RangesOfRowsOnSeveralThreadsGiveTheWhole)
+{
+    const QImage original = makePicture(301, 200, QImage::Format_RGBX8888);
+    const auto transform = ColorTransform::between(wideProfile(1.8), {}, original.format());
+    ASSERT_TRUE(transform);
+    EXPECT_FALSE(transform->isIdentity());
+    QImage whole(original.size(), original.format());
+    transform->convertRows(original.constBits(), original.bytesPerLine(), whole.bits(), whole.bytesPerLine(), 301, 200);
+    QImage parts(original.size(), original.format());
+    uchar *bits = parts.bits();
+    const qsizetype stride = parts.bytesPerLine();
+    std::vector<std::thread> threads;
+    for (int first = 0; first < 200; first += 50) {
+        threads.emplace_back([&, first] {
+            transform->convertRows(original.constScanLine(first), original.bytesPerLine(), bits + first * stride,
+                                   stride, 301, 50);
+        });
+    }
+    for (std::thread &thread : threads)
+        thread.join();
+    EXPECT_TRUE(samePixels(parts, whole));
+}
+
+TEST(ColorProfile, DescriptionIsTheProfilesOwn)
+{
+    EXPECT_TRUE(profileDescription(saved(cmsCreate_sRGBProfile())).contains(QLatin1String("sRGB")));
+    EXPECT_TRUE(profileDescription({}).isEmpty());
+    EXPECT_TRUE(profileDescription("no profile").isEmpty());
+}
+
+class ProfiledFiles : public FolderTest
+{
+};
+
+TEST_F(ProfiledFiles, GifAndBmpAreWrittenInSrgb)
+{
+    QImage pixels(32, 32, QImage::Format_RGBX8888);
+    pixels.fill(QColor(100, 180, 60));
+    const auto expected = expectedSrgb({100 / 255.0, 180 / 255.0, 60 / 255.0}, 2.2);
+    for (const WriteFormat format : {WriteFormat::Gif, WriteFormat::Bmp}) {
+        MetadataBlocks metadata;
+        metadata.iccProfile = wideProfile(2.2);
+        const QString path = pathOf(QStringLiteral("picture"));
+        ASSERT_TRUE(encodePicture(pixels, optionsFor(format, metadata), path));
+        const auto picture = decodePicture(path);
+        ASSERT_TRUE(picture);
+        EXPECT_TRUE(picture->iccProfile.isEmpty());
+        const QColor color = picture->pixels.pixelColor(16, 16);
+        EXPECT_NEAR(color.red(), 255 * expected[0], 1.1);
+        EXPECT_NEAR(color.green(), 255 * expected[1], 1.1);
+        EXPECT_NEAR(color.blue(), 255 * expected[2], 1.1);
+    }
+}
+
+} // namespace hazelmark

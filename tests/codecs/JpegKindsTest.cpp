@@ -1,0 +1,157 @@
+#include "TestFiles.h"
+#include "TestPictures.h"
+
+#include <cmath>
+
+namespace hazelmark {
+
+class JpegKinds : public FolderTest
+{
+protected:
+    /// 16 × 16 blocks of plain colours, so that what JPEG loses is nothing: `colors` of `channels` samples.
+    static std::vector<uint8_t> blocks(const std::vector<std::vector<int>> &colors)
+    {
+        std::vector<uint8_t> samples;
+        for (int y = 0; y < 16; ++y) {
+            for (size_t x = 0; x < 16 * colors.size(); ++x)
+                samples.insert(samples.end(), colors[x / 16].begin(), colors[x / 16].end());
+        }
+        return samples;
+    }
+};
+
+TEST_F(JpegKinds, GrayStaysGrayWithItsProfile)
+{
+    TestJpeg kind;
+    kind.colors = TestJpeg::Colors::Gray;
+    kind.iccProfile = QByteArray(200, 'g');
+    const QByteArray file = makeJpeg(kind, 48, 16, blocks({{0}, {77}, {255}}));
+    const Picture picture = decoded(file);
+    ASSERT_EQ(picture.pixels.format(), QImage::Format_Grayscale8);
+    EXPECT_EQ(picture.fileColorModel, ColorModel::Gray);
+    EXPECT_EQ(picture.iccProfile, kind.iccProfile);
+    EXPECT_EQ(infoOf(file).colorModel, ColorModel::Gray);
+    const uchar *row = picture.pixels.constScanLine(5);
+    EXPECT_EQ(row[0], 0);
+    EXPECT_EQ(row[20], 77);
+    EXPECT_EQ(row[40], 255);
+}
+
+TEST_F(JpegKinds, InkIsConvertedToSrgbWhicheverWayItIsStored)
+{
+    using Colors = TestJpeg::Colors;
+    const std::vector<uint8_t> samples =
+        blocks({{0, 0, 0, 0}, {255, 0, 0, 0}, {0, 255, 255, 0}, {0, 0, 0, 255}, {51, 102, 0, 51}});
+    for (const auto &[colors, hasAdobeMarker] :
+         {std::pair(Colors::Cmyk, true), std::pair(Colors::Cmyk, false), std::pair(Colors::Ycck, true)}) {
+        TestJpeg kind;
+        kind.colors = colors;
+        kind.hasAdobeMarker = hasAdobeMarker;
+        kind.iccProfile = QByteArray(300, 'x'); // not usable: the plain formula is taken
+        const QByteArray file = makeJpeg(kind, 80, 16, samples);
+        const Picture picture = decoded(file);
+        EXPECT_EQ(picture.fileColorModel, ColorModel::Cmyk);
+        EXPECT_TRUE(picture.convertedToSrgb);
+        EXPECT_TRUE(picture.iccProfile.isEmpty());
+        ASSERT_EQ(picture.pixels.format(), QImage::Format_RGBX8888);
+        const QColor expected[] = {QColor(255, 255, 255), QColor(0, 255, 255), QColor(255, 0, 0), QColor(0, 0, 0),
+                                   QColor(163, 122, 204)};
+        for (int block = 0; block < 5; ++block) {
+            const QColor color = picture.pixels.pixelColor(16 * block + 8, 8);
+            EXPECT_NEAR(color.red(), expected[block].red(), 2) << block;
+            EXPECT_NEAR(color.green(), expected[block].green(), 2) << block;
+            EXPECT_NEAR(color.blue(), expected[block].blue(), 2) << block;
+        }
+        const PictureInfo info = infoOf(file);
+        EXPECT_EQ(info.colorModel, ColorModel::Cmyk);
+        EXPECT_EQ(info.iccProfile, kind.iccProfile);
+    }
+}
+
+TEST_F(JpegKinds, EveryCodingGivesTheSamePixels)
+{
+    std::vector<uint8_t> samples;
+    QRandomGenerator random(3);
+    for (int i = 0; i < 50 * 37 * 3; ++i)
+        samples.push_back(uint8_t(i / 30 + random.bounded(30)));
+    const Picture plain = decoded(makeJpeg({}, 50, 37, samples));
+    ASSERT_EQ(plain.pixels.format(), QImage::Format_RGBX8888);
+    TestJpeg progressive;
+    progressive.isProgressive = true;
+    TestJpeg arithmetic;
+    arithmetic.isArithmetic = true;
+    TestJpeg restarts;
+    restarts.restartInterval = 3;
+    for (const TestJpeg &kind : {progressive, arithmetic, restarts})
+        EXPECT_TRUE(samePixels(decoded(makeJpeg(kind, 50, 37, samples)).pixels, plain.pixels));
+}
+
+TEST_F(JpegKinds, RgbIsNotTakenForLuminanceAndChroma)
+{
+    TestJpeg kind;
+    kind.colors = TestJpeg::Colors::Rgb;
+    const Picture picture = decoded(makeJpeg(kind, 32, 16, blocks({{200, 10, 30}, {0, 90, 250}})));
+    EXPECT_EQ(picture.pixels.pixelColor(8, 8), QColor(200, 10, 30));
+    EXPECT_EQ(picture.pixels.pixelColor(24, 8), QColor(0, 90, 250));
+}
+
+TEST_F(JpegKinds, ReducedDecodeIsNeverSmallerThanAskedFor)
+{
+    const std::vector<uint8_t> samples(size_t(203 * 101 * 3), 90);
+    const QByteArray file = makeJpeg({}, 203, 101, samples);
+    const struct
+    {
+        QSize atLeast;
+        QSize expected;
+    } cases[] = {{{}, {203, 101}},       {{203, 101}, {203, 101}}, {{150, 10}, {203, 101}}, {{102, 51}, {102, 51}},
+                 {{51, 26}, {51, 26}},   {{52, 26}, {102, 51}},    {{10, 13}, {26, 13}},    {{1, 1}, {26, 13}},
+                 {{400, 1}, {203, 101}}, {{0, 0}, {203, 101}}};
+    for (const auto &[atLeast, expected] : cases)
+        EXPECT_EQ(decoded(file, atLeast).pixels.size(), expected) << atLeast.width() << "x" << atLeast.height();
+}
+
+TEST_F(JpegKinds, OnlyAbsoluteDensitiesAreResolutions)
+{
+    const std::vector<uint8_t> samples(16 * 16 * 3, 90);
+    const auto dpi = [&](int unit) {
+        TestJpeg kind;
+        kind.densityUnit = unit;
+        kind.densityX = 300;
+        kind.densityY = 150;
+        return infoOf(makeJpeg(kind, 16, 16, samples)).dpi;
+    };
+    EXPECT_EQ(dpi(0), std::nullopt);
+    EXPECT_EQ(dpi(1), QSizeF(300, 150));
+    EXPECT_EQ(dpi(2), QSizeF(300 * 2.54, 150 * 2.54));
+}
+
+TEST_F(JpegKinds, ProfileOfSeveralSegmentsIsPutTogether)
+{
+    TestJpeg kind;
+    for (int i = 0; i < 150000; ++i)
+        kind.iccProfile += char(i * 7 + i / 256);
+    const QByteArray file = makeJpeg(kind, 16, 16, std::vector<uint8_t>(16 * 16 * 3, 90));
+    EXPECT_EQ(infoOf(file).iccProfile, kind.iccProfile);
+    EXPECT_EQ(decoded(file).iccProfile, kind.iccProfile);
+}
+
+TEST_F(JpegKinds, DamageIsToldFromEncodersHabits)
+{
+    std::vector<uint8_t> samples;
+    QRandomGenerator random(3);
+    for (int i = 0; i < 64 * 64 * 3; ++i)
+        samples.push_back(uint8_t(random.bounded(256)));
+    const QByteArray file = makeJpeg({}, 64, 64, samples);
+    const QByteArray endMarker("\xff\xd9");
+    ASSERT_TRUE(file.endsWith(endMarker));
+    const QByteArray picture = file.left(file.size() - 2);
+    EXPECT_EQ(reasonFor(file + "trailing data of a maker's own"), std::nullopt);
+    EXPECT_EQ(reasonFor(picture), std::nullopt); // only the end marker is missing
+    EXPECT_EQ(reasonFor(picture + QByteArray(3, 'z') + endMarker), std::nullopt);
+    EXPECT_EQ(reasonFor(picture + QByteArray(5000, '\0') + endMarker), std::nullopt);
+    EXPECT_EQ(reasonFor(picture + QByteArray(5000, 'z') + endMarker), Failure::Reason::Damaged);
+    EXPECT_EQ(reasonFor(picture.left(picture.size() / 2) + endMarker), Failure::Reason::Damaged);
+    EXPECT_EQ(reasonFor(picture.left(picture.size() / 2)), Failure::Reason::Truncated);
+}
+
+} // namespace hazelmark

@@ -1,0 +1,94 @@
+#include "TestFiles.h"
+
+#include <QDir>
+
+#include <csignal>
+
+#include <sys/resource.h>
+#include <unistd.h>
+
+namespace hazelmark {
+
+using Reason = Failure::Reason;
+
+namespace {
+
+const std::pair<const char *, WriteFormat> kFormats[] = {{"Png", WriteFormat::Png},
+                                                         {"Jpeg", WriteFormat::Jpeg},
+                                                         {"Bmp", WriteFormat::Bmp},
+                                                         {"Tiff", WriteFormat::Tiff},
+                                                         {"Gif", WriteFormat::Gif}};
+
+} // namespace
+
+class WriteFailures : public FolderTest, public testing::WithParamInterface<std::pair<const char *, WriteFormat>>
+{
+protected:
+    static std::optional<Reason> reasonFor(const QString &path)
+    {
+        const auto written =
+            encodePicture(makePicture(150, 100, QImage::Format_RGBX8888), optionsFor(GetParam().second), path);
+        return written ? std::nullopt : std::optional(written.failure().reason);
+    }
+};
+
+TEST_P(WriteFailures, FullDiskIsTold)
+{
+    EXPECT_EQ(reasonFor(QStringLiteral("/dev/full")), Reason::DiskFull);
+}
+
+TEST_P(WriteFailures, FileThatMayNotGrowIsToldWhereverItHappens)
+{
+    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    const QString path = pathOf(QStringLiteral("picture"));
+    ASSERT_EQ(reasonFor(path), std::nullopt);
+    const qint64 whole = QFile(path).size();
+    const auto writesWithin = [&path](qint64 limit) {
+        std::signal(SIGXFSZ, SIG_IGN);
+        const rlimit fileSize = {rlim_t(limit), rlim_t(limit)};
+        setrlimit(RLIMIT_FSIZE, &fileSize);
+        const std::optional<Reason> reason = reasonFor(path);
+        std::_Exit(!reason ? 0 : *reason == Reason::WriteFailed ? 1 : 2);
+    };
+    for (const qint64 limit : {qint64(0), qint64(1), qint64(100), whole / 2, whole - 1})
+        EXPECT_EXIT(writesWithin(limit), testing::ExitedWithCode(1), "") << limit << " of " << whole;
+    EXPECT_EXIT(writesWithin(whole), testing::ExitedWithCode(0), "");
+}
+
+TEST_P(WriteFailures, PathThatCannotBeWrittenIsTold)
+{
+    EXPECT_EQ(reasonFor(pathOf(QStringLiteral("missing/picture"))), Reason::NoSuchFolder);
+    ASSERT_TRUE(QDir(pathOf({})).mkdir(QStringLiteral("folder")));
+    EXPECT_EQ(reasonFor(pathOf(QStringLiteral("folder"))), Reason::IsFolder);
+}
+
+TEST_P(WriteFailures, NoPictureIsAFailure)
+{
+    const auto written = encodePicture({}, optionsFor(GetParam().second), pathOf(QStringLiteral("picture")));
+    ASSERT_FALSE(written);
+    EXPECT_EQ(written.failure().reason, Reason::EncodeFailed);
+}
+
+TEST_P(WriteFailures, SideThatTheFormatCannotHoldIsToldAndOthersAreWritten)
+{
+    const QString path = pathOf(QStringLiteral("picture"));
+    QImage wide(70000, 1, QImage::Format_RGBX8888);
+    wide.fill(Qt::gray);
+    const WriteFormat format = GetParam().second;
+    const auto written = encodePicture(wide, optionsFor(format), path);
+    if (format == WriteFormat::Jpeg || format == WriteFormat::Gif) {
+        ASSERT_FALSE(written);
+        EXPECT_EQ(written.failure().reason, Reason::EncodeFailed);
+        EXPECT_FALSE(written.failure().detail.isEmpty());
+    } else {
+        ASSERT_TRUE(written) << written.failure().sentence().toStdString();
+        const auto picture = decodePicture(path);
+        ASSERT_TRUE(picture) << picture.failure().sentence().toStdString();
+        EXPECT_EQ(picture->pixels.size(), wide.size());
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Formats, WriteFailures, testing::ValuesIn(kFormats),
+                         [](const auto &info) { return info.param.first; });
+
+} // namespace hazelmark
