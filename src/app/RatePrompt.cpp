@@ -54,17 +54,19 @@ void RatePrompt::showAlertForRateApp()
     if (m_alert || !window)
         return;
     // These texts are the same in every language.
-    m_alert = new AlertSheet(AlertSheet::Style::Question, QStringLiteral("Rate Us"),
+    m_alert = new AlertSheet(QStringLiteral("Rate Us"),
                              QStringLiteral("If you enjoy using our app, would you like to rate us on app store?"),
-                             {QStringLiteral("YES"), QStringLiteral("NO")});
+                             QStringLiteral("YES"), QStringLiteral("NO"));
+    m_alert->setIcon(QStringLiteral("info"));
     connect(m_alert, &AlertSheet::finished, this, &RatePrompt::alertDidEndClose);
     SheetQueue::forWindow(*window).present(m_alert);
 }
 
 void RatePrompt::alertDidEndClose(int button)
 {
-    constexpr int kAlternateButton = 1;
-    if (button == kAlternateButton) {
+    if (button == AlertSheet::Dismissed)
+        return; // no answer: the prompt is due again
+    if (button == AlertSheet::AlternateReturn) {
         storeAnswer();
         return;
     }

@@ -35,12 +35,13 @@ AlertSheet::AlertSheet(const QString &title, const QString &message, const QStri
                        const QString &alternateButton)
     : m_title(title)
     , m_message(message)
+    , m_icon(new QLabel)
     , m_defaultButton(new QPushButton(defaultButton))
 {
     setWindowTitle(title);
-    auto *icon = new QLabel;
-    icon->setPixmap(
-        ImageCatalog::imageNamed(QStringLiteral("warning"), QSizeF(kIconSize, kIconSize), devicePixelRatioF()));
+    setAccessibleName(title);
+    setAccessibleDescription(message);
+    setIcon(QStringLiteral("warning"));
     auto *buttons = new QHBoxLayout;
     buttons->setSpacing(theme::kSpacing);
     buttons->addStretch();
@@ -59,12 +60,17 @@ AlertSheet::AlertSheet(const QString &title, const QString &message, const QStri
     layout->setContentsMargins(margin, margin, margin, margin);
     layout->setHorizontalSpacing(theme::kMargin);
     layout->setVerticalSpacing(theme::kSpacing);
-    layout->addWidget(icon, 0, 0, 2, 1, Qt::AlignTop);
+    layout->addWidget(m_icon, 0, 0, 2, 1, Qt::AlignTop);
     layout->addWidget(textLabel(title, true), 0, 1);
     layout->addWidget(textLabel(message.trimmed(), false), 1, 1); // the space between the two is the layout's
     layout->setRowMinimumHeight(2, theme::kSpacing);
     layout->addLayout(buttons, 3, 0, 1, 2);
     layout->setSizeConstraint(QLayout::SetFixedSize);
+}
+
+void AlertSheet::setIcon(const QString &name)
+{
+    m_icon->setPixmap(ImageCatalog::imageNamed(name, QSizeF(kIconSize, kIconSize), devicePixelRatioF()));
 }
 
 void AlertSheet::reject()

@@ -1,8 +1,10 @@
 #pragma once
 
-#include <QDialog>
+#include "Sheet.h"
+
 #include <QString>
 
+class QLabel;
 class QPushButton;
 
 namespace hazelmark {
@@ -10,7 +12,7 @@ namespace hazelmark {
 class ApplicationDelegate;
 
 /// A warning with one button or two, to be shown as a sheet. `finished` carries one of the returns below.
-class AlertSheet : public QDialog
+class AlertSheet : public Sheet
 {
     Q_OBJECT
 
@@ -25,6 +27,9 @@ public:
     /// one answer.
     AlertSheet(const QString &title, const QString &message, const QString &defaultButton,
                const QString &alternateButton = {});
+
+    /// The resource name of the image beside the title; at first "warning".
+    void setIcon(const QString &name);
 
     QString messageText() const { return m_title; }
     QString informativeText() const { return m_message; }
@@ -41,6 +46,7 @@ public:
 private:
     QString m_title;
     QString m_message;
+    QLabel *m_icon;
     QPushButton *m_defaultButton;
     QPushButton *m_alternateButton = nullptr;
 };

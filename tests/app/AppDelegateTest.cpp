@@ -3,6 +3,7 @@
 #include "Fakes.h"
 #include "MainMenu.h"
 #include "NotificationNames.h"
+#include "PhotoFile.h"
 #include "SheetQueue.h"
 #include "TitlebarWindow.h"
 
@@ -15,14 +16,6 @@
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-
-namespace hazelmark {
-
-class PhotoFile
-{
-};
-
-} // namespace hazelmark
 
 using namespace hazelmark;
 
@@ -128,7 +121,7 @@ TEST_F(AppDelegateTest, TitlesItsMenusInTheSystemsLanguage)
 TEST_F(AppDelegateTest, MenuItemsPostTheirNotifications)
 {
     launch();
-    m_delegate.setSelectedImageFile(std::make_shared<PhotoFile>());
+    m_delegate.setSelectedImageFile(std::make_shared<PhotoFile>(QStringLiteral("/photo.jpg")));
     m_desktop.observe({kNotificationOpenPhotoFromMenuTapped, kNotificationClosePhotoFromMenuTapped,
                        kNotificationSavePhotoFromMenuTapped, kNotificationShowTipsFromMenuTapped});
     for (QAction *item :
@@ -153,7 +146,7 @@ TEST_F(AppDelegateTest, ItemsThatMakeNoSenseAreDisabled)
     };
     m_delegate.setIsUiDisabled(true);
     EXPECT_EQ(enabled(), QStringLiteral("11001")) << "no photo";
-    m_delegate.setSelectedImageFile(std::make_shared<PhotoFile>());
+    m_delegate.setSelectedImageFile(std::make_shared<PhotoFile>(QStringLiteral("/photo.jpg")));
     m_delegate.setIsUiDisabled(false);
     EXPECT_EQ(enabled(), QStringLiteral("11111"));
     m_delegate.setIsExporting(true);

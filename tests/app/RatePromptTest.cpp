@@ -28,7 +28,7 @@ protected:
     }
     void answer(const char *button)
     {
-        for (QPushButton *each : alert()->buttons())
+        for (QPushButton *each : {alert()->defaultButton(), alert()->alternateButton()})
             if (each->text() == QLatin1String(button))
                 each->click();
         EXPECT_TRUE(QTest::qWaitFor([this] { return !alert(); }));
@@ -53,7 +53,7 @@ TEST_F(RatePromptTest, IsDueOnEverySeventhLaunch)
     EXPECT_EQ(m_desktop.m_defaults.integer(kCount), 0);
     EXPECT_EQ(alert(), nullptr) << "not before its delay";
     ASSERT_TRUE(isUp());
-    EXPECT_EQ(alert()->windowTitle(), QStringLiteral("Rate Us"));
+    EXPECT_EQ(alert()->messageText(), QStringLiteral("Rate Us"));
     m_prompt.showAlertForRateApp();
     EXPECT_EQ(SheetQueue::forWindow(m_window).waiting(), 0) << "two prompts stand on each other";
 }
@@ -72,6 +72,15 @@ TEST_F(RatePromptTest, AnAnswerHoldsForThisVersion)
     m_desktop.m_defaults.setInteger(kCount, 6);
     m_prompt.checkForRateupPopup();
     EXPECT_TRUE(isUp()) << "a new version asks again";
+}
+
+TEST_F(RatePromptTest, EscIsNoAnswer)
+{
+    m_prompt.showAlertForRateApp();
+    QTest::keyClick(alert(), Qt::Key_Escape);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return !alert(); }));
+    EXPECT_TRUE(m_desktop.m_workspace.m_opened.empty());
+    EXPECT_EQ(m_desktop.m_defaults.string(kVersion), QString());
 }
 
 TEST_F(RatePromptTest, YesCountsOnlyWhenTheStoreOpened)

@@ -1,10 +1,10 @@
-#include "AlertSheet.h"
 #include "CalloutWindow.h"
 #include "Compositor.h"
 #include "DotPageControl.h"
 #include "IMGButton.h"
 #include "ProcessWide.h"
 #include "ScaleToFillImageView.h"
+#include "Sheet.h"
 #include "SheetQueue.h"
 #include "TitlebarWindow.h"
 
@@ -12,14 +12,12 @@
 #include <QDialog>
 #include <QImage>
 #include <QMenuBar>
-#include <QPushButton>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <memory>
 
 using namespace hazelmark;
@@ -227,28 +225,18 @@ TEST(SheetQueueTest, WaitsWhileItIsHeldAndGoesWithItsWindow)
     QCoreApplication::processEvents();
 }
 
-TEST(AlertSheetTest, HandsBackTheButtonThatWasChosen)
+TEST(SheetTest, HangsUnderTheTitleStripOfItsWindow)
 {
     QWidget window;
     window.setGeometry(100, 50, 900, 500);
     window.show();
-    const auto chosen = [&](const std::function<void(AlertSheet &)> &choose) {
-        auto *sheet = new AlertSheet(AlertSheet::Style::Question, QStringLiteral("Replace it?"),
-                                     QStringLiteral("<b>a.jpg</b> is there."),
-                                     {QStringLiteral("Replace"), QStringLiteral("Rename"), QStringLiteral("Cancel")});
-        int button = -1;
-        QObject::connect(sheet, &AlertSheet::finished, [&](int index) { button = index; });
-        SheetQueue::forWindow(window).present(sheet);
-        EXPECT_NEAR(sheet->geometry().center().x(), window.geometry().center().x(), 1);
-        EXPECT_GT(sheet->y(), window.y());
-        choose(*sheet);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !SheetQueue::forWindow(window).current(); }));
-        return button;
-    };
-    EXPECT_EQ(chosen([](AlertSheet &sheet) { sheet.buttons()[1]->click(); }), 1);
-    EXPECT_EQ(chosen([](AlertSheet &sheet) { QTest::keyClick(&sheet, Qt::Key_Return); }), 0);
-    EXPECT_EQ(chosen([](AlertSheet &sheet) { QTest::keyClick(&sheet, Qt::Key_Escape); }), 2);
-    EXPECT_EQ(chosen([](AlertSheet &sheet) { sheet.close(); }), 2);
+    auto *sheet = new Sheet;
+    sheet->setFixedSize(300, 200);
+    SheetQueue::forWindow(window).present(sheet);
+    EXPECT_NEAR(sheet->geometry().center().x(), window.geometry().center().x(), 1);
+    EXPECT_GE(sheet->y(), window.y() + 60);
+    EXPECT_TRUE(sheet->windowFlags() & Qt::FramelessWindowHint);
+    sheet->accept();
 }
 
 TEST(DotPageControlTest, OnlyAPersonsChoiceIsSent)
