@@ -39,6 +39,8 @@ AppDelegate::AppDelegate(ScreenFactory makeMainScreen)
     , m_ratePrompt([this] { return m_myWindowController ? m_myWindowController->windowMain() : nullptr; },
                    [this] { return linkForTag(LinkTable::kStorePageTag); })
 {
+    // By it the desktop knows which windows are this program's, and shows its icon for them.
+    QGuiApplication::setDesktopFileName(QStringLiteral("org.hazelmark.Hazelmark"));
     // The process ends when handleWindowClose_Main() says so.
     QGuiApplication::setQuitOnLastWindowClosed(false);
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {

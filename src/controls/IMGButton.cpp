@@ -303,6 +303,8 @@ const IMGButton::Layout &IMGButton::getAttributesForRect(const QRectF &rect, boo
 
 void IMGButton::drawTitle(QPainter &painter)
 {
+    if (text().isEmpty())
+        return; // nothing to fit: most of these buttons are an image alone
     const QRectF bounds = rect();
     painter.setPen(currentTitleColor());
     const Layout &single = getAttributesForRect(bounds);
