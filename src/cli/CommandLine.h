@@ -20,13 +20,21 @@ struct InfoRequest
     QString photo;
 };
 
+/// Where to blur: exactly one of the two files is named.
 struct RenderRequest
 {
     QString photo;
-    QString mask;
+    QString mask;    ///< a picture
+    QString strokes; ///< strokes to paint the mask with
     QString output;
     float blur = 60.0f;    ///< the blur slider's value
     float vignette = 0.0f; ///< the vignette slider's value
+};
+
+struct MaskRequest
+{
+    QString strokes;
+    QString output;
 };
 
 /// The program's arguments, read and checked. Help, version and wrong usage are dealt with while reading: then there
@@ -40,6 +48,7 @@ struct CommandLine
     bool verbose = false;
     std::optional<InfoRequest> info;
     std::optional<RenderRequest> render;
+    std::optional<MaskRequest> mask;
 };
 
 /// Runs what was asked for; the exit code.
@@ -47,5 +56,8 @@ int runCommandLine(const CommandLine &commandLine);
 
 /// One sentence, a line of its own, on standard error.
 void printError(const QString &sentence);
+
+/// What is printed of an output whose extension says no format.
+QString unknownFormatSentence(const QString &output);
 
 } // namespace hazelmark

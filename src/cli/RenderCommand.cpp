@@ -3,6 +3,7 @@
 #include "Decoder.h"
 #include "ExportFormats.h"
 #include "ExportWriter.h"
+#include "MaskCommand.h"
 #include "PathParts.h"
 #include "RenderJobs.h"
 #include "SafeFile.h"
@@ -29,12 +30,29 @@ void sayIfConverted(const ImageLoader::Loaded &loaded, const QString &path)
 std::optional<Failure> checkFiles(const RenderRequest &request)
 {
     for (const QString &path : {request.photo, request.mask}) {
+        if (path.isEmpty())
+            continue;
         const Outcome<PictureInfo> header = readPictureInfo(path);
         if (!header)
             return header.failure();
     }
     const Outcome<Done> destination = SafeFile::checkDestination(request.output, request.photo);
     return destination ? std::nullopt : std::optional(destination.failure());
+}
+
+/// Null when there is none; then the reason has been printed.
+PhotoImagePtr loadMask(const RenderRequest &request)
+{
+    if (!request.strokes.isEmpty()) {
+        const QImage painted = maskOfStrokes(request.strokes);
+        return painted.isNull() ? nullptr : PhotoImage::fromBitmap(painted);
+    }
+    const Outcome<ImageLoader::Loaded> mask = ImageLoader::load(request.mask);
+    if (!mask) {
+        printError(mask.failure().sentence());
+        return nullptr;
+    }
+    return Utils::sharedUtils().addBackgroundToImage(mask->photo, Qt::black);
 }
 
 } // namespace
@@ -47,20 +65,17 @@ int runRender(const RenderRequest &request)
     settings.arrformatsSupportedByIM = formats.formats;
     settings.fileTypeToExportImage = formats.formFor(pathExtension(request.output));
     if (settings.fileTypeToExportImage.isNull()) {
-        printError(QStringLiteral("%1: the extension must be that of a format that can be written: png, jpg, tiff, gif "
-                                  "or bmp.")
-                       .arg(request.output));
+        printError(unknownFormatSentence(request.output));
         return exitcode::kFailed;
     }
     if (const std::optional<Failure> fault = checkFiles(request))
         return failed(*fault);
 
-    const Outcome<ImageLoader::Loaded> mask = ImageLoader::load(request.mask);
-    if (!mask)
-        return failed(mask.failure());
     ExportJob job;
     job.imageUrl = request.photo;
-    job.maskImage = Utils::sharedUtils().addBackgroundToImage(mask->photo, Qt::black);
+    job.maskImage = loadMask(request);
+    if (!job.maskImage)
+        return exitcode::kFailed;
     job.settings.blurAmount = request.blur;
     job.settings.vignetteAmount = request.vignette;
     const Outcome<ImageLoader::Loaded> rendered = job.run();

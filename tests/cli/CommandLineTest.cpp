@@ -95,13 +95,17 @@ protected:
 
 TEST_F(CommandLineProgram, WrongUsageEndsWithTwoAndOneSentence)
 {
-    for (const char *line : {"", "blur photo.png", "info", "info a.png b.png", "render photo.png --output out.png",
-                             "render photo.png --mask black.png", "render --mask black.png --output out.png",
-                             "render photo.png --mask black.png --output out.png --blur nan",
-                             "render photo.png --mask black.png --output out.png --vignette inf",
-                             "render photo.png --mask black.png --output out.png --blur 1e99",
-                             "render photo.png --mask black.png --output out.png --blur soft",
-                             "render photo.png --mask black.png --output out.png --sharpen 3"}) {
+    for (const char *line :
+         {"", "blur photo.png", "info", "info a.png b.png", "render photo.png --output out.png",
+          "render photo.png --mask black.png", "render --mask black.png --output out.png",
+          "render photo.png --mask black.png --output out.png --blur nan",
+          "render photo.png --mask black.png --output out.png --vignette inf",
+          "render photo.png --mask black.png --output out.png --blur 1e99",
+          "render photo.png --mask black.png --output out.png --blur soft",
+          "render photo.png --mask black.png --output out.png --sharpen 3",
+          "render photo.png --mask black.png --strokes s.json --output out.png", "mask --strokes s.json",
+          "mask --output out.png", "mask photo.png --strokes s.json --output out.png",
+          "mask --strokes s.json --output out.png --blur 3", "info photo.png --output out.png"}) {
         const Ended ended = run(wordsOf(line));
         EXPECT_EQ(ended.exitCode, 2) << line;
         EXPECT_EQ(ended.errors.count('\n'), 1) << ended.errors.toStdString();
@@ -185,6 +189,42 @@ TEST_F(CommandLineProgram, ARotatedPhotoKeepsItsPixelSizeAndTag)
     // A format without the tag gets upright pixels.
     ASSERT_EQ(render(photo, m_black, path("out.bmp")).exitCode, 0);
     EXPECT_EQ((*decodePicture(path("out.bmp"))).pixels.size(), m_image.size().transposed());
+}
+
+TEST_F(CommandLineProgram, StrokesPaintTheMask)
+{
+    const QString strokes =
+        writeBytes(m_folder, QStringLiteral("s.json"),
+                   R"({"canvas": [60, 40], "steps": [["{0.25, 0.5}", "{0.25, 0.5}", 0, 1, 0, 1, 20, 1, false, 0.5, 2],
+                                           ["{0.25, 0.5}", "{0.25, 0.5}", 0, 1, 0, 1, 8, 1, true, 0.5, 0.8]]})");
+    const QStringList options{QStringLiteral("--strokes"), strokes, QStringLiteral("--output")};
+    Ended ended = run(QStringList(QStringLiteral("mask")) + options + QStringList(path("mask.png")));
+    ASSERT_EQ(ended.exitCode, 0) << ended.errors.toStdString();
+    const QImage mask = (*decodePicture(path("mask.png"))).pixels;
+    ASSERT_EQ(mask.size(), QSize(60, 40));
+    EXPECT_EQ(mask.pixel(15, 13), qRgb(0, 255, 0)); // within the ring
+    EXPECT_EQ(mask.pixel(15, 20), qRgb(0, 0, 0));   // erased
+    EXPECT_EQ(mask.pixel(40, 20), qRgb(0, 0, 0));
+
+    ended = run({QStringLiteral("render"), m_photo, options[0], options[1], options[2], path("out.png")});
+    ASSERT_EQ(ended.exitCode, 0) << ended.errors.toStdString();
+    ASSERT_EQ(render(m_photo, path("mask.png"), path("same.png")).exitCode, 0);
+    EXPECT_EQ((*decodePicture(path("out.png"))).pixels, (*decodePicture(path("same.png"))).pixels);
+    EXPECT_NE((*decodePicture(path("out.png"))).pixels, m_image);
+
+    // Every fault is one sentence and leaves nothing behind.
+    const QString bad = writeBytes(m_folder, QStringLiteral("bad.json"), R"({"canvas": [60, 40], "steps": [[1, 2]]})");
+    const QStringList before = entries();
+    for (const QStringList &line : {QStringList{QStringLiteral("mask"), options[0], bad, options[2], path("new.png")},
+                                    {QStringLiteral("render"), m_photo, options[0], bad, options[2], path("new.png")},
+                                    {QStringLiteral("mask"), options[0], strokes, options[2], path("new.json")},
+                                    {QStringLiteral("mask"), options[0], strokes, options[2], path("none/new.png")}}) {
+        ended = run(line);
+        EXPECT_EQ(ended.exitCode, 1) << line.join(QLatin1Char(' ')).toStdString();
+        EXPECT_EQ(ended.errors.count('\n'), 1) << ended.errors.toStdString();
+        EXPECT_EQ(ended.errors.contains("step 0"), line.contains(bad)) << ended.errors.toStdString();
+        EXPECT_EQ(entries(), before);
+    }
 }
 
 TEST_F(CommandLineProgram, BadInputIsOneSentenceAndChangesNothing)

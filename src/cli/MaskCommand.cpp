@@ -1,0 +1,55 @@
+#include "MaskCommand.h"
+
+#include "Encoder.h"
+#include "ExportFormats.h"
+#include "PathParts.h"
+#include "SafeFile.h"
+#include "StrokesFile.h"
+
+namespace hazelmark {
+
+namespace {
+
+Outcome<Done> write(const QImage &mask, WriteFormat format, const MaskRequest &request)
+{
+    Outcome<SafeFile> file = SafeFile::create(request.output, request.strokes);
+    if (!file)
+        return file.failure();
+    EncodeOptions options;
+    options.format = format;
+    const Outcome<Done> encoded = encodePicture(mask, options, file->temporaryPath());
+    return encoded ? file->commit() : encoded;
+}
+
+} // namespace
+
+QImage maskOfStrokes(const QString &path)
+{
+    QString fault;
+    QImage mask;
+    if (const std::optional<StrokesFile> strokes = StrokesFile::read(path, fault))
+        mask = strokes->mask(fault);
+    if (mask.isNull())
+        printError(fault);
+    return mask;
+}
+
+int runMask(const MaskRequest &request)
+{
+    const ExportFormats formats = ExportFormats::forSource(QStringLiteral("png"));
+    const std::optional<WriteFormat> format =
+        ExportFormats::writeFormat(formats.formFor(pathExtension(request.output)));
+    if (!format) {
+        printError(unknownFormatSentence(request.output));
+        return exitcode::kFailed;
+    }
+    const QImage mask = maskOfStrokes(request.strokes);
+    if (mask.isNull())
+        return exitcode::kFailed;
+    const Outcome<Done> written = write(mask, *format, request);
+    if (!written)
+        printError(written.failure().sentence());
+    return written ? exitcode::kDone : exitcode::kFailed;
+}
+
+} // namespace hazelmark

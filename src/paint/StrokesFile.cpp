@@ -1,0 +1,191 @@
+#include "StrokesFile.h"
+
+#include "BrushTips.h"
+#include "Bundle.h"
+#include "PaintCanvas.h"
+#include "PointString.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QPainter>
+
+#include <cmath>
+
+namespace hazelmark {
+
+namespace {
+
+/// A day's painting has some ten thousand steps of 200 bytes.
+constexpr qint64 kMostBytes = 256 << 20;
+
+enum class Kind { Point, Number, Boolean };
+
+struct Element
+{
+    const char *name;
+    Kind kind;
+};
+
+constexpr Element kElements[PaintStep::kRecordLength] = {
+    {"start", Kind::Point},    {"end", Kind::Point},      {"red", Kind::Number},        {"green", Kind::Number},
+    {"blue", Kind::Number},    {"alpha", Kind::Number},   {"point size", Kind::Number}, {"hardness", Kind::Number},
+    {"eraser", Kind::Boolean}, {"opacity", Kind::Number}, {"pixel step", Kind::Number}};
+
+/// What is wrong with an element; empty when nothing is.
+QString faultOf(const QJsonValue &value, Kind kind)
+{
+    switch (kind) {
+    case Kind::Point: {
+        const std::optional<QPointF> point = pointFromString(value.toString());
+        if (!value.isString() || !point)
+            return u"is not a point written as \"{x, y}\""_qs;
+        return std::isfinite(point->x()) && std::isfinite(point->y()) ? QString() : u"is not finite"_qs;
+    }
+    case Kind::Number:
+        if (!value.isDouble())
+            return u"is not a number"_qs;
+        // Steps keep single precision.
+        return std::isfinite(float(value.toDouble())) ? QString() : u"is not finite"_qs;
+    case Kind::Boolean:
+        return value.isBool() || value == 0 || value == 1 ? QString() : u"is not true or false"_qs;
+    }
+    Q_UNREACHABLE();
+}
+
+QString faultOf(const QJsonValue &step)
+{
+    if (!step.isArray())
+        return u"is not a list"_qs;
+    const QJsonArray record = step.toArray();
+    if (record.size() != PaintStep::kRecordLength)
+        return u"has %1 elements instead of %2"_qs.arg(record.size()).arg(PaintStep::kRecordLength);
+    for (qsizetype i = 0; i < record.size(); ++i) {
+        const auto &[name, kind] = kElements[i];
+        const QString fault = faultOf(record[i], kind);
+        if (!fault.isEmpty())
+            return u"has an element %1 (%2) that %3"_qs.arg(i).arg(QLatin1String(name), fault);
+    }
+    return {};
+}
+
+QString faultOfCanvas(const QJsonValue &value)
+{
+    const QJsonArray sides = value.toArray();
+    if (sides.size() != 2 || !sides[0].isDouble() || !sides[1].isDouble())
+        return u"its \"canvas\" is not a list of two numbers, [width, height]"_qs;
+    const double width = sides[0].toDouble();
+    const double height = sides[1].toDouble();
+    if (width < 1 || height < 1)
+        return u"its canvas is less than one point wide or high"_qs;
+    if (width > StrokesFile::kLargestSide || height > StrokesFile::kLargestSide ||
+        width * height > StrokesFile::kMostPixels)
+        return u"its canvas is too large"_qs;
+    return {};
+}
+
+/// The step that the byte at `offset` belongs to, counted from 0; -1 for none. Steps are the lists in a list of the
+/// outermost object.
+int stepAt(const QByteArray &json, qsizetype offset)
+{
+    int depth = 0;
+    int steps = 0;
+    bool inString = false;
+    for (qsizetype i = 0; i < std::min(offset, json.size()); ++i) {
+        const char c = json[i];
+        if (inString) {
+            if (c == '\\')
+                ++i;
+            else
+                inString = c != '"';
+        } else if (c == '"') {
+            inString = true;
+        } else if (c == '[' || c == '{') {
+            if (++depth == 3)
+                ++steps;
+        } else if (c == ']' || c == '}') {
+            --depth;
+        }
+    }
+    return depth >= 3 ? steps - 1 : -1;
+}
+
+} // namespace
+
+std::optional<StrokesFile> StrokesFile::parse(const QByteArray &json, QString &fault)
+{
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
+    if (document.isNull()) {
+        const int step = stepAt(json, error.offset);
+        const QString what = step < 0 ? u"it is not valid JSON"_qs : u"step %1 is not valid JSON"_qs.arg(step);
+        fault = u"%1: %2 at byte %3."_qs.arg(what, error.errorString()).arg(error.offset);
+        return std::nullopt;
+    }
+    const QJsonObject root = document.object();
+    const QJsonValue steps = root[u"steps"];
+    QString wrong = document.isObject() ? faultOfCanvas(root[u"canvas"]) : u"it is not a JSON object"_qs;
+    if (wrong.isEmpty() && !steps.isArray())
+        wrong = u"its \"steps\" is not a list"_qs;
+    const QJsonArray records = steps.toArray();
+    for (qsizetype i = 0; wrong.isEmpty() && i < records.size(); ++i) {
+        const QString inStep = faultOf(records[i]);
+        if (!inStep.isEmpty())
+            wrong = u"step %1 %2"_qs.arg(i).arg(inStep);
+    }
+    if (!wrong.isEmpty()) {
+        fault = wrong + u'.';
+        return std::nullopt;
+    }
+
+    const QJsonArray sides = root[u"canvas"].toArray();
+    StrokesFile file{{sides[0].toDouble(), sides[1].toDouble()}, std::make_shared<PaintStepList>()};
+    file.steps->reserve(std::size_t(records.size()));
+    for (const QJsonValue record : records)
+        file.steps->emplace_back(record.toArray().toVariantList());
+    return file;
+}
+
+std::optional<StrokesFile> StrokesFile::read(const QString &path, QString &fault)
+{
+    QFile file(path);
+    std::optional<StrokesFile> strokes;
+    if (QFileInfo(path).isDir()) {
+        fault = u"it is a folder."_qs;
+    } else if (!file.open(QIODevice::ReadOnly)) {
+        fault = u"it cannot be read (%1)."_qs.arg(file.errorString());
+    } else {
+        const QByteArray json = file.read(kMostBytes + 1);
+        if (json.size() > kMostBytes)
+            fault = u"it is too large to be a file of strokes."_qs;
+        else
+            strokes = parse(json, fault);
+    }
+    if (!strokes)
+        fault.prepend(path + u": "_qs);
+    return strokes;
+}
+
+QImage StrokesFile::mask(QString &fault) const
+{
+    if (BrushTips::shared().tipForHardness(1).isNull()) {
+        fault = u"%1: the brush tips are missing."_qs.arg(Bundle::mainBundle().resourcePath());
+        return {};
+    }
+    PaintCanvas replay;
+    replay.setCanvasSize(canvas);
+    replay.restoreDrawedPoints(steps);
+    QImage mask(replay.bufferSize(), QImage::Format_RGBX8888);
+    const QImage painted = replay.snapshot();
+    if (mask.isNull() || painted.isNull()) {
+        fault = u"There is not enough memory for a canvas of %1 x %2."_qs.arg(canvas.width()).arg(canvas.height());
+        return {};
+    }
+    mask.fill(Qt::black);
+    QPainter(&mask).drawImage(0, 0, painted);
+    return mask;
+}
+
+} // namespace hazelmark

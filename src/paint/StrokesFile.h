@@ -1,0 +1,37 @@
+#pragma once
+
+#include "PaintStep.h"
+
+#include <QByteArray>
+#include <QImage>
+#include <QSizeF>
+#include <QString>
+
+#include <memory>
+#include <optional>
+
+namespace hazelmark {
+
+/// A painting as a JSON file: {"canvas": [width, height], "steps": [[...], ...]}, the canvas in points, each step in
+/// the record form of PaintStep::data(). Other keys are ignored.
+struct StrokesFile
+{
+    /// Larger canvases are refused: no screen shows one, and it would be a gigabyte of pixels.
+    static constexpr double kLargestSide = 32767;
+    static constexpr double kMostPixels = 1 << 28;
+
+    QSizeF canvas;
+    std::shared_ptr<PaintStepList> steps;
+
+    /// Nothing for a file that cannot be read or means nothing; then `fault` is a sentence that names the file and,
+    /// where one is to blame, the step, counted from 0.
+    static std::optional<StrokesFile> read(const QString &path, QString &fault);
+    /// The same without the file's name.
+    static std::optional<StrokesFile> parse(const QByteArray &json, QString &fault);
+
+    /// The painting on a canvas of this size, over opaque black: Format_RGBX8888, green where it is painted. Null
+    /// when there are no brush tips or there is no memory; then `fault` is a sentence.
+    QImage mask(QString &fault) const;
+};
+
+} // namespace hazelmark
