@@ -58,8 +58,10 @@ QMap<QString, QString> keysOfTheSources()
         if (hasTexts)
             collect(kKey);
     }
-    for (const QString &key : kNoKeys)
-        keys.remove(key);
+    // Names of environment variables are written the same way.
+    static const QRegularExpression kEnvironment(QStringLiteral("^(XDG|DBUS|QT|WAYLAND)_"));
+    keys.removeIf(
+        [](const auto &entry) { return kNoKeys.contains(entry.key()) || entry.key().contains(kEnvironment); });
     return keys;
 }
 
