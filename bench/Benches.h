@@ -6,6 +6,7 @@ namespace hazelmark::bench {
 
 void addBlurRows();
 void addErrorRows();
+void addPaintRows();
 void addCommandLineRows();
 
 } // namespace hazelmark::bench

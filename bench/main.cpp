@@ -8,5 +8,6 @@ int main(int argc, char **argv)
     hazelmark::bench::addCommandLineRows();
 #endif
     hazelmark::bench::addErrorRows();
+    hazelmark::bench::addPaintRows();
     return hazelmark::bench::run(argc, argv);
 }
