@@ -39,8 +39,8 @@ TEST(DiscCoverage, IsTheAreaOfEveryPixelInTheDisc)
 
 TEST(DiscSpans, KeepTheAreaAndFitTheirAccumulator)
 {
-    for (double radius = 2.0; radius <= kernels::kLargestSummedRadius; radius += 0.37) {
-        const kernels::DiscSpans disc = kernels::makeDiscSpans(radius);
+    for (double radius = 4.0; radius <= kernels::kLargestSummedRadius; radius += 0.37) {
+        const kernels::DiscSpans disc = kernels::makeDiscSpans(radius, 0.3 / 255.0);
         std::uint32_t heaviest = 0;
         double total = 0.0;
         for (const auto &group : disc.groups) {
@@ -112,7 +112,9 @@ TEST_P(HardestContent, IsLessThanTwoStepsOff)
     const int side = int(4 * std::min(radius, 100.0f)) + 40;
     const QRectF middle(side / 2 - 5, side / 2 - 5, 11, 11);
     const int step = radius > 60 ? 3 : 1;
-    for (const QPointF shift : {QPointF(0, 0), QPointF(0.5, 0.25), QPointF(-1.3, 0.8), QPointF(2.2, -3.1)}) {
+    std::vector<QPointF> shifts = {QPointF(0.5, 0.25), QPointF(-1.3, 0.8), QPointF(0, 0), QPointF(2.2, -3.1)};
+    shifts.resize(radius > 60 ? 2 : 4); // the reference is slow
+    for (const QPointF &shift : shifts) {
         const QPointF centre = QPointF(side / 2, side / 2) + shift;
         const QImage bitmap = paint(QSize(side, side), kDeep, content.make(double(radius), centre));
         const QImage result = blurred(bitmap, radius);
@@ -123,7 +125,7 @@ TEST_P(HardestContent, IsLessThanTwoStepsOff)
 
 INSTANTIATE_TEST_SUITE_P(Blur, HardestContent,
                          Combine(ValuesIn(kContents), Values(0.3f, 1.0f, 3.7f, 5.3f, 8.0f, 12.0f, 19.1f, 27.9f, 28.0f,
-                                                             45.6f, 71.9f, 72.0f, 120.0f)));
+                                                             45.6f, 63.9f, 64.0f, 120.0f)));
 
 /// Slow gradients, soft shapes, a little grain: a photo as far as a blur can see.
 double photo(int x, int y, int channel)
@@ -149,7 +151,7 @@ TEST_P(PhotoBlur, IsWithinATenthOfAStepOnAverage)
 }
 
 INSTANTIATE_TEST_SUITE_P(Blur, PhotoBlur,
-                         Values(0.6f, 4.6f, 6.0f, 11.0f, 22.5f, 28.0f, 40.0f, 72.0f, 151.9f, 152.0f, 310.0f));
+                         Values(0.6f, 4.6f, 6.0f, 11.0f, 22.5f, 28.0f, 40.0f, 64.0f, 159.9f, 160.0f, 320.0f));
 
 class SmallPicture : public ::testing::TestWithParam<std::tuple<QSize, float>>
 {

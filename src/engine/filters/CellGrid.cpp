@@ -15,8 +15,8 @@ int floorDivided(int value, int divisor)
 // From these radii on the error stays within the bound on the hardest content (a full-contrast disc of the same
 // radius, anywhere between the pixels); from scale 8 on it depends on the radius in cells alone.
 constexpr double kLeastRadius2 = 28.0;
-constexpr double kLeastRadius4 = 72.0;
-constexpr double kLeastRadius8 = 152.0;
+constexpr double kLeastRadius4 = 64.0;
+constexpr double kLeastRadius8 = 160.0;
 constexpr double kLeastCells = kLeastRadius8 / 8.0;
 
 int scaleFor(double radius)
@@ -40,15 +40,15 @@ struct Interpolation
     double variance;    ///< square cells
     double outer[3][3]; ///< taps 0, 4, 5: constant, linear, quadratic
 };
-constexpr Interpolation kInterpolation2{-0.0506, {{0.0601, 0, 0}, {-0.3411, 0, 0}, {0.0812, 0, 0}}};
-constexpr Interpolation kInterpolation4{-0.04053322,
-                                        {{0.04814388, -0.08408972, 0.16889105},
-                                         {-0.36168759, 0.7550716, 1.28721363},
-                                         {0.08219361, -0.21533069, -0.29151408}}};
+constexpr Interpolation kInterpolation2{0.058455, {{0.081802, 0, 0}, {-0.374837, 0, 0}, {0.10173, 0, 0}}};
+constexpr Interpolation kInterpolation4{
+    0.107005, {{0.096297, -0.038328, 0.143877}, {-0.345353, 0.84824, 1.239584}, {0.102141, -0.221294, -0.289369}}};
+constexpr Interpolation kInterpolation8{
+    0.090441, {{0.091921, -0.075981, 0.092331}, {-0.417449, 0.417249, 0.494471}, {0.119394, -0.090804, -0.043066}}};
 
 const Interpolation &interpolationFor(int scale)
 {
-    return scale == 2 ? kInterpolation2 : kInterpolation4;
+    return scale == 2 ? kInterpolation2 : scale == 4 ? kInterpolation4 : kInterpolation8;
 }
 
 /// For a place p < 0; `taps[i]` belongs to the cell i - 3 from the pixel's own.
@@ -78,6 +78,19 @@ kernels::Taps tapsBefore(double p, const Interpolation &interpolation)
     return rounded;
 }
 
+/// For pixel q of a cell.
+kernels::Taps tapsAt(int q, int scale)
+{
+    const double p = (double(q) + 0.5) / scale - 0.5;
+    if (p < 0.0)
+        return tapsBefore(p, interpolationFor(scale));
+    kernels::Taps mirrored = tapsBefore(-p, interpolationFor(scale));
+    std::reverse(mirrored.begin(), mirrored.end());
+    return mirrored;
+}
+
+constexpr int kMostKeptPhases = 64;
+
 } // namespace
 
 CellGrid::CellGrid(const QRect &extent, double radius)
@@ -89,12 +102,16 @@ CellGrid::CellGrid(const QRect &extent, double radius)
     const double finer = 1.0 - 1.0 / (double(m_scale) * m_scale);
     const double added = m_scale == 1 ? 0.0 : -2.0 / 3.0 * finer - 4.0 * interpolationFor(m_scale).variance;
     m_discRadius = std::sqrt(radius * radius / (double(m_scale) * m_scale) + added);
+    if (m_scale > 1 && m_scale <= kMostKeptPhases)
+        for (int q = 0; q < m_scale; ++q)
+            m_phases.push_back(tapsAt(q, m_scale));
 }
 
 CellGrid CellGrid::withScale(int scale) const
 {
     CellGrid grid = *this;
     grid.m_scale = scale;
+    grid.m_phases.clear();
     return grid;
 }
 
@@ -120,13 +137,8 @@ QRect CellGrid::pixelsOf(const QRect &cells) const
 CellGrid::Place CellGrid::place(int pixel) const
 {
     const int cell = floorDivided(pixel, m_scale);
-    const double p = (double(pixel - cell * m_scale) + 0.5) / m_scale - 0.5;
-    const Interpolation &interpolation = interpolationFor(m_scale);
-    if (p < 0.0)
-        return {cell - 3, tapsBefore(p, interpolation)};
-    Place mirrored{cell - 2, tapsBefore(-p, interpolation)};
-    std::reverse(mirrored.taps.begin(), mirrored.taps.end());
-    return mirrored;
+    const int q = pixel - cell * m_scale;
+    return {2 * q < m_scale ? cell - 3 : cell - 2, m_phases.empty() ? tapsAt(q, m_scale) : m_phases[std::size_t(q)]};
 }
 
 } // namespace hazelmark

@@ -4,6 +4,8 @@
 
 #include <QRect>
 
+#include <vector>
+
 namespace hazelmark {
 
 /// A grid of square cells over a picture, for a disc that is large enough to be summed over cells instead of pixels.
@@ -52,6 +54,7 @@ private:
     QRect m_extent;
     int m_scale;
     double m_discRadius;
+    std::vector<kernels::Taps> m_phases; ///< of the pixels of a cell, unless there are very many
 };
 
 } // namespace hazelmark

@@ -157,27 +157,24 @@ CellPlanes sumOverDisc(const CellPlanes &cells, const DiscSummer &disc, const QR
 {
     CellPlanes sums(needed.boundingRect(), cells.channels());
     const std::vector<QRect> blocks = blocksOf(sums.rect(), DiscSummer::kBlockWidth, DiscSummer::kBlockHeight, needed);
-    context.parallelFor(int(blocks.size()) * cells.channels(), [&](int i) {
-        const int c = i % cells.channels();
-        const QRect &block = blocks[std::size_t(i / cells.channels())];
-        std::vector<float> row(paddedWidth(block.width()));
-        std::vector<std::uint16_t> samples(paddedWidth(block.width()));
-        const auto store = [&](int y) {
-            kernels::quantizeRow(row.data(), samples.data(), std::size_t(block.width()));
-            std::copy_n(samples.data(), block.width(), sums.at(c, block.left(), block.top() + y));
-        };
-        disc.sum(
-            block.width(), block.height(),
-            [&](int y, std::uint16_t *out) {
-                cells.copyClamped(c, block.left() - disc.reach(), block.top() + y, block.width() + 2 * disc.reach(),
-                                  out);
-            },
-            [&](int y) {
-                if (y > 0)
-                    store(y - 1);
-                return row.data();
-            });
-        store(block.height() - 1);
+    context.parallelFor(int(blocks.size()), [&](int i) {
+        const QRect &block = blocks[std::size_t(i)];
+        const int reach = disc.reach();
+        DiscSummer::Scratch scratch = disc.makeScratch();
+        const std::size_t stride = paddedWidth(DiscSummer::kBlockWidth);
+        std::vector<float> means(stride * DiscSummer::kBlockHeight);
+        std::vector<std::uint16_t> samples(stride);
+        for (int c = 0; c < cells.channels(); ++c) {
+            const auto read = [&](int y, std::uint16_t *row) {
+                cells.copyClamped(c, block.left() - reach, block.top() + y, block.width() + 2 * reach, row);
+            };
+            disc.sum(scratch, block.width(), block.height(), read, means.data(), stride);
+            for (int y = 0; y < block.height(); ++y) {
+                kernels::quantizeRow(means.data() + std::size_t(y) * stride, samples.data(),
+                                     std::size_t(block.width()));
+                std::copy_n(samples.data(), block.width(), sums.at(c, block.left(), block.top() + y));
+            }
+        }
     });
     return sums;
 }

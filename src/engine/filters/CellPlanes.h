@@ -1,11 +1,12 @@
 #pragma once
 
+#include "LargeMemory.h"
+
 #include <QRect>
 
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 
 namespace hazelmark {
 
@@ -21,7 +22,7 @@ public:
         : m_rect(rect)
         , m_channels(channels)
         , m_stride((std::size_t(rect.width()) + 3 * kPadding - 1) / kPadding * kPadding)
-        , m_samples(new std::uint16_t[m_stride * std::size_t(rect.height()) * std::size_t(channels)])
+        , m_samples(makeLargeArray<std::uint16_t>(m_stride * std::size_t(rect.height()) * std::size_t(channels)))
     {
     }
 
@@ -58,7 +59,7 @@ private:
     QRect m_rect;
     int m_channels = 0;
     std::size_t m_stride = 0;
-    std::unique_ptr<std::uint16_t[]> m_samples;
+    LargeArray<std::uint16_t> m_samples;
 };
 
 } // namespace hazelmark

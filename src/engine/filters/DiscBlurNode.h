@@ -32,8 +32,10 @@ public:
 
 private:
     int reach() const;
-    void weigh(Tile &result, const Tile &input) const;
-    void sum(Tile &result, const Tile &input) const;
+    /// A block and all that its discs reach, premultiplied.
+    Tile readAround(const QRect &block, const TileReader &inputs) const;
+    void weigh(Tile &result, const TileReader &inputs) const;
+    void sum(Tile &result, const TileReader &inputs) const;
 
     QRect m_inputExtent;
     CellGrid m_grid;

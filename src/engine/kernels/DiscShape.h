@@ -39,7 +39,9 @@ struct DiscSpans
 /// The largest radius for makeDiscSpans(); above, the total outgrows 32 bits.
 constexpr double kLargestSummedRadius = 48.0;
 
-/// 1 <= radius <= kLargestSummedRadius. Ends are rounded so that what one column gains the next ones lose.
-DiscSpans makeDiscSpans(double radius);
+/// 4 <= radius <= kLargestSummedRadius. Several layouts, cheap ones first, are tried until the error of the means, of 1
+/// and on what is hardest, is at most `goodEnough`; if none is, the best of them is taken. Ends are rounded so that
+/// what one column gains the next ones lose.
+DiscSpans makeDiscSpans(double radius, double goodEnough);
 
 } // namespace hazelmark::kernels

@@ -1,0 +1,27 @@
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+namespace hazelmark {
+
+/// Memory for whole pictures, not set. Asked for in large pages where the system has them: a picture of 24 megapixels
+/// then costs some fifty page faults when it is first written instead of tens of thousands, which would take as long
+/// as blurring it. Throws std::bad_alloc.
+void *allocateLarge(std::size_t bytes);
+void freeLarge(void *memory);
+
+struct FreeLarge
+{
+    void operator()(void *memory) const { freeLarge(memory); }
+};
+template <typename Element>
+using LargeArray = std::unique_ptr<Element[], FreeLarge>;
+
+template <typename Element>
+LargeArray<Element> makeLargeArray(std::size_t count)
+{
+    return LargeArray<Element>(static_cast<Element *>(allocateLarge(count * sizeof(Element))));
+}
+
+} // namespace hazelmark
