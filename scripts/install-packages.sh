@@ -8,7 +8,7 @@ build=(ca-certificates g++ cmake ninja-build pkg-config
     libexiv2-dev libjpeg62-turbo-dev libpng-dev libtiff-dev libgif-dev libimagequant-dev liblcms2-dev libhwy-dev)
 run=(qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins qt6-wayland xdg-utils)
 test=(libgtest-dev libgmock-dev libimage-exiftool-perl clang-format python3
-    xvfb xauth openbox xdotool fonts-dejavu-core)
+    dbus-daemon xvfb xauth openbox xdotool fonts-dejavu-core)
 bench=(libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev libjpeg-turbo-progs time)
 
 wanted=()

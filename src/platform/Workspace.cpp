@@ -18,7 +18,7 @@ namespace {
 
 Q_LOGGING_CATEGORY(lcPlatform, "hazelmark.platform")
 
-// An opener that still runs after this time has become the viewer itself, or waits for it: it has opened the file.
+// A program that still runs after this time is the viewer itself, or waits for it: it has opened the file.
 constexpr std::chrono::seconds kOpenerAnswer{5};
 
 // Calls the completion once, whoever comes first.
@@ -60,11 +60,17 @@ void Workspace::openFile(const QString &path, Completion completion)
 
 void Workspace::openUrl(const QUrl &url, Completion completion)
 {
-    const auto answer = std::make_shared<Answer>(std::move(completion));
     if (url.isEmpty() || !url.isValid()) {
-        answer->give(false);
+        if (completion)
+            completion(false);
         return;
     }
+    launch(m_opener, {QString::fromLatin1(url.toEncoded())}, std::move(completion));
+}
+
+void Workspace::launch(const QString &program, const QStringList &arguments, Completion completion)
+{
+    const auto answer = std::make_shared<Answer>(std::move(completion));
     // Deliberately without a parent: a process object that is destroyed ends its process, and the viewer has to live
     // on when this program ends. The object goes when the opener does.
     auto *process = new QProcess;
@@ -75,7 +81,7 @@ void Workspace::openUrl(const QUrl &url, Completion completion)
     QObject::connect(process, &QProcess::finished, process, [=](int exitCode, QProcess::ExitStatus status) {
         const bool opened = status == QProcess::NormalExit && exitCode == 0;
         if (!opened)
-            qCWarning(lcPlatform) << "Nothing opened" << url;
+            qCWarning(lcPlatform) << program << "opened nothing:" << arguments;
         answer->give(opened);
         process->deleteLater();
     });
@@ -87,7 +93,7 @@ void Workspace::openUrl(const QUrl &url, Completion completion)
         process->deleteLater();
     });
     QTimer::singleShot(kOpenerAnswer, process, [answer] { answer->give(true); });
-    process->start(m_opener, {QString::fromLatin1(url.toEncoded())});
+    process->start(program, arguments);
 }
 
 } // namespace hazelmark

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <QUrl>
 
 #include <functional>
@@ -25,6 +26,9 @@ public:
     void openFile(const QString &path, Completion completion = {});
     /// An empty or invalid address opens nothing.
     virtual void openUrl(const QUrl &url, Completion completion = {});
+    /// Starts a program that lives on when this one ends. It has `opened` when it ended well, or still runs after a
+    /// few seconds.
+    virtual void launch(const QString &program, const QStringList &arguments, Completion completion = {});
 
 private:
     QString m_opener;

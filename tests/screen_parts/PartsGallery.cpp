@@ -8,6 +8,7 @@
 #include "SettingsPanel.h"
 #include "SummaryBar.h"
 #include "Theme.h"
+#include "TipsWindow.h"
 
 #include <QApplication>
 #include <QDir>
@@ -40,6 +41,7 @@ public:
         settings();
         summaryBar();
         alert();
+        tips();
     }
 
 private:
@@ -83,6 +85,17 @@ private:
         AlertSheet sheet(lookup("ERROR_CANT_SHARE_IMAGE"), QStringLiteral("\n ") + lookup("ERROR_PHOTO_NOT_AVAILABLE"),
                          lookup("OK"));
         save(sheet, QStringLiteral("alert"));
+    }
+
+    void tips()
+    {
+        QWidget mainWindow;
+        TipsWindow window(m_application, &mainWindow);
+        window.addDemoWindow(QSize(1220, 700));
+        for (int page = 0; page < 4; ++page) {
+            window.pageButtonsAction(page);
+            save(window, QStringLiteral("tip-%1").arg(page + 1));
+        }
     }
 
     QString m_folder;

@@ -1,0 +1,7 @@
+#include "ScreenLog.h"
+
+namespace hazelmark {
+
+Q_LOGGING_CATEGORY(lcScreen, "hazelmark.screen", QtInfoMsg)
+
+} // namespace hazelmark

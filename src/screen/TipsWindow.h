@@ -1,0 +1,61 @@
+#pragma once
+
+#include <QWidget>
+
+class QCheckBox;
+class QLabel;
+class QPushButton;
+
+namespace hazelmark {
+
+class ApplicationDelegate;
+class DotPageControl;
+class PageSlider;
+
+/// The paged help window over the main window: four pages with a picture and a few words each. There is one, which is
+/// shown and hidden; it blocks nothing, stays above the main window, and Esc closes it.
+class TipsWindow : public QWidget
+{
+    Q_OBJECT
+
+public:
+    TipsWindow(ApplicationDelegate &application, QWidget *mainWindow);
+
+    /// Shows the window, or brings it to the front. It is placed by the main window's size alone, wherever on the
+    /// screen that stands: over its middle when the main window stands in the screen's top left corner.
+    void addDemoWindow(QSize mainWindowSize);
+    void setLocalizedStrings();
+
+    PageSlider *pageController() const { return m_pageController; }
+    DotPageControl *pageButtons() const { return m_pageButtons; }
+    QCheckBox *btnCheckShowTipsAgain() const { return m_btnCheckShowTipsAgain; }
+    QPushButton *btnBackPage() const { return m_btnBackPage; }
+    QPushButton *btnNextpage() const { return m_btnNextpage; }
+
+    void pageButtonsAction(int selectedColumn);
+    void btnBackPageTapped();
+    void btnNextpageTapped();
+    /// Off is remembered in the user's defaults; on changes nothing there.
+    void btnLaunchAppTapped();
+
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
+private:
+    QString lookup(const char *key) const;
+    QWidget *makePage(int page);
+    void showPage(int page);
+
+    ApplicationDelegate &m_application;
+    QLabel *m_lblDemoMsg;
+    PageSlider *m_pageController;
+    DotPageControl *m_pageButtons;
+    QCheckBox *m_btnCheckShowTipsAgain;
+    QPushButton *m_btnBackPage;
+    QPushButton *m_btnNextpage;
+    QList<QLabel *> m_titles;
+    QList<QLabel *> m_texts;
+    QList<QLabel *> m_pictures;
+};
+
+} // namespace hazelmark
