@@ -1,188 +1,178 @@
-#include "Guarded.h"
+#include "JpegBand.h"
 #include "JpegSegments.h"
 #include "PictureEncoders.h"
-#include "PixelRows.h"
+
+#include <QtEndian>
 
 #include <algorithm>
-#include <cmath>
-#include <cstdio>
+#include <condition_variable>
+#include <map>
+#include <mutex>
+#include <new>
+#include <thread>
 #include <vector>
-
-#include <jpeglib.h>
-
-#include <jerror.h>
 
 namespace hazelmark {
 
 namespace {
 
-constexpr size_t kBufferSize = 256 * 1024;
-constexpr int kRowsPerCall = 16;
+constexpr int kBlockSide = 8;
+constexpr int kMaxSide = 65500; ///< the library's limit
 
+/// Rows that are encoded as a unit. Depends on the picture's size alone, so that the file does not depend on the number
+/// of threads.
+int rowsPerBand(QSize size)
+{
+    constexpr int kPixelsPerBand = 512 * 1024;
+    constexpr int kMaxRestartInterval = 65535;
+    const int blocksPerRow = (size.width() + kBlockSide - 1) / kBlockSide;
+    const int blockRows = kPixelsPerBand / (blocksPerRow * kBlockSide * kBlockSide);
+    return kBlockSide * std::clamp(blockRows, 1, kMaxRestartInterval / blocksPerRow);
+}
+
+/// Encodes a picture in bands, several at a time, and joins them to one scan with a restart marker between them: byte
+/// for byte the file that one encoder with this restart interval writes.
 class JpegWriter
 {
 public:
-    explicit JpegWriter(FileSink &sink);
-    ~JpegWriter() { jpeg_destroy_compress(&m_lib); }
-    JpegWriter(const JpegWriter &) = delete;
-    JpegWriter &operator=(const JpegWriter &) = delete;
+    JpegWriter(const QImage &pixels, const EncodeOptions &options, FileSink &sink);
 
-    Outcome<Done> encode(const QImage &pixels, const EncodeOptions &options);
+    Outcome<Done> encode();
 
 private:
-    [[noreturn]] static void leave(j_common_ptr lib);
-    static void restartBuffer(j_compress_ptr lib);
-    static boolean flush(j_compress_ptr lib);
-    static void flushRest(j_compress_ptr lib);
-    static JpegWriter *writerOf(j_compress_ptr lib) { return static_cast<JpegWriter *>(lib->client_data); }
+    void work();
+    void take(int index, JpegBand &&band);
+    bool writeNext(const JpegBand &band, int index);
+    bool writeHead(const JpegBand &band);
+    void fail(const QString &message);
 
-    void start(const QImage &pixels, const EncodeOptions &options);
-    void setDensity(QSizeF dpi);
-    void writeOwnRows(const QImage &pixels);
-    void writeConvertedRows(const QImage &pixels, uint8_t *scratch);
-
+    const QImage &m_pixels;
     FileSink &m_sink;
-    jpeg_compress_struct m_lib = {};
-    jpeg_error_mgr m_errors = {};
-    jpeg_destination_mgr m_destination = {};
-    std::jmp_buf m_jump;
-    char m_message[JMSG_LENGTH_MAX] = {};
-    std::vector<JOCTET> m_buffer;
-    bool m_isCreated = false;
+    const std::vector<JpegSegment> m_segments;
+    const int m_bandRows;
+    const int m_bandCount;
+    JpegBandOptions m_options;
+
+    std::mutex m_mutex;
+    std::condition_variable m_hasAdvanced;
+    // Guarded by the mutex:
+    std::map<int, JpegBand> m_waiting; ///< encoded before their predecessors
+    int m_nextToEncode = 0;
+    int m_nextToWrite = 0;
+    bool m_hasFailed = false;
+    QString m_message;
 };
 
-JpegWriter::JpegWriter(FileSink &sink)
-    : m_sink(sink)
-    , m_buffer(kBufferSize)
+JpegWriter::JpegWriter(const QImage &pixels, const EncodeOptions &options, FileSink &sink)
+    : m_pixels(pixels)
+    , m_sink(sink)
+    , m_segments(metadataSegments(options.metadata))
+    , m_bandRows(rowsPerBand(pixels.size()))
+    , m_bandCount((pixels.height() + m_bandRows - 1) / m_bandRows)
 {
-    m_lib.err = jpeg_std_error(&m_errors);
-    m_lib.client_data = this;
-    m_errors.error_exit = &leave;
-    m_errors.emit_message = [](j_common_ptr, int) {};
-    m_destination.init_destination = &restartBuffer;
-    m_destination.empty_output_buffer = &flush;
-    m_destination.term_destination = &flushRest;
-    m_isCreated = runGuarded(m_jump, [this] { jpeg_create_compress(&m_lib); });
-    m_lib.dest = &m_destination;
+    const int blocksPerRow = (pixels.width() + kBlockSide - 1) / kBlockSide;
+    m_options.quality = options.jpegQuality;
+    m_options.dpi = options.metadata.dpi;
+    m_options.restartInterval = m_bandCount > 1 ? unsigned(blocksPerRow * (m_bandRows / kBlockSide)) : 0;
 }
 
-void JpegWriter::leave(j_common_ptr lib)
+Outcome<Done> JpegWriter::encode()
 {
-    auto *self = static_cast<JpegWriter *>(lib->client_data);
-    lib->err->format_message(lib, self->m_message);
-    std::longjmp(self->m_jump, 1);
-}
-
-void JpegWriter::restartBuffer(j_compress_ptr lib)
-{
-    JpegWriter *self = writerOf(lib);
-    self->m_destination.next_output_byte = self->m_buffer.data();
-    self->m_destination.free_in_buffer = kBufferSize;
-}
-
-/// The library calls this with a full buffer, whatever `free_in_buffer` says.
-boolean JpegWriter::flush(j_compress_ptr lib)
-{
-    JpegWriter *self = writerOf(lib);
-    if (!self->m_sink.write(self->m_buffer.data(), kBufferSize))
-        ERREXIT(lib, JERR_FILE_WRITE);
-    restartBuffer(lib);
-    return TRUE;
-}
-
-void JpegWriter::flushRest(j_compress_ptr lib)
-{
-    JpegWriter *self = writerOf(lib);
-    if (!self->m_sink.write(self->m_buffer.data(), kBufferSize - self->m_destination.free_in_buffer))
-        ERREXIT(lib, JERR_FILE_WRITE);
-}
-
-Outcome<Done> JpegWriter::encode(const QImage &pixels, const EncodeOptions &options)
-{
-    const std::vector<JpegSegment> segments = metadataSegments(options.metadata);
-    const bool isReady = pixels.format() == QImage::Format_RGBX8888;
-    std::vector<uint8_t> scratch(isReady ? 0 : size_t(pixels.width()) * 3 * kRowsPerCall);
-    const bool isWritten =
-        m_isCreated && runGuarded(m_jump, [&] {
-            start(pixels, options);
-            for (const JpegSegment &segment : segments) {
-                jpeg_write_marker(&m_lib, segment.marker, reinterpret_cast<const JOCTET *>(segment.data.constData()),
-                                  unsigned(segment.data.size()));
-            }
-            if (isReady)
-                writeOwnRows(pixels);
-            else
-                writeConvertedRows(pixels, scratch.data());
-            jpeg_finish_compress(&m_lib);
-        });
-    if (!isWritten)
-        return m_sink.failure(QString::fromLatin1(m_message));
+    if (m_pixels.width() > kMaxSide || m_pixels.height() > kMaxSide)
+        return m_sink.failure(QStringLiteral("a JPEG file cannot hold more than 65500 x 65500 pixels"));
+    {
+        const int cores = int(std::max(1U, std::thread::hardware_concurrency()));
+        std::vector<std::jthread> helpers;
+        for (int i = 1; i < std::min(cores, m_bandCount); ++i)
+            helpers.emplace_back([this] { work(); });
+        work();
+    }
+    if (m_hasFailed)
+        return m_sink.failure(m_message);
     return Done{};
 }
 
-void JpegWriter::start(const QImage &pixels, const EncodeOptions &options)
+/// Encodes one band after the other until there is none left, never far ahead of the file.
+void JpegWriter::work()
 {
-    const bool isReady = pixels.format() == QImage::Format_RGBX8888;
-    m_lib.image_width = JDIMENSION(pixels.width());
-    m_lib.image_height = JDIMENSION(pixels.height());
-    m_lib.in_color_space = isReady ? JCS_EXT_RGBX : JCS_RGB;
-    m_lib.input_components = isReady ? 4 : 3;
-    jpeg_set_defaults(&m_lib);
-    jpeg_set_quality(&m_lib, std::clamp(options.jpegQuality, 0, 100), TRUE);
-    for (int component = 0; component < m_lib.num_components; ++component)
-        m_lib.comp_info[component].h_samp_factor = m_lib.comp_info[component].v_samp_factor = 1;
-    if (options.metadata.dpi)
-        setDensity(*options.metadata.dpi);
-    jpeg_start_compress(&m_lib, TRUE);
-}
-
-/// Densities that the 16-bit fields cannot hold are left out.
-void JpegWriter::setDensity(QSizeF dpi)
-{
-    constexpr UINT8 kPerInch = 1;
-    const double x = std::round(dpi.width());
-    const double y = std::round(dpi.height());
-    if (!(x >= 1 && x <= 65535 && y >= 1 && y <= 65535))
-        return;
-    m_lib.density_unit = kPerInch;
-    m_lib.X_density = UINT16(x);
-    m_lib.Y_density = UINT16(y);
-}
-
-/// Rows go from the image's memory into the library as they are.
-void JpegWriter::writeOwnRows(const QImage &pixels)
-{
-    const uchar *bits = pixels.constBits();
-    const qsizetype stride = pixels.bytesPerLine();
-    JSAMPROW rows[kRowsPerCall];
-    while (m_lib.next_scanline < m_lib.image_height) {
-        const JDIMENSION first = m_lib.next_scanline;
-        const JDIMENSION count = std::min(JDIMENSION(kRowsPerCall), m_lib.image_height - first);
-        for (JDIMENSION row = 0; row < count; ++row)
-            rows[row] = const_cast<uchar *>(bits) + qsizetype(first + row) * stride; // the library only reads them
-        jpeg_write_scanlines(&m_lib, rows, count);
-    }
-}
-
-void JpegWriter::writeConvertedRows(const QImage &pixels, uint8_t *scratch)
-{
-    JSAMPROW rows[kRowsPerCall];
-    while (m_lib.next_scanline < m_lib.image_height) {
-        const JDIMENSION first = m_lib.next_scanline;
-        const JDIMENSION count = std::min(JDIMENSION(kRowsPerCall), m_lib.image_height - first);
-        for (JDIMENSION row = 0; row < count; ++row) {
-            rows[row] = scratch + size_t(row) * m_lib.image_width * 3;
-            readRowOnWhite(pixels, int(first + row), rows[row]);
+    constexpr int kMaxAhead = 64;
+    try {
+        while (true) {
+            std::unique_lock lock(m_mutex);
+            m_hasAdvanced.wait(lock, [this] { return m_hasFailed || m_nextToEncode < m_nextToWrite + kMaxAhead; });
+            if (m_hasFailed || m_nextToEncode == m_bandCount)
+                return;
+            const int index = m_nextToEncode++;
+            lock.unlock();
+            const int first = index * m_bandRows;
+            JpegBand band(m_pixels, first, std::min(first + m_bandRows, m_pixels.height()), m_options);
+            lock.lock();
+            take(index, std::move(band));
         }
-        jpeg_write_scanlines(&m_lib, rows, count);
+    } catch (const std::bad_alloc &) {
+        const std::lock_guard lock(m_mutex);
+        fail(QStringLiteral("there is not enough memory"));
     }
+}
+
+/// Writes the band if it is the next one, and those behind it that wait. Called with the mutex held.
+void JpegWriter::take(int index, JpegBand &&band)
+{
+    if (m_hasFailed)
+        return;
+    if (band.file().isEmpty())
+        return fail(band.error());
+    m_waiting.emplace(index, std::move(band));
+    for (auto next = m_waiting.find(m_nextToWrite); next != m_waiting.end(); next = m_waiting.find(m_nextToWrite)) {
+        if (!writeNext(next->second, m_nextToWrite))
+            return fail({});
+        m_waiting.erase(next);
+        ++m_nextToWrite;
+    }
+    m_hasAdvanced.notify_all();
+}
+
+bool JpegWriter::writeNext(const JpegBand &band, int index)
+{
+    constexpr uchar kFirstRestartMarker = 0xd0;
+    constexpr int kRestartMarkers = 8;
+    const uchar restart[] = {0xff, uchar(kFirstRestartMarker + (index + kRestartMarkers - 1) % kRestartMarkers)};
+    const uchar end[] = {0xff, 0xd9};
+    return (index == 0 ? writeHead(band) : m_sink.write(restart, sizeof restart)) &&
+           m_sink.write(band.scan().data(), size_t(band.scan().size())) &&
+           (index + 1 < m_bandCount || m_sink.write(end, sizeof end));
+}
+
+bool JpegWriter::writeHead(const JpegBand &band)
+{
+    QByteArray head = band.start().toByteArray();
+    for (const JpegSegment &segment : m_segments) {
+        const auto length = quint16(segment.data.size() + 2);
+        head += char(0xff);
+        head += char(segment.marker);
+        head += char(length >> 8);
+        head += char(length & 0xff);
+        head += segment.data;
+    }
+    QByteArray headers = band.headers().toByteArray();
+    qToBigEndian(quint16(m_pixels.height()), headers.data() + band.heightOffset());
+    head += headers;
+    return m_sink.write(head.constData(), size_t(head.size()));
+}
+
+void JpegWriter::fail(const QString &message)
+{
+    if (!m_hasFailed)
+        m_message = message;
+    m_hasFailed = true;
+    m_hasAdvanced.notify_all();
 }
 
 } // namespace
 
 Outcome<Done> encodeJpeg(const QImage &pixels, const EncodeOptions &options, FileSink &sink)
 {
-    return JpegWriter(sink).encode(pixels, options);
+    return JpegWriter(pixels, options, sink).encode();
 }
 
 } // namespace hazelmark

@@ -154,4 +154,31 @@ TEST_F(JpegKinds, DamageIsToldFromEncodersHabits)
     EXPECT_EQ(reasonFor(picture.left(picture.size() / 2)), Failure::Reason::Truncated);
 }
 
+/// What several threads write in bands is, byte for byte, what one encoder writes with the same restart interval.
+TEST_F(JpegKinds, PictureOfManyBandsIsWrittenAsByOneEncoder)
+{
+    // Fewer and more bands than there are restart markers; the last one short, and neither side whole blocks.
+    for (const auto &[size, blocksPerBand] :
+         {std::pair(QSize(1003, 1101), 126 * 65), std::pair(QSize(2001, 2693), 251 * 32)}) {
+        const QImage pixels = makePicture(size.width(), size.height(), QImage::Format_RGBX8888);
+        const QImage packed = pixels.convertToFormat(QImage::Format_RGB888);
+        std::vector<uint8_t> samples;
+        for (int y = 0; y < size.height(); ++y)
+            samples.insert(samples.end(), packed.constScanLine(y), packed.constScanLine(y) + 3 * size.width());
+        TestJpeg kind;
+        kind.restartInterval = blocksPerBand;
+        const QByteArray expected = makeJpeg(kind, size.width(), size.height(), samples);
+        EncodeOptions options = optionsFor(WriteFormat::Jpeg);
+        options.jpegQuality = 100;
+        const QString path = pathOf(QStringLiteral("bands"));
+        ASSERT_TRUE(encodePicture(pixels, options, path));
+        EXPECT_TRUE(contentOf(path) == expected) << size.width();
+        // Opaque alpha and 16 bits take the way over converted rows.
+        for (const QImage::Format format : {QImage::Format_RGBA8888, QImage::Format_RGBX64}) {
+            ASSERT_TRUE(encodePicture(pixels.convertToFormat(format), options, path));
+            EXPECT_TRUE(contentOf(path) == expected) << size.width() << " format " << format;
+        }
+    }
+}
+
 } // namespace hazelmark

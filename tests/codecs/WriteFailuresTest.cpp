@@ -24,10 +24,10 @@ const std::pair<const char *, WriteFormat> kFormats[] = {{"Png", WriteFormat::Pn
 class WriteFailures : public FolderTest, public testing::WithParamInterface<std::pair<const char *, WriteFormat>>
 {
 protected:
-    static std::optional<Reason> reasonFor(const QString &path)
+    static std::optional<Reason> reasonFor(const QString &path, QSize size = {150, 100})
     {
-        const auto written =
-            encodePicture(makePicture(150, 100, QImage::Format_RGBX8888), optionsFor(GetParam().second), path);
+        const auto written = encodePicture(makePicture(size.width(), size.height(), QImage::Format_RGBX8888),
+                                           optionsFor(GetParam().second), path);
         return written ? std::nullopt : std::optional(written.failure().reason);
     }
 };
@@ -35,6 +35,7 @@ protected:
 TEST_P(WriteFailures, FullDiskIsTold)
 {
     EXPECT_EQ(reasonFor(QStringLiteral("/dev/full")), Reason::DiskFull);
+    EXPECT_EQ(reasonFor(QStringLiteral("/dev/full"), {1100, 1000}), Reason::DiskFull); // written by several threads
 }
 
 TEST_P(WriteFailures, FileThatMayNotGrowIsToldWhereverItHappens)
