@@ -87,17 +87,19 @@ BrushTexture::BrushTexture(const QImage &tip)
         }
     }
     findCoveredTexels(level);
-    m_levels.push_back(std::move(level));
+    m_levels.push_back(std::make_shared<const Level>(std::move(level)));
 }
 
-const BrushTexture::Level &BrushTexture::levelFor(float pointSize)
+std::shared_ptr<const BrushTexture::Level> BrushTexture::levelFor(float pointSize)
 {
+    if (isEmpty())
+        return nullptr;
     std::size_t wanted = 0;
-    const auto side = [&](std::size_t index) { return std::max(m_levels[index].width, m_levels[index].height); };
+    const auto side = [&](std::size_t index) { return std::max(m_levels[index]->width, m_levels[index]->height); };
     while (side(wanted) > 1 && float(side(wanted)) >= 2 * pointSize) {
         ++wanted;
         if (wanted == m_levels.size())
-            m_levels.push_back(halved(m_levels.back()));
+            m_levels.push_back(std::make_shared<const Level>(halved(*m_levels.back())));
     }
     return m_levels[wanted];
 }

@@ -2,6 +2,7 @@
 
 #include <QImage>
 
+#include <memory>
 #include <utility>
 #include <vector>
 
@@ -43,12 +44,12 @@ public:
 
     /// The size to sample bilinearly for a stamp `pointSize` wide: the tip itself, halved for as long as it stays at
     /// least as large as the stamp. So a stamp never steps over texels, and its edge is as smooth as the tip's.
-    /// Not for the empty texture.
-    const Level &levelFor(float pointSize);
+    /// Null for the empty texture.
+    std::shared_ptr<const Level> levelFor(float pointSize);
 
 private:
     qint64 m_tipKey = 0;
-    std::vector<Level> m_levels;
+    std::vector<std::shared_ptr<const Level>> m_levels;
 };
 
 } // namespace hazelmark

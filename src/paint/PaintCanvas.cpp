@@ -4,6 +4,7 @@
 #include "NotificationCenter.h"
 #include "NotificationNames.h"
 #include "PaintControl.h"
+#include "ParallelFor.h"
 
 #include <QUndoCommand>
 
@@ -19,6 +20,12 @@ namespace {
 /// More stamps than this change nothing that can be seen: the diagonal of the largest canvas has fewer pixels. A
 /// spacing of next to nothing in a file would ask for any number of them.
 constexpr float kMaxStampsPerSegment = 65536;
+
+/// A replay stamps bands of the canvas on all processors, each step on every band in its turn: high enough that most
+/// stamps lie in one or two, many enough that the processors end together.
+constexpr int kBandLines = 128;
+/// How many stamps a replay places before it draws them; bounds what it takes besides the canvas.
+constexpr std::size_t kStampsAtOnce = 1 << 15;
 
 class ReplaceSession : public QUndoCommand
 {
@@ -119,9 +126,24 @@ void PaintCanvas::drawStep(const PaintStep &step)
 
 void PaintCanvas::renderLineFromPoint(QPointF from, QPointF to)
 {
-    const QSize size = bufferSize();
-    if (size.isEmpty())
+    if (bufferSize().isEmpty())
         return;
+    m_centres.clear();
+    placeStamps(from, to, m_centres);
+    fitBufferToFrame();
+    const QRect touched = boundPainter().stamp(StampTarget(m_buffer), m_centres);
+    if (!touched.isEmpty())
+        bufferChanged(touched);
+}
+
+StampPainter PaintCanvas::boundPainter()
+{
+    return {m_eraser ? StampPainter::Mode::Erase : StampPainter::Mode::Paint, m_brushColor, m_pointSize,
+            m_brushTexture};
+}
+
+void PaintCanvas::placeStamps(QPointF from, QPointF to, std::vector<StampCentre> &centres) const
+{
     // Lengths in single precision, and stamps placed on the grid of single-precision numbers with y counted from
     // below: it decides how many stamps a segment gets and which pixel a centre between two pixels falls to.
     const double height = m_canvasSize.height();
@@ -133,20 +155,14 @@ void PaintCanvas::renderLineFromPoint(QPointF from, QPointF to)
     // A click gives 0 / step; not a number (0 / 0) fails the comparison too.
     const int count = wanted >= 1 ? int(std::min(wanted, kMaxStampsPerSegment)) : 1;
 
+    const QSize size = bufferSize();
     const double columnsPerPoint = size.width() / m_canvasSize.width();
     const double linesPerPoint = size.height() / height;
-    m_centres.clear();
     for (int i = 0; i < count; ++i) {
         const auto x = float(start.x() + dx * i / count);
         const auto y = float(start.y() + dy * i / count);
-        m_centres.push_back({x * columnsPerPoint, size.height() - y * linesPerPoint});
+        centres.push_back({x * columnsPerPoint, size.height() - y * linesPerPoint});
     }
-
-    fitBufferToFrame();
-    const auto mode = m_eraser ? StampPainter::Mode::Erase : StampPainter::Mode::Paint;
-    const QRect touched = StampPainter(mode, m_brushColor, m_pointSize, m_brushTexture).stamp(m_buffer, m_centres);
-    if (!touched.isEmpty())
-        bufferChanged(touched);
 }
 
 void PaintCanvas::fitBufferToFrame()
@@ -198,10 +214,39 @@ void PaintCanvas::restoreDrawedPoints(const std::shared_ptr<PaintStepList> &step
     removeAllPixelsDrawed();
     clearBuffer();
     m_paintSession->setSteps(steps && !steps->empty() ? steps : std::make_shared<PaintStepList>());
+    std::vector<Segment> segments;
+    std::size_t stamps = 0;
     for (const PaintStep &step : *m_paintSession->steps()) {
-        if (isDrawable(step))
-            drawStep(step);
+        if (!isDrawable(step))
+            continue;
+        syncBrushState(step);
+        bindBrush();
+        Segment &segment = segments.emplace_back(Segment{boundPainter(), {}});
+        placeStamps(Geometry::convertedPointToFrameBase(step.start(), m_canvasSize),
+                    Geometry::convertedPointToFrameBase(step.end(), m_canvasSize), segment.centres);
+        stamps += segment.centres.size();
+        if (stamps >= kStampsAtOnce) {
+            drawSegments(segments);
+            segments.clear();
+            stamps = 0;
+        }
     }
+    drawSegments(segments);
+}
+
+void PaintCanvas::drawSegments(const std::vector<Segment> &segments)
+{
+    if (segments.empty() || bufferSize().isEmpty())
+        return;
+    fitBufferToFrame();
+    const StampTarget target(m_buffer);
+    const int height = m_buffer.height();
+    parallelFor((height + kBandLines - 1) / kBandLines, defaultThreadCount(), [&](int band) {
+        const StampTarget lines = target.lines(band * kBandLines, (band + 1) * kBandLines);
+        for (const Segment &segment : segments)
+            segment.painter.stamp(lines, segment.centres);
+    });
+    bufferChanged(m_buffer.rect());
 }
 
 void PaintCanvas::updatePaintCanvasBySessionDataArray(const QVariantList &dataArray)

@@ -120,6 +120,16 @@ private:
     void loadSession(const QVariantList &dataArray);
     void fitBufferToFrame();
 
+    /// A step that a replay is going to draw.
+    struct Segment
+    {
+        StampPainter painter;
+        std::vector<StampCentre> centres;
+    };
+    void placeStamps(QPointF from, QPointF to, std::vector<StampCentre> &centres) const;
+    StampPainter boundPainter();
+    void drawSegments(const std::vector<Segment> &segments);
+
     std::shared_ptr<PaintSession> m_paintSession;
     QSizeF m_canvasSize;
     QImage m_buffer;

@@ -15,16 +15,18 @@ float fraction(double component)
     return component > 0 ? float(std::min(component, 1.0)) : 0.0F;
 }
 
-/// The pixels 0..size-1 whose centres lie in [low, high).
+/// The pixels 0..size-1 (or begin..size-1) whose centres lie in [low, high).
 struct Span
 {
     int begin;
     int end;
 };
 
-Span coveredPixels(double low, double high, int size)
+Span coveredPixels(double low, double high, int size, int begin = 0)
 {
-    const auto clipped = [size](double value) { return int(std::clamp(std::ceil(value - 0.5), 0.0, double(size))); };
+    const auto clipped = [=](double value) {
+        return int(std::clamp(std::ceil(value - 0.5), double(begin), double(size)));
+    };
     return {clipped(low), clipped(high)};
 }
 
@@ -125,24 +127,38 @@ private:
 
 } // namespace
 
+StampTarget::StampTarget(QImage &image)
+    : bits(image.bits())
+    , stride(image.bytesPerLine())
+    , width(image.width())
+    , beginLine(0)
+    , endLine(image.height())
+{
+}
+
+StampTarget StampTarget::lines(int begin, int end) const
+{
+    StampTarget part = *this;
+    part.beginLine = std::max(begin, beginLine);
+    part.endLine = std::min(end, endLine);
+    return part;
+}
+
 StampPainter::StampPainter(Mode mode, const Color &color, float pointSize, BrushTexture &texture)
     : m_pointSize(pointSize)
 {
-    if (!texture.isEmpty() && std::isfinite(pointSize) && pointSize > 0)
-        m_level = &texture.levelFor(pointSize);
+    if (std::isfinite(pointSize) && pointSize > 0)
+        m_level = texture.levelFor(pointSize);
     if (mode == Mode::Paint) {
         m_alpha = fraction(color.alpha);
         m_addend = {255 * fraction(color.red), 255 * fraction(color.green), 255 * fraction(color.blue), 255 * m_alpha};
     }
 }
 
-QRect StampPainter::stamp(QImage &buffer, const std::vector<StampCentre> &centres) const
+QRect StampPainter::stamp(const StampTarget &target, const std::vector<StampCentre> &centres) const
 {
     if (!m_level)
         return {};
-    uchar *bits = buffer.bits();
-    const qsizetype stride = buffer.bytesPerLine();
-    const QSize size = buffer.size();
     const double texelsPerColumn = m_level->width / m_pointSize;
     const double texelsPerLine = m_level->height / m_pointSize;
     TipRow tip(*m_level);
@@ -160,18 +176,19 @@ QRect StampPainter::stamp(QImage &buffer, const std::vector<StampCentre> &centre
             continue;
         const double left = centre.x - m_pointSize / 2;
         const double top = centre.y - m_pointSize / 2;
-        const Span columns = coveredPixels(left, left + m_pointSize, size.width());
-        const Span lines = coveredPixels(top, top + m_pointSize, size.height());
+        const Span columns = coveredPixels(left, left + m_pointSize, target.width);
+        const Span lines = coveredPixels(top, top + m_pointSize, target.endLine, target.beginLine);
         if (columns.begin >= columns.end || lines.begin >= lines.end)
             continue;
         stampColumns.place(columns, left, texelsPerColumn, m_level->width);
         for (int line = lines.begin; line < lines.end; ++line) {
             if (!tip.mix((line + 0.5 - top) * texelsPerLine - 0.5))
                 continue;
-            const Span span = tip.pixels(left, 1 / texelsPerColumn, size.width());
+            const Span span = tip.pixels(left, 1 / texelsPerColumn, target.width);
             row.texel = stampColumns.texels(span.begin);
             row.fraction = stampColumns.fractions(span.begin);
-            kernels::blendStampRow(bits + line * stride + 4 * qsizetype(span.begin), span.end - span.begin, row);
+            kernels::blendStampRow(target.bits + line * target.stride + 4 * qsizetype(span.begin),
+                                   span.end - span.begin, row);
         }
         touched |= QRect(QPoint(columns.begin, lines.begin), QPoint(columns.end - 1, lines.end - 1));
     }

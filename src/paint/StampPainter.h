@@ -7,6 +7,7 @@
 #include <QRect>
 
 #include <array>
+#include <memory>
 #include <vector>
 
 namespace hazelmark {
@@ -16,6 +17,21 @@ struct StampCentre
 {
     double x = 0;
     double y = 0;
+};
+
+/// The pixels that are stamped on: some lines of an image of Format_RGBA8888_Premultiplied.
+struct StampTarget
+{
+    /// All of the image, which must outlive this and not be copied meanwhile. Makes its memory its own.
+    explicit StampTarget(QImage &image);
+    /// The lines [begin, end) alone. Targets without common lines may be stamped on by several threads at once.
+    StampTarget lines(int begin, int end) const;
+
+    uchar *bits; ///< of the image's first line
+    qsizetype stride;
+    int width;
+    int beginLine;
+    int endLine;
 };
 
 /// Stamps a tip into an 8-bit premultiplied RGBA buffer.
@@ -34,12 +50,11 @@ public:
     /// Components of `color` outside 0..1 are clamped. Erasing takes no colour.
     StampPainter(Mode mode, const Color &color, float pointSize, BrushTexture &texture);
 
-    /// Stamps once at each centre, in order, clipped to the buffer (Format_RGBA8888_Premultiplied). Gives the
-    /// rectangle of the buffer that may have changed.
-    QRect stamp(QImage &buffer, const std::vector<StampCentre> &centres) const;
+    /// Stamps once at each centre, in order, clipped to the target. Gives the rectangle that may have changed.
+    QRect stamp(const StampTarget &target, const std::vector<StampCentre> &centres) const;
 
 private:
-    const BrushTexture::Level *m_level = nullptr;
+    std::shared_ptr<const BrushTexture::Level> m_level;
     double m_pointSize;
     std::array<float, 4> m_addend{};
     float m_alpha = 1;

@@ -184,6 +184,19 @@ TEST_F(Canvas, StepsThatLeaveTheFrameAreKeptButNotDrawn)
     EXPECT_EQ(canvas.pointSize(), 40.8F);
 }
 
+TEST_F(Canvas, ReplayGivesThePixelsThatDrawingStepByStepGave)
+{
+    canvas.setCanvasSize({300, 1000});
+    for (int i = 0; i < 60; ++i) {
+        control.setEraser(i % 5 == 4);
+        setBrush(float(10 + i * 7 % 90), float(i % 3) / 2);
+        drag({i * 37 % 300 + 0.3, i * 173 % 1000 + 0.7}, {i * 91 % 300 + 0.1, i * 57 % 1000 + 0.9});
+    }
+    const QImage before = canvas.snapshot().copy();
+    canvas.restoreDrawedPoints(canvas.arrDrawedPoints());
+    EXPECT_EQ(canvas.snapshot(), before);
+}
+
 TEST_F(Canvas, ReplayLeavesTheStateOfItsLastStep)
 {
     drag({50, 50}, {100, 100});
