@@ -1,0 +1,42 @@
+#include "AppDelegate.h"
+#include "Bundle.h"
+#include "MainScreenVC.h"
+#include "Theme.h"
+
+#include <QApplication>
+#include <QCommandLineParser>
+#include <QFileInfo>
+
+using namespace hazelmark;
+
+int main(int argc, char **argv)
+{
+    QApplication application(argc, argv);
+    QCoreApplication::setApplicationName(QStringLiteral("hazelmark"));
+    QCoreApplication::setApplicationVersion(
+        Bundle::infoDictionary().value(QStringLiteral("CFBundleVersion")).toString());
+    QGuiApplication::setDesktopFileName(QStringLiteral("hazelmark"));
+
+    QCommandLineParser commandLine;
+    commandLine.setApplicationDescription(QStringLiteral("Blurs the parts of a photo that you paint over."));
+    commandLine.addHelpOption();
+    commandLine.addVersionOption();
+    commandLine.addPositionalArgument(QStringLiteral("PHOTO"), QStringLiteral("the photo to open"),
+                                      QStringLiteral("[PHOTO]"));
+    commandLine.process(application);
+    const QStringList photos = commandLine.positionalArguments();
+    if (photos.size() > 1)
+        commandLine.showHelp(2);
+
+    theme::apply(application);
+    MainScreenVC *screen = nullptr;
+    AppDelegate delegate([&screen](ApplicationDelegate &owner) {
+        auto made = std::make_unique<MainScreenVC>(owner);
+        screen = made.get();
+        return made;
+    });
+    delegate.applicationDidFinishLaunching();
+    if (!photos.isEmpty())
+        screen->photoDraggedWithPath(QFileInfo(photos.first()).absoluteFilePath());
+    return QApplication::exec();
+}

@@ -1,0 +1,217 @@
+#pragma once
+
+#include "MainScreenView.h"
+#include "NotificationCenter.h"
+#include "PaintControl.h"
+#include "PaintStep.h"
+#include "PhotoImage.h"
+#include "PhotoOpener.h"
+#include "PreviewRunner.h"
+#include "ViewController.h"
+
+#include <QObject>
+#include <QPointer>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+namespace hazelmark {
+
+class ApplicationDelegate;
+class SaveChangesSheet;
+class TitlebarWindow;
+
+/// The controller of the one screen: the photo workflow, the paint modes, the previews, and the window's own buttons.
+/// Its collaborators do the work; this class says when, and holds the state of the working session. Main thread only.
+class MainScreenVC : public QObject, public ViewController
+{
+    Q_OBJECT
+
+public:
+    /// The tool in hand.
+    enum ToolType : qint32 {
+        kToolPaint = 4,
+        kToolErase = 13,
+        kToolNone = 14, ///< no painting: before a photo is open, and for a moment while one is opened
+    };
+
+    /// What takes time. Tests put something else in its place.
+    struct Work
+    {
+        PhotoOpener::Steps open = PhotoOpener::Steps::real();
+        PreviewRunner::Render render = PreviewRunner::realRender();
+    };
+
+    explicit MainScreenVC(ApplicationDelegate &application);
+    MainScreenVC(ApplicationDelegate &application, const Work &work);
+    ~MainScreenVC() override;
+
+    QWidget *view() override;
+    MainScreenView *mainScreenView() const { return m_view; }
+
+    // Start-up.
+    void loadView();
+    void initialViewSet();
+    void setLocalizedStrings();
+
+    // Menu commands, as they arrive.
+    void btnOpenFileFromMenuTapped();
+    void btncloseFileFromMenuTapped();
+    void btnSaveFileFromMenuTapped();
+
+    // The photo.
+    void btnAddPhotoTapped();
+    /// The person chose the file at `path` in the open panel.
+    void openPanelFinished(const QString &path);
+    /// Opens a photo that was dropped, or given on the command line. Ignored when the result was exported and has not
+    /// changed since.
+    void photoDraggedWithPath(const QString &path);
+    /// Takes the file at `path` for the open photo, as soon as its picture is there, if its headers say that it is one;
+    /// otherwise the photo before stays. Answers yes in every case: what callers do afterwards
+    /// (`whenPictureIsThere()`) is done either way.
+    bool isValidImage(const QString &path);
+    void resizeImageToFitContainer(const PhotoImagePtr &image);
+    void selectedImageChanged();
+    void showHideRightMenu();
+    void setupRightSettingOptionWithSelectionIndex(qint32 index);
+    void btnResetTapped();
+    void setupBottomSummaryInfo();
+    /// Does nothing: the tips are not shown by themselves.
+    void showDemoWindowFirsttime() {}
+    void addDemoWindow();
+
+    // Painting.
+    void segmentPaintEraseTapped(const QObject *sender);
+    void hadleSliderBrushDiameter();
+    void hadleSliderBrushHardness();
+    void handleSliderBrushSizeAutoMode();
+    void mousemoveOutFromImageRegion();
+    void mousemoveInsideImageRegion();
+    void brushDrawedRegionUpdate();
+    void loadInitMaskImages();
+    void adjustPaintEraseview();
+    void drawPaintCustomAlfterDelay();
+    void clearControlForBrushDrawing() {}
+
+    // Previews.
+    void btnProcessTapped();
+    void applyeffectOnPreviewInBackground();
+    void applyCustomEnhanceFilterOnPreviewImage();
+
+    // Export and sharing.
+    void btnExportDenoisedImageTapped();
+    void btnSocialShareImageTapped();
+
+    // The window.
+    void setupTitleBarViewForWindow(TitlebarWindow *window);
+    void hideWindowBtnsAfterDelay();
+    void btnCloseWindowTapped();
+    void btnSaveChangesTapped();
+    void btnDontSaveChangesTapped();
+    void btnCancelChangesTapped();
+    void btnMinimizeWindowTapped();
+    void btnZoomWindowTapped();
+    void windowisResizing();
+    void windowEndResizing();
+    void windowDidResize();
+    void windowDidEndLiveResize();
+    void keyDown(Qt::KeyboardModifiers modifiers);
+
+    void showAlertWithTitle(const QString &title, const QString &andMessage);
+
+    // State.
+    bool hasPhoto() const { return m_inputImage != nullptr; }
+    bool isLoading() const { return m_opener.isLoading(); }
+    const PhotoImagePtr &inputImage() const { return m_inputImage; }
+    const QString &imageUrl() const { return m_imageUrl; }
+    const PhotoImagePtr &resizedInputImage() const { return m_resizedInputImage; }
+    const PhotoImagePtr &maskImage() const { return m_maskImage; }
+    const PhotoImagePtr &overlayImage() const { return m_overlayImage; }
+    void setOverlayImage(const PhotoImagePtr &image) { m_overlayImage = image; }
+    qint32 toolType() const { return m_toolType; }
+    qint32 menuSelectedIndex() const { return m_menuSelectedIndex; }
+    bool isRunningAlgorithm() const { return m_isRunningAlgorithm; }
+    void setIsRunningAlgorithm(bool running) { m_isRunningAlgorithm = running; }
+    bool isResizingWindow() const { return m_isResizingWindow; }
+    bool isExportingWithAddingNewImage() const { return m_isExportingWithAddingNewImage; }
+    void setIsExportingWithAddingNewImage(bool exporting) { m_isExportingWithAddingNewImage = exporting; }
+    const PhotoImagePtr &lastExportedImage() const { return m_lastExportedImage; }
+    void setLastExportedImage(const PhotoImagePtr &image);
+    const std::shared_ptr<PaintStepList> &arrDrawedPointsForCustomBrushOption() const { return m_arrDrawedPoints; }
+
+    /// While an export runs: no second one, no sharing, no other settings, no painting, no other photo.
+    void setExportLocked(bool locked);
+    bool isExportLocked() const { return m_exportLocked; }
+
+signals:
+    /// A preview has come into the after-image view.
+    void previewShown();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    bool isPainting() const { return m_toolType == kToolPaint || m_toolType == kToolErase; }
+    QString text(const char *key) const;
+
+    void observeNotifications();
+    void connectControls();
+    void connectWorkers();
+    void setupScreen();
+
+    void openPhotoAtPath(const QString &path);
+    void whenPictureIsThere(std::function<void()> then);
+    void takePhoto(const OpenedPhoto &photo);
+    void endLoading();
+    void showRefusal(const Failure &failure);
+    PhotoOpener::Sizes wantedSizes() const;
+
+    void clearCanvas();
+    void applyBrushHardness();
+    void applyBrushValues();
+    void setArrowCursor();
+    void showToolInForce();
+    void checkPointerOverPhoto();
+    void updateUnsavedMark();
+    void updateLocks();
+    void takeDownSaveChanges();
+    void followScreen();
+
+    ApplicationDelegate &m_application;
+    QPointer<MainScreenView> m_view;
+    QPointer<TitlebarWindow> m_window;
+    QPointer<SaveChangesSheet> m_windowSaveChanges;
+    PaintControl m_paintControl;
+    std::vector<NotificationCenter::Token> m_observers;
+
+    PhotoImagePtr m_inputImage;
+    QString m_imageUrl;
+    QString m_imageType; ///< of `m_imageUrl`: its extension, or what its content is where the name does not tell
+    PhotoImagePtr m_resizedInputImage;
+    PhotoImagePtr m_fittedImage; ///< what `m_resizedInputImage` was made from
+    PhotoImagePtr m_maskImage;
+    PhotoImagePtr m_overlayImage;
+    PhotoImagePtr m_maskGreenImageWithCustomPaint;
+    PhotoImagePtr m_maskImageWithCustomPaint;
+    PhotoImagePtr m_lastExportedImage;
+    std::shared_ptr<PaintStepList> m_arrDrawedPoints;
+    qint32 m_toolType = kToolNone;
+    qint32 m_menuSelectedIndex = -1;
+    bool m_isRunningAlgorithm = false;
+    bool m_isResizingWindow = false;
+    bool m_isExportingWithAddingNewImage = false;
+    bool m_exportLocked = false;
+
+    PhotoOpener::Knocked m_knocked; ///< what was read at the door, for `isValidImage()` to ask for
+    std::function<void()> m_whenPictureIsThere;
+    std::unique_ptr<OpenedPhoto> m_arrived; ///< a picture that came during an export
+    QString m_lastFolder;
+
+    // Last, so that their threads are over before anything else goes.
+    PhotoOpener m_opener;
+    PreviewRunner m_previews;
+    WorkQueue m_previewRequests{1};
+};
+
+} // namespace hazelmark

@@ -1,0 +1,320 @@
+#include "MainScreenView.h"
+
+#include "ApplicationDelegate.h"
+#include "BarProgressIndicator.h"
+#include "DrawTrackingView.h"
+#include "FileDraggingView.h"
+#include "HighlightButton.h"
+#include "ImageCatalog.h"
+#include "PaintView.h"
+#include "PhotoImageView.h"
+#include "PhotoTest.h"
+#include "SettingsPanel.h"
+#include "SummaryBar.h"
+#include "Theme.h"
+#include "TitlebarWindow.h"
+
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPaintEvent>
+#include <QPainter>
+#include <QPushButton>
+#include <QResizeEvent>
+
+#include <cmath>
+
+namespace hazelmark {
+
+namespace {
+
+constexpr int kStripButtonPoints = 40;
+constexpr int kPromptIconPoints = 120;
+constexpr int kLoadingNoteHeight = 32;
+constexpr qreal kLoadingNoteRadius = 6;
+
+/// The note that a photo is being opened: legible on any picture.
+class LoadingNote : public QLabel
+{
+public:
+    explicit LoadingNote(QWidget *parent)
+        : QLabel(parent)
+    {
+        setAttribute(Qt::WA_TransparentForMouseEvents);
+        setAlignment(Qt::AlignCenter);
+        setContentsMargins(theme::kMargin, 0, theme::kMargin, 0);
+        hide();
+    }
+
+protected:
+    void paintEvent(QPaintEvent *event) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(theme::kHairline);
+        painter.setBrush(theme::kField);
+        painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kLoadingNoteRadius, kLoadingNoteRadius);
+        painter.end();
+        QLabel::paintEvent(event);
+    }
+};
+
+void fillWith(QWidget &widget, const QColor &color)
+{
+    QPalette palette = widget.palette();
+    palette.setColor(QPalette::Window, color);
+    widget.setPalette(palette);
+    widget.setAutoFillBackground(true);
+}
+
+HighlightButton *stripButton(const QString &image, const char *name, QWidget *parent)
+{
+    auto *button = new HighlightButton(HighlightButton::kImageTag, image, image + QStringLiteral("-hover"), parent);
+    button->setObjectName(QLatin1String(name));
+    button->setFixedSize(kStripButtonPoints, kStripButtonPoints);
+    return button;
+}
+
+} // namespace
+
+MainScreenView::MainScreenView(ApplicationDelegate &application, QWidget *parent)
+    : QWidget(parent)
+{
+    setObjectName(QStringLiteral("MainScreenVC"));
+    setAttribute(Qt::WA_OpaquePaintEvent);
+    vwMainContainer = new QWidget(this);
+    vwMainContainer->setObjectName(QStringLiteral("vwMainContainer"));
+    dropTarget = new FileDraggingView(&isReadablePhotoFile, vwMainContainer);
+    vwBottom = new SummaryBar(application, this);
+    vwRightContainer = new QWidget(this);
+    vwRightContainer->setObjectName(QStringLiteral("vwRightContainer"));
+    fillWith(*vwRightContainer, theme::kPanel);
+    vwSettingOptions = new SettingsPanel(application, vwRightContainer);
+    makeTitleStrip();
+    makePrompt();
+    makePhotoArea();
+    TitlebarWindow::setMovesWindow(*this);
+    TitlebarWindow::setMovesWindow(*vwMainContainer);
+    TitlebarWindow::setMovesWindow(*dropTarget);
+}
+
+void MainScreenView::makeTitleStrip()
+{
+    vwTopContainer = new QWidget(this);
+    vwTopContainer->setObjectName(QStringLiteral("vwTopContainer"));
+    fillWith(*vwTopContainer, theme::kStrip);
+    TitlebarWindow::setMovesWindow(*vwTopContainer);
+    btnAddPhoto = stripButton(QStringLiteral("add"), "btnAddPhoto", vwTopContainer);
+    btnShareService = stripButton(QStringLiteral("share"), "btnShareService", vwTopContainer);
+    btnExport = stripButton(QStringLiteral("export"), "btnExport", vwTopContainer);
+    m_unsavedMark = new QLabel(vwTopContainer);
+    m_unsavedMark->setObjectName(QStringLiteral("unsavedMark"));
+    m_unsavedMark->hide();
+}
+
+void MainScreenView::makePrompt()
+{
+    vwDragging = new QWidget(dropTarget);
+    vwDragging->setObjectName(QStringLiteral("vwDragging"));
+    TitlebarWindow::setMovesWindow(*vwDragging);
+    auto *icon = new QLabel;
+    icon->setPixmap(ImageCatalog::imageNamed(QStringLiteral("drop-hint"), {kPromptIconPoints, kPromptIconPoints},
+                                             devicePixelRatioF()));
+    txtAddPhoto = new QLabel;
+    txtAddPhoto->setObjectName(QStringLiteral("txtAddPhoto"));
+    txtAddPhoto->setFont(theme::systemFont(theme::kTextSize + 4));
+    btnAddPhotoOnPrompt = new QPushButton;
+    btnAddPhotoOnPrompt->setObjectName(QStringLiteral("btnAddPhotoOnPrompt"));
+    btnAddPhotoOnPrompt->setDefault(true);
+
+    auto *layout = new QVBoxLayout(vwDragging);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addStretch();
+    layout->addWidget(icon, 0, Qt::AlignHCenter);
+    layout->addSpacing(theme::kMargin + theme::kSpacing);
+    layout->addWidget(txtAddPhoto, 0, Qt::AlignHCenter);
+    layout->addSpacing(theme::kMargin + theme::kSpacing);
+    layout->addWidget(btnAddPhotoOnPrompt, 0, Qt::AlignHCenter);
+    layout->addStretch();
+}
+
+void MainScreenView::makePhotoArea()
+{
+    vwPreviewContainer = new QWidget(dropTarget);
+    vwPreviewContainer->setObjectName(QStringLiteral("vwPreviewContainer"));
+    imgvwBeforeBokesh = new PhotoImageView(vwPreviewContainer);
+    imgvwBeforeBokesh->setObjectName(QStringLiteral("imgvwBeforeBokesh"));
+    imgvwAfterBokesh = new PhotoImageView(vwPreviewContainer);
+    imgvwAfterBokesh->setObjectName(QStringLiteral("imgvwAfterBokesh"));
+    drawTrackingView = new DrawTrackingView(vwPreviewContainer);
+    drawTrackingView->setObjectName(QStringLiteral("drawTrackingView"));
+    paintView = new PaintView(vwPreviewContainer);
+    paintView->setObjectName(QStringLiteral("paintView"));
+    paintView->hide();
+    m_loadingNote = new LoadingNote(dropTarget);
+    m_loadingNote->setObjectName(QStringLiteral("loadingNote"));
+    progressBar = new BarProgressIndicator({}, theme::kBlueHighlight, Qt::transparent, 0, 1, 0, vwMainContainer);
+    progressBar->setObjectName(QStringLiteral("progressBar"));
+    progressBar->hide();
+}
+
+void MainScreenView::setLocalizedStrings(ApplicationDelegate &application)
+{
+    const auto text = [&](const char *key) { return application.getLocalizedStringForKey(QLatin1String(key)); };
+    const auto name = [](QWidget *button, const QString &toolTip) {
+        button->setToolTip(toolTip);
+        button->setAccessibleName(toolTip);
+    };
+    txtAddPhoto->setText(text("DRAG_DROP_IMAGE"));
+    btnAddPhotoOnPrompt->setText(text("OPEN_IMAGE"));
+    name(btnAddPhoto, text("ADD_IMAGE"));
+    name(btnExport, text("SAVE"));
+    name(btnShareService, text("SHARE"));
+    name(m_unsavedMark, text("UNSAVED_WORK"));
+    imgvwAfterBokesh->setAccessibleName(text("PHOTO_AREA"));
+    layOut();
+}
+
+void MainScreenView::setTitleStripInset(int inset)
+{
+    m_titleStripInset = inset;
+    layOutTitleStrip();
+}
+
+void MainScreenView::showAddPhotoLayout()
+{
+    m_besidePanel = false;
+    m_photoShown = false;
+    layOut();
+}
+
+void MainScreenView::showPhotoLayout()
+{
+    m_besidePanel = true;
+    m_photoShown = true;
+    layOut();
+}
+
+void MainScreenView::setPanelAndBarVisible(bool visible)
+{
+    vwRightContainer->setVisible(visible);
+    vwBottom->setVisible(visible);
+    m_besidePanel = visible;
+    layOut();
+}
+
+void MainScreenView::placePhoto(const QRectF &picture)
+{
+    m_picture = picture;
+    const QRect whole(QPoint(), vwPreviewContainer->size());
+    for (PhotoImageView *view : {imgvwBeforeBokesh, imgvwAfterBokesh}) {
+        view->setGeometry(whole);
+        view->setPictureFrame(picture);
+    }
+    paintView->setFrame(picture);
+    drawTrackingView->setGeometry(paintView->geometry());
+    placeLoadingNote();
+}
+
+QRectF MainScreenView::photoFrame() const
+{
+    return m_picture;
+}
+
+void MainScreenView::showLoading(const QString &text)
+{
+    m_loadingNote->setText(text);
+    m_loadingNote->setVisible(!text.isEmpty());
+    m_loadingNote->raise();
+    vwDragging->setVisible(!m_photoShown && text.isEmpty());
+    placeLoadingNote();
+}
+
+void MainScreenView::setUnsavedMarkVisible(bool visible)
+{
+    m_unsavedMark->setVisible(visible);
+}
+
+QSize MainScreenView::previewSize() const
+{
+    return vwPreviewContainer->size();
+}
+
+QSize MainScreenView::previewSizeWithPhoto() const
+{
+    return (mainContainerFrame(true).size() - QSize(kPreviewInsetPoints, kPreviewInsetPoints)).expandedTo({1, 1});
+}
+
+void MainScreenView::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    layOut();
+}
+
+void MainScreenView::paintEvent(QPaintEvent *event)
+{
+    QPainter painter(this);
+    painter.fillRect(event->rect(), theme::kSurround);
+}
+
+QRect MainScreenView::mainContainerFrame(bool besidePanel) const
+{
+    const int right = besidePanel ? kPanelWidthPoints : 0;
+    const int bottom = besidePanel ? SummaryBar::kHeightPoints : 0;
+    return rect().adjusted(0, theme::kTitleBarHeight, -right, -bottom);
+}
+
+void MainScreenView::layOut()
+{
+    layOutTitleStrip();
+    vwMainContainer->setGeometry(mainContainerFrame(m_besidePanel));
+    layOutMainContainer();
+    vwRightContainer->setGeometry(width() - kPanelWidthPoints, theme::kTitleBarHeight, kPanelWidthPoints,
+                                  height() - theme::kTitleBarHeight);
+    vwSettingOptions->setGeometry(vwRightContainer->rect());
+    vwBottom->setGeometry(0, height() - SummaryBar::kHeightPoints, width() - kPanelWidthPoints,
+                          SummaryBar::kHeightPoints);
+}
+
+void MainScreenView::layOutTitleStrip()
+{
+    vwTopContainer->setGeometry(0, 0, width(), theme::kTitleBarHeight);
+    const int top = (theme::kTitleBarHeight - kStripButtonPoints) / 2;
+    // The three stand over the panel, the one that ends the work outermost.
+    int right = width() - theme::kMargin + theme::kSpacing;
+    for (HighlightButton *button : {btnExport, btnShareService, btnAddPhoto}) {
+        right -= kStripButtonPoints;
+        button->move(right, top);
+        right -= theme::kSpacing;
+    }
+    const QPixmap mark = ImageCatalog::imageNamed(
+        QStringLiteral("unsaved"), ImageCatalog::naturalSize(QStringLiteral("unsaved")), devicePixelRatioF());
+    m_unsavedMark->setPixmap(mark);
+    m_unsavedMark->resize(m_unsavedMark->sizeHint());
+    m_unsavedMark->move(right - m_unsavedMark->width(), (theme::kTitleBarHeight - m_unsavedMark->height()) / 2);
+}
+
+void MainScreenView::layOutMainContainer()
+{
+    const QRect whole(QPoint(), vwMainContainer->size());
+    constexpr int kInset = kPreviewInsetPoints / 2;
+    dropTarget->setGeometry(whole);
+    vwDragging->setGeometry(whole);
+    vwDragging->setVisible(!m_photoShown && m_loadingNote->text().isEmpty());
+    vwPreviewContainer->setGeometry(whole.adjusted(kInset, kInset, -kInset, -kInset));
+    vwPreviewContainer->setVisible(m_photoShown);
+    progressBar->setGeometry(0, 0, whole.width(), kProgressHeightPoints);
+    progressBar->raise();
+    placeLoadingNote();
+}
+
+void MainScreenView::placeLoadingNote()
+{
+    const int width = std::min(m_loadingNote->sizeHint().width(), dropTarget->width());
+    const QRect area = dropTarget->rect();
+    // Over a photo it stands near the foot, where it hides little.
+    const int bottom = m_photoShown ? area.bottom() - kPreviewInsetPoints / 2 - theme::kMargin
+                                    : area.center().y() + kLoadingNoteHeight / 2;
+    m_loadingNote->setGeometry((area.width() - width) / 2, bottom - kLoadingNoteHeight, width, kLoadingNoteHeight);
+}
+
+} // namespace hazelmark

@@ -1,0 +1,101 @@
+#pragma once
+
+#include <QRectF>
+#include <QWidget>
+
+class QLabel;
+class QPushButton;
+
+namespace hazelmark {
+
+class ApplicationDelegate;
+class BarProgressIndicator;
+class DrawTrackingView;
+class FileDraggingView;
+class HighlightButton;
+class PaintView;
+class PhotoImageView;
+class SettingsPanel;
+class SummaryBar;
+
+/// The layout of the one screen: the title strip on top; below it the photo area with the summary bar at its foot, and
+/// the settings panel at the right. Without a photo a hint how to open one fills the area.
+///
+/// It says only where things are; what they do is MainScreenVC's. Distances are in points, on the grid of the theme.
+class MainScreenView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    static constexpr int kPanelWidthPoints = 250;
+    /// Narrower and lower by this than the main container is the preview container.
+    static constexpr int kPreviewInsetPoints = 40;
+    static constexpr int kProgressHeightPoints = 3;
+
+    explicit MainScreenView(ApplicationDelegate &application, QWidget *parent = nullptr);
+
+    /// The texts that belong to the screen itself, in the interface language.
+    void setLocalizedStrings(ApplicationDelegate &application);
+    /// What the window's own controls take of the title strip, from the left.
+    void setTitleStripInset(int inset);
+
+    /// The main container as large as the whole view, with the hint; or left of the panel's place, with the photo.
+    void showAddPhotoLayout();
+    void showPhotoLayout();
+    void setPanelAndBarVisible(bool visible);
+    /// Where the photo stands in the preview container (W × H points): `picture` is the fitted rectangle.
+    void placePhoto(const QRectF &picture);
+    QRectF photoFrame() const;
+
+    /// Says that a photo is being opened; an empty text takes the note away.
+    void showLoading(const QString &text);
+    /// A mark in the title strip for work that is not exported yet.
+    void setUnsavedMarkVisible(bool visible);
+
+    /// Of the preview container, in points: as it is, and as it will be once a photo is shown beside the panel.
+    QSize previewSize() const;
+    QSize previewSizeWithPhoto() const;
+
+    // Named as the interface has them.
+    QWidget *vwTopContainer = nullptr;
+    QWidget *vwMainContainer = nullptr;
+    QWidget *vwPreviewContainer = nullptr;
+    QWidget *vwRightContainer = nullptr;
+    QWidget *vwDragging = nullptr; ///< the drop prompt
+    QLabel *txtAddPhoto = nullptr; ///< the hint in it
+    QPushButton *btnAddPhotoOnPrompt = nullptr;
+    FileDraggingView *dropTarget = nullptr;
+    SummaryBar *vwBottom = nullptr;
+    SettingsPanel *vwSettingOptions = nullptr;
+    BarProgressIndicator *progressBar = nullptr;
+    PhotoImageView *imgvwBeforeBokesh = nullptr;
+    PhotoImageView *imgvwAfterBokesh = nullptr;
+    DrawTrackingView *drawTrackingView = nullptr;
+    PaintView *paintView = nullptr;
+    HighlightButton *btnAddPhoto = nullptr;
+    HighlightButton *btnExport = nullptr;
+    HighlightButton *btnShareService = nullptr;
+
+protected:
+    void resizeEvent(QResizeEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    void makeTitleStrip();
+    void makePrompt();
+    void makePhotoArea();
+    void layOut();
+    void layOutTitleStrip();
+    void layOutMainContainer();
+    QRect mainContainerFrame(bool besidePanel) const;
+    void placeLoadingNote();
+
+    QLabel *m_unsavedMark = nullptr;
+    QLabel *m_loadingNote = nullptr;
+    bool m_besidePanel = false;
+    bool m_photoShown = false;
+    int m_titleStripInset = 0;
+    QRectF m_picture;
+};
+
+} // namespace hazelmark

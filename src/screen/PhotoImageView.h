@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QImage>
+#include <QRectF>
+#include <QWidget>
+
+namespace hazelmark {
+
+/// Shows the photo, or a preview of it, on the neutral surround.
+///
+/// The picture stands in a frame of the view's own (points). A picture that has just the frame's pixels is shown
+/// pixel for pixel; while another size is on its way, what there is is stretched to the frame.
+class PhotoImageView : public QWidget
+{
+    Q_OBJECT
+
+public:
+    explicit PhotoImageView(QWidget *parent = nullptr);
+
+    /// `shown`: in the screen's colours; null for none.
+    void setImage(const QImage &shown);
+    const QImage &image() const { return m_image; }
+
+    void setPictureFrame(const QRectF &frame);
+    QRectF pictureFrame() const { return m_frame; }
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    QRectF target() const;
+    QImage m_image;
+    QRectF m_frame;
+};
+
+} // namespace hazelmark

@@ -1,0 +1,92 @@
+#include "PreviewRunner.h"
+
+#include "RenderJobs.h"
+#include "ScreenLog.h"
+
+#include <new>
+
+namespace hazelmark {
+
+namespace {
+
+template <typename Draw>
+QImage withinMemory(const Draw &draw)
+{
+    try {
+        return draw();
+    } catch (const std::bad_alloc &) {
+        qCWarning(lcScreen, "no memory to draw the preview");
+        return {};
+    }
+}
+
+QImage shown(const PhotoImagePtr &picture, const DisplayColors &colors)
+{
+    return picture ? colors.shown(picture->bitmap(), picture->iccProfile()) : QImage();
+}
+
+} // namespace
+
+PreviewRunner::PreviewRunner(Render render, QObject *parent)
+    : QObject(parent)
+    , m_render(std::move(render))
+{
+}
+
+PreviewRunner::Render PreviewRunner::realRender()
+{
+    return [](const PreviewJob &job) { return job.run(); };
+}
+
+void PreviewRunner::startPhoto()
+{
+    ++m_photo;
+    setSource(nullptr, nullptr);
+}
+
+void PreviewRunner::setSource(const PhotoImagePtr &resizedInputImage, const PhotoImagePtr &maskImage)
+{
+    std::lock_guard lock(m_source->mutex);
+    m_source->resizedInputImage = resizedInputImage;
+    m_source->maskImage = maskImage;
+}
+
+void PreviewRunner::request(const CoreFilterObject &settings)
+{
+    m_queue.run(
+        [render = m_render, source = m_source, colors = m_colors, settings] {
+            PreviewJob job;
+            job.settings = settings;
+            {
+                std::lock_guard lock(source->mutex);
+                job.resizedInputImage = source->resizedInputImage;
+                job.maskImage = source->maskImage;
+            }
+            return withinMemory([&] {
+                if (job.resizedInputImage)
+                    job.resizedInputImage->bitmap(); // else every render would scale it anew
+                return shown(render(job), colors);
+            });
+        },
+        [this, photo = m_photo](const QImage &picture) {
+            if (photo == m_photo && !picture.isNull())
+                emit previewRendered(picture);
+        });
+}
+
+void PreviewRunner::requestInput(const PhotoImagePtr &resizedInputImage)
+{
+    const quint64 request = ++*m_latestInput;
+    m_queue.run(
+        [resizedInputImage, colors = m_colors, latest = m_latestInput, request] {
+            if (*latest != request)
+                return QImage();
+            return withinMemory([&] { return shown(resizedInputImage, colors); });
+        },
+        [this, photo = m_photo](const QImage &picture) {
+            if (photo == m_photo && !picture.isNull())
+                emit inputDrawn(picture);
+        });
+}
+
+} // namespace hazelmark

@@ -1,0 +1,211 @@
+// The screen's side of painting: tools, brush sliders, the canvas coming and going, strokes across a resize.
+#include "ScreenFixture.h"
+
+#include "DrawTrackingView.h"
+#include "FloatSlider.h"
+#include "HighlightButton.h"
+#include "NotificationNames.h"
+#include "PaintView.h"
+#include "SettingsPanel.h"
+
+#include <QCursor>
+#include <QLineEdit>
+#include <QTest>
+
+namespace hazelmark {
+
+namespace {
+
+constexpr int kAfterRedraw = 1100;  ///< milliseconds
+constexpr int kAfterDiameter = 600; ///< after the redraw
+
+class PaintModes : public ScreenFixture
+{
+protected:
+    void openPhoto()
+    {
+        start();
+        open(photo(u"a.png"_qs, {1500, 1000}));
+    }
+    SettingsPanel *panel() const { return m_screen->mainScreenView()->vwSettingOptions; }
+    PaintView *canvas() const { return m_screen->mainScreenView()->paintView; }
+    void chooseEraser() { m_screen->segmentPaintEraseTapped(panel()->btnEraser()); }
+    void chooseBrush() { m_screen->segmentPaintEraseTapped(panel()->btnPaint()); }
+    bool eraserIsHighlighted() const { return panel()->btnEraser()->image() == u"eraser_select.png"_qs; }
+};
+
+TEST_F(PaintModes, WithoutAToolNothingHappens)
+{
+    start();
+    const float before = canvas()->pointSize();
+    panel()->slider(Setting::BrushDiameter)->setValue(200);
+    const QString text = panel()->field(Setting::BrushDiameter)->text();
+    m_screen->hadleSliderBrushDiameter();
+    m_screen->hadleSliderBrushHardness();
+    post(kNotificationMouseIn);
+    post(kNotificationBurshDrawedRegionUpdated);
+    QTest::qWait(50);
+    EXPECT_EQ(canvas()->pointSize(), before);
+    EXPECT_EQ(panel()->field(Setting::BrushDiameter)->text(), text);
+    EXPECT_FALSE(canvas()->isVisible());
+    EXPECT_EQ(m_rendered, 0);
+}
+
+TEST_F(PaintModes, TheCanvasIsVisibleOnlyWhileThePointerIsOverThePhoto)
+{
+    openPhoto();
+    EXPECT_FALSE(canvas()->isVisible()) << "the pointer was elsewhere all the time, and no event says so";
+    EXPECT_TRUE(m_screen->mainScreenView()->drawTrackingView->isVisible());
+    QCursor::setPos(canvas()->mapToGlobal(canvas()->rect().center()));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return canvas()->isVisible(); }));
+    QCursor::setPos(m_window->mapToGlobal(QPoint(20, 20)));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !canvas()->isVisible(); }));
+
+    // A drop leaves the pointer over the photo area.
+    QCursor::setPos(canvas()->mapToGlobal(canvas()->rect().center()));
+    open(photo(u"b.png"_qs, {1500, 1000}));
+    EXPECT_TRUE(canvas()->isVisible());
+    EXPECT_TRUE(canvas()->arrDrawedPoints()->empty());
+}
+
+TEST_F(PaintModes, ErasedPaintLeavesTheMask)
+{
+    openPhoto();
+    stroke({0.2, 0.5}, {0.8, 0.5});
+    waitForPreviews(1);
+    const auto green = [&](double x, double y) {
+        const QImage mask = m_screen->maskImage()->bitmap();
+        return mask.pixelColor(int(x * mask.width()), int(y * mask.height()));
+    };
+    EXPECT_GT(green(0.3, 0.5).green(), 200);
+    EXPECT_EQ(green(0.3, 0.5).red() + green(0.3, 0.5).blue(), 0);
+    EXPECT_EQ(green(0.3, 0.5).alpha(), 255) << "it lies on opaque black";
+    EXPECT_EQ(green(0.3, 0.1), QColor(Qt::black));
+    const int before = green(0.7, 0.5).green();
+    chooseEraser();
+    EXPECT_EQ(m_screen->toolType(), MainScreenVC::kToolErase);
+    EXPECT_TRUE(eraserIsHighlighted());
+    for (int i = 0; i < 3; ++i)
+        stroke({0.2, 0.5}, {0.45, 0.5});
+    waitForPreviews(4);
+    EXPECT_LT(green(0.3, 0.5).green(), 20);
+    EXPECT_EQ(green(0.7, 0.5).green(), before);
+}
+
+TEST_F(PaintModes, TheBrushSlidersReachTheBrush)
+{
+    openPhoto();
+    panel()->slider(Setting::BrushHardness)->setValueByUser(49.6);
+    EXPECT_FLOAT_EQ(canvas()->hardness(), 0.5F);
+    EXPECT_FLOAT_EQ(canvas()->pointSize(), 64.8F) << "hardness alone leaves the stamp size";
+    EXPECT_EQ(panel()->field(Setting::BrushHardness)->text(), u"49"_qs);
+    panel()->slider(Setting::BrushDiameter)->setValueByUser(50.7);
+    EXPECT_FLOAT_EQ(canvas()->pointSize(), 1.32F * 50.7F);
+    EXPECT_EQ(panel()->field(Setting::BrushDiameter)->text(), u"50"_qs);
+    panel()->slider(Setting::BrushSizeAuto)->setValueByUser(80.6);
+    EXPECT_FLOAT_EQ(canvas()->pointSize(), 1.32F * 81);
+    EXPECT_EQ(panel()->field(Setting::BrushDiameter)->text(), u"80"_qs);
+    panel()->btnResetSliderSettingsTapped(SettingsPanel::kResetMasking);
+    EXPECT_FLOAT_EQ(canvas()->hardness(), 0);
+    EXPECT_FLOAT_EQ(canvas()->pointSize(), 64.8F);
+}
+
+TEST_F(PaintModes, StrokesKeepTheirPlaceOnThePhotoAcrossAResize)
+{
+    openPhoto();
+    stroke({0.2, 0.25}, {0.8, 0.25});
+    resizeWindow({800, 600});
+    EXPECT_GT(paintAt({0.5, 0.25}), 200) << "stretched at once";
+    post(kNotificationWindowEndResizing);
+    QTest::qWait(kAfterRedraw);
+    EXPECT_GT(paintAt({0.5, 0.25}), 200);
+    EXPECT_EQ(paintAt({0.5, 0.75}), 0);
+    EXPECT_EQ(m_screen->maskImage()->pixelSize(), canvas()->bufferSize());
+    EXPECT_EQ(canvas()->arrDrawedPoints(), m_screen->arrDrawedPointsForCustomBrushOption());
+}
+
+TEST_F(PaintModes, AStrokeDuringAResizeIsRedrawnWithTheOthers)
+{
+    openPhoto();
+    stroke({0.1, 0.25}, {0.4, 0.25});
+    post(kNotificationWindowEndResizing);
+    stroke({0.1, 0.75}, {0.4, 0.75}, false); // the button is still down when the redraw comes
+    QTest::qWait(kAfterRedraw);
+    EXPECT_GT(paintAt({0.3, 0.25}), 200);
+    EXPECT_GT(paintAt({0.3, 0.75}), 200);
+    stroke({0.4, 0.75}, {0.8, 0.75});
+    EXPECT_GT(paintAt({0.7, 0.75}), 200);
+    EXPECT_EQ(m_screen->arrDrawedPointsForCustomBrushOption(), canvas()->arrDrawedPoints());
+    post(kNotificationWindowEndResizing);
+    QTest::qWait(kAfterRedraw);
+    EXPECT_GT(paintAt({0.7, 0.75}), 200);
+}
+
+TEST_F(PaintModes, AReplayLeavesTheLastStrokesToolAndTheHighlightSaysSo)
+{
+    openPhoto();
+    stroke({0.2, 0.5}, {0.8, 0.5});
+    chooseEraser();
+    stroke({0.2, 0.5}, {0.3, 0.5});
+    chooseBrush();
+    panel()->slider(Setting::BrushDiameter)->setValueByUser(100);
+    post(kNotificationWindowEndResizing);
+    EXPECT_FALSE(eraserIsHighlighted());
+    QTest::qWait(kAfterRedraw);
+    EXPECT_TRUE(canvas()->eraser());
+    EXPECT_TRUE(eraserIsHighlighted());
+    EXPECT_EQ(m_screen->toolType(), MainScreenVC::kToolPaint);
+    EXPECT_FLOAT_EQ(canvas()->pointSize(), 64.8F) << "the last stroke's";
+    QTest::qWait(kAfterDiameter);
+    EXPECT_FLOAT_EQ(canvas()->pointSize(), 162) << "the slider's again";
+    chooseBrush();
+    EXPECT_FALSE(canvas()->eraser());
+}
+
+TEST_F(PaintModes, ANewPhotoStartsEmptyWhateverIsStillDue)
+{
+    openPhoto();
+    stroke({0.2, 0.5}, {0.8, 0.5});
+    post(kNotificationWindowEndResizing); // a redraw of that stroke is due in a second
+    chooseEraser();
+    open(photo(u"b.png"_qs, {1000, 1500}, Qt::blue));
+    EXPECT_EQ(m_screen->toolType(), MainScreenVC::kToolPaint);
+    stroke({0.5, 0.1}, {0.5, 0.2});
+    QTest::qWait(kAfterRedraw + 200);
+    EXPECT_EQ(paintAt({0.5, 0.5}), 0) << "the stroke on the photo before";
+    EXPECT_GT(paintAt({0.5, 0.15}), 200) << "the stroke on this one";
+    EXPECT_EQ(canvas()->arrDrawedPoints()->size(), 11U);
+}
+
+TEST_F(PaintModes, APhotoThatComesDuringAStrokeEndsIt)
+{
+    openPhoto();
+    stroke({0.2, 0.5}, {0.8, 0.5}, false);
+    open(photo(u"b.png"_qs, {1500, 1000}, Qt::blue));
+    QTest::mouseMove(canvas(), canvas()->rect().center());
+    letGo({0.5, 0.5});
+    EXPECT_TRUE(canvas()->arrDrawedPoints()->empty());
+    stroke({0.2, 0.2}, {0.4, 0.2});
+    EXPECT_EQ(canvas()->arrDrawedPoints()->size(), 11U);
+}
+
+TEST_F(PaintModes, WorkThatIsNotExportedIsMarked)
+{
+    openPhoto();
+    const auto *mark = m_screen->view()->findChild<QWidget *>(u"unsavedMark"_qs);
+    EXPECT_FALSE(mark->isVisible());
+    stroke({0.2, 0.5}, {0.8, 0.5});
+    waitForPreviews(1);
+    EXPECT_TRUE(mark->isVisible());
+    m_screen->setLastExportedImage(m_screen->inputImage());
+    EXPECT_FALSE(mark->isVisible());
+    stroke({0.2, 0.6}, {0.8, 0.6});
+    waitForPreviews(2);
+    EXPECT_TRUE(mark->isVisible());
+    open(photo(u"b.png"_qs, {1500, 1000}));
+    EXPECT_FALSE(mark->isVisible());
+}
+
+} // namespace
+
+} // namespace hazelmark

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "ApplicationDelegate.h"
+#include "MainScreenVC.h"
+#include "NotificationCenter.h"
+#include "ProcessState.h"
+#include "RenderJobs.h"
+#include "TitlebarWindow.h"
+#include "UserSession.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+
+#include <atomic>
+#include <memory>
+#include <mutex>
+#include <semaphore>
+#include <vector>
+
+namespace hazelmark {
+
+/// The application as far as the screen asks for it. A text is its key and what is filled into it.
+class ScreenApplication : public ApplicationDelegate
+{
+public:
+    std::shared_ptr<PhotoFile> selectedImageFile() const override { return m_file; }
+    void setSelectedImageFile(std::shared_ptr<PhotoFile> file) override { m_file = std::move(file); }
+    QStringList arraySelectedImagesToProcess() const override { return m_toProcess; }
+    bool isUiDisabled() const override { return ProcessState::shared().isUiDisabled; }
+    void setIsUiDisabled(bool disabled) override { ProcessState::shared().isUiDisabled = disabled; }
+    bool isAppActive() const override { return true; }
+    void setIsExporting(bool exporting) override { m_isExporting = exporting; }
+    QUrl linkForTag(int) const override { return {}; }
+    QString getLocalizedStringForKey(const QString &key) override { return key + QStringLiteral(" %@"); }
+    void showAlertForRateApp() override {}
+
+    std::shared_ptr<PhotoFile> m_file;
+    QStringList m_toProcess;
+    bool m_isExporting = false;
+};
+
+class NamedSession : public UserSession
+{
+public:
+    QString loginName() const override { return m_login; }
+    QString m_login = QStringLiteral("somebody");
+};
+
+/// Holds threads up until it is opened.
+class Gate
+{
+public:
+    void open(int times = 1000) { m_semaphore.release(times); }
+    void pass() { m_semaphore.acquire(); }
+
+private:
+    std::counting_semaphore<> m_semaphore{0};
+};
+
+/// The main screen in a window of 1300 × 800 points, with the photos and the notifications of the test's own. Loading
+/// and rendering are the real ones unless `work` says otherwise before `start()`.
+class ScreenFixture : public testing::Test
+{
+protected:
+    ScreenFixture();
+    ~ScreenFixture() override;
+
+    void start();
+    void post(QLatin1String name) { m_center.post(name); }
+
+    /// A photo in a single colour, in a file of its own; its path.
+    QString photo(const QString &name, QSize size, QColor color = Qt::red) const;
+    QString file(const QString &name, const QByteArray &content) const;
+
+    /// Drops the file and waits until it is the open photo.
+    void open(const QString &path);
+    /// Waits until as many previews came into view as there were in the whole test, or more.
+    void waitForPreviews(int shown);
+    /// Drags the mouse over the canvas between two fractions of it; lets go unless told otherwise.
+    void stroke(QPointF from, QPointF to, bool letGo = true);
+    void letGo(QPointF at);
+    void resizeWindow(QSize size);
+    /// What the after-image view shows at a fraction of the photo.
+    QColor shownAt(QPointF place) const;
+    /// Coverage of the canvas, 0..255.
+    int paintAt(QPointF place) const;
+    /// The title or text of the sheet on show; empty when there is none.
+    QString sheetText() const;
+
+    QTemporaryDir m_folder;
+    NotificationCenter m_center;
+    ProcessState m_state;
+    NamedSession m_session;
+    ProcessWide<NotificationCenter>::Replacement m_replaceCenter{m_center};
+    ProcessWide<ProcessState>::Replacement m_replaceState{m_state};
+    ProcessWide<UserSession>::Replacement m_replaceSession{m_session};
+
+    ScreenApplication m_application;
+    MainScreenVC::Work m_work;
+    std::atomic<int> m_rendered = 0; ///< previews that were begun
+    int m_shown = 0;                 ///< previews that came into view
+    std::unique_ptr<TitlebarWindow> m_window;
+    std::unique_ptr<MainScreenVC> m_screen;
+};
+
+} // namespace hazelmark

@@ -1,0 +1,139 @@
+// The main screen and its window: notifications, the window's buttons, closing.
+#include "ScreenFixture.h"
+
+#include "IMGButton.h"
+#include "NotificationNames.h"
+#include "SaveChangesSheet.h"
+#include "SheetQueue.h"
+
+#include <QPushButton>
+#include <QTest>
+
+namespace hazelmark {
+
+namespace {
+
+class ScreenWindow : public ScreenFixture
+{
+protected:
+    SaveChangesSheet *sheet() const
+    {
+        return qobject_cast<SaveChangesSheet *>(SheetQueue::forWindow(*m_window).current());
+    }
+    void answer(const char16_t *button)
+    {
+        QTest::mouseClick(sheet()->findChild<QPushButton *>(QString::fromUtf16(button)), Qt::LeftButton);
+        QTest::qWait(20);
+    }
+};
+
+TEST_F(ScreenWindow, ClosesAtOnceWhenNothingWaitsToBeProcessedOrTheResultIsExported)
+{
+    start();
+    open(photo(u"a.png"_qs, {30, 20}));
+    post(kNotificationClosePhotoFromMenuTapped);
+    EXPECT_FALSE(m_window->isVisible());
+
+    m_window->show();
+    m_application.m_toProcess = {u"/more.jpg"_qs};
+    m_screen->setLastExportedImage(m_screen->inputImage());
+    QTest::mouseClick(m_window->closeButton(), Qt::LeftButton);
+    EXPECT_FALSE(m_window->isVisible());
+}
+
+TEST_F(ScreenWindow, AsksFirstWhenPhotosWaitHoweverItIsClosed)
+{
+    m_application.m_toProcess = {u"/more.jpg"_qs};
+    start();
+    m_window->close();
+    m_window->close();
+    EXPECT_TRUE(m_window->isVisible());
+    ASSERT_NE(sheet(), nullptr);
+    EXPECT_EQ(SheetQueue::forWindow(*m_window).waiting(), 0) << "asks once";
+    answer(u"btnSave");
+    EXPECT_TRUE(m_window->isVisible());
+    EXPECT_EQ(sheet(), nullptr);
+
+    m_window->close();
+    QTest::keyClick(sheet(), Qt::Key_Escape);
+    QTest::qWait(20);
+    EXPECT_TRUE(m_window->isVisible());
+
+    m_window->close();
+    m_screen->setIsExportingWithAddingNewImage(true);
+    answer(u"btnDontSave");
+    EXPECT_TRUE(m_window->isVisible()) << "the flag keeps it open once";
+    EXPECT_FALSE(m_screen->isExportingWithAddingNewImage());
+
+    m_window->close();
+    answer(u"btnDontSave");
+    EXPECT_FALSE(m_window->isVisible());
+}
+
+TEST_F(ScreenWindow, CancellingForgetsThatAPhotoWasToBeAdded)
+{
+    m_application.m_toProcess = {u"/more.jpg"_qs};
+    start();
+    m_screen->setIsExportingWithAddingNewImage(true);
+    m_window->close();
+    answer(u"btnCancel");
+    EXPECT_FALSE(m_screen->isExportingWithAddingNewImage());
+    EXPECT_TRUE(m_window->isVisible());
+}
+
+TEST_F(ScreenWindow, IsNotZoomedWhileSomethingRuns)
+{
+    start();
+    m_screen->setIsRunningAlgorithm(true);
+    m_screen->btnZoomWindowTapped();
+    EXPECT_FALSE(m_window->isMaximized());
+    EXPECT_TRUE(m_window->zoomButton()->isChecked());
+    m_screen->setIsRunningAlgorithm(false);
+    m_screen->btnZoomWindowTapped();
+    EXPECT_TRUE(m_window->isMaximized());
+}
+
+TEST_F(ScreenWindow, HasTheTitleStripThatTheScreenLaysOut)
+{
+    start();
+    EXPECT_EQ(m_window->titleBarHeight(), 60);
+    EXPECT_EQ(m_screen->mainScreenView()->vwTopContainer->height(), 60);
+    EXPECT_EQ(m_window->closeButton()->x(), m_window->contentView()->x() + 7);
+}
+
+TEST_F(ScreenWindow, AResizeThatStartsWhileNothingRunsIsNoted)
+{
+    start();
+    post(kNotificationWindowResized);
+    EXPECT_FALSE(m_screen->isResizingWindow()) << "no photo";
+    open(photo(u"a.png"_qs, {30, 20}));
+    m_screen->setIsRunningAlgorithm(true);
+    post(kNotificationWindowResized);
+    EXPECT_FALSE(m_screen->isResizingWindow());
+    m_screen->setIsRunningAlgorithm(false);
+    post(kNotificationWindowResized);
+    EXPECT_TRUE(m_screen->isResizingWindow());
+    post(kNotificationWindowEndResizing);
+    EXPECT_FALSE(m_screen->isResizingWindow());
+}
+
+/// Only the bare background takes hold of the window.
+TEST_F(ScreenWindow, MovesByItsBareBackgroundOnly)
+{
+    start();
+    open(photo(u"a.png"_qs, {300, 200}));
+    const MainScreenView *view = m_screen->mainScreenView();
+    const auto moves = [&](const QWidget *area, QPoint place) {
+        const QWidget *hit = m_window->childAt(area->mapTo(m_window.get(), place));
+        return hit && hit->property("movesWindow").toBool();
+    };
+    EXPECT_TRUE(moves(view->vwTopContainer, {view->width() / 2, 30}));
+    EXPECT_TRUE(moves(view->vwMainContainer, {10, 100})) << "beside the photo area";
+    EXPECT_FALSE(moves(view->vwPreviewContainer, {5, 5})) << "the photo area, where the photo leaves it empty";
+    EXPECT_FALSE(moves(view->vwPreviewContainer, view->vwPreviewContainer->rect().center()));
+    EXPECT_FALSE(moves(view->vwRightContainer, {125, view->vwRightContainer->height() - 20}));
+}
+
+} // namespace
+
+} // namespace hazelmark
