@@ -23,7 +23,8 @@ struct EncodeOptions
 ///
 /// JPEG and BMP lay transparent pictures on white; PNG and TIFF keep alpha and 16 bits; GIF keeps one-bit alpha and a
 /// palette of its own, dithered. GIF and BMP hold no profile: their pixels are converted to sRGB from
-/// `options.metadata.iccProfile`. TIFF takes no EXIF, IPTC or XMP here.
+/// `options.metadata.iccProfile`. A TIFF file takes over the EXIF block's tags as its own, but for those that say how
+/// pixels are stored.
 Outcome<Done> encodePicture(const QImage &pixels, const EncodeOptions &options, const QString &path);
 
 } // namespace hazelmark

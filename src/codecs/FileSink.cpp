@@ -2,6 +2,7 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 
@@ -68,6 +69,14 @@ bool FileSink::write(const void *bytes, size_t count)
 int64_t FileSink::seek(int64_t offset, int whence)
 {
     return ::lseek(m_descriptor, offset, whence);
+}
+
+QByteArray FileSink::readAt(int64_t offset, size_t count)
+{
+    QByteArray bytes(qsizetype(count), Qt::Uninitialized);
+    const ssize_t got = ::pread(m_descriptor, bytes.data(), count, offset);
+    bytes.truncate(std::max<ssize_t>(got, 0));
+    return bytes;
 }
 
 Outcome<Done> FileSink::finish()

@@ -2,6 +2,7 @@
 
 #include "Outcome.h"
 
+#include <QByteArray>
 #include <QString>
 
 #include <cstddef>
@@ -24,6 +25,8 @@ public:
     bool write(const void *bytes, size_t count);
     /// Also beyond the end, as lseek does; -1 on failure.
     int64_t seek(int64_t offset, int whence);
+    /// `count` bytes from `offset` of what has been written, or fewer where the file ends. Where writing goes on stays.
+    QByteArray readAt(int64_t offset, size_t count);
     bool hasFailed() const { return m_error != 0; }
 
     /// Closes the file; Done only when everything was written. The file system may report a full disk only here.

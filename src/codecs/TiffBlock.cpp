@@ -12,6 +12,7 @@ namespace {
 constexpr quint16 kByte = 1;
 constexpr quint16 kShort = 3;
 constexpr quint16 kLong = 4;
+constexpr quint16 kSignedLong = 9; // some writers give offsets this type
 constexpr quint16 kDirectory = 13;
 
 /// Bytes of one value of each type; 0 for types that do not exist.
@@ -56,12 +57,13 @@ std::optional<TiffBlock::Directory> TiffBlock::directoryAt(quint32 offset) const
         return std::nullopt;
     for (qsizetype i = 0; i < count; ++i) {
         const qsizetype position = start + 2 + i * kEntrySize;
-        Entry entry{position, number16(position), number16(position + 2), number32(position + 4), position + 8, 0};
-        const qint64 size = entry.type < kTypeSizes.size() ? qint64(kTypeSizes[entry.type]) * entry.count : 0;
-        if (size > 4)
+        Entry entry{position, number16(position), number16(position + 2), number32(position + 4), position + 8, 0, 0};
+        if (entry.type < kTypeSizes.size())
+            entry.statedSize = qint64(kTypeSizes[entry.type]) * entry.count;
+        if (entry.statedSize > kInlineSize)
             entry.valueOffset = number32(position + 8);
-        if (entry.valueOffset + size <= m_bytes.size())
-            entry.valueSize = size;
+        if (entry.valueOffset + entry.statedSize <= m_bytes.size())
+            entry.valueSize = entry.statedSize;
         directory.entries.push_back(entry);
     }
     directory.next = number32(directory.nextPosition());
@@ -73,7 +75,7 @@ std::vector<quint32> TiffBlock::numbers(const Entry &entry) const
     std::vector<quint32> result;
     if (entry.valueSize == 0)
         return result;
-    const bool isLong = entry.type == kLong || entry.type == kDirectory;
+    const bool isLong = entry.type == kLong || entry.type == kSignedLong || entry.type == kDirectory;
     if (!isLong && entry.type != kShort && entry.type != kByte)
         return result;
     const qsizetype step = kTypeSizes[entry.type];
@@ -107,18 +109,6 @@ void TiffBlock::wipe(qsizetype from, qsizetype to)
     const qsizetype start = std::clamp<qsizetype>(from, 0, m_bytes.size());
     const qsizetype end = std::clamp<qsizetype>(to, start, m_bytes.size());
     std::fill(m_bytes.begin() + start, m_bytes.begin() + end, '\0');
-}
-
-quint16 TiffBlock::number16(qsizetype position) const
-{
-    const char *at = m_bytes.constData() + position;
-    return m_isBigEndian ? qFromBigEndian<quint16>(at) : qFromLittleEndian<quint16>(at);
-}
-
-quint32 TiffBlock::number32(qsizetype position) const
-{
-    const char *at = m_bytes.constData() + position;
-    return m_isBigEndian ? qFromBigEndian<quint32>(at) : qFromLittleEndian<quint32>(at);
 }
 
 void TiffBlock::put16(qsizetype position, quint16 value)

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QByteArray>
+#include "TiffBytes.h"
 
 #include <optional>
 #include <vector>
@@ -21,7 +21,8 @@ public:
         quint16 type;
         quint32 count;
         qsizetype valueOffset; ///< of the value in the block: inside the entry when it takes no more than 4 bytes
-        qsizetype valueSize;   ///< bytes; 0 when the type is not known or the value does not lie inside the block
+        qint64 statedSize;     ///< bytes of the value by its type and count; 0 for a type that does not exist
+        qsizetype valueSize;   ///< the same, but 0 when the value does not lie inside the block
     };
 
     struct Directory
@@ -37,6 +38,7 @@ public:
 
     static constexpr qsizetype kHeaderSize = 8;
     static constexpr qsizetype kEntrySize = 12;
+    static constexpr qsizetype kInlineSize = 4; ///< a value of up to so many bytes lies in its entry
 
     static bool isTiffStructure(const QByteArray &bytes);
 
@@ -64,8 +66,8 @@ public:
 private:
     explicit TiffBlock(QByteArray bytes, bool isBigEndian);
 
-    quint16 number16(qsizetype position) const;
-    quint32 number32(qsizetype position) const;
+    quint16 number16(qsizetype position) const { return tiffNumber<quint16>(m_bytes, position, m_isBigEndian); }
+    quint32 number32(qsizetype position) const { return tiffNumber<quint32>(m_bytes, position, m_isBigEndian); }
     void put16(qsizetype position, quint16 value);
     void put32(qsizetype position, quint32 value);
 

@@ -71,12 +71,13 @@ TiffHandle::TiffHandle(SourceFile &source)
     TIFFOpenOptionsFree(options);
 }
 
-TiffHandle::TiffHandle(FileSink &sink, bool isBig)
+TiffHandle::TiffHandle(FileSink &sink, bool isBig, ByteOrder byteOrder)
     : m_sink(&sink)
 {
     TIFFOpenOptions *options = makeOptions(this);
+    const QByteArray mode = QByteArray("w") + (byteOrder == ByteOrder::BigEndian ? "b" : "l") + (isBig ? "8" : "");
     m_tiff = TIFFClientOpenExt(
-        "picture", isBig ? "w8" : "w", this, [](thandle_t, void *, tmsize_t) -> tmsize_t { return 0; },
+        "picture", mode.constData(), this, [](thandle_t, void *, tmsize_t) -> tmsize_t { return 0; },
         [](thandle_t handle, void *bytes, tmsize_t count) -> tmsize_t {
             return static_cast<TiffHandle *>(handle)->m_sink->write(bytes, size_t(count)) ? count : 0;
         },

@@ -15,8 +15,9 @@ class TiffHandle
 {
 public:
     explicit TiffHandle(SourceFile &source);
+    enum class ByteOrder { LittleEndian, BigEndian };
     /// `isBig`: the form with 64-bit offsets, for files that could pass 4 GB.
-    TiffHandle(FileSink &sink, bool isBig);
+    TiffHandle(FileSink &sink, bool isBig, ByteOrder byteOrder);
     ~TiffHandle() { close(); }
     TiffHandle(const TiffHandle &) = delete;
     TiffHandle &operator=(const TiffHandle &) = delete;

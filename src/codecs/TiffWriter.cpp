@@ -1,6 +1,7 @@
 #include "PictureEncoders.h"
 #include "PixelRows.h"
 #include "TiffHandle.h"
+#include "TiffMetadata.h"
 
 #include <algorithm>
 #include <vector>
@@ -49,8 +50,11 @@ Outcome<Done> encodeTiff(const QImage &pixels, const EncodeOptions &options, Fil
 {
     const qsizetype rowSize = qsizetype(pixels.width()) * (hasAlphaFormat(pixels) ? 4 : 3) * (is16Bit(pixels) ? 2 : 1);
     const int rowsPerStrip = int(std::clamp<qsizetype>(kStripSize / rowSize, 1, pixels.height()));
-    TiffHandle tiff(sink, rowSize * pixels.height() > kMaxPlainSize);
-    if (!tiff.get() || !setTags(tiff.get(), pixels, options.metadata, uint32_t(rowsPerStrip)))
+    const bool isBig = rowSize * pixels.height() > kMaxPlainSize;
+    const TiffMetadata metadata(options.metadata, isBig);
+    TiffHandle tiff(sink, isBig, metadata.byteOrder());
+    if (!tiff.get() || !metadata.lay(sink) || !setTags(tiff.get(), pixels, options.metadata, uint32_t(rowsPerStrip)) ||
+        !metadata.setTags(tiff.get()))
         return sink.failure(tiff.message());
     std::vector<uint8_t> strip(size_t(rowSize * rowsPerStrip));
     for (int y = 0; y < pixels.height(); y += rowsPerStrip) {
@@ -63,7 +67,7 @@ Outcome<Done> encodeTiff(const QImage &pixels, const EncodeOptions &options, Fil
     }
     const bool isWritten = TIFFWriteDirectory(tiff.get()) == 1;
     tiff.close(); // writes what is still buffered
-    if (!isWritten || tiff.hasError() || sink.hasFailed())
+    if (!isWritten || tiff.hasError() || !metadata.join(sink))
         return sink.failure(tiff.message());
     return Done{};
 }

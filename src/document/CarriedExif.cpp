@@ -2,6 +2,7 @@
 
 #include "EmbeddedPictures.h"
 #include "Exiv2Session.h"
+#include "TiffTags.h"
 
 #include <algorithm>
 #include <array>
@@ -19,27 +20,6 @@ constexpr quint16 kImageLength = 0x0101;
 constexpr quint16 kExifDirectory = 0x8769;
 constexpr quint16 kPixelXDimension = 0xa002;
 constexpr quint16 kPixelYDimension = 0xa003;
-
-/// Tags of the first directory that hold or lead to picture data, or to metadata that is carried in another way.
-constexpr std::array<uint16_t, 24> kDataTags = {
-    0x0111, 0x0117,                         // strips
-    0x0120, 0x0121,                         // free space
-    0x0144, 0x0145,                         // tiles
-    0x014a,                                 // subdirectories
-    0x015b,                                 // JPEG tables
-    0x0200, 0x0201, 0x0202, 0x0203, 0x0205, // JPEG data of the old kind
-    0x0206, 0x0207, 0x0208, 0x0209,         //
-    0x02bc, 0x83bb, 0x8649, 0x8773,         // XMP, IPTC, image resources, colour profile
-    0x935c,                                 // the layers of an editor
-    0xc68b, 0xc68c,                         // the raw file that this one was made of, and its name
-};
-
-/// Tags of the first directory that say how a TIFF file stores its pixels.
-constexpr std::array<uint16_t, 39> kStorageTags = {
-    0x00fe, 0x00ff, 0x0100, 0x0101, 0x0102, 0x0103, 0x0106, 0x0107, 0x0108, 0x0109, 0x010a, 0x0115, 0x0116,
-    0x0118, 0x0119, 0x011c, 0x0122, 0x0123, 0x0124, 0x0125, 0x0129, 0x012d, 0x013d, 0x0140, 0x0141, 0x0142,
-    0x0143, 0x014c, 0x014d, 0x014e, 0x0150, 0x0152, 0x0153, 0x0154, 0x0155, 0x0211, 0x0212, 0x0213, 0x0214,
-};
 
 /// The groups of tags that describe a picture other than the file's own.
 constexpr std::array kPictureGroups = {
@@ -74,7 +54,7 @@ bool isData(const Exiv2::Exifdatum &datum)
 {
     const std::string group = datum.groupName();
     if (group == "Image")
-        return contains(kDataTags, datum.tag());
+        return isTiffDataTag(datum.tag());
     const bool isOfMakerNote = group != "Photo" && group != "GPSInfo" && group != "Iop";
     if (contains(kMinoltaStyleGroups, group) && contains(kMinoltaStylePreviewTags, datum.tag()))
         return true;
@@ -102,7 +82,7 @@ Exiv2::ExifData carriedTags(const PhotoMetadata &metadata, QSize size)
     const bool isOfTiff = metadata.blocks.exif.isEmpty();
     Exiv2::ExifData carried;
     for (const Exiv2::Exifdatum &datum : metadata.exif) {
-        const bool isStorage = isOfTiff && datum.groupName() == "Image" && contains(kStorageTags, datum.tag());
+        const bool isStorage = isOfTiff && datum.groupName() == "Image" && isTiffStorageTag(datum.tag());
         if (!isOfPicture(datum) && !isData(datum) && !isMadeUp(datum) && !isStorage)
             carried.add(datum);
     }

@@ -57,7 +57,7 @@ MetadataBlocks carriedMetadata(const QString &sourcePath, QSize size, WriteForma
     carried.dpi = info->dpi;
     if (format == WriteFormat::Gif || format == WriteFormat::Bmp)
         return carried;
-    const PhotoMetadata metadata = readPhotoMetadata(sourcePath, info->format);
+    const PhotoMetadata metadata = readMetadataToCarry(sourcePath, info->format);
     withExiv2(sourcePath, [&] { carried.exif = carriedExif(metadata, size, format == WriteFormat::Jpeg); });
     withExiv2(sourcePath, [&] { carried.iptc = carriedIptc(metadata); });
     carried.xmp = carriedXmp(sourcePath, metadata.blocks, size);

@@ -290,11 +290,94 @@ EmbeddedBlocks webpBlocks(QFile &file)
     }
 }
 
+/// An XMP packet lies in an application block, not in parts with a length each as all else, but as it is, with a
+/// trailer of 258 bytes that leads a reader who takes its characters for lengths out of it again.
+class GifWalk
+{
+public:
+    explicit GifWalk(QFile &file)
+        : m_file(file)
+    {
+    }
+
+    EmbeddedBlocks blocks()
+    {
+        constexpr qint64 kHeaderSize = 13;
+        const QByteArray header = m_file.read(kHeaderSize);
+        if (header.size() < kHeaderSize)
+            return {};
+        skipColors(header.at(10));
+        while (takeBlock()) {
+        }
+        return m_blocks;
+    }
+
+private:
+    void skipColors(char flags)
+    {
+        const bool hasColors = flags & 0x80;
+        if (hasColors)
+            m_file.seek(m_file.pos() + (qint64(3) << ((flags & 0x07) + 1)));
+    }
+
+    bool skipParts()
+    {
+        char size = 0;
+        while (m_file.getChar(&size)) {
+            if (size == 0)
+                return true;
+            if (!m_file.seek(m_file.pos() + quint8(size)))
+                return false;
+        }
+        return false;
+    }
+
+    bool takeBlock()
+    {
+        constexpr char kExtension = 0x21;
+        constexpr char kImage = 0x2c;
+        constexpr qint64 kImageHeadSize = 9;
+        char kind = 0;
+        if (!m_file.getChar(&kind))
+            return false;
+        if (kind == kExtension)
+            return takeExtension();
+        if (kind != kImage)
+            return false;
+        const QByteArray head = m_file.read(kImageHeadSize);
+        if (head.size() < kImageHeadSize)
+            return false;
+        skipColors(head.back());
+        char codeSize = 0;
+        return m_file.getChar(&codeSize) && skipParts();
+    }
+
+    bool takeExtension()
+    {
+        constexpr char kApplication = char(0xff);
+        constexpr qint64 kTrailerSize = 258;
+        const QByteArray start = m_file.peek(13);
+        const bool isXmp = start.startsWith(kApplication) && start.endsWith("XMP DataXMP");
+        m_file.seek(m_file.pos() + (isXmp ? start.size() : 1));
+        const qint64 from = m_file.pos();
+        if (!skipParts())
+            return false;
+        const qint64 next = m_file.pos();
+        const qint64 size = next - from - kTrailerSize;
+        if (isXmp && size > 0 && size <= kMaxBlockSize && m_file.seek(from))
+            m_blocks.xmp = m_file.read(size);
+        return m_file.seek(next);
+    }
+
+    QFile &m_file;
+    EmbeddedBlocks m_blocks;
+};
+
 } // namespace
 
 bool hasEmbeddedBlocks(const QByteArray &format)
 {
-    return format == "jpeg" || format == "png" || format == "webp";
+    return format == "jpeg" || format == "png" || format == "webp" || format == "gif";
 }
 
 EmbeddedBlocks readEmbeddedBlocks(const QString &path, const QByteArray &format)
@@ -308,6 +391,8 @@ EmbeddedBlocks readEmbeddedBlocks(const QString &path, const QByteArray &format)
         return PngWalk(file).blocks();
     if (format == "webp")
         return webpBlocks(file);
+    if (format == "gif")
+        return GifWalk(file).blocks();
     return {};
 }
 

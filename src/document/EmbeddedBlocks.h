@@ -5,7 +5,7 @@
 
 namespace hazelmark {
 
-/// The metadata of a JPEG, PNG or WebP file as the bytes that it embeds; empty where it has none.
+/// The metadata of a file as the bytes that it embeds; empty where it has none.
 struct EmbeddedBlocks
 {
     QByteArray exif;        ///< TIFF-structured, without the "Exif\0\0" lead-in
@@ -17,7 +17,8 @@ struct EmbeddedBlocks
 /// Blocks larger than this are passed over.
 inline constexpr qint64 kMaxBlockSize = 64 * 1024 * 1024;
 
-/// Only these formats are known here: "jpeg", "png" and "webp", as PictureInfo::format names them.
+/// Whether the blocks of files in this format are found here: "jpeg", "png", "webp" and "gif", as PictureInfo::format
+/// names them.
 bool hasEmbeddedBlocks(const QByteArray &format);
 
 /// What the file at `path` embeds, or nothing when it cannot be read. Damage ends the search; what was found before it

@@ -17,20 +17,14 @@ constexpr quint16 kExifDirectory = 0x8769;
 constexpr quint16 kGpsDirectory = 0x8825;
 constexpr quint16 kInteroperabilityDirectory = 0xa005;
 
-struct Range
-{
-    qsizetype from;
-    qsizetype to;
-};
-
-void addUsed(const TiffBlock &block, quint32 offset, std::vector<Range> &used)
+void addUsed(const TiffBlock &block, quint32 offset, std::vector<BlockRange> &used)
 {
     const std::optional<TiffBlock::Directory> directory = block.directoryAt(offset);
     if (!directory)
         return;
     used.push_back({directory->offset, directory->offset + directory->size()});
     for (const TiffBlock::Entry &entry : directory->entries) {
-        if (entry.valueSize > 4)
+        if (entry.valueSize > TiffBlock::kInlineSize)
             used.push_back({entry.valueOffset, entry.valueOffset + entry.valueSize});
     }
 }
@@ -42,24 +36,11 @@ quint32 subdirectory(const TiffBlock &block, quint32 parent, quint16 tag)
     return pointer ? block.number(*pointer).value_or(0) : 0;
 }
 
-/// The directories that are kept and the values that their tags refer to, in ascending order.
-std::vector<Range> usedRanges(const TiffBlock &block)
-{
-    const quint32 first = block.firstDirectoryOffset();
-    const quint32 exif = subdirectory(block, first, kExifDirectory);
-    std::vector<Range> used{{0, TiffBlock::kHeaderSize}};
-    for (const quint32 offset : {first, exif, subdirectory(block, first, kGpsDirectory),
-                                 subdirectory(block, exif, kInteroperabilityDirectory)})
-        addUsed(block, offset, used);
-    std::sort(used.begin(), used.end(), [](const Range &a, const Range &b) { return a.from < b.from; });
-    return used;
-}
-
 /// Zeroes what of the range nothing uses.
-void wipeUnused(TiffBlock &block, const std::vector<Range> &used, Range range)
+void wipeUnused(TiffBlock &block, const std::vector<BlockRange> &used, BlockRange range)
 {
     qsizetype from = range.from;
-    for (const Range &kept : used) {
+    for (const BlockRange &kept : used) {
         if (kept.from >= range.to)
             break;
         block.wipe(from, std::min(kept.from, range.to));
@@ -148,7 +129,7 @@ private:
 std::vector<qsizetype> boundaries(const TiffBlock &block)
 {
     std::vector<qsizetype> edges{block.bytes().size()};
-    for (const Range &range : usedRanges(block)) {
+    for (const BlockRange &range : usedRanges(block)) {
         edges.push_back(range.from);
         edges.push_back(range.to);
     }
@@ -157,6 +138,25 @@ std::vector<qsizetype> boundaries(const TiffBlock &block)
 }
 
 } // namespace
+
+std::vector<BlockRange> usedRanges(const TiffBlock &block)
+{
+    std::vector<BlockRange> used{{0, TiffBlock::kHeaderSize}};
+    for (const quint32 offset : metadataDirectories(block))
+        addUsed(block, offset, used);
+    std::sort(used.begin(), used.end(), [](const BlockRange &a, const BlockRange &b) { return a.from < b.from; });
+    return used;
+}
+
+std::vector<quint32> metadataDirectories(const TiffBlock &block)
+{
+    const quint32 first = block.firstDirectoryOffset();
+    const quint32 exif = subdirectory(block, first, kExifDirectory);
+    std::vector<quint32> offsets{first, exif, subdirectory(block, first, kGpsDirectory),
+                                 subdirectory(block, exif, kInteroperabilityDirectory)};
+    offsets.erase(std::remove(offsets.begin(), offsets.end(), 0), offsets.end());
+    return offsets;
+}
 
 bool wipeEmbeddedPictures(TiffBlock &block)
 {
@@ -190,7 +190,7 @@ void removeThumbnail(TiffBlock &block)
     const std::optional<TiffBlock::Directory> first = block.directoryAt(block.firstDirectoryOffset());
     if (!first)
         return;
-    const std::vector<Range> used = usedRanges(block);
+    const std::vector<BlockRange> used = usedRanges(block);
     block.endChainAt(*first);
     std::set<quint32> visited;
     for (quint32 offset = first->next; visited.insert(offset).second;) {

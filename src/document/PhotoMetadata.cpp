@@ -1,6 +1,7 @@
 #include "PhotoMetadata.h"
 
 #include "Exiv2Session.h"
+#include "TiffBlocks.h"
 
 #include <QFile>
 #include <QFileInfo>
@@ -48,9 +49,10 @@ PhotoMetadata parseBlocks(const QString &path, const EmbeddedBlocks &blocks)
     return metadata;
 }
 
-PhotoMetadata parseFile(const QString &path)
+PhotoMetadata parseFile(const QString &path, const EmbeddedBlocks &blocks)
 {
     PhotoMetadata metadata;
+    metadata.blocks = blocks;
     withExiv2(path, [&] {
         // In full: Exiv2 takes "-", "data:..." and the like for something else than names of files.
         const std::string name = QFile::encodeName(QFileInfo(path).absoluteFilePath()).toStdString();
@@ -63,8 +65,10 @@ PhotoMetadata parseFile(const QString &path)
         metadata.xmp = image->xmpData();
         if (image->byteOrder() != Exiv2::invalidByteOrder)
             metadata.byteOrder = image->byteOrder();
-        metadata.blocks.xmp = QByteArray::fromStdString(image->xmpPacket());
-        metadata.blocks.iptc = bytesOf(Exiv2::IptcParser::encode(metadata.iptc));
+        if (metadata.blocks.xmp.isEmpty())
+            metadata.blocks.xmp = QByteArray::fromStdString(image->xmpPacket());
+        if (metadata.blocks.iptc.isEmpty())
+            metadata.blocks.iptc = bytesOf(Exiv2::IptcParser::encode(metadata.iptc));
     });
     return metadata;
 }
@@ -73,7 +77,15 @@ PhotoMetadata parseFile(const QString &path)
 
 PhotoMetadata readPhotoMetadata(const QString &path, const QByteArray &format)
 {
-    return hasEmbeddedBlocks(format) ? parseBlocks(path, readEmbeddedBlocks(path, format)) : parseFile(path);
+    return hasEmbeddedBlocks(format) ? parseBlocks(path, readEmbeddedBlocks(path, format)) : parseFile(path, {});
+}
+
+PhotoMetadata readMetadataToCarry(const QString &path, const QByteArray &format)
+{
+    if (format != "tiff")
+        return readPhotoMetadata(path, format);
+    const EmbeddedBlocks blocks = readTiffBlocks(path);
+    return blocks.exif.isEmpty() ? parseFile(path, blocks) : parseBlocks(path, blocks);
 }
 
 } // namespace hazelmark

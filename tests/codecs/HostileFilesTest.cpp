@@ -11,7 +11,8 @@ struct HostileCase
 {
     const char *name;
     std::function<QByteArray(const QString &scratchPath)> makeFile;
-    /// Bytes at the file's end without which the picture is still whole (a closing marker, what follows the pixels).
+    /// Bytes at the end of the file without which the picture is still whole (a closing marker, what follows the
+    /// pixels, the place of the next directory).
     int dispensableBytes = 0;
 };
 
@@ -61,8 +62,8 @@ std::vector<HostileCase> hostileCases()
          [](const QString &) { return jpeg(Colors::YCbCr, [](TestJpeg &kind) { kind.isSubsampled = true; }); }, 2},
         {"Png8", [](const QString &path) { return encoded(WriteFormat::Png, QImage::Format_RGBX8888, path); }},
         {"Png16Alpha", [](const QString &path) { return encoded(WriteFormat::Png, QImage::Format_RGBA64, path); }},
-        {"Tiff8", [](const QString &path) { return encoded(WriteFormat::Tiff, QImage::Format_RGBX8888, path); }},
-        {"Tiff16Alpha", [](const QString &path) { return encoded(WriteFormat::Tiff, QImage::Format_RGBA64, path); }},
+        {"Tiff8", [](const QString &path) { return encoded(WriteFormat::Tiff, QImage::Format_RGBX8888, path); }, 4},
+        {"Tiff16Alpha", [](const QString &path) { return encoded(WriteFormat::Tiff, QImage::Format_RGBA64, path); }, 4},
         {"Bmp", [](const QString &path) { return encoded(WriteFormat::Bmp, QImage::Format_RGBX8888, path); }},
         {"Gif", [](const QString &path) { return encoded(WriteFormat::Gif, QImage::Format_RGBA8888, path); }, 1},
     };

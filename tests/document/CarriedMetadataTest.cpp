@@ -3,6 +3,7 @@
 #include "Decoder.h"
 #include "PropertyDictionary.h"
 #include "SamplePhotos.h"
+#include "TiffTags.h"
 
 #include <QBuffer>
 #include <QColorSpace>
@@ -75,12 +76,16 @@ protected:
         return writePhoto(m_targets, targetFormat(), carriedMetadata(source, kSize, targetFormat()), kSize);
     }
 
-    /// Without the resolution, which PNG files state in whole pixels a metre.
+    /// Without the resolution, which PNG files state in whole pixels a metre, and what only TIFF files say.
     static QVariantMap propertiesOf(const QString &path)
     {
         QVariantMap properties = readPropertyDictionary(path).value_or(QVariantMap());
         properties.remove(QStringLiteral("DPIWidth"));
         properties.remove(QStringLiteral("DPIHeight"));
+        QVariantMap tiff = properties.value(kTiffGroup).toMap();
+        tiff.remove(QStringLiteral("Compression"));
+        tiff.remove(QStringLiteral("PhotometricInterpretation"));
+        properties.insert(kTiffGroup, tiff);
         return properties;
     }
 
@@ -113,6 +118,8 @@ TEST_P(CarriedMetadata, IsAllOfTheSource)
     const Exiv2::ExifData before = exifOf(source);
     const Exiv2::ExifData after = exifOf(target);
     for (const Exiv2::Exifdatum &datum : before) {
+        if (datum.groupName() == "Image" && (isTiffStorageTag(datum.tag()) || isTiffDataTag(datum.tag())))
+            continue;
         const auto found = after.findKey(Exiv2::ExifKey(datum.key()));
         ASSERT_NE(found, after.end()) << datum.key();
         const bool isOffset = datum.tagName() == "ExifTag" || datum.tagName() == "GPSTag";
@@ -229,7 +236,10 @@ TEST_P(CarriedMetadata, OfDamagedBlocksNeitherCrashesNorHangs)
 INSTANTIATE_TEST_SUITE_P(Formats, CarriedMetadata,
                          testing::Values(std::tuple(WriteFormat::Jpeg, WriteFormat::Jpeg),
                                          std::tuple(WriteFormat::Jpeg, WriteFormat::Png),
-                                         std::tuple(WriteFormat::Png, WriteFormat::Jpeg)));
+                                         std::tuple(WriteFormat::Png, WriteFormat::Jpeg),
+                                         std::tuple(WriteFormat::Jpeg, WriteFormat::Tiff),
+                                         std::tuple(WriteFormat::Tiff, WriteFormat::Jpeg),
+                                         std::tuple(WriteFormat::Tiff, WriteFormat::Tiff)));
 
 TEST(CarriedMetadataLimits, WhatDoesNotFitIntoAJpegFileIsDroppedAloneAndNotTheRest)
 {

@@ -1,0 +1,116 @@
+#include "TiffMetadata.h"
+
+#include "CodecsLog.h"
+#include "TiffBytes.h"
+#include "TiffTags.h"
+
+#include <unistd.h>
+
+namespace hazelmark {
+
+namespace {
+
+constexpr uint16_t kOrientation = 0x0112;
+constexpr uint16_t kIptc = 0x83bb;
+constexpr uint16_t kUndefinedType = 7;
+constexpr qsizetype kMostEntries = 0xffff;
+
+/// Those of the directory that the file's header leads to.
+TiffEntries writtenEntries(FileSink &sink, bool isBigEndian)
+{
+    const QByteArray header = sink.readAt(0, TiffBlock::kHeaderSize);
+    if (header.size() < TiffBlock::kHeaderSize)
+        return {};
+    const int64_t offset = tiffNumber<uint32_t>(header, 4, isBigEndian);
+    const QByteArray count = sink.readAt(offset, 2);
+    if (count.size() < 2)
+        return {};
+    const qsizetype size = tiffNumber<uint16_t>(count, 0, isBigEndian) * TiffBlock::kEntrySize;
+    const QByteArray bytes = sink.readAt(offset + 2, size_t(size));
+    TiffEntries entries;
+    for (qsizetype at = 0; at + TiffBlock::kEntrySize <= bytes.size(); at += TiffBlock::kEntrySize)
+        entries[tiffNumber<uint16_t>(bytes, at, isBigEndian)] = bytes.mid(at, TiffBlock::kEntrySize);
+    return entries;
+}
+
+/// Lets the header lead to a new directory at the end of the file.
+bool writeDirectory(FileSink &sink, const TiffEntries &entries, bool isBigEndian)
+{
+    int64_t offset = sink.seek(0, SEEK_END);
+    if (offset < 0)
+        return false;
+    QByteArray directory(offset % 2, '\0'); // directories begin at even places
+    offset += directory.size();
+    directory += tiffDirectory(entries, isBigEndian);
+    const QByteArray place = tiffBytes(uint32_t(offset), isBigEndian);
+    return sink.write(directory.constData(), size_t(directory.size())) && sink.seek(4, SEEK_SET) == 4 &&
+           sink.write(place.constData(), size_t(place.size()));
+}
+
+} // namespace
+
+TiffMetadata::TiffMetadata(const MetadataBlocks &blocks, bool isBig)
+    : m_exif(TiffBlock::of(evenlyLong(blocks.exif)))
+    , m_iptc(blocks.iptc)
+    , m_xmp(blocks.xmp)
+    , m_isBig(isBig)
+{
+    if (isBig && (m_exif || !m_iptc.isEmpty()))
+        qCWarning(lcCodecs) << "A TIFF file of more than 4 GB takes only the orientation and the XMP packet over";
+}
+
+TiffHandle::ByteOrder TiffMetadata::byteOrder() const
+{
+    const bool isBigEndian = !m_isBig && m_exif && m_exif->isBigEndian();
+    return isBigEndian ? TiffHandle::ByteOrder::BigEndian : TiffHandle::ByteOrder::LittleEndian;
+}
+
+bool TiffMetadata::lay(FileSink &sink) const
+{
+    if (m_isBig)
+        return true;
+    const QByteArray block = (m_exif ? m_exif->bytes().mid(TiffBlock::kHeaderSize) : QByteArray()) + evenlyLong(m_iptc);
+    return block.isEmpty() ||
+           (sink.seek(0, SEEK_END) == TiffBlock::kHeaderSize && sink.write(block.constData(), size_t(block.size())));
+}
+
+bool TiffMetadata::setTags(TIFF *tiff) const
+{
+    bool ok = true;
+    if (!m_xmp.isEmpty())
+        ok = TIFFSetField(tiff, TIFFTAG_XMLPACKET, uint32_t(m_xmp.size()), m_xmp.constData()) == 1;
+    if (m_isBig && m_exif) {
+        const auto directory = m_exif->directoryAt(m_exif->firstDirectoryOffset());
+        const TiffBlock::Entry *entry = directory ? directory->find(kOrientation) : nullptr;
+        const quint32 orientation = entry ? m_exif->number(*entry).value_or(0) : 0;
+        if (orientation >= ORIENTATION_TOPLEFT && orientation <= ORIENTATION_LEFTBOT)
+            ok = ok && TIFFSetField(tiff, TIFFTAG_ORIENTATION, uint16_t(orientation)) == 1;
+    }
+    return ok;
+}
+
+bool TiffMetadata::join(FileSink &sink) const
+{
+    if (m_isBig || (!m_exif && m_iptc.isEmpty()))
+        return !sink.hasFailed();
+    const bool isBigEndian = byteOrder() == TiffHandle::ByteOrder::BigEndian;
+    TiffEntries entries = writtenEntries(sink, isBigEndian);
+    if (entries.empty())
+        return false;
+    const auto directory = m_exif ? m_exif->directoryAt(m_exif->firstDirectoryOffset()) : std::nullopt;
+    if (directory) {
+        for (const TiffBlock::Entry &entry : directory->entries) {
+            if (entry.valueSize > 0 && !isTiffStorageTag(entry.tag) && !isTiffDataTag(entry.tag))
+                entries[entry.tag] = m_exif->bytes().mid(entry.position, TiffBlock::kEntrySize);
+        }
+    }
+    // Four bytes and less would stand in the entry itself; records are longer.
+    if (m_iptc.size() > 4) {
+        const auto offset = uint32_t(m_exif ? m_exif->bytes().size() : TiffBlock::kHeaderSize);
+        entries[kIptc] = tiffBytes(kIptc, isBigEndian) + tiffBytes(kUndefinedType, isBigEndian) +
+                         tiffBytes(uint32_t(m_iptc.size()), isBigEndian) + tiffBytes(offset, isBigEndian);
+    }
+    return qsizetype(entries.size()) <= kMostEntries && writeDirectory(sink, entries, isBigEndian);
+}
+
+} // namespace hazelmark

@@ -1,0 +1,13 @@
+#pragma once
+
+#include "EmbeddedBlocks.h"
+
+namespace hazelmark {
+
+/// The metadata of the TIFF file at `path` in the form of blocks. The EXIF block holds the first directory's tags but
+/// for those that say how the pixels are stored, and whatever it refers to at the places that it has in the file:
+/// makers' notes may depend on that. All else in it is zero. It stays empty where that cannot be had: when the
+/// metadata lies far behind the beginning of the file, and in files with 64-bit offsets.
+EmbeddedBlocks readTiffBlocks(const QString &path);
+
+} // namespace hazelmark
