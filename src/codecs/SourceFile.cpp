@@ -1,5 +1,7 @@
 #include "SourceFile.h"
 
+#include "LargeMemory.h"
+
 #include <cerrno>
 #include <cstring>
 
@@ -58,7 +60,7 @@ std::optional<Failure> SourceFile::checkSize(qint64 width, qint64 height) const
 
 QImage allocateImage(QSize size, QImage::Format format)
 {
-    return QImage(size, format);
+    return makeLargeBitmap(size, format);
 }
 
 } // namespace hazelmark

@@ -102,19 +102,6 @@ std::vector<QRect> tilesOf(const QRect &extent)
     return tiles;
 }
 
-QImage newBitmap(QSize size, QImage::Format format)
-{
-    const std::size_t pixelBytes = std::size_t(QImage::toPixelFormat(format).bitsPerPixel()) / 8;
-    const std::size_t lineBytes = std::size_t(size.width()) * pixelBytes;
-    auto *const memory = static_cast<uchar *>(allocateLarge(lineBytes * std::size_t(size.height())));
-    QImage bitmap(memory, size.width(), size.height(), qsizetype(lineBytes), format, freeLarge, memory);
-    if (bitmap.isNull()) {
-        freeLarge(memory);
-        throw std::bad_alloc();
-    }
-    return bitmap;
-}
-
 /// Stored pixels that nothing touches go straight from bitmap to bitmap.
 bool copyStored(const FilterNode *node, const QRect &region, QImage &drawn, uchar *bits, const QRect &extent)
 {
@@ -167,7 +154,9 @@ QImage Renderer::draw(const FilterImage &image) const
     const QImage::Format format = image.isSixteenBit()
                                       ? (channels == 4 ? QImage::Format_RGBA64 : QImage::Format_RGBX64)
                                       : (channels == 4 ? QImage::Format_RGBA8888 : QImage::Format_RGBX8888);
-    QImage drawn = newBitmap(extent.size(), format);
+    QImage drawn = makeLargeBitmap(extent.size(), format);
+    if (drawn.isNull())
+        throw std::bad_alloc();
     uchar *const bits = drawn.bits();
 
     const std::vector<QRect> tiles = tilesOf(extent);

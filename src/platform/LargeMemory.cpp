@@ -29,4 +29,19 @@ void freeLarge(void *memory)
     std::free(memory);
 }
 
+QImage makeLargeBitmap(QSize size, QImage::Format format)
+try {
+    if (size.isEmpty())
+        return {};
+    const std::size_t lineBits = std::size_t(size.width()) * QImage::toPixelFormat(format).bitsPerPixel();
+    const std::size_t lineBytes = (lineBits + 31) / 32 * 4;
+    auto *const memory = static_cast<uchar *>(allocateLarge(lineBytes * std::size_t(size.height())));
+    QImage bitmap(memory, size.width(), size.height(), qsizetype(lineBytes), format, freeLarge, memory);
+    if (bitmap.isNull())
+        freeLarge(memory);
+    return bitmap;
+} catch (const std::bad_alloc &) {
+    return {};
+}
+
 } // namespace hazelmark

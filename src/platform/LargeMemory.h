@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QImage>
+
 #include <cstddef>
 #include <memory>
 
@@ -23,5 +25,8 @@ LargeArray<Element> makeLargeArray(std::size_t count)
 {
     return LargeArray<Element>(static_cast<Element *>(allocateLarge(count * sizeof(Element))));
 }
+
+/// A bitmap in such memory, its pixels not set. Null when there is not enough, or `size` is empty.
+QImage makeLargeBitmap(QSize size, QImage::Format format);
 
 } // namespace hazelmark
