@@ -2,15 +2,26 @@
 
 namespace hazelmark::Geometry {
 
+namespace {
+
+/// Rounds to single precision. Not inlined: where a rounded value is widened again, GCC 12 at -O2 and above leaves the
+/// rounding out when it vectorises both sides of a size, and a fit would depend on the build.
+[[gnu::noinline]] float single(double value)
+{
+    return static_cast<float>(value);
+}
+
+} // namespace
+
 QSizeF getAspectFitModeSizeWithsize(QSizeF size, QSizeF toSize)
 {
     QSizeF fitted;
     if (size.width() > size.height()) {
-        const auto ratio = float(toSize.width() / size.width());
-        fitted = QSizeF(float(size.width() * ratio), float(ratio * size.height()));
+        const auto ratio = single(toSize.width() / size.width());
+        fitted = QSizeF(single(size.width() * ratio), single(ratio * size.height()));
     } else {
-        const auto ratio = float(toSize.height() / size.height());
-        fitted = QSizeF(float(ratio * size.width()), float(size.height() * ratio));
+        const auto ratio = single(toSize.height() / size.height());
+        fitted = QSizeF(single(ratio * size.width()), single(size.height() * ratio));
     }
     if (fitted.width() > toSize.width())
         fitted = aspectFitSizeWithMaxSize(fitted, toSize.width());
@@ -21,16 +32,16 @@ QSizeF getAspectFitModeSizeWithsize(QSizeF size, QSizeF toSize)
 
 QSizeF aspectFitSizeWithMaxSize(QSizeF size, double scaledWidth)
 {
-    const auto width = float(size.width());
-    const auto ratio = float(scaledWidth / width);
-    return {width * ratio, float(ratio * size.height())};
+    const auto width = single(size.width());
+    const auto ratio = single(scaledWidth / width);
+    return {width * ratio, single(ratio * size.height())};
 }
 
 QSizeF aspectFitSizeWithMaxHeight(QSizeF size, double scaledHeight)
 {
-    const auto height = float(size.height());
-    const auto ratio = float(scaledHeight / height);
-    return {float(ratio * size.width()), height * ratio};
+    const auto height = single(size.height());
+    const auto ratio = single(scaledHeight / height);
+    return {single(ratio * size.width()), height * ratio};
 }
 
 QPointF convertedPointToFrameBase(QPointF point, QSizeF contanerSize)

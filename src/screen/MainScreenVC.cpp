@@ -12,6 +12,7 @@
 #include "ScreenLog.h"
 #include "SettingsPanel.h"
 #include "SummaryBar.h"
+#include "TipsWindow.h"
 #include "TitlebarWindow.h"
 
 #include <QKeyEvent>
@@ -159,6 +160,8 @@ void MainScreenVC::setLocalizedStrings()
 {
     m_view->setLocalizedStrings(m_application);
     m_view->vwSettingOptions->setLocalizedStrings();
+    if (m_demoWin)
+        m_demoWin->setLocalizedStrings();
 }
 
 void MainScreenVC::btnOpenFileFromMenuTapped()
@@ -180,7 +183,14 @@ void MainScreenVC::btnExportDenoisedImageTapped() {}
 
 void MainScreenVC::btnSocialShareImageTapped() {}
 
-void MainScreenVC::addDemoWindow() {}
+void MainScreenVC::addDemoWindow()
+{
+    if (!m_window)
+        return;
+    if (!m_demoWin)
+        m_demoWin = new TipsWindow(m_application, m_window);
+    m_demoWin->addDemoWindow(m_window->frame().size());
+}
 
 void MainScreenVC::setLastExportedImage(const PhotoImagePtr &image)
 {
@@ -193,8 +203,9 @@ void MainScreenVC::setExportLocked(bool locked)
     m_exportLocked = locked;
     m_application.setIsExporting(locked);
     updateLocks();
+    // A photo that came meanwhile waits for the export's completion, too: the result is not that photo's.
     if (!locked && m_arrived)
-        takePhoto(*std::exchange(m_arrived, nullptr));
+        QMetaObject::invokeMethod(this, &MainScreenVC::takeArrivedPhoto, Qt::QueuedConnection);
 }
 
 void MainScreenVC::updateLocks()

@@ -20,6 +20,7 @@ namespace hazelmark {
 
 class ApplicationDelegate;
 class SaveChangesSheet;
+class TipsWindow;
 class TitlebarWindow;
 
 /// The controller of the one screen: the photo workflow, the paint modes, the previews, and the window's own buttons.
@@ -163,6 +164,7 @@ private:
     void openPhotoAtPath(const QString &path);
     void whenPictureIsThere(std::function<void()> then);
     void takePhoto(const OpenedPhoto &photo);
+    void takeArrivedPhoto();
     void endLoading();
     void showRefusal(const Failure &failure);
     PhotoOpener::Sizes wantedSizes() const;
@@ -182,6 +184,7 @@ private:
     QPointer<MainScreenView> m_view;
     QPointer<TitlebarWindow> m_window;
     QPointer<SaveChangesSheet> m_windowSaveChanges;
+    QPointer<TipsWindow> m_demoWin;
     PaintControl m_paintControl;
     std::vector<NotificationCenter::Token> m_observers;
 

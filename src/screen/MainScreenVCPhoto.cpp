@@ -125,6 +125,12 @@ void MainScreenVC::takePhoto(const OpenedPhoto &photo)
     endLoading();
 }
 
+void MainScreenVC::takeArrivedPhoto()
+{
+    if (const auto arrived = std::exchange(m_arrived, nullptr))
+        takePhoto(*arrived);
+}
+
 void MainScreenVC::showRefusal(const Failure &failure)
 {
     showAlertWithTitle(text("ERROR_CANT_OPEN"),

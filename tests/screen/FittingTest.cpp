@@ -55,7 +55,8 @@ TEST_F(Fitting, HundredsOfQuickResizesLoseNothing)
         resizeWindow({500 + (i * 37) % 1100, 400 + (i * 53) % 700});
     setBox({900, 700});
     EXPECT_EQ(m_screen->mainScreenView()->photoFrame(), frame) << "no fit builds on the rounding of the one before";
-    EXPECT_EQ(fitted(), QSize(900, 600));
+    const QSize pixels(int(frame.width()), int(frame.height()));
+    EXPECT_EQ(fitted(), pixels);
     EXPECT_EQ(m_screen->inputImage()->size(), QSizeF(1500, 1000));
     EXPECT_EQ(m_screen->arrDrawedPointsForCustomBrushOption()->size(), 11U);
     m_screen->windowEndResizing();
@@ -63,7 +64,7 @@ TEST_F(Fitting, HundredsOfQuickResizesLoseNothing)
     EXPECT_GT(paintAt({0.5, 0.5}), 200);
     EXPECT_EQ(paintAt({0.5, 0.1}), 0);
     const MainScreenView *view = m_screen->mainScreenView();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return view->imgvwAfterBokesh->image().size() == QSize(900, 600); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view->imgvwAfterBokesh->image().size() == pixels; }));
 }
 
 TEST_F(Fitting, ABigPhotoIsHeldOnlyAsLargeAsTheScreenButMeasuresWhatItIs)
