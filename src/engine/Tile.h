@@ -39,7 +39,7 @@ public:
 private:
     struct Release
     {
-        void operator()(float *block) const;
+        void operator()(float *data) const;
     };
 
     std::size_t offset(int channel, int y) const
