@@ -3,7 +3,6 @@
 #include <QtEndian>
 
 #include <algorithm>
-#include <set>
 
 namespace hazelmark {
 
@@ -192,8 +191,9 @@ void removeThumbnail(TiffBlock &block)
         return;
     const std::vector<BlockRange> used = usedRanges(block);
     block.endChainAt(*first);
-    std::set<quint32> visited;
-    for (quint32 offset = first->next; visited.insert(offset).second;) {
+    constexpr int kMostDirectories = 16; // one is usual; chains may be endless
+    quint32 offset = first->next;
+    for (int i = 0; i < kMostDirectories; ++i) {
         const std::optional<TiffBlock::Directory> directory = block.directoryAt(offset);
         if (!directory)
             return;
@@ -205,8 +205,9 @@ void removeThumbnail(TiffBlock &block)
                 continue;
             const std::vector<quint32> from = block.numbers(*offsets);
             const std::vector<quint32> size = block.numbers(*sizes);
-            for (size_t i = 0; i < std::min(from.size(), size.size()); ++i)
-                wipeUnused(block, used, {qsizetype(from[i]), qsizetype(from[i]) + qsizetype(size[i])});
+            // What nothing refers to behind a thumbnail is a larger preview, or what an earlier one has left there.
+            if (!from.empty() && !size.empty())
+                wipeUnused(block, used, {qsizetype(*std::min_element(from.begin(), from.end())), block.bytes().size()});
         }
         // The directory's values stay: writers share them with the first directory.
         wipeUnused(block, used, {directory->offset, directory->offset + directory->size()});
