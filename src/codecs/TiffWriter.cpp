@@ -13,6 +13,9 @@ namespace {
 /// Pixel bytes in one strip: large enough to compress well, small enough for readers that hold a strip in memory.
 constexpr qsizetype kStripSize = 512 * 1024;
 
+/// On photos 6, the usual one, takes up to two and a half times as long for files that are 1 to 4 % smaller.
+constexpr int kDeflateLevel = 5;
+
 /// Offsets of the plain form are 32-bit. Deflate can make noise a little larger, so it is left some room.
 constexpr qsizetype kMaxPlainSize = (qsizetype(4) << 30) - (qsizetype(64) << 20);
 
@@ -27,6 +30,7 @@ bool setTags(TIFF *tiff, const QImage &pixels, const MetadataBlocks &metadata, u
               TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) &&
               TIFFSetField(tiff, TIFFTAG_COMPRESSION, COMPRESSION_ADOBE_DEFLATE) &&
               TIFFSetField(tiff, TIFFTAG_PREDICTOR, PREDICTOR_HORIZONTAL) &&
+              TIFFSetField(tiff, TIFFTAG_ZIPQUALITY, kDeflateLevel) &&
               TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, rowsPerStrip);
     if (hasAlpha) {
         const uint16_t straight = EXTRASAMPLE_UNASSALPHA;
