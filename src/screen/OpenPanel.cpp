@@ -3,11 +3,40 @@
 #include "ApplicationDelegate.h"
 #include "ReadableTypes.h"
 #include "SheetQueue.h"
+#include "Theme.h"
 
 #include <QFileDialog>
+#include <QHeaderView>
+#include <QLayout>
+#include <QPushButton>
 #include <QStandardPaths>
+#include <QTreeView>
 
 namespace hazelmark {
+
+namespace {
+
+constexpr QSize kPanelSize{760, 520};
+
+/// The toolkit's own dialog, which stands in where the desktop has none, in the distances of the theme. The desktop's
+/// has no layout that could be touched.
+void arrange(QFileDialog &panel)
+{
+    if (!panel.layout())
+        return;
+    panel.resize(kPanelSize);
+    panel.layout()->setContentsMargins(theme::kMargin, theme::kMargin, theme::kMargin, theme::kMargin);
+    const auto buttons = panel.findChildren<QPushButton *>();
+    for (QPushButton *button : buttons)
+        button->setIcon({});
+    if (auto *files = panel.findChild<QTreeView *>(QStringLiteral("treeView"))) {
+        files->header()->setStretchLastSection(false);
+        files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+        files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+    }
+}
+
+} // namespace
 
 void OpenPanel::show(QWidget &window, ApplicationDelegate &application, const QString &folder, QObject *context,
                      Chosen chosen)
@@ -15,14 +44,18 @@ void OpenPanel::show(QWidget &window, ApplicationDelegate &application, const QS
     const QString name = QStringLiteral("openPanel");
     if (window.findChild<QFileDialog *>(name))
         return;
+    const auto text = [&](const char *key) { return application.getLocalizedStringForKey(QLatin1String(key)); };
     auto *panel =
-        new QFileDialog(&window, application.getLocalizedStringForKey(QStringLiteral("ADD_IMAGE")),
+        new QFileDialog(&window, text("ADD_IMAGE"),
                         folder.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::PicturesLocation) : folder);
     panel->setObjectName(name);
     panel->setFileMode(QFileDialog::ExistingFile);
     panel->setOption(QFileDialog::HideNameFilterDetails);
-    panel->setNameFilter(application.getLocalizedStringForKey(QStringLiteral("IMAGE_FILES")) + QStringLiteral(" (") +
-                         ReadableTypes::fileNamePatterns() + QLatin1Char(')'));
+    panel->setNameFilter(text("IMAGE_FILES") + QStringLiteral(" (") + ReadableTypes::fileNamePatterns() +
+                         QLatin1Char(')'));
+    panel->setLabelText(QFileDialog::Accept, text("OPEN_IMAGE"));
+    panel->setLabelText(QFileDialog::Reject, text("CANCEL"));
+    arrange(*panel);
     QObject::connect(panel, &QDialog::accepted, context, [panel, chosen = std::move(chosen)] {
         const QStringList files = panel->selectedFiles();
         if (!files.isEmpty())
