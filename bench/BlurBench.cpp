@@ -1,11 +1,10 @@
 #include "Benches.h"
 #include "Comparison.h"
 #include "FilterImage.h"
-#include "FlippedImage.h"
 #include "PhotoImage.h"
+#include "RenderJobs.h"
 #include "Renderer.h"
 #include "TestPicture.h"
-#include "Utils.h"
 #include "Yardstick.h"
 
 #include <string>
@@ -31,16 +30,6 @@ FilterYardstick &photoYardstick()
 void blur(const QImage &picture, float radius, int threads)
 {
     Renderer(threads).draw(FilterImage(picture).clamped().discBlurred(radius));
-}
-
-/// What a preview computes once the pictures are there: blur, scaled mask, blend.
-void preview(const PhotoImagePtr &photo, const PhotoImagePtr &mask)
-{
-    CoreFilterObject settings;
-    settings.blurAmount = 60.0f;
-    const Utils &utils = Utils::sharedUtils();
-    const PhotoImagePtr blurred = utils.applyfilterOnBlurImage(photo, QString(), settings);
-    FlippedImage::blendWithAlphaMask(blurred, photo, mask, 20.0f)->bitmap();
 }
 
 PhotoImagePtr paintedAllOver(QSize size)
@@ -74,7 +63,9 @@ void addBlurRows()
                    [] {
                        static const PhotoImagePtr picture = PhotoImage::fromBitmap(testPicture(kPreview));
                        static const PhotoImagePtr mask = paintedAllOver(kPreview);
-                       preview(picture, mask);
+                       PreviewJob job{picture, mask, {}};
+                       job.settings.blurAmount = 60.0f;
+                       job.run(2);
                    },
                    [] {
                        static FilterYardstick yardstick(testPicture(kPreview));

@@ -22,6 +22,7 @@ namespace hazelmark::bench {
 namespace {
 
 constexpr QSize kSize(6000, 4000);
+constexpr QSize kLargeSize(12000, 8500);
 
 void runProgram(const std::vector<std::string> &words)
 {
@@ -44,17 +45,21 @@ class Files
 public:
     Files()
     {
-        const QImage picture = testPicture(kSize);
-        const std::string pixels = path("source.ppm");
+        writePhoto(photo(), kSize);
+        writeMask(allPainted(), 1.0);
+        writeMask(tenthPainted(), 0.1);
+    }
+
+    void writePhoto(const std::string &file, QSize size) const
+    {
+        const std::string pixels = path("pixels.ppm");
         std::ofstream ppm(pixels, std::ios::binary);
-        ppm << "P6\n" << kSize.width() << ' ' << kSize.height() << "\n255\n";
-        const QImage rgb = picture.convertToFormat(QImage::Format_RGB888);
+        ppm << "P6\n" << size.width() << ' ' << size.height() << "\n255\n";
+        const QImage rgb = testPicture(size).convertToFormat(QImage::Format_RGB888);
         for (int y = 0; y < rgb.height(); ++y)
             ppm.write(reinterpret_cast<const char *>(rgb.constScanLine(y)), 3 * rgb.width());
         ppm.close();
-        runProgram({"cjpeg", "-quality", "92", "-sample", "1x1", "-outfile", photo(), pixels});
-        writeMask(allPainted(), 1.0);
-        writeMask(tenthPainted(), 0.1);
+        runProgram({"cjpeg", "-quality", "92", "-sample", "1x1", "-outfile", file, pixels});
     }
 
     std::string path(const char *name) const { return m_folder.filePath(QString::fromLatin1(name)).toStdString(); }
@@ -86,10 +91,9 @@ const Files &files()
     return made;
 }
 
-std::vector<std::string> renderCommand(const std::string &mask)
+std::vector<std::string> renderCommand(const std::string &photo, const std::string &mask)
 {
-    return {HAZELMARK_CLI, "render", files().photo(), "--mask", mask, "--output", files().path("out.jpg"),
-            "--blur",      "60"};
+    return {HAZELMARK_CLI, "render", photo, "--mask", mask, "--output", files().path("out.jpg"), "--blur", "60"};
 }
 
 void decodeAndEncode()
@@ -99,17 +103,23 @@ void decodeAndEncode()
                 files().path("decoded.ppm")});
 }
 
-/// Measured by a small program in between: a child's peak counts the parent's memory at the start.
-double peakBytesAPixel()
+/// The most memory that a render of `photo` has held. Measured by a small program in between: a child's peak counts
+/// the parent's memory at the start.
+double peakBytes(const std::string &photo)
 {
     const std::string report = files().path("peak");
     std::vector<std::string> words = {"/usr/bin/time", "-f", "%M", "-o", report};
-    for (const std::string &word : renderCommand(files().allPainted()))
+    for (const std::string &word : renderCommand(photo, files().allPainted()))
         words.push_back(word);
     runProgram(words);
     double kibibytes = 0.0;
     std::ifstream(report) >> kibibytes;
-    return kibibytes * 1024.0 / (double(kSize.width()) * kSize.height());
+    return kibibytes * 1024.0;
+}
+
+double pixelsOf(QSize size)
+{
+    return double(size.width()) * size.height();
 }
 
 } // namespace
@@ -118,11 +128,16 @@ void addCommandLineRows()
 {
     const char *const kCodecs = "djpeg plus cjpeg, one after the other";
     add(Comparison{"hazelmark-cli render 6000 x 4000, b = 60, all painted", kCodecs, 3.0, 5,
-                   [] { runProgram(renderCommand(files().allPainted())); }, decodeAndEncode});
+                   [] { runProgram(renderCommand(files().photo(), files().allPainted())); }, decodeAndEncode});
     add(Comparison{"hazelmark-cli render, a tenth painted", kCodecs, 2.2, 5,
-                   [] { runProgram(renderCommand(files().tenthPainted())); }, decodeAndEncode});
+                   [] { runProgram(renderCommand(files().photo(), files().tenthPainted())); }, decodeAndEncode});
     add(Figure{"peak memory of hazelmark-cli render, all painted", "4 bytes a pixel", 4.5,
-               [] { return peakBytesAPixel() / 4.0; }});
+               [] { return peakBytes(files().photo()) / (4.0 * pixelsOf(kSize)); }});
+    add(Figure{"peak memory, 12000 x 8500", "4 GiB", 1.0, [] {
+                   const std::string large = files().path("large.jpg");
+                   files().writePhoto(large, kLargeSize);
+                   return peakBytes(large) / (4.0 * 1024 * 1024 * 1024);
+               }});
 }
 
 } // namespace hazelmark::bench

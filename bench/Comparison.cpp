@@ -37,6 +37,13 @@ std::string nameOf(const benchmark::BenchmarkReporter::Run &run)
     return name.substr(0, name.find("/iterations:"));
 }
 
+std::string timeText(double seconds)
+{
+    char text[32];
+    std::snprintf(text, sizeof text, seconds < 0.1 ? "%.2f ms" : "%.3f s", seconds < 0.1 ? 1e3 * seconds : seconds);
+    return text;
+}
+
 class TableReporter : public benchmark::BenchmarkReporter
 {
 public:
@@ -58,7 +65,7 @@ public:
             };
             std::printf("| %s | %s |", nameOf(run).c_str(), run.report_label.c_str());
             if (counter("yardstick") > 0.0)
-                std::printf(" %.3f s | %.3f s |", counter("ours"), counter("yardstick"));
+                std::printf(" %s | %s |", timeText(counter("ours")).c_str(), timeText(counter("yardstick")).c_str());
             else
                 std::printf(" | |");
             std::printf(" %.3f |", counter("ratio"));

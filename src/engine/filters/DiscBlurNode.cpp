@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
 namespace hazelmark {
 
@@ -19,35 +20,37 @@ constexpr double kLeastSummedRadius = 4.5;
 constexpr double kGoodOverPixels = 0.45 / 255.0;
 constexpr double kGoodOverCells = 0.35 / 255.0;
 
-struct BlurredCells : PreparedState
+/// Weights of one quadrant that sum to 1 over the disc, for kernels::weighRow().
+struct Weights
 {
-    explicit BlurredCells(CellPlanes planes)
-        : cells(std::move(planes))
+    explicit Weights(double radius)
+        : reach(std::max(0, int(std::ceil(radius - 0.5))))
     {
+        std::vector<double> coverage;
+        double total = 0.0;
+        for (int y = 0; y <= reach; ++y) {
+            for (int x = 0; x <= reach; ++x) {
+                coverage.push_back(kernels::discCoverage(radius, x, y));
+                total += coverage.back() * (x > 0 ? 2 : 1) * (y > 0 ? 2 : 1);
+            }
+        }
+        for (const double part : coverage)
+            values.push_back(float(part / total));
     }
-    CellPlanes cells;
+
+    int reach;
+    std::vector<float> values;
 };
 
-int weightsReachFor(double radius)
+bool isTiny(const CellGrid &grid)
 {
-    return std::max(0, int(std::ceil(radius - 0.5)));
+    return grid.discRadius() < kLeastSummedRadius;
 }
 
-/// Weights of one quadrant that sum to 1 over the disc.
-std::vector<float> makeWeights(double radius, int reach)
+/// No less than the reach of the weights or the spans of the disc, in cells.
+int reachOf(const CellGrid &grid)
 {
-    std::vector<double> coverage;
-    double total = 0.0;
-    for (int y = 0; y <= reach; ++y) {
-        for (int x = 0; x <= reach; ++x) {
-            coverage.push_back(kernels::discCoverage(radius, x, y));
-            total += coverage.back() * (x > 0 ? 2 : 1) * (y > 0 ? 2 : 1);
-        }
-    }
-    std::vector<float> weights;
-    for (const double part : coverage)
-        weights.push_back(float(part / total));
-    return weights;
+    return int(std::ceil(grid.discRadius())) + 1;
 }
 
 template <typename Step>
@@ -67,69 +70,33 @@ QRegion grown(const QRegion &region, int by)
     return result;
 }
 
-} // namespace
-
-DiscBlurNode::DiscBlurNode(FilterNodePtr input, float radius, const QRect &inputExtent)
-    : FilterNode({std::move(input)})
-    , m_inputExtent(inputExtent)
-    , m_grid(inputExtent, double(radius))
+/// A block and all that discs in it reach, premultiplied.
+Tile readAround(const QRect &block, int reach, const TileReader &inputs)
 {
-    if (m_grid.discRadius() < kLeastSummedRadius) {
-        m_weightsReach = weightsReachFor(m_grid.discRadius());
-        m_weights = makeWeights(m_grid.discRadius(), m_weightsReach);
-    } else {
-        const double goodEnough = m_grid.scale() == 1 ? kGoodOverPixels : kGoodOverCells;
-        m_summer = std::make_unique<DiscSummer>(m_grid.discRadius(), goodEnough);
-    }
-}
-
-DiscBlurNode::~DiscBlurNode() = default;
-
-int DiscBlurNode::reach() const
-{
-    return m_summer ? m_summer->reach() : m_weightsReach;
-}
-
-QRect DiscBlurNode::inputRegion(std::size_t, const QRect &region) const
-{
-    if (m_grid.scale() == 1)
-        return region.adjusted(-reach(), -reach(), reach(), reach());
-    // Whole blocks, and of what lies outside the picture no more than the cells that stand for all.
-    constexpr int kMargin = CellGrid::kLargestDirectScale;
-    const QRect all = m_inputExtent.adjusted(-kMargin, -kMargin, 2 * kMargin, 2 * kMargin);
-    const QRect known = m_grid.cellsFor(region).adjusted(-reach(), -reach(), reach(), reach()) & m_grid.cells();
-    if (m_grid.scale() > CellGrid::kLargestDirectScale || known.isEmpty())
-        return all;
-    return m_grid.pixelsOf(known).adjusted(-kPixelBlockWidth, -kPixelBlockHeight, kPixelBlockWidth, kPixelBlockHeight) &
-           all;
-}
-
-Tile DiscBlurNode::readAround(const QRect &block, const TileReader &inputs) const
-{
-    Tile input = inputs.read(0, inputRegion(0, block));
+    Tile input = inputs.read(0, block.adjusted(-reach, -reach, reach, reach));
     if (input.hasAlpha())
         forRows(input, kernels::premultiply);
     return input;
 }
 
-void DiscBlurNode::weigh(Tile &result, const TileReader &inputs) const
+void weigh(Tile &result, const Weights &weights, const TileReader &inputs)
 {
     const QRect &rect = result.rect();
-    const Tile input = readAround(rect, inputs);
+    const Tile input = readAround(rect, weights.reach, inputs);
     for (int c = 0; c < result.channels(); ++c)
         for (int y = rect.top(); y <= rect.bottom(); ++y)
-            kernels::weighRow(input.row(c, y) + m_weightsReach, input.stride(), m_weights.data(), m_weightsReach,
+            kernels::weighRow(input.row(c, y) + weights.reach, input.stride(), weights.values.data(), weights.reach,
                               result.row(c, y), std::size_t(rect.width()));
 }
 
-void DiscBlurNode::sum(Tile &result, const TileReader &inputs) const
+void sum(Tile &result, const DiscSummer &summer, const TileReader &inputs)
 {
-    DiscSummer::Scratch scratch = m_summer->makeScratch();
+    DiscSummer::Scratch scratch = summer.makeScratch();
     const QRect &rect = result.rect();
     for (int y = rect.top(); y <= rect.bottom(); y += DiscSummer::kBlockHeight) {
         for (int x = rect.left(); x <= rect.right(); x += DiscSummer::kBlockWidth) {
             const QRect block = QRect(x, y, DiscSummer::kBlockWidth, DiscSummer::kBlockHeight) & rect;
-            const Tile input = readAround(block, inputs);
+            const Tile input = readAround(block, summer.reach(), inputs);
             const std::size_t width = std::size_t(input.width());
             for (int c = 0; c < result.channels(); ++c) {
                 float *means = result.row(c, y) + (x - rect.left());
@@ -139,35 +106,74 @@ void DiscBlurNode::sum(Tile &result, const TileReader &inputs) const
                 const auto wide = [&](int row, std::uint16_t *samples) {
                     kernels::quantizeRow(input.row(c, y + row), samples, width);
                 };
-                if (!m_summer->sumNarrow(scratch, block.width(), block.height(), narrow, means, result.stride()))
-                    m_summer->sum(scratch, block.width(), block.height(), wide, means, result.stride());
+                if (!summer.sumNarrow(scratch, block.width(), block.height(), narrow, means, result.stride()))
+                    summer.sum(scratch, block.width(), block.height(), wide, means, result.stride());
             }
         }
     }
 }
 
-void DiscBlurNode::compute(Tile &result, const TileReader &inputs) const
+} // namespace
+
+struct DiscBlurNode::Prepared : PreparedState
 {
-    if (m_grid.scale() > 1)
-        drawCells(static_cast<const BlurredCells *>(inputs.prepared())->cells, m_grid, result);
-    else if (m_summer)
-        sum(result, inputs);
-    else
-        weigh(result, inputs);
-    if (result.hasAlpha())
-        forRows(result, kernels::unpremultiply);
+    std::optional<Weights> weights;
+    std::optional<DiscSummer> summer;
+    CellPlanes cells; ///< blurred
+};
+
+DiscBlurNode::DiscBlurNode(FilterNodePtr input, float radius, const QRect &inputExtent)
+    : FilterNode({std::move(input)})
+    , m_inputExtent(inputExtent)
+    , m_grid(inputExtent, double(radius))
+{
+}
+
+QRect DiscBlurNode::inputRegion(std::size_t, const QRect &region) const
+{
+    const int reach = reachOf(m_grid);
+    if (m_grid.scale() == 1)
+        return region.adjusted(-reach, -reach, reach, reach);
+    // Whole blocks, and of what lies outside the picture no more than the cells that stand for all.
+    constexpr int kMargin = CellGrid::kLargestDirectScale;
+    const QRect all = m_inputExtent.adjusted(-kMargin, -kMargin, 2 * kMargin, 2 * kMargin);
+    const QRect known = m_grid.cellsFor(region).adjusted(-reach, -reach, reach, reach) & m_grid.cells();
+    if (m_grid.scale() > CellGrid::kLargestDirectScale || known.isEmpty())
+        return all;
+    return m_grid.pixelsOf(known).adjusted(-kPixelBlockWidth, -kPixelBlockHeight, kPixelBlockWidth, kPixelBlockHeight) &
+           all;
 }
 
 std::unique_ptr<PreparedState> DiscBlurNode::prepare(const QRegion &needed, const PrepareContext &context) const
 {
-    if (m_grid.scale() == 1 || needed.isEmpty())
-        return nullptr;
-    QRegion drawn;
-    for (const QRect &rect : needed)
-        drawn += m_grid.cellsFor(rect);
-    const CellPlanes cells =
-        averageIntoCells(m_grid, grown(drawn, m_summer->reach()), inputs()[0]->channels(), context);
-    return std::make_unique<BlurredCells>(sumOverDisc(cells, *m_summer, drawn, context));
+    auto prepared = std::make_unique<Prepared>();
+    if (isTiny(m_grid)) {
+        prepared->weights.emplace(m_grid.discRadius());
+        return prepared;
+    }
+    prepared->summer.emplace(m_grid.discRadius(), m_grid.scale() == 1 ? kGoodOverPixels : kGoodOverCells);
+    if (m_grid.scale() > 1 && !needed.isEmpty()) {
+        QRegion drawn;
+        for (const QRect &rect : needed)
+            drawn += m_grid.cellsFor(rect);
+        const CellPlanes cells =
+            averageIntoCells(m_grid, grown(drawn, prepared->summer->reach()), inputs()[0]->channels(), context);
+        prepared->cells = sumOverDisc(cells, *prepared->summer, drawn, context);
+    }
+    return prepared;
+}
+
+void DiscBlurNode::compute(Tile &result, const TileReader &inputs) const
+{
+    const auto &prepared = *static_cast<const Prepared *>(inputs.prepared());
+    if (m_grid.scale() > 1)
+        drawCells(prepared.cells, m_grid, result);
+    else if (prepared.weights)
+        weigh(result, *prepared.weights, inputs);
+    else
+        sum(result, *prepared.summer, inputs);
+    if (result.hasAlpha())
+        forRows(result, kernels::unpremultiply);
 }
 
 } // namespace hazelmark

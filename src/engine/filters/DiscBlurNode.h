@@ -3,12 +3,7 @@
 #include "CellGrid.h"
 #include "FilterNode.h"
 
-#include <variant>
-
 namespace hazelmark {
-
-class CellPlanes;
-class DiscSummer;
 
 /// The unweighted mean of the pixels within a disc around each pixel: the look of an out-of-focus lens.
 ///
@@ -24,24 +19,16 @@ public:
     /// `radius` in pixels, greater than 0, finite. `inputExtent`: outside it every pixel of the input equals the
     /// nearest one inside.
     DiscBlurNode(FilterNodePtr input, float radius, const QRect &inputExtent);
-    ~DiscBlurNode() override;
 
     QRect inputRegion(std::size_t input, const QRect &region) const override;
     void compute(Tile &result, const TileReader &inputs) const override;
     std::unique_ptr<PreparedState> prepare(const QRegion &needed, const PrepareContext &context) const override;
 
 private:
-    int reach() const;
-    /// A block and all that its discs reach, premultiplied.
-    Tile readAround(const QRect &block, const TileReader &inputs) const;
-    void weigh(Tile &result, const TileReader &inputs) const;
-    void sum(Tile &result, const TileReader &inputs) const;
+    struct Prepared;
 
     QRect m_inputExtent;
     CellGrid m_grid;
-    std::vector<float> m_weights; ///< of a tiny disc; see kernels::weighRow
-    int m_weightsReach = 0;
-    std::unique_ptr<const DiscSummer> m_summer; ///< of any other, in cells of the grid
 };
 
 } // namespace hazelmark

@@ -134,7 +134,8 @@ double errorOf(const std::vector<Deviation> &deviations, double radius)
                 for (const int x : {deviation.x, -deviation.x}) {
                     for (const int y : {deviation.y, -deviation.y}) {
                         const double weight = deviation.weight * (deviation.x ? 1.0 : 0.5) * (deviation.y ? 1.0 : 0.5);
-                        const double outside = std::hypot(x - shiftX, y - shiftY) - radius;
+                        const double outside =
+                            std::sqrt((x - shiftX) * (x - shiftX) + (y - shiftY) * (y - shiftY)) - radius;
                         hard += outside <= 0.0 ? weight : 0.0;
                         soft += std::clamp(0.5 - outside, 0.0, 1.0) * weight;
                     }
