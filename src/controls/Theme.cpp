@@ -102,6 +102,11 @@ QCheckBox::indicator { width: 14px; height: 14px; border: 1px solid @disabled@; 
 QCheckBox::indicator:checked { background: @highlight@; image: url(@icons@/check.svg); }
 QCheckBox::indicator:focus { border-color: @focus@; }
 
+QHeaderView::section { background: @panel@; border: none; border-right: 1px solid @hairline@; padding: 4px 8px; }
+QAbstractItemView { border: 1px solid @hairline@; outline: none; }
+QAbstractItemView::item { padding: 0 4px; }
+QSplitter::handle { background: transparent; }
+
 QScrollBar:vertical { background: transparent; width: 10px; margin: 0; }
 QScrollBar::handle:vertical { background: @hover@; border-radius: 3px; margin: 2px; min-height: 24px; }
 QScrollBar::handle:vertical:hover { background: @disabled@; }

@@ -5,13 +5,17 @@
 #include "FakeApplication.h"
 #include "FloatSlider.h"
 #include "Localisation.h"
+#include "SavePanel.h"
 #include "SettingsPanel.h"
 #include "SummaryBar.h"
 #include "Theme.h"
 #include "TipsWindow.h"
 
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QDir>
+#include <QLineEdit>
+#include <QPushButton>
 
 using namespace hazelmark;
 
@@ -42,6 +46,7 @@ public:
         summaryBar();
         alert();
         tips();
+        savePanel();
     }
 
 private:
@@ -96,6 +101,17 @@ private:
             window.pageButtonsAction(page);
             save(window, QStringLiteral("tip-%1").arg(page + 1));
         }
+    }
+
+    void savePanel()
+    {
+        const ExportFormats formats = ExportFormats::forSource(QStringLiteral("jpg"));
+        SavePanel panel(m_application, {m_folder + QStringLiteral("/photo.jpg"), QSize(6000, 4000)}, formats, m_folder);
+        save(panel, QStringLiteral("save"));
+        panel.selectFormat(4);
+        panel.nameField()->setText(QStringLiteral("alert.png"));
+        panel.findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Save)->click();
+        save(panel, QStringLiteral("save-replace"));
     }
 
     QString m_folder;

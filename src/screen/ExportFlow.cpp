@@ -1,0 +1,214 @@
+#include "ExportFlow.h"
+
+#include "AlertSheet.h"
+#include "ApplicationDelegate.h"
+#include "Bundle.h"
+#include "FileAttributes.h"
+#include "FloatSlider.h"
+#include "FormatString.h"
+#include "NotificationCenter.h"
+#include "NotificationNames.h"
+#include "PathParts.h"
+#include "SavePanel.h"
+#include "Screen.h"
+#include "ScreenLog.h"
+#include "UserDefaults.h"
+#include "Workspace.h"
+
+#include <QDir>
+#include <QFileInfo>
+#include <QStandardPaths>
+
+#include <chrono>
+
+namespace hazelmark {
+
+namespace {
+
+constexpr std::chrono::milliseconds kAfterExport{200};
+constexpr std::chrono::milliseconds kProgressInterval{33};
+const QString kAnsweredVersion = QStringLiteral("appVersion");
+
+} // namespace
+
+ExportFlow::ExportFlow(ExportScreen &screen, ApplicationDelegate &application, QWidget &window,
+                       const QWidget &btnExport)
+    : ExportFlow(screen, application, window, btnExport, Work())
+{
+}
+
+ExportFlow::ExportFlow(ExportScreen &screen, ApplicationDelegate &application, QWidget &window,
+                       const QWidget &btnExport, const Work &work)
+    : m_screen(screen)
+    , m_application(application)
+    , m_window(window)
+    , m_btnExport(btnExport)
+    , m_work(work)
+    , m_sharePicker(application, window)
+{
+    m_progressPoll.setInterval(kProgressInterval);
+    connect(&m_progressPoll, &QTimer::timeout, this, [this] { emit progressChanged(*m_progress); });
+}
+
+ExportFlow::~ExportFlow()
+{
+    delete m_savePanel;
+}
+
+QString ExportFlow::lookup(const char *key) const
+{
+    return m_application.getLocalizedStringForKey(QLatin1String(key));
+}
+
+QString ExportFlow::startFolder() const
+{
+    const QString last = pathWithoutLastComponent(m_pathToExportImage);
+    return !last.isEmpty() && QFileInfo(last).isDir()
+               ? last
+               : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+}
+
+void ExportFlow::btnExportDenoisedImageTapped()
+{
+    const std::shared_ptr<PhotoFile> photo = m_application.selectedImageFile();
+    if (m_screen.isRunningAlgorithm() || m_isExporting || m_savePanel || !photo) {
+        m_screen.setExportButtonOff();
+        return;
+    }
+    m_formats = ExportFormats::forSource(photo->fileExtension());
+    m_savePanel = new SavePanel(m_application, {m_screen.imageUrl(), QSize(int(photo->width()), int(photo->height()))},
+                                m_formats, startFolder());
+    connect(m_savePanel, &SavePanel::chosen, this, &ExportFlow::savePanelChose);
+    connect(m_savePanel, &QDialog::finished, this, [this] { m_screen.setExportButtonOff(); });
+    SheetQueue::forWindow(m_window).present(m_savePanel);
+}
+
+void ExportFlow::savePanelChose(const QString &path)
+{
+    m_fileTypeToExportImage = pathExtension(path);
+    m_pathToExportImage = path;
+    m_exportQuality = m_savePanel->sliderExportQuality()->value();
+    m_isExportingPhoto = true;
+    NotificationCenter::defaultCenter().post(kNotificationSaveChnagesUnsaved);
+    saveOutPutImage(path);
+    m_isExportingPhoto = false;
+}
+
+void ExportFlow::saveOutPutImage(const QString &path)
+{
+    const std::shared_ptr<PhotoFile> photo = m_application.selectedImageFile();
+    if (m_isExporting || !photo)
+        return;
+    m_isExporting = true;
+    m_screen.setIsRunningAlgorithm(true);
+    m_screen.setExportLocked(true);
+    m_progress = std::make_shared<std::atomic<double>>(0.0);
+
+    ExportJob job;
+    job.imageUrl = m_screen.imageUrl();
+    job.maskImage = m_screen.maskImage();
+    job.settings = m_screen.createPresetObjectFromSettingWithTitle(QString());
+    job.progress = [progress = m_progress](double fraction) { *progress = fraction; };
+    const ExportWriter::Settings settings{*photo, m_formats.formats, m_fileTypeToExportImage, m_exportQuality,
+                                          Screen::mainScreen().backingScale()};
+    const bool forSharing = m_isSocialShareTapped;
+    m_queue.run(
+        [work = m_work, job, settings, path, forSharing] {
+            Result result;
+            const Outcome<ImageLoader::Loaded> rendered = work.render(job);
+            if (rendered)
+                result.image = rendered->photo;
+            else
+                qCWarning(lcScreen).noquote() << rendered.failure().sentence();
+            if (!forSharing) {
+                // Without a picture too: the writer says what becomes of that.
+                const Outcome<Done> written = work.write(settings, path, result.image);
+                result.written = bool(written);
+                if (!written)
+                    qCWarning(lcScreen).noquote() << written.failure().sentence();
+            }
+            return result;
+        },
+        [this, path](const Result &result) { completeExport(result, path); });
+    emit progressChanged(0);
+    emit exportStarted(path);
+    m_progressPoll.start();
+}
+
+void ExportFlow::completeExport(const Result &result, const QString &path)
+{
+    m_progressPoll.stop();
+    m_isExporting = false;
+    m_screen.setExportLocked(false);
+    m_screen.setIsRunningAlgorithm(false);
+    emit progressChanged(0);
+    m_screen.setLastExportedImage(result.image);
+    if (result.written)
+        emit photoWritten(path);
+    emit exportEnded();
+    // A share goes on below like an export.
+    if (std::exchange(m_isSocialShareTapped, false))
+        showSharingServicePickerWithImage(result.image);
+    scheduleRatePrompt();
+    QTimer::singleShot(kAfterExport, this, &ExportFlow::openOutputFolder);
+}
+
+void ExportFlow::scheduleRatePrompt()
+{
+    const QString version = Bundle::infoDictionary().value(QStringLiteral("CFBundleVersion")).toString();
+    if (UserDefaults::standardUserDefaults().string(kAnsweredVersion) != version)
+        QTimer::singleShot(kAfterExport, this, [this] { m_application.showAlertForRateApp(); });
+}
+
+void ExportFlow::openOutputFolder()
+{
+    if (!m_pathToExportImage.isEmpty())
+        Workspace::sharedWorkspace().openFile(m_pathToExportImage);
+}
+
+bool ExportFlow::checkForFileAvailabilityAtFilePath(const QString &path)
+{
+    return QFileInfo::exists(path);
+}
+
+bool ExportFlow::checkForLockedFile(const QString &path)
+{
+    const std::optional<FileAttributes> attributes = FileAttributes::ofPath(path);
+    const bool locked = attributes && attributes->isImmutable;
+    if (locked)
+        qCInfo(lcScreen) << "File is locked";
+    return locked;
+}
+
+void ExportFlow::btnSocialShareImageTapped()
+{
+    m_screen.closeColorPanel();
+    if (m_screen.isRunningAlgorithm() || m_isExporting || !m_application.selectedImageFile())
+        return;
+    const QString path = m_screen.imageUrl();
+    if (!checkForFileAvailabilityAtFilePath(path))
+        return showCannotShare("ERROR_PHOTO_NOT_AVAILABLE");
+    if (checkForLockedFile(path))
+        return showCannotShare("ERROR_ACCESS_DENIED_SOURCE");
+    NotificationCenter::defaultCenter().post(kNotificationSaveChnagesUnsaved);
+    if (const PhotoImagePtr last = m_screen.lastExportedImage()) {
+        showSharingServicePickerWithImage(last);
+        return;
+    }
+    m_isExportingPhoto = true; // and stays so: nothing hangs on it
+    m_isSocialShareTapped = true;
+    saveOutPutImage(QString());
+}
+
+void ExportFlow::showCannotShare(const char *messageKey)
+{
+    AlertSheet::showAlertWithTitle(m_window, m_application, lookup("ERROR_CANT_SHARE_IMAGE"),
+                                   formatString(QStringLiteral("\n %@"), {lookup(messageKey)}));
+}
+
+void ExportFlow::showSharingServicePickerWithImage(const PhotoImagePtr &image)
+{
+    m_sharePicker.showSharingServicePickerWithImage(image, m_screen.imageUrl(), m_btnExport);
+}
+
+} // namespace hazelmark

@@ -1,0 +1,116 @@
+#include "FilePanelLook.h"
+
+#include "ImageCatalog.h"
+#include "Theme.h"
+
+#include <QFileDialog>
+#include <QFileIconProvider>
+#include <QHeaderView>
+#include <QLayout>
+#include <QMimeDatabase>
+#include <QSplitter>
+#include <QStandardPaths>
+#include <QStorageInfo>
+#include <QToolButton>
+#include <QTreeView>
+#include <QUrl>
+
+#include <utility>
+
+namespace hazelmark {
+
+namespace {
+
+constexpr QSize kPanelSize{820, 560};
+constexpr int kSidebarWidth = 152;
+constexpr int kButtonIconSize = 20;
+constexpr int kListIconSize = 24; // with the margin that the drawings have
+
+/// Tells files apart by their names alone: no file is opened for its icon.
+class PanelIcons : public QFileIconProvider
+{
+public:
+    QIcon icon(IconType type) const override
+    {
+        switch (type) {
+        case Computer:
+        case Desktop:
+        case Drive:
+        case Network:
+            return m_computer;
+        case Folder:
+            return m_folder;
+        default:
+            return m_file;
+        }
+    }
+
+    QIcon icon(const QFileInfo &info) const override
+    {
+        if (info.isDir())
+            return info.isRoot() ? m_computer : m_folder;
+        const QString type = m_types.mimeTypeForFile(info, QMimeDatabase::MatchExtension).name();
+        return type.startsWith(QLatin1String("image/")) ? m_picture : m_file;
+    }
+
+private:
+    QMimeDatabase m_types;
+    QIcon m_computer = ImageCatalog::iconNamed(QStringLiteral("computer"));
+    QIcon m_folder = ImageCatalog::iconNamed(QStringLiteral("folder"));
+    QIcon m_picture = ImageCatalog::iconNamed(QStringLiteral("picture"));
+    QIcon m_file = ImageCatalog::iconNamed(QStringLiteral("file"));
+};
+
+QList<QUrl> places()
+{
+    QList<QUrl> urls;
+    for (const auto location : {QStandardPaths::PicturesLocation, QStandardPaths::DesktopLocation,
+                                QStandardPaths::DownloadLocation, QStandardPaths::HomeLocation}) {
+        const QUrl url = QUrl::fromLocalFile(QStandardPaths::writableLocation(location));
+        if (QFileInfo::exists(url.toLocalFile()) && !urls.contains(url))
+            urls << url;
+    }
+    // Cameras and cards, which are mounted for the person.
+    for (const QStorageInfo &volume : QStorageInfo::mountedVolumes()) {
+        const QString path = volume.rootPath();
+        if (path.startsWith(QLatin1String("/media/")) || path.startsWith(QLatin1String("/run/media/")))
+            urls << QUrl::fromLocalFile(path);
+    }
+    urls << QUrl(QStringLiteral("file:"));
+    return urls;
+}
+
+} // namespace
+
+void dressFilePanel(QFileDialog &panel)
+{
+    static PanelIcons icons;
+    panel.setIconProvider(&icons);
+    panel.setSidebarUrls(places());
+    panel.setViewMode(QFileDialog::Detail);
+    panel.setSizeGripEnabled(false);
+    for (const auto &[name, image] :
+         {std::pair{"backButton", "chevron-left"}, std::pair{"forwardButton", "chevron-right"},
+          std::pair{"toParentButton", "up"}, std::pair{"newFolderButton", "new-folder"},
+          std::pair{"listModeButton", "view-list"}, std::pair{"detailModeButton", "view-details"}}) {
+        if (auto *button = panel.findChild<QToolButton *>(QLatin1String(name))) {
+            button->setIcon(ImageCatalog::iconNamed(QLatin1String(image)));
+            button->setIconSize(QSize(kButtonIconSize, kButtonIconSize));
+            button->setAutoRaise(true);
+        }
+    }
+    for (QAbstractItemView *view : panel.findChildren<QAbstractItemView *>())
+        view->setIconSize(QSize(kListIconSize, kListIconSize));
+    if (auto *table = panel.findChild<QTreeView *>(QStringLiteral("treeView"))) {
+        table->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
+        table->header()->setSectionResizeMode(0, QHeaderView::Stretch);
+        table->header()->setStretchLastSection(false);
+    }
+    if (auto *splitter = panel.findChild<QSplitter *>(QStringLiteral("splitter")))
+        splitter->setSizes({kSidebarWidth, kPanelSize.width() - kSidebarWidth});
+    panel.layout()->setContentsMargins(theme::kMargin, theme::kMargin, theme::kMargin, theme::kMargin);
+    panel.layout()->setSpacing(theme::kSpacing);
+    panel.resize(kPanelSize);
+}
+
+} // namespace hazelmark

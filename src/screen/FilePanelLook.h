@@ -1,0 +1,11 @@
+#pragma once
+
+class QFileDialog;
+
+namespace hazelmark {
+
+/// Dresses the toolkit's file dialog, which must not be a native one, as a panel of this program: its icons and
+/// distances, columns as wide as what is in them, and the places where people keep photos at the side.
+void dressFilePanel(QFileDialog &panel);
+
+} // namespace hazelmark
