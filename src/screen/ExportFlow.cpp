@@ -55,6 +55,11 @@ ExportFlow::~ExportFlow()
     delete m_savePanel;
 }
 
+SavePanel *ExportFlow::savePanel() const
+{
+    return m_savePanel;
+}
+
 QString ExportFlow::lookup(const char *key) const
 {
     return m_application.getLocalizedStringForKey(QLatin1String(key));

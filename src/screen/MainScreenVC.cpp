@@ -31,6 +31,7 @@ MainScreenVC::MainScreenVC(ApplicationDelegate &application)
 
 MainScreenVC::MainScreenVC(ApplicationDelegate &application, const Work &work)
     : m_application(application)
+    , m_exportWork(work.exporting)
     , m_opener(work.open)
     , m_previews(work.render)
 {
@@ -179,10 +180,6 @@ void MainScreenVC::btnSaveFileFromMenuTapped()
     btnExportDenoisedImageTapped();
 }
 
-void MainScreenVC::btnExportDenoisedImageTapped() {}
-
-void MainScreenVC::btnSocialShareImageTapped() {}
-
 void MainScreenVC::addDemoWindow()
 {
     if (!m_window)
@@ -195,6 +192,7 @@ void MainScreenVC::addDemoWindow()
 void MainScreenVC::setLastExportedImage(const PhotoImagePtr &image)
 {
     m_lastExportedImage = image;
+    m_isResultWritten = m_isResultWritten && image;
     updateUnsavedMark();
 }
 
@@ -221,7 +219,7 @@ void MainScreenVC::updateLocks()
 
 void MainScreenVC::updateUnsavedMark()
 {
-    m_view->setUnsavedMarkVisible(hasPhoto() && !m_lastExportedImage && !m_arrDrawedPoints->empty());
+    m_view->setUnsavedMarkVisible(hasPhoto() && !m_isResultWritten && !m_arrDrawedPoints->empty());
 }
 
 void MainScreenVC::showAlertWithTitle(const QString &title, const QString &andMessage)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ExportFlow.h"
 #include "MainScreenView.h"
 #include "NotificationCenter.h"
 #include "PaintControl.h"
@@ -25,7 +26,7 @@ class TitlebarWindow;
 
 /// The controller of the one screen: the photo workflow, the paint modes, the previews, and the window's own buttons.
 /// Its collaborators do the work; this class says when, and holds the state of the working session. Main thread only.
-class MainScreenVC : public QObject, public ViewController
+class MainScreenVC : public QObject, public ViewController, public ExportScreen
 {
     Q_OBJECT
 
@@ -42,6 +43,7 @@ public:
     {
         PhotoOpener::Steps open = PhotoOpener::Steps::real();
         PreviewRunner::Render render = PreviewRunner::realRender();
+        ExportFlow::Work exporting;
     };
 
     explicit MainScreenVC(ApplicationDelegate &application);
@@ -103,6 +105,8 @@ public:
     // Export and sharing.
     void btnExportDenoisedImageTapped();
     void btnSocialShareImageTapped();
+    /// The flow of saving and sharing; null until the window is there.
+    ExportFlow *exportFlow() const { return m_exportFlow.get(); }
 
     // The window.
     void setupTitleBarViewForWindow(TitlebarWindow *window);
@@ -125,24 +129,24 @@ public:
     bool hasPhoto() const { return m_inputImage != nullptr; }
     bool isLoading() const { return m_opener.isLoading(); }
     const PhotoImagePtr &inputImage() const { return m_inputImage; }
-    const QString &imageUrl() const { return m_imageUrl; }
+    const QString &imageUrl() const override { return m_imageUrl; }
     const PhotoImagePtr &resizedInputImage() const { return m_resizedInputImage; }
-    const PhotoImagePtr &maskImage() const { return m_maskImage; }
+    const PhotoImagePtr &maskImage() const override { return m_maskImage; }
     const PhotoImagePtr &overlayImage() const { return m_overlayImage; }
     void setOverlayImage(const PhotoImagePtr &image) { m_overlayImage = image; }
     qint32 toolType() const { return m_toolType; }
     qint32 menuSelectedIndex() const { return m_menuSelectedIndex; }
-    bool isRunningAlgorithm() const { return m_isRunningAlgorithm; }
-    void setIsRunningAlgorithm(bool running) { m_isRunningAlgorithm = running; }
+    bool isRunningAlgorithm() const override { return m_isRunningAlgorithm; }
+    void setIsRunningAlgorithm(bool running) override { m_isRunningAlgorithm = running; }
     bool isResizingWindow() const { return m_isResizingWindow; }
     bool isExportingWithAddingNewImage() const { return m_isExportingWithAddingNewImage; }
     void setIsExportingWithAddingNewImage(bool exporting) { m_isExportingWithAddingNewImage = exporting; }
-    const PhotoImagePtr &lastExportedImage() const { return m_lastExportedImage; }
-    void setLastExportedImage(const PhotoImagePtr &image);
+    const PhotoImagePtr &lastExportedImage() const override { return m_lastExportedImage; }
+    void setLastExportedImage(const PhotoImagePtr &image) override;
     const std::shared_ptr<PaintStepList> &arrDrawedPointsForCustomBrushOption() const { return m_arrDrawedPoints; }
 
     /// While an export runs: no second one, no sharing, no other settings, no painting, no other photo.
-    void setExportLocked(bool locked);
+    void setExportLocked(bool locked) override;
     bool isExportLocked() const { return m_exportLocked; }
 
 signals:
@@ -177,10 +181,15 @@ private:
     void checkPointerOverPhoto();
     void updateUnsavedMark();
     void updateLocks();
+    void makeExportFlow();
+    CoreFilterObject createPresetObjectFromSettingWithTitle(const QString &title) const override;
+    void setExportButtonOff() override;
+    void closeColorPanel() override;
     void takeDownSaveChanges();
     void followScreen();
 
     ApplicationDelegate &m_application;
+    ExportFlow::Work m_exportWork;
     QPointer<MainScreenView> m_view;
     QPointer<TitlebarWindow> m_window;
     QPointer<SaveChangesSheet> m_windowSaveChanges;
@@ -198,6 +207,7 @@ private:
     PhotoImagePtr m_maskGreenImageWithCustomPaint;
     PhotoImagePtr m_maskImageWithCustomPaint;
     PhotoImagePtr m_lastExportedImage;
+    bool m_isResultWritten = false; ///< into a file, which sharing does not do
     std::shared_ptr<PaintStepList> m_arrDrawedPoints;
     qint32 m_toolType = kToolNone;
     qint32 m_menuSelectedIndex = -1;
@@ -215,6 +225,7 @@ private:
     PhotoOpener m_opener;
     PreviewRunner m_previews;
     WorkQueue m_previewRequests{1};
+    std::unique_ptr<ExportFlow> m_exportFlow;
 };
 
 } // namespace hazelmark

@@ -43,6 +43,7 @@ void MainScreenVC::setupTitleBarViewForWindow(TitlebarWindow *window)
     if (!window)
         return;
     m_window = window;
+    makeExportFlow();
     window->setTitleBarHeight(theme::kTitleBarHeight);
     window->setTitleBarButtonMargins(kButtonTopMarginPoints, kButtonLeftMarginPoints);
     // The window's controller comes later with another frame and other limits: those hold.

@@ -1,39 +1,28 @@
 #include "OpenPanel.h"
 
 #include "ApplicationDelegate.h"
+#include "FilePanelLook.h"
 #include "ReadableTypes.h"
 #include "SheetQueue.h"
-#include "Theme.h"
 
 #include <QFileDialog>
-#include <QHeaderView>
 #include <QLayout>
 #include <QPushButton>
 #include <QStandardPaths>
-#include <QTreeView>
 
 namespace hazelmark {
 
 namespace {
 
-constexpr QSize kPanelSize{760, 520};
-
-/// The toolkit's own dialog, which stands in where the desktop has none, in the distances of the theme. The desktop's
-/// has no layout that could be touched.
+/// The toolkit's own dialog, which stands in where the desktop has none. The desktop's has no layout.
 void arrange(QFileDialog &panel)
 {
     if (!panel.layout())
         return;
-    panel.resize(kPanelSize);
-    panel.layout()->setContentsMargins(theme::kMargin, theme::kMargin, theme::kMargin, theme::kMargin);
+    dressFilePanel(panel);
     const auto buttons = panel.findChildren<QPushButton *>();
     for (QPushButton *button : buttons)
         button->setIcon({});
-    if (auto *files = panel.findChild<QTreeView *>(QStringLiteral("treeView"))) {
-        files->header()->setStretchLastSection(false);
-        files->header()->setSectionResizeMode(QHeaderView::ResizeToContents);
-        files->header()->setSectionResizeMode(0, QHeaderView::Stretch);
-    }
 }
 
 } // namespace

@@ -78,6 +78,11 @@ void SummaryBar::showExported(const QString &path)
     setExportText("EXPORTED", path);
 }
 
+void SummaryBar::showMessage(const QString &text)
+{
+    m_exportText->setText(text);
+}
+
 void SummaryBar::clearExport()
 {
     m_exportText->setText({});

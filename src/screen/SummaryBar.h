@@ -27,6 +27,7 @@ public:
 
     void showExporting(const QString &path);
     void showExported(const QString &path);
+    void showMessage(const QString &text);
     void clearExport();
 
     QString txtFilePath() const;

@@ -1,0 +1,64 @@
+// The main screen's side of saving and sharing.
+#include "MainScreenVC.h"
+
+#include "BarProgressIndicator.h"
+#include "ColorWell.h"
+#include "HighlightButton.h"
+#include "SettingsPanel.h"
+#include "SummaryBar.h"
+#include "TitlebarWindow.h"
+
+namespace hazelmark {
+
+void MainScreenVC::makeExportFlow()
+{
+    m_exportFlow = std::make_unique<ExportFlow>(*this, m_application, *m_window, *m_view->btnExport, m_exportWork);
+    connect(m_view, &QObject::destroyed, this, [this] { m_exportFlow.reset(); });
+    ExportFlow *flow = m_exportFlow.get();
+    connect(flow, &ExportFlow::exportStarted, this, [this](const QString &path) {
+        m_view->progressBar->show();
+        if (!path.isEmpty())
+            m_view->vwBottom->showExporting(path);
+    });
+    connect(flow, &ExportFlow::progressChanged, m_view->progressBar, &BarProgressIndicator::setValue);
+    connect(flow, &ExportFlow::photoWritten, this, [this](const QString &path) {
+        m_isResultWritten = true;
+        m_view->vwBottom->showExported(path);
+        updateUnsavedMark();
+    });
+    connect(flow, &ExportFlow::exportEnded, this, [this] {
+        m_view->progressBar->hide();
+        if (!m_isResultWritten)
+            m_view->vwBottom->clearExport();
+    });
+    connect(&flow->sharePicker(), &SharePicker::shared, m_view->vwBottom, &SummaryBar::showMessage);
+}
+
+void MainScreenVC::btnExportDenoisedImageTapped()
+{
+    if (m_exportFlow)
+        m_exportFlow->btnExportDenoisedImageTapped();
+}
+
+void MainScreenVC::btnSocialShareImageTapped()
+{
+    if (m_exportFlow)
+        m_exportFlow->btnSocialShareImageTapped();
+}
+
+CoreFilterObject MainScreenVC::createPresetObjectFromSettingWithTitle(const QString &title) const
+{
+    return m_view->vwSettingOptions->createPresetObjectFromSettingWithTitle(title);
+}
+
+void MainScreenVC::setExportButtonOff()
+{
+    m_view->btnExport->setChecked(false);
+}
+
+void MainScreenVC::closeColorPanel()
+{
+    m_view->vwSettingOptions->colorPickerVignette()->closeColorPanel();
+}
+
+} // namespace hazelmark

@@ -1,0 +1,163 @@
+// Saving and sharing from the main screen: what rests meanwhile, what is shown, what is left.
+#include "ScreenFixture.h"
+
+#include "BarProgressIndicator.h"
+#include "Decoder.h"
+#include "HighlightButton.h"
+#include "NotificationNames.h"
+#include "PaintView.h"
+#include "SavePanel.h"
+#include "SettingsPanel.h"
+#include "SummaryBar.h"
+#include "UserDefaults.h"
+#include "Workspace.h"
+
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+namespace hazelmark {
+
+namespace {
+
+class SilentWorkspace : public Workspace
+{
+public:
+    void openUrl(const QUrl &url, Completion) override { m_opened << url.toLocalFile(); }
+
+    QStringList m_opened;
+};
+
+class Export : public ScreenFixture
+{
+protected:
+    /// A photo that is dark on the left and bright on the right, painted over its middle.
+    void openAndPaint()
+    {
+        start();
+        QImage image(600, 400, QImage::Format_RGB32);
+        for (int x = 0; x < 600; ++x) {
+            for (int y = 0; y < 400; ++y)
+                image.setPixelColor(x, y, x < 300 ? QColor(20, 30, 40) : QColor(220, 210, 200));
+        }
+        const QString path = m_folder.filePath(QStringLiteral("photo.png"));
+        ASSERT_TRUE(image.save(path, "PNG"));
+        open(path);
+        stroke({0.45, 0.5}, {0.55, 0.5});
+        waitForPreviews(1);
+    }
+    void save(const QString &path)
+    {
+        post(kNotificationSavePhotoFromMenuTapped);
+        SavePanel *panel = m_screen->exportFlow()->savePanel();
+        ASSERT_TRUE(panel && panel->isVisible());
+        panel->nameField()->setText(path);
+        QTest::mouseClick(panel->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Save), Qt::LeftButton);
+        ASSERT_TRUE(m_screen->exportFlow()->isExporting());
+    }
+    void waitForTheEnd()
+    {
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !m_screen->exportFlow()->isExporting(); }));
+    }
+    bool isMarked() const { return m_screen->view()->findChild<QWidget *>(QStringLiteral("unsavedMark"))->isVisible(); }
+    MainScreenView &view() const { return *m_screen->mainScreenView(); }
+
+    SilentWorkspace m_workspace;
+    ProcessWide<Workspace>::Replacement m_replaceWorkspace{m_workspace};
+    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("defaults.conf"))};
+    ProcessWide<UserDefaults>::Replacement m_replaceDefaults{m_defaults};
+};
+
+} // namespace
+
+TEST_F(Export, WritesWhatThePreviewShowed)
+{
+    openAndPaint();
+    EXPECT_TRUE(isMarked());
+    const QString path = m_folder.filePath(QStringLiteral("out.tiff"));
+    save(path);
+    waitForTheEnd();
+    const Outcome<Picture> written = decodePicture(path);
+    ASSERT_TRUE(written);
+    EXPECT_EQ(written->pixels.size(), QSize(600, 400));
+    const int edge = written->pixels.pixelColor(301, 200).red(); // painted: the edge is soft
+    EXPECT_GT(edge, 40);
+    EXPECT_LT(edge, 200);
+    EXPECT_EQ(written->pixels.pixelColor(301, 20), QColor(220, 210, 200)) << "not painted: as it was";
+    EXPECT_FALSE(isMarked());
+    EXPECT_EQ(view().vwBottom->exportText(), QStringLiteral("EXPORTED out.tiff"));
+    EXPECT_FALSE(view().progressBar->isVisible());
+    EXPECT_TRUE(m_screen->lastExportedImage());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return m_workspace.m_opened.contains(path); }));
+
+    stroke({0.45, 0.7}, {0.55, 0.7});
+    waitForPreviews(2);
+    EXPECT_TRUE(isMarked());
+}
+
+TEST_F(Export, EverythingThatWouldDisturbItRests)
+{
+    Gate gate;
+    m_work.exporting.render = [&gate](const ExportJob &job) {
+        job.progress(0.5);
+        gate.pass();
+        return job.run();
+    };
+    openAndPaint();
+    save(m_folder.filePath(QStringLiteral("out.png")));
+    EXPECT_TRUE(m_application.m_isExporting && ProcessState::shared().isUiDisabled);
+    EXPECT_FALSE(view().btnExport->isEnabled() || view().btnShareService->isEnabled() ||
+                 view().btnAddPhoto->isEnabled() || view().vwSettingOptions->isEnabled() ||
+                 view().paintView->isEnabled());
+    EXPECT_TRUE(view().progressBar->isVisible());
+    EXPECT_TRUE(QTest::qWaitFor([&] { return view().progressBar->value() == 0.5; }));
+    EXPECT_EQ(view().vwBottom->exportText(), QStringLiteral("EXPORTING out.png"));
+    const QString before = m_screen->imageUrl();
+    m_screen->photoDraggedWithPath(photo(QStringLiteral("other.png"), {100, 100}));
+    m_screen->btnProcessTapped(); // a preview clears the busy flag, but not the lock
+    waitForPreviews(2);
+    EXPECT_TRUE(m_screen->isExportLocked());
+    post(kNotificationSavePhotoFromMenuTapped);
+    EXPECT_FALSE(m_screen->exportFlow()->savePanel() && m_screen->exportFlow()->savePanel()->isVisible());
+    gate.open();
+    waitForTheEnd();
+    EXPECT_EQ(m_screen->imageUrl(), before);
+    EXPECT_TRUE(view().vwSettingOptions->isEnabled() && view().btnExport->isEnabled());
+    EXPECT_FALSE(m_application.m_isExporting);
+}
+
+TEST_F(Export, SharingOrAFailureIsNoExport)
+{
+    m_work.exporting.write = [](const auto &, const QString &path, const auto &) -> Outcome<Done> {
+        return Failure{Failure::Reason::DiskFull, path, {}};
+    };
+    openAndPaint();
+    save(m_folder.filePath(QStringLiteral("out.png")));
+    waitForTheEnd();
+    EXPECT_TRUE(isMarked());
+    EXPECT_EQ(view().vwBottom->exportText(), QString());
+    m_screen->setLastExportedImage(nullptr);
+    QTest::mouseClick(view().btnShareService, Qt::LeftButton);
+    waitForTheEnd();
+    ASSERT_TRUE(m_screen->exportFlow()->sharePicker().menu());
+    EXPECT_TRUE(isMarked());
+    EXPECT_TRUE(sheetText().isEmpty());
+}
+
+TEST_F(Export, ClosingTheWindowLeavesAWholeFile)
+{
+    m_work.exporting.render = [](const ExportJob &job) {
+        QTest::qSleep(100);
+        return job.run();
+    };
+    openAndPaint();
+    const QString path = m_folder.filePath(QStringLiteral("out.png"));
+    save(path);
+    m_window->close();
+    m_screen.reset();
+    EXPECT_TRUE(decodePicture(path));
+}
+
+} // namespace hazelmark
