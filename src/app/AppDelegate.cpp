@@ -4,12 +4,14 @@
 #include "MainMenu.h"
 #include "NotificationNames.h"
 #include "ProcessState.h"
+#include "PromotionWindow.h"
 #include "SheetQueue.h"
 #include "TitlebarWindow.h"
 #include "UserDefaults.h"
 #include "Workspace.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QCursor>
 #include <QLoggingCategory>
@@ -19,6 +21,8 @@ namespace hazelmark {
 namespace {
 
 Q_LOGGING_CATEGORY(lcApp, "hazelmark.app", QtInfoMsg)
+
+const QString kNotShowPromotionWindow = QStringLiteral("notShowPromotionWindow");
 
 void post(QLatin1String name)
 {
@@ -90,8 +94,26 @@ void AppDelegate::openMainWindow()
 
 void AppDelegate::promotionWindowSetup()
 {
-    m_arrOurApps.clear();
-} // no program is promoted
+    if (!m_windowPromotion) {
+        m_windowPromotion = std::make_unique<PromotionWindow>(m_localisation);
+        connect(m_windowPromotion.get(), &PromotionWindow::quitTapped, this, &AppDelegate::btnQuitApp);
+    }
+    m_windowPromotion->promotionWindowSetup();
+}
+
+QVariantList AppDelegate::arrOurApps() const
+{
+    return m_windowPromotion ? m_windowPromotion->arrOurApps() : QVariantList();
+}
+
+/// The person asked not to see the promotion window again.
+void AppDelegate::rememberPromotionChoice()
+{
+    if (!m_windowPromotion || !m_windowPromotion->btnCheckDontShow()->isChecked())
+        return;
+    UserDefaults::standardUserDefaults().setBoolean(kNotShowPromotionWindow, true);
+    UserDefaults::standardUserDefaults().synchronize();
+}
 
 void AppDelegate::checkForRateupPopup()
 {
@@ -109,6 +131,7 @@ void AppDelegate::setLocalizedStrings()
     const auto lookup = [this](const char *key) { return getLocalizedStringForKey(QString::fromLatin1(key)); };
     m_myWindowController->windowMain()->setButtonNames(lookup("CLOSE_WINDOW"), lookup("MINIMIZE_WINDOW"),
                                                        lookup("ZOOM_WINDOW"), lookup("FULL_SCREEN"));
+    m_windowPromotion->setLocalizedStrings();
 }
 
 void AppDelegate::applicationDidBecomeActive()
@@ -169,6 +192,7 @@ void AppDelegate::btnSetLanguageAction(int tag)
 
 void AppDelegate::btnQuitApp()
 {
+    rememberPromotionChoice();
     m_terminate();
 }
 
@@ -202,8 +226,18 @@ void AppDelegate::handleWindowClose(QWidget *window)
 void AppDelegate::handleWindowClose_Main(const QString &className)
 {
     qCInfo(lcApp).noquote() << "closing Window Class" << className;
-    if (className == QLatin1String("TitlebarWindow"))
-        m_terminate(); // nothing is promoted
+    if (className == QLatin1String("TitlebarWindow")) {
+        const bool isUnwanted = UserDefaults::standardUserDefaults().boolean(kNotShowPromotionWindow);
+        if (isUnwanted || arrOurApps().isEmpty()) {
+            m_terminate();
+            return;
+        }
+        qCInfo(lcApp) << "showing the promotion window";
+        m_windowPromotion->present();
+    } else if (className == QLatin1String("PromotionWindow")) {
+        rememberPromotionChoice();
+        m_terminate();
+    }
 }
 
 void AppDelegate::setSelectedImageFile(std::shared_ptr<PhotoFile> file)

@@ -16,6 +16,7 @@
 namespace hazelmark {
 
 class MainMenu;
+class PromotionWindow;
 class TitlebarWindow;
 
 /// The application delegate: starts the program, holds what belongs to the process and not to a window, turns menu
@@ -74,7 +75,8 @@ public:
     MainWinController *myWindowController() const { return m_myWindowController.get(); }
     MainMenu *mainMenu() const { return m_mainMenu.get(); }
     /// The programs that the promotion window shows: dictionaries with "appName", "imageName", "url" and "Desc".
-    const QVariantList &arrOurApps() const { return m_arrOurApps; }
+    QVariantList arrOurApps() const;
+    PromotionWindow *windowPromotion() const { return m_windowPromotion.get(); } ///< null before the launch
 
     // Part of the delegate's interface; nothing in the program reads or sets them. The main window is reached through
     // its controller, and the speed of rendering is known where it is measured.
@@ -90,15 +92,16 @@ protected:
 
 private:
     void handleWindowClose_Main(const QString &className);
+    void rememberPromotionChoice();
     void updateMenu();
 
     ScreenFactory m_makeMainScreen;
     std::function<void()> m_terminate;
-    QVariantList m_arrOurApps;
     Localisation m_localisation;
     LinkTable m_links;
     std::unique_ptr<MainWinController> m_myWindowController;
     std::unique_ptr<MainMenu> m_mainMenu;
+    std::unique_ptr<PromotionWindow> m_windowPromotion;
     std::shared_ptr<PhotoFile> m_selectedImageFile;
     QStringList m_arraySelectedImagesToProcess;
     RatePrompt m_ratePrompt;

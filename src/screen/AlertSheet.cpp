@@ -52,7 +52,6 @@ AlertSheet::AlertSheet(const QString &title, const QString &message, const QStri
     }
     buttons->addWidget(m_defaultButton);
     m_defaultButton->setDefault(true);
-    m_defaultButton->setFocus();
     connect(m_defaultButton, &QPushButton::clicked, this, [this] { done(DefaultReturn); });
 
     auto *layout = new QGridLayout(this);
@@ -66,6 +65,7 @@ AlertSheet::AlertSheet(const QString &title, const QString &message, const QStri
     layout->setRowMinimumHeight(2, theme::kSpacing);
     layout->addLayout(buttons, 3, 0, 1, 2);
     layout->setSizeConstraint(QLayout::SetFixedSize);
+    m_defaultButton->setFocus(); // once it belongs to the sheet
 }
 
 void AlertSheet::setIcon(const QString &name)

@@ -3,6 +3,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QHash>
 #include <QLocale>
 #include <QSet>
@@ -15,7 +16,6 @@ namespace hazelmark {
 
 namespace {
 
-const QString kOwnEntry = QStringLiteral("hazelmark.desktop");
 constexpr qint64 kMaxEntrySize = 1024 * 1024; // bytes; real entries have a few thousand
 
 /// The keys of the group "[Desktop Entry]", as written.
@@ -187,6 +187,7 @@ QList<DesktopApplication> DesktopApplication::forType(const QString &mimeType, c
 {
     const QString locale = QLocale().name();
     const QStringList languages{locale, locale.section(QLatin1Char('_'), 0, 0)};
+    const QString own = QGuiApplication::desktopFileName() + QStringLiteral(".desktop");
     QSet<QString> seen;
     QList<DesktopApplication> found;
     for (const QString &folder : entryFolders) {
@@ -194,7 +195,7 @@ QList<DesktopApplication> DesktopApplication::forType(const QString &mimeType, c
         while (entries.hasNext()) {
             const QString path = entries.next();
             const QString id = path.mid(folder.size() + 1).replace(QLatin1Char('/'), QLatin1Char('-'));
-            if (seen.contains(id) || id == kOwnEntry)
+            if (seen.contains(id) || id == own)
                 continue;
             seen.insert(id); // whatever it says: it hides the entries of this id that come later
             const std::optional<DesktopApplication> application = fromEntry(path, languages);

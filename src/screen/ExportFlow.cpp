@@ -4,6 +4,7 @@
 #include "ApplicationDelegate.h"
 #include "Bundle.h"
 #include "FileAttributes.h"
+#include "FilePanelLook.h"
 #include "FloatSlider.h"
 #include "FormatString.h"
 #include "NotificationCenter.h"
@@ -15,9 +16,7 @@
 #include "UserDefaults.h"
 #include "Workspace.h"
 
-#include <QDir>
 #include <QFileInfo>
-#include <QStandardPaths>
 
 #include <chrono>
 
@@ -68,9 +67,7 @@ QString ExportFlow::lookup(const char *key) const
 QString ExportFlow::startFolder() const
 {
     const QString last = pathWithoutLastComponent(m_pathToExportImage);
-    return !last.isEmpty() && QFileInfo(last).isDir()
-               ? last
-               : QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    return !last.isEmpty() && QFileInfo(last).isDir() ? last : picturesFolder();
 }
 
 void ExportFlow::btnExportDenoisedImageTapped()

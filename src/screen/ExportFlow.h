@@ -87,7 +87,7 @@ public:
     bool isExportingPhoto() const { return m_isExportingPhoto; }
     bool isSocialShareTapped() const { return m_isSocialShareTapped; }
     bool isExporting() const { return m_isExporting; } ///< a render for a file or for sharing is under way
-    SavePanel *savePanel() const; ///< null unless it is open
+    SavePanel *savePanel() const;                      ///< null unless it is open
     SharePicker &sharePicker() { return m_sharePicker; }
 
 signals:

@@ -3,11 +3,13 @@
 #include "ImageCatalog.h"
 #include "Theme.h"
 
+#include <QDir>
 #include <QFileDialog>
 #include <QFileIconProvider>
 #include <QHeaderView>
 #include <QLayout>
 #include <QMimeDatabase>
+#include <QPushButton>
 #include <QSplitter>
 #include <QStandardPaths>
 #include <QStorageInfo>
@@ -82,6 +84,12 @@ QList<QUrl> places()
 
 } // namespace
 
+QString picturesFolder()
+{
+    const QString pictures = QStandardPaths::writableLocation(QStandardPaths::PicturesLocation);
+    return QFileInfo(pictures).isDir() ? pictures : QDir::homePath();
+}
+
 void dressFilePanel(QFileDialog &panel)
 {
     static PanelIcons icons;
@@ -106,6 +114,8 @@ void dressFilePanel(QFileDialog &panel)
         table->header()->setSectionResizeMode(0, QHeaderView::Stretch);
         table->header()->setStretchLastSection(false);
     }
+    for (QPushButton *button : panel.findChildren<QPushButton *>())
+        button->setIcon({}); // the words are enough
     if (auto *splitter = panel.findChild<QSplitter *>(QStringLiteral("splitter")))
         splitter->setSizes({kSidebarWidth, kPanelSize.width() - kSidebarWidth});
     panel.layout()->setContentsMargins(theme::kMargin, theme::kMargin, theme::kMargin, theme::kMargin);

@@ -6,26 +6,8 @@
 #include "SheetQueue.h"
 
 #include <QFileDialog>
-#include <QLayout>
-#include <QPushButton>
-#include <QStandardPaths>
 
 namespace hazelmark {
-
-namespace {
-
-/// The toolkit's own dialog, which stands in where the desktop has none. The desktop's has no layout.
-void arrange(QFileDialog &panel)
-{
-    if (!panel.layout())
-        return;
-    dressFilePanel(panel);
-    const auto buttons = panel.findChildren<QPushButton *>();
-    for (QPushButton *button : buttons)
-        button->setIcon({});
-}
-
-} // namespace
 
 void OpenPanel::show(QWidget &window, ApplicationDelegate &application, const QString &folder, QObject *context,
                      Chosen chosen)
@@ -34,9 +16,7 @@ void OpenPanel::show(QWidget &window, ApplicationDelegate &application, const QS
     if (window.findChild<QFileDialog *>(name))
         return;
     const auto text = [&](const char *key) { return application.getLocalizedStringForKey(QLatin1String(key)); };
-    auto *panel =
-        new QFileDialog(&window, text("ADD_IMAGE"),
-                        folder.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::PicturesLocation) : folder);
+    auto *panel = new QFileDialog(&window, text("ADD_IMAGE"), folder.isEmpty() ? picturesFolder() : folder);
     panel->setObjectName(name);
     panel->setFileMode(QFileDialog::ExistingFile);
     panel->setOption(QFileDialog::HideNameFilterDetails);
@@ -44,7 +24,8 @@ void OpenPanel::show(QWidget &window, ApplicationDelegate &application, const QS
                          QLatin1Char(')'));
     panel->setLabelText(QFileDialog::Accept, text("OPEN_IMAGE"));
     panel->setLabelText(QFileDialog::Reject, text("CANCEL"));
-    arrange(*panel);
+    if (panel->layout()) // the toolkit's own dialog, where the desktop has none
+        dressFilePanel(*panel);
     QObject::connect(panel, &QDialog::accepted, context, [panel, chosen = std::move(chosen)] {
         const QStringList files = panel->selectedFiles();
         if (!files.isEmpty())

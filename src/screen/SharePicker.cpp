@@ -28,6 +28,22 @@ constexpr BluetoothSender kBluetoothSenders[] = {
     {"blueman-sendto", nullptr},
 };
 
+/// A drawing without the margin that it has as a button: menus show icons at 16 points.
+QIcon menuIcon(const char *image)
+{
+    constexpr double kDrawn = 64.0 / 3; // of 32 parts, 4 are the margin
+    constexpr int kShown = 16;
+    QIcon icon;
+    for (const int scale : {1, 2, 3}) {
+        const QPixmap drawn = ImageCatalog::imageNamed(QLatin1String(image), QSizeF(kDrawn, kDrawn), scale);
+        const int margin = (drawn.width() - scale * kShown) / 2;
+        QPixmap shown = drawn.copy(margin, margin, scale * kShown, scale * kShown);
+        shown.setDevicePixelRatio(scale);
+        icon.addPixmap(shown);
+    }
+    return icon;
+}
+
 QIcon iconOf(const DesktopApplication &application)
 {
     return application.icon().startsWith(QLatin1Char('/')) ? QIcon(application.icon())
@@ -79,12 +95,13 @@ void SharePicker::showSharingServicePickerWithImage(const PhotoImagePtr &image, 
     addServices(m_image, photoPath);
     m_hold.emplace(SheetQueue::forWindow(m_window));
     connect(m_menu, &QMenu::aboutToHide, this, [this] { m_hold.reset(); });
-    m_menu->popup(relativeTo.mapToGlobal(QPoint(0, relativeTo.height())));
+    // Below the button's right end, where it stays within the window.
+    m_menu->popup(relativeTo.mapToGlobal(QPoint(relativeTo.width() - m_menu->sizeHint().width(), relativeTo.height())));
 }
 
 QAction *SharePicker::addService(const char *image, const char *titleKey)
 {
-    QAction *action = m_menu->addAction(ImageCatalog::iconNamed(QLatin1String(image)), lookup(titleKey));
+    QAction *action = m_menu->addAction(menuIcon(image), lookup(titleKey));
     action->setEnabled(m_image != nullptr);
     return action;
 }

@@ -4,14 +4,17 @@
 #include "MainMenu.h"
 #include "NotificationNames.h"
 #include "PhotoFile.h"
+#include "PromotionWindow.h"
 #include "SheetQueue.h"
 #include "TitlebarWindow.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QDialog>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
+#include <QPushButton>
 #include <QTest>
 
 #include <gmock/gmock.h>
@@ -70,7 +73,8 @@ TEST_F(AppDelegateTest, LaunchesActiveWithTheMainScreenAndItsTexts)
     EXPECT_EQ(m_textAtTheScreen, QStringLiteral("Save"));
     EXPECT_TRUE(window().isVisible());
     EXPECT_EQ(m_desktop.m_posted.size(), 1);
-    EXPECT_TRUE(m_delegate.arrOurApps().isEmpty());
+    EXPECT_EQ(m_delegate.arrOurApps().size(), 3);
+    EXPECT_FALSE(m_delegate.windowPromotion()->isVisible());
     EXPECT_EQ(m_desktop.m_defaults.integer(QStringLiteral("appOpenedCount")), 1);
     MainWinController *controller = m_delegate.myWindowController();
     m_delegate.openMainWindow();
@@ -170,6 +174,7 @@ TEST_F(AppDelegateTest, OpensLinksByTag)
 
 TEST_F(AppDelegateTest, OnlyTheMainWindowsClosingEndsTheProcess)
 {
+    m_desktop.m_defaults.setBoolean(QStringLiteral("notShowPromotionWindow"), true);
     launch();
     QDialog dialog(&window());
     dialog.show();
@@ -186,6 +191,31 @@ TEST_F(AppDelegateTest, OnlyTheMainWindowsClosingEndsTheProcess)
     EXPECT_EQ(m_terminated, 0) << "the hook does not wait, and is not waited for";
     QCoreApplication::processEvents();
     EXPECT_EQ(m_terminated, 1);
+}
+
+TEST_F(AppDelegateTest, ThePromotionWindowIsTheLastOne)
+{
+    launch();
+    window().closeNow();
+    QCoreApplication::processEvents();
+    EXPECT_EQ(m_terminated, 0);
+    PromotionWindow &promotion = *m_delegate.windowPromotion();
+    EXPECT_TRUE(promotion.isVisible() && promotion.isRotating());
+    closeAndSettle(promotion);
+    EXPECT_EQ(m_terminated, 1);
+    EXPECT_FALSE(m_desktop.m_defaults.boolean(QStringLiteral("notShowPromotionWindow")));
+}
+
+TEST_F(AppDelegateTest, ThePromotionWindowCanBeSwitchedOff)
+{
+    launch();
+    window().closeNow();
+    QCoreApplication::processEvents();
+    PromotionWindow &promotion = *m_delegate.windowPromotion();
+    promotion.btnCheckDontShow()->click();
+    QTest::mouseClick(promotion.btnQuitAppPromotion(), Qt::LeftButton);
+    EXPECT_EQ(m_terminated, 1);
+    EXPECT_TRUE(m_desktop.m_defaults.boolean(QStringLiteral("notShowPromotionWindow")));
 }
 
 TEST_F(AppDelegateTest, QuitEndsTheProcessAtOnce)

@@ -122,13 +122,21 @@ class Desktop:
         process = self._start([program, *arguments], env=self.environment, stderr=self.log)
         self.program = process
         self.window = wait_until(lambda: self._window_of(process), "the main window")
-        wait_until(lambda: self._output("xdotool", "getactivewindow") == self.window, "an active window")
+        wait_until(lambda: self.active_window() == self.window, "an active window")
         return process
 
     def _window_of(self, process):
         assert process.poll() is None, "the program ended: " + self.program_log()
-        windows = self._output("xdotool", "search", "--onlyvisible", "--pid", str(process.pid), "--name", "^Hazelmark$")
-        return windows.split("\n")[0] if windows else ""
+        windows = self.windows("^Hazelmark$")
+        return windows[0] if windows else ""
+
+    def active_window(self):
+        return self._output("xdotool", "getactivewindow")
+
+    def windows(self, name):
+        """Ids of the program's windows on show whose title matches."""
+        return self._output("xdotool", "search", "--onlyvisible", "--pid", str(self.program.pid), "--name",
+                            name).split()
 
     def program_log(self):
         with open(self.path("log")) as log:

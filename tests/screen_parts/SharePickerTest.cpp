@@ -130,7 +130,7 @@ TEST_F(SharePickerTest, OpensAtTheButtonAndOffersWhatThereIs)
     testing::internal::CaptureStderr();
     show(picture());
     EXPECT_NE(testing::internal::GetCapturedStderr().find("show SocialServiceProvider !!"), std::string::npos);
-    EXPECT_EQ(m_picker.menu()->pos(), m_button.mapToGlobal(QPoint(0, 32)));
+    EXPECT_EQ(m_picker.menu()->geometry().topRight(), m_button.mapToGlobal(QPoint(31, 32)));
     EXPECT_TRUE(service("SHARE_EMAIL")->isEnabled());
     EXPECT_TRUE(service("SHARE_COPY")->isEnabled());
     EXPECT_EQ(service("SHARE_BLUETOOTH"), nullptr) << "nothing here can send by Bluetooth";
@@ -308,7 +308,8 @@ TEST(DesktopApplicationTest, TheUsersEntryReplacesTheSystemsOne)
     const QString name = QStringLiteral("a.desktop");
     writeFile(user.filePath(name), ENTRY "Hidden=true\n");
     writeFile(system.filePath(name), ENTRY);
-    writeFile(system.filePath(QStringLiteral("hazelmark.desktop")), ENTRY);
+    QGuiApplication::setDesktopFileName(QStringLiteral("own.program"));
+    writeFile(system.filePath(QStringLiteral("own.program.desktop")), ENTRY);
     EXPECT_TRUE(DesktopApplication::forType(QStringLiteral("image/png"), {user.path(), system.path()}).isEmpty());
     EXPECT_EQ(DesktopApplication::forType(QStringLiteral("image/png"), {system.path(), user.path()}).size(), 1);
 }
