@@ -1,5 +1,6 @@
 #include "TestPicture.h"
 
+#include "LargeMemory.h"
 #include "ParallelFor.h"
 
 #include <algorithm>
@@ -45,7 +46,7 @@ float thing(int x, int y)
 
 QImage testPicture(QSize size)
 {
-    QImage picture(size, QImage::Format_RGBX8888);
+    QImage picture = makeLargeBitmap(size, QImage::Format_RGBX8888); // as the decoders hand theirs out
     uchar *const bits = picture.bits();
     parallelFor(size.height(), defaultThreadCount(), [&](int y) {
         uchar *line = bits + y * picture.bytesPerLine();

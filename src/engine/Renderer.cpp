@@ -102,6 +102,19 @@ std::vector<QRect> tilesOf(const QRect &extent)
     return tiles;
 }
 
+/// The same tiles, those of every thread's share of the picture by turns. Threads at work at the same time then write
+/// to different pages of the bitmap's memory, and none waits while the system clears one for another.
+std::vector<QRect> dealtOut(const std::vector<QRect> &tiles, int threads)
+{
+    const std::size_t shares = std::size_t(threads);
+    const std::size_t size = (tiles.size() + shares - 1) / shares;
+    std::vector<QRect> dealt;
+    for (std::size_t i = 0; i < size; ++i)
+        for (std::size_t tile = i; tile < tiles.size(); tile += size)
+            dealt.push_back(tiles[tile]);
+    return dealt;
+}
+
 /// Stored pixels that nothing touches go straight from bitmap to bitmap.
 bool copyStored(const FilterNode *node, const QRect &region, QImage &drawn, uchar *bits, const QRect &extent)
 {
@@ -159,7 +172,7 @@ QImage Renderer::draw(const FilterImage &image) const
         throw std::bad_alloc();
     uchar *const bits = drawn.bits();
 
-    const std::vector<QRect> tiles = tilesOf(extent);
+    std::vector<QRect> tiles = tilesOf(extent);
     NodeStates states;
     std::vector<const FilterNode *> order;
     for (const QRect &tile : tiles)
@@ -167,6 +180,7 @@ QImage Renderer::draw(const FilterImage &image) const
     for (const FilterNode *node : order)
         states[node].prepared = node->prepare(states[node].needed, Preparer(node, states, m_threads));
 
+    tiles = dealtOut(tiles, m_threads);
     std::mutex progressMutex;
     int done = 0;
     parallelFor(int(tiles.size()), m_threads, [&](int index) {

@@ -11,8 +11,8 @@ class DiscSummer;
 // The three passes of a disc blur on a grid of cells.
 
 // A block of pixels that is averaged in one go stays in the second-level cache.
-constexpr int kPixelBlockWidth = 1024;
-constexpr int kPixelBlockHeight = 32;
+constexpr int kPixelBlockWidth = 512;
+constexpr int kPixelBlockHeight = 64;
 
 /// The means of the input's pixels over the cells, premultiplied: of all cells of `grid` that lie in blocks which
 /// `needed` touches; the others stay unset. `needed` counts cells; outside grid.cells() nothing is needed.
