@@ -8,5 +8,6 @@ void addBlurRows();
 void addErrorRows();
 void addPaintRows();
 void addCommandLineRows();
+void addWindowRows();
 
 } // namespace hazelmark::bench

@@ -9,5 +9,8 @@ int main(int argc, char **argv)
 #endif
     hazelmark::bench::addErrorRows();
     hazelmark::bench::addPaintRows();
+#ifdef HAZELMARK_PROGRAM
+    hazelmark::bench::addWindowRows();
+#endif
     return hazelmark::bench::run(argc, argv);
 }

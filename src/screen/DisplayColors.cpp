@@ -4,6 +4,7 @@
 #include "ParallelFor.h"
 
 #include <algorithm>
+#include <utility>
 
 namespace hazelmark {
 
@@ -25,28 +26,45 @@ std::shared_ptr<const ColorTransform> transformBetween(const QByteArray &photo, 
     return nullptr;
 }
 
+/// In the pixels' own memory where nobody else holds them.
+QImage inPaintingFormat(QImage pixels)
+{
+    switch (pixels.format()) {
+    case QImage::Format_RGBX8888:
+        if constexpr (Q_BYTE_ORDER == Q_LITTLE_ENDIAN) {
+            pixels.rgbSwap();
+            pixels.reinterpretAsFormat(QImage::Format_RGB32);
+            return pixels;
+        }
+        [[fallthrough]];
+    default:
+        return std::move(pixels).convertToFormat(pixels.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
+                                                                          : QImage::Format_RGB32);
+    }
+}
+
 } // namespace
 
-QImage DisplayColors::shown(const QImage &pixels, const QByteArray &profile) const
+QImage DisplayColors::shown(QImage pixels, const QByteArray &profile) const
 {
-    const QImage::Format format = pixels.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied : QImage::Format_RGB32;
     const auto transform = transformBetween(profile, m_screenProfile, pixels.format());
     if (!transform)
-        return pixels.convertToFormat(format);
+        return inPaintingFormat(std::move(pixels));
 
-    QImage converted(pixels.size(), pixels.format());
+    QImage converted = pixels.isDetached() ? std::move(pixels) : QImage(pixels.size(), pixels.format());
     if (converted.isNull())
-        return pixels.convertToFormat(format);
-    const int bands = (pixels.height() + kRowsAtOnce - 1) / kRowsAtOnce;
-    uchar *const target = converted.bits(); // here, on one thread: it detaches
+        return inPaintingFormat(std::move(pixels));
+    const QImage &source = pixels.isNull() ? converted : pixels;
+    uchar *const target = converted.bits(); // here, on one thread: it may detach
+    const int bands = (converted.height() + kRowsAtOnce - 1) / kRowsAtOnce;
     parallelFor(bands, defaultThreadCount(), [&](int band) {
         const int first = band * kRowsAtOnce;
-        const int rows = std::min(kRowsAtOnce, pixels.height() - first);
-        transform->convertRows(pixels.constScanLine(first), pixels.bytesPerLine(),
-                               target + first * converted.bytesPerLine(), converted.bytesPerLine(), pixels.width(),
+        const int rows = std::min(kRowsAtOnce, converted.height() - first);
+        transform->convertRows(source.constScanLine(first), source.bytesPerLine(),
+                               target + first * converted.bytesPerLine(), converted.bytesPerLine(), converted.width(),
                                rows);
     });
-    return std::move(converted).convertToFormat(format);
+    return inPaintingFormat(std::move(converted));
 }
 
 } // namespace hazelmark

@@ -18,10 +18,10 @@ public:
 
     const QByteArray &screenProfile() const { return m_screenProfile; }
 
-    /// `pixels`: RGBX8888, RGBA8888, RGBX64 or RGBA64, straight alpha; `profile`: ICC bytes, empty for sRGB. The
-    /// result is RGB32, or ARGB32_Premultiplied for pixels with alpha: what painting takes without a conversion. A
-    /// photo's profile that cannot be used counts as sRGB.
-    QImage shown(const QImage &pixels, const QByteArray &profile) const;
+    /// `pixels`: RGBX8888, RGBA8888, RGBX64 or RGBA64, straight alpha; `profile`: ICC bytes, empty for sRGB. Pixels
+    /// that nobody else holds are converted where they are. The result is RGB32, or ARGB32_Premultiplied for pixels
+    /// with alpha: what painting takes without a conversion. A photo's profile that cannot be used counts as sRGB.
+    QImage shown(QImage pixels, const QByteArray &profile) const;
 
 private:
     QByteArray m_screenProfile;

@@ -3,6 +3,7 @@
 #include "AlertSheet.h"
 #include "ApplicationDelegate.h"
 #include "BarProgressIndicator.h"
+#include "ColorWell.h"
 #include "FileDraggingView.h"
 #include "HighlightButton.h"
 #include "NotificationNames.h"
@@ -17,6 +18,7 @@
 
 #include <QKeyEvent>
 #include <QPushButton>
+#include <QTimer>
 
 namespace hazelmark {
 
@@ -99,7 +101,29 @@ void MainScreenVC::connectControls()
     connect(m_view->btnAddPhotoOnPrompt, &QAbstractButton::clicked, this, &MainScreenVC::btnAddPhotoTapped);
     connect(m_view->btnExport, &QAbstractButton::clicked, this, &MainScreenVC::btnExportDenoisedImageTapped);
     connect(m_view->btnShareService, &QAbstractButton::clicked, this, &MainScreenVC::btnSocialShareImageTapped);
+}
 
+SettingsPanel &MainScreenVC::panel()
+{
+    prepareEditing();
+    return *m_view->vwSettingOptions;
+}
+
+void MainScreenVC::prepareEditing()
+{
+    if (m_view->vwSettingOptions)
+        return;
+    m_view->makeSettingsPanel(m_application);
+    connectPanel();
+    m_view->vwSettingOptions->scrollToTop();
+    m_view->vwSettingOptions->setLocalizedStrings();
+    m_paintControl.setPaintView(m_view->paintView);
+    m_paintControl.awakeFromNib();
+    m_paintControl.setColor({0, 1, 0, 1});
+}
+
+void MainScreenVC::connectPanel()
+{
     SettingsPanel *panel = m_view->vwSettingOptions;
     connect(panel, &SettingsPanel::segmentPaintEraseTapped, this,
             [this, panel](bool eraser) { segmentPaintEraseTapped(eraser ? panel->btnEraser() : panel->btnPaint()); });
@@ -142,16 +166,12 @@ void MainScreenVC::initialViewSet()
     m_isRunningAlgorithm = false;
     m_view->progressBar->hide();
     m_isResizingWindow = false;
-    m_view->vwSettingOptions->scrollToTop();
     m_menuSelectedIndex = -1;
     m_toolType = kToolNone;
     m_view->setPanelAndBarVisible(false);
     showHideRightMenu();
     setLocalizedStrings();
 
-    m_paintControl.setPaintView(m_view->paintView);
-    m_paintControl.awakeFromNib();
-    m_paintControl.setColor({0, 1, 0, 1});
     m_view->paintView->setOpacity(kCanvasOpacity);
     m_arrDrawedPoints = std::make_shared<PaintStepList>();
     m_application.setIsUiDisabled(true);
@@ -160,7 +180,8 @@ void MainScreenVC::initialViewSet()
 void MainScreenVC::setLocalizedStrings()
 {
     m_view->setLocalizedStrings(m_application);
-    m_view->vwSettingOptions->setLocalizedStrings();
+    if (m_view->vwSettingOptions)
+        m_view->vwSettingOptions->setLocalizedStrings();
     if (m_demoWin)
         m_demoWin->setLocalizedStrings();
 }
@@ -212,7 +233,7 @@ void MainScreenVC::updateLocks()
     m_view->btnAddPhoto->setEnabled(!m_exportLocked);
     m_view->btnExport->setEnabled(editable);
     m_view->btnShareService->setEnabled(editable);
-    m_view->vwSettingOptions->setEnabled(!m_exportLocked);
+    panel().setEnabled(!m_exportLocked);
     m_view->paintView->setEnabled(!m_exportLocked);
     m_application.setIsUiDisabled(!editable);
 }
@@ -235,6 +256,8 @@ void MainScreenVC::keyDown(Qt::KeyboardModifiers modifiers)
 
 bool MainScreenVC::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == m_view && event->type() == QEvent::Paint && !m_view->vwSettingOptions)
+        QTimer::singleShot(0, this, &MainScreenVC::prepareEditing);
     // Only keys that no control had a use for come up to the view.
     if (watched == m_view && event->type() == QEvent::KeyPress)
         keyDown(static_cast<QKeyEvent *>(event)->modifiers());

@@ -21,6 +21,7 @@ namespace hazelmark {
 
 class ApplicationDelegate;
 class SaveChangesSheet;
+class SettingsPanel;
 class TipsWindow;
 class TitlebarWindow;
 
@@ -52,10 +53,14 @@ public:
 
     QWidget *view() override;
     MainScreenView *mainScreenView() const { return m_view; }
+    SettingsPanel &panel();
 
     // Start-up.
     void loadView();
     void initialViewSet();
+    /// The rest of the start-up, of which nothing is seen before a photo is open: the settings panel and the brush.
+    /// Done after the window's first picture, or when it is first needed.
+    void prepareEditing();
     void setLocalizedStrings();
 
     // Menu commands, as they arrive.
@@ -163,7 +168,7 @@ private:
     void observeNotifications();
     void connectControls();
     void connectWorkers();
-    void setupScreen();
+    void connectPanel();
 
     void openPhotoAtPath(const QString &path);
     void whenPictureIsThere(std::function<void()> then);

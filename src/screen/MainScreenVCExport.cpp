@@ -48,6 +48,7 @@ void MainScreenVC::btnSocialShareImageTapped()
 
 CoreFilterObject MainScreenVC::createPresetObjectFromSettingWithTitle(const QString &title) const
 {
+    Q_ASSERT(m_view->vwSettingOptions); // there is a photo, and so there are settings
     return m_view->vwSettingOptions->createPresetObjectFromSettingWithTitle(title);
 }
 
@@ -58,7 +59,7 @@ void MainScreenVC::setExportButtonOff()
 
 void MainScreenVC::closeColorPanel()
 {
-    m_view->vwSettingOptions->colorPickerVignette()->closeColorPanel();
+    panel().colorPickerVignette()->closeColorPanel();
 }
 
 } // namespace hazelmark

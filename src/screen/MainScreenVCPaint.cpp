@@ -12,6 +12,7 @@
 #include <QLineEdit>
 #include <QTimer>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 
@@ -30,11 +31,28 @@ QString truncated(double value)
     return QString::number(static_cast<int>(value));
 }
 
+/// The canvas over opaque black, as addBackgroundToImage() makes it. What stays of a premultiplied colour over black is
+/// the colour as it is stored. Null for a null canvas.
+PhotoImagePtr overBlack(const QImage &canvas)
+{
+    if (canvas.isNull())
+        return nullptr;
+    Q_ASSERT(canvas.format() == QImage::Format_RGBA8888_Premultiplied);
+    QImage opaque(canvas.size(), QImage::Format_RGBX8888);
+    constexpr quint32 kOpaque = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? 0xff000000U : 0x000000ffU;
+    for (int y = 0; y < canvas.height(); ++y) {
+        const auto *from = reinterpret_cast<const quint32 *>(canvas.constScanLine(y));
+        auto *to = reinterpret_cast<quint32 *>(opaque.scanLine(y));
+        std::transform(from, from + canvas.width(), to, [](quint32 pixel) { return pixel | kOpaque; });
+    }
+    return PhotoImage::fromBitmap(opaque);
+}
+
 } // namespace
 
 void MainScreenVC::segmentPaintEraseTapped(const QObject *sender)
 {
-    const bool paints = sender == m_view->vwSettingOptions->btnPaint();
+    const bool paints = sender == panel().btnPaint();
     m_paintControl.setEraser(!paints);
     m_toolType = paints ? kToolPaint : kToolErase;
     showToolInForce();
@@ -43,22 +61,22 @@ void MainScreenVC::segmentPaintEraseTapped(const QObject *sender)
 /// A replay leaves the canvas with the eraser flag of its last step: the highlight tells what a stroke will do.
 void MainScreenVC::showToolInForce()
 {
-    m_view->vwSettingOptions->showTool(m_view->paintView->eraser());
+    panel().showTool(m_view->paintView->eraser());
 }
 
 void MainScreenVC::hadleSliderBrushDiameter()
 {
     if (!isPainting())
         return;
-    SettingsPanel *panel = m_view->vwSettingOptions;
-    const double value = panel->slider(Setting::BrushDiameter)->value();
+    SettingsPanel *settings = &panel();
+    const double value = settings->slider(Setting::BrushDiameter)->value();
     m_paintControl.setLineWidth(static_cast<float>(value));
-    panel->field(Setting::BrushDiameter)->setText(truncated(value));
+    settings->field(Setting::BrushDiameter)->setText(truncated(value));
 }
 
 void MainScreenVC::applyBrushHardness()
 {
-    const double value = m_view->vwSettingOptions->slider(Setting::BrushHardness)->value();
+    const double value = panel().slider(Setting::BrushHardness)->value();
     const float hardness = std::round(static_cast<float>(value)) / 100;
     m_paintControl.setHardness(hardness);
     m_view->paintView->setHardness(hardness);
@@ -69,18 +87,18 @@ void MainScreenVC::hadleSliderBrushHardness()
     if (!isPainting())
         return;
     applyBrushHardness();
-    SettingsPanel *panel = m_view->vwSettingOptions;
-    panel->field(Setting::BrushHardness)->setText(truncated(panel->slider(Setting::BrushHardness)->value()));
+    SettingsPanel *settings = &panel();
+    settings->field(Setting::BrushHardness)->setText(truncated(settings->slider(Setting::BrushHardness)->value()));
     setArrowCursor();
 }
 
 void MainScreenVC::handleSliderBrushSizeAutoMode()
 {
-    SettingsPanel *panel = m_view->vwSettingOptions;
-    panel->setAllTextsForSliders();
-    const double value = panel->slider(Setting::BrushSizeAuto)->value();
+    SettingsPanel *settings = &panel();
+    settings->setAllTextsForSliders();
+    const double value = settings->slider(Setting::BrushSizeAuto)->value();
     m_paintControl.setLineWidth(static_cast<float>(static_cast<int>(std::round(static_cast<float>(value)))));
-    panel->field(Setting::BrushDiameter)->setText(truncated(value));
+    settings->field(Setting::BrushDiameter)->setText(truncated(value));
     setArrowCursor();
 }
 
@@ -90,7 +108,7 @@ void MainScreenVC::applyBrushValues()
     if (!isPainting())
         return;
     applyBrushHardness();
-    const double diameter = m_view->vwSettingOptions->slider(Setting::BrushDiameter)->value();
+    const double diameter = panel().slider(Setting::BrushDiameter)->value();
     m_paintControl.setLineWidth(static_cast<float>(diameter));
 }
 
@@ -162,7 +180,7 @@ void MainScreenVC::adjustPaintEraseview()
     m_view->paintView->show();
     m_view->paintView->setToolType(m_toolType);
     applyBrushHardness();
-    const double diameter = m_view->vwSettingOptions->slider(Setting::BrushDiameter)->value();
+    const double diameter = panel().slider(Setting::BrushDiameter)->value();
     m_paintControl.setLineWidth(static_cast<float>(diameter));
     m_paintControl.setEraser(m_toolType != kToolPaint);
     applyBrushHardness();
@@ -197,13 +215,12 @@ void MainScreenVC::applyCustomEnhanceFilterOnPreviewImage()
 {
     setLastExportedImage(nullptr);
     if (isPainting()) {
-        const PhotoImagePtr canvas = PhotoImage::fromBitmap(m_view->paintView->snapshot());
-        m_maskImage = Utils::sharedUtils().addBackgroundToImage(canvas, Qt::black);
+        m_maskImage = overBlack(m_view->paintView->snapshot());
     }
     if (!m_resizedInputImage || (!m_maskImage && !m_overlayImage))
         return;
     m_previews.setSource(m_resizedInputImage, m_maskImage);
-    m_previews.request(m_view->vwSettingOptions->createPresetObjectFromSettingWithTitle(QString()));
+    m_previews.request(createPresetObjectFromSettingWithTitle(QString()));
 }
 
 } // namespace hazelmark

@@ -69,7 +69,7 @@ void MainScreenVC::openPhotoAtPath(const QString &path)
     if (m_exportLocked || !isValidImage(path))
         return;
     whenPictureIsThere([this] {
-        m_view->vwSettingOptions->resetAllSlidersAndTextfields();
+        panel().resetAllSlidersAndTextfields();
         resizeImageToFitContainer(m_inputImage);
         selectedImageChanged();
         showDemoWindowFirsttime();
@@ -185,7 +185,7 @@ void MainScreenVC::selectedImageChanged()
     updateLocks();
     if (toolOnEntry != kToolNone)
         setupRightSettingOptionWithSelectionIndex(toolOnEntry);
-    segmentPaintEraseTapped(m_view->vwSettingOptions->btnPaint());
+    segmentPaintEraseTapped(panel().btnPaint());
 }
 
 void MainScreenVC::showHideRightMenu()
@@ -206,7 +206,7 @@ void MainScreenVC::setupRightSettingOptionWithSelectionIndex(qint32 index)
     clearCanvas();
     m_view->paintView->show();
     adjustPaintEraseview();
-    m_view->vwSettingOptions->scrollToTop();
+    panel().scrollToTop();
 }
 
 void MainScreenVC::btnResetTapped()

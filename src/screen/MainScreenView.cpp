@@ -88,13 +88,19 @@ MainScreenView::MainScreenView(ApplicationDelegate &application, QWidget *parent
     vwRightContainer = new QWidget(this);
     vwRightContainer->setObjectName(QStringLiteral("vwRightContainer"));
     fillWith(*vwRightContainer, theme::kPanel);
-    vwSettingOptions = new SettingsPanel(application, vwRightContainer);
     makeTitleStrip();
     makePrompt();
     makePhotoArea();
     TitlebarWindow::setMovesWindow(*this);
     TitlebarWindow::setMovesWindow(*vwMainContainer);
     TitlebarWindow::setMovesWindow(*dropTarget);
+}
+
+void MainScreenView::makeSettingsPanel(ApplicationDelegate &application)
+{
+    vwSettingOptions = new SettingsPanel(application, vwRightContainer);
+    vwSettingOptions->setGeometry(vwRightContainer->rect());
+    vwSettingOptions->show();
 }
 
 void MainScreenView::makeTitleStrip()
@@ -270,7 +276,8 @@ void MainScreenView::layOut()
     layOutMainContainer();
     vwRightContainer->setGeometry(width() - kPanelWidthPoints, theme::kTitleBarHeight, kPanelWidthPoints,
                                   height() - theme::kTitleBarHeight);
-    vwSettingOptions->setGeometry(vwRightContainer->rect());
+    if (vwSettingOptions)
+        vwSettingOptions->setGeometry(vwRightContainer->rect());
     vwBottom->setGeometry(0, height() - SummaryBar::kHeightPoints, width() - kPanelWidthPoints,
                           SummaryBar::kHeightPoints);
 }

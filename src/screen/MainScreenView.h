@@ -34,6 +34,9 @@ public:
 
     explicit MainScreenView(ApplicationDelegate &application, QWidget *parent = nullptr);
 
+    /// Makes `vwSettingOptions`, which nobody sees before a photo is open: the window is there sooner without it.
+    void makeSettingsPanel(ApplicationDelegate &application);
+
     /// The texts that belong to the screen itself, in the interface language.
     void setLocalizedStrings(ApplicationDelegate &application);
     /// What the window's own controls take of the title strip, from the left.
@@ -66,7 +69,7 @@ public:
     QPushButton *btnAddPhotoOnPrompt = nullptr;
     FileDraggingView *dropTarget = nullptr;
     SummaryBar *vwBottom = nullptr;
-    SettingsPanel *vwSettingOptions = nullptr;
+    SettingsPanel *vwSettingOptions = nullptr; ///< null until it is made
     BarProgressIndicator *progressBar = nullptr;
     PhotoImageView *imgvwBeforeBokesh = nullptr;
     PhotoImageView *imgvwAfterBokesh = nullptr;

@@ -20,9 +20,14 @@ QImage withinMemory(const Draw &draw)
     }
 }
 
-QImage shown(const PhotoImagePtr &picture, const DisplayColors &colors)
+QImage shown(PhotoImagePtr picture, const DisplayColors &colors)
 {
-    return picture ? colors.shown(picture->bitmap(), picture->iccProfile()) : QImage();
+    if (!picture)
+        return {};
+    QImage pixels = picture->bitmap();
+    const QByteArray profile = picture->iccProfile();
+    picture.reset(); // a picture that was only made to be shown needs no second set of pixels
+    return colors.shown(std::move(pixels), profile);
 }
 
 } // namespace

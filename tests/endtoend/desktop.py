@@ -88,8 +88,10 @@ class Desktop:
             if name in os.environ:
                 self.environment[name] = os.environ[name]
         os.chmod(self.folder, 0o700)
-        self._start(["openbox", "--sm-disable"], env=self.environment)
-        wait_until(lambda: self._output("xdotool", "get_num_desktops"), "a window manager")
+        # A window that asks to be shown while the window manager starts may be overlooked.
+        ready = self.path("ready")
+        self._start(["openbox", "--sm-disable", "--startup", "touch " + ready], env=self.environment)
+        wait_until(lambda: os.path.exists(ready), "a window manager")
 
     def close(self):
         for process in reversed(self.processes):

@@ -131,7 +131,7 @@ TEST_F(Opening, WhatIsNoPictureIsRefusedAtTheDoorWithASentenceAndCostsNobodyThei
     const QString before = photo(u"before.png"_qs, {300, 200});
     open(before);
     stroke({0.3, 0.5}, {0.6, 0.5});
-    m_screen->mainScreenView()->vwSettingOptions->slider(Setting::BlurAmount)->setValue(10);
+    m_screen->panel().slider(Setting::BlurAmount)->setValue(10);
     for (const auto &[name, content, key] :
          {std::tuple(u"text.jpg"_qs, QByteArray("just words"), u"REFUSED_NOT_A_PICTURE"_qs),
           std::tuple(u"nothing.jpg"_qs, QByteArray(), u"REFUSED_EMPTY"_qs)}) {
@@ -143,7 +143,7 @@ TEST_F(Opening, WhatIsNoPictureIsRefusedAtTheDoorWithASentenceAndCostsNobodyThei
     }
     EXPECT_EQ(m_screen->imageUrl(), before);
     EXPECT_GT(paintAt({0.4, 0.5}), 200);
-    EXPECT_EQ(m_screen->mainScreenView()->vwSettingOptions->slider(Setting::BlurAmount)->value(), 10);
+    EXPECT_EQ(m_screen->panel().slider(Setting::BlurAmount)->value(), 10);
 }
 
 TEST_F(Opening, APhotoWhosePixelsDoNotReadLeavesTheOneBeforeAndSetsTheSlidersBack)
@@ -156,7 +156,7 @@ TEST_F(Opening, APhotoWhosePixelsDoNotReadLeavesTheOneBeforeAndSetsTheSlidersBac
     start();
     const QString before = photo(u"before.png"_qs, {300, 200});
     open(before);
-    m_screen->mainScreenView()->vwSettingOptions->slider(Setting::BlurAmount)->setValue(10);
+    m_screen->panel().slider(Setting::BlurAmount)->setValue(10);
     m_screen->photoDraggedWithPath(photo(u"damaged.png"_qs, {300, 200}));
     ASSERT_TRUE(QTest::qWaitFor([&] { return !sheetText().isEmpty(); }));
     EXPECT_EQ(sheetText(), u"ERROR_CANT_OPEN %@|REFUSED_DAMAGED damaged.png"_qs);
@@ -164,7 +164,7 @@ TEST_F(Opening, APhotoWhosePixelsDoNotReadLeavesTheOneBeforeAndSetsTheSlidersBac
     EXPECT_EQ(m_application.m_file->filePath(), before);
     EXPECT_FALSE(m_screen->isLoading());
     EXPECT_EQ(m_screen->toolType(), MainScreenVC::kToolPaint);
-    EXPECT_EQ(m_screen->mainScreenView()->vwSettingOptions->slider(Setting::BlurAmount)->value(), 60);
+    EXPECT_EQ(m_screen->panel().slider(Setting::BlurAmount)->value(), 60);
 }
 
 TEST_F(Opening, WhenTheVeryFirstOpeningFailsThereIsStillNoPhoto)
@@ -224,7 +224,7 @@ TEST_F(Opening, DuringAnExportNothingOpensAndWhatWasLoadingWaits)
     EXPECT_TRUE(m_application.m_isExporting);
     EXPECT_TRUE(m_application.isUiDisabled());
     EXPECT_FALSE(m_screen->mainScreenView()->btnExport->isEnabled());
-    EXPECT_FALSE(m_screen->mainScreenView()->vwSettingOptions->isEnabled());
+    EXPECT_FALSE(m_screen->panel().isEnabled());
     EXPECT_FALSE(m_screen->mainScreenView()->paintView->isEnabled());
     m_gate.open();
     m_screen->photoDraggedWithPath(photo(u"ignored.png"_qs, {300, 200}));
@@ -238,7 +238,7 @@ TEST_F(Opening, DuringAnExportNothingOpensAndWhatWasLoadingWaits)
     m_screen->setExportLocked(false);
     ASSERT_TRUE(QTest::qWaitFor([&] { return m_screen->imageUrl() == loading; }));
     EXPECT_FALSE(m_application.isUiDisabled());
-    EXPECT_TRUE(m_screen->mainScreenView()->vwSettingOptions->isEnabled());
+    EXPECT_TRUE(m_screen->panel().isEnabled());
 }
 
 /// Login name, path, whether the path counts as one in that person's trash.

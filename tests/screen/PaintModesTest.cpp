@@ -7,6 +7,7 @@
 #include "NotificationNames.h"
 #include "PaintView.h"
 #include "SettingsPanel.h"
+#include "Utils.h"
 
 #include <QCursor>
 #include <QLineEdit>
@@ -27,7 +28,7 @@ protected:
         start();
         open(photo(u"a.png"_qs, {1500, 1000}));
     }
-    SettingsPanel *panel() const { return m_screen->mainScreenView()->vwSettingOptions; }
+    SettingsPanel *panel() const { return &m_screen->panel(); }
     PaintView *canvas() const { return m_screen->mainScreenView()->paintView; }
     void chooseEraser() { m_screen->segmentPaintEraseTapped(panel()->btnEraser()); }
     void chooseBrush() { m_screen->segmentPaintEraseTapped(panel()->btnPaint()); }
@@ -37,6 +38,7 @@ protected:
 TEST_F(PaintModes, WithoutAToolNothingHappens)
 {
     start();
+    m_screen->prepareEditing();
     const float before = canvas()->pointSize();
     panel()->slider(Setting::BrushDiameter)->setValue(200);
     const QString text = panel()->field(Setting::BrushDiameter)->text();
@@ -73,6 +75,9 @@ TEST_F(PaintModes, ErasedPaintLeavesTheMask)
     openPhoto();
     stroke({0.2, 0.5}, {0.8, 0.5});
     waitForPreviews(1);
+    const PhotoImagePtr canvasImage = PhotoImage::fromBitmap(canvas()->snapshot());
+    EXPECT_EQ(m_screen->maskImage()->bitmap(),
+              Utils::sharedUtils().addBackgroundToImage(canvasImage, Qt::black)->bitmap());
     const auto green = [&](double x, double y) {
         const QImage mask = m_screen->maskImage()->bitmap();
         return mask.pixelColor(int(x * mask.width()), int(y * mask.height()));

@@ -35,7 +35,7 @@ protected:
         start();
         open(photo(u"a.png"_qs, {600, 400}));
     }
-    FloatSlider *blur() const { return m_screen->mainScreenView()->vwSettingOptions->slider(Setting::BlurAmount); }
+    FloatSlider *blur() const { return m_screen->panel().slider(Setting::BlurAmount); }
     int shownBlur() const { return shownAt({0.5, 0.5}).blue() == 200 ? shownAt({0.5, 0.5}).red() : -1; }
 
     Gate m_gate;
