@@ -105,10 +105,14 @@ class Desktop:
         shutil.rmtree(self.folder, ignore_errors=True)
 
     def _start(self, command, **options):
-        process = subprocess.Popen(command, stdout=subprocess.DEVNULL, stderr=options.pop("stderr", subprocess.DEVNULL),
-                                   **options)
+        process = subprocess.Popen(command, stdout=options.pop("stdout", subprocess.DEVNULL),
+                                   stderr=options.pop("stderr", subprocess.DEVNULL), **options)
         self.processes.append(process)
         return process
+
+    def start(self, command, **options):
+        """Another program on this desktop."""
+        return self._start(command, env=self.environment, **options)
 
     def _output(self, *command):
         return subprocess.run(command, env=self.environment, stdout=subprocess.PIPE, stderr=subprocess.DEVNULL,

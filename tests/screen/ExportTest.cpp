@@ -3,9 +3,11 @@
 
 #include "BarProgressIndicator.h"
 #include "Decoder.h"
+#include "FloatSlider.h"
 #include "HighlightButton.h"
 #include "NotificationNames.h"
 #include "PaintView.h"
+#include "RenderCommand.h"
 #include "SavePanel.h"
 #include "SettingsPanel.h"
 #include "SummaryBar.h"
@@ -13,6 +15,10 @@
 #include "Workspace.h"
 
 #include <QDialogButtonBox>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -95,6 +101,32 @@ TEST_F(Export, WritesWhatThePreviewShowed)
     stroke({0.45, 0.7}, {0.55, 0.7});
     waitForPreviews(2);
     EXPECT_TRUE(isMarked());
+}
+
+TEST_F(Export, TheCommandLineMakesTheSameFile)
+{
+    openAndPaint();
+    view().vwSettingOptions->slider(Setting::BlurAmount)->setValueByUser(80);
+    view().vwSettingOptions->slider(Setting::Vignette)->setValueByUser(0.05);
+    waitForPreviews(2);
+    const QString path = m_folder.filePath(QStringLiteral("window.png"));
+    save(path);
+    waitForTheEnd();
+
+    const PaintView *canvas = view().paintView;
+    const QJsonObject strokes{
+        {QStringLiteral("canvas"), QJsonArray{canvas->canvasSize().width(), canvas->canvasSize().height()}},
+        {QStringLiteral("steps"), QJsonArray::fromVariantList(canvas->paintSession()->dataArray())}};
+    RenderRequest request;
+    request.photo = m_screen->imageUrl();
+    request.strokes = file(QStringLiteral("strokes.json"), QJsonDocument(strokes).toJson());
+    request.output = m_folder.filePath(QStringLiteral("line.png"));
+    request.blur = 80;
+    request.vignette = 0.05f;
+    ASSERT_EQ(runRender(request), 0);
+    QFile window(path), line(request.output);
+    ASSERT_TRUE(window.open(QIODevice::ReadOnly) && line.open(QIODevice::ReadOnly));
+    EXPECT_TRUE(window.readAll() == line.readAll());
 }
 
 TEST_F(Export, EverythingThatWouldDisturbItRests)

@@ -1,0 +1,107 @@
+// The programs beside this one on a desktop, as far as the stories need them; independent of the project's own code.
+//   other_program photo FILE        writes a JPEG of 1000 x 600 pixels, dark on the left and bright on the right
+//   other_program pixels FILE X,Y … prints width and height, then the red, green and blue of each place, as stored
+//   other_program drag FILE …       a file manager: a window from which the files can be dragged; prints the action
+//   other_program clipboard FILE    writes the picture on the clipboard to a file, once there is one
+#include <QApplication>
+#include <QClipboard>
+#include <QDrag>
+#include <QImageReader>
+#include <QMimeData>
+#include <QMouseEvent>
+#include <QTextStream>
+#include <QTimer>
+#include <QUrl>
+#include <QWidget>
+
+namespace {
+
+constexpr QSize kPhotoSize{1000, 600};
+constexpr int kQuality = 95;
+
+class FileManager : public QWidget
+{
+public:
+    explicit FileManager(const QStringList &files)
+        : m_files(files)
+    {
+        setWindowTitle(QStringLiteral("Files"));
+        setGeometry(0, 0, 60, 400);
+        setWindowFlag(Qt::X11BypassWindowManagerHint); // where the story looks for it
+    }
+
+protected:
+    void mousePressEvent(QMouseEvent *) override
+    {
+        auto *data = new QMimeData;
+        QList<QUrl> urls;
+        for (const QString &file : m_files)
+            urls << QUrl::fromLocalFile(file);
+        data->setUrls(urls);
+        auto *drag = new QDrag(this); // the toolkit's; it is asked for the files after the drop
+        drag->setMimeData(data);
+        // Within one disk a file manager would rather move.
+        const Qt::DropAction action = drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction);
+        QTextStream(stdout) << (action == Qt::CopyAction   ? "copied"
+                                : action == Qt::MoveAction ? "moved"
+                                                           : "refused")
+                            << Qt::endl;
+    }
+
+private:
+    QStringList m_files;
+};
+
+bool writePhoto(const QString &path)
+{
+    QImage image(kPhotoSize, QImage::Format_RGB32);
+    for (int y = 0; y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x)
+            image.setPixelColor(x, y, x < image.width() / 2 ? QColor(40, 40, 40) : QColor(220, 220, 220));
+    }
+    return image.save(path, "JPEG", kQuality);
+}
+
+bool printPixels(const QString &path, const QStringList &places)
+{
+    QImageReader reader(path);
+    reader.setAutoTransform(false);
+    const QImage image = reader.read();
+    QTextStream out(stdout);
+    out << image.width() << ' ' << image.height() << Qt::endl;
+    for (const QString &place : places) {
+        const QColor color =
+            image.pixelColor(place.section(QLatin1Char(','), 0, 0).toInt(), place.section(QLatin1Char(','), 1).toInt());
+        out << color.red() << ' ' << color.green() << ' ' << color.blue() << Qt::endl;
+    }
+    return !image.isNull();
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    QApplication application(argc, argv);
+    const QStringList arguments = QApplication::arguments();
+    const QString what = arguments.value(1);
+    const QString path = arguments.value(2);
+    if (what == QLatin1String("photo"))
+        return writePhoto(path) ? 0 : 1;
+    if (what == QLatin1String("pixels"))
+        return printPixels(path, arguments.mid(3)) ? 0 : 1;
+    if (what == QLatin1String("drag")) {
+        FileManager manager(arguments.mid(2));
+        manager.show();
+        return QApplication::exec();
+    }
+    if (what == QLatin1String("clipboard")) {
+        QTimer poll;
+        QObject::connect(&poll, &QTimer::timeout, [&path] {
+            if (QGuiApplication::clipboard()->image().save(path, "PNG"))
+                QCoreApplication::quit();
+        });
+        poll.start(100);
+        return QApplication::exec();
+    }
+    return 2;
+}
