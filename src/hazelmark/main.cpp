@@ -1,6 +1,7 @@
 #include "AppDelegate.h"
 #include "Bundle.h"
 #include "MainScreenVC.h"
+#include "SafeFile.h"
 #include "Theme.h"
 
 #include <QApplication>
@@ -11,6 +12,7 @@ using namespace hazelmark;
 
 int main(int argc, char **argv)
 {
+    SafeFile::removeTemporariesOnSignals();
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("hazelmark"));
     QCoreApplication::setApplicationVersion(
