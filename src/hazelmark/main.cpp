@@ -3,6 +3,7 @@
 #include "MainScreenVC.h"
 #include "SafeFile.h"
 #include "Theme.h"
+#include "ToolkitTexts.h"
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -17,7 +18,6 @@ int main(int argc, char **argv)
     QCoreApplication::setApplicationName(QStringLiteral("hazelmark"));
     QCoreApplication::setApplicationVersion(
         Bundle::infoDictionary().value(QStringLiteral("CFBundleVersion")).toString());
-    QGuiApplication::setDesktopFileName(QStringLiteral("hazelmark"));
 
     QCommandLineParser commandLine;
     commandLine.setApplicationDescription(QStringLiteral("Blurs the parts of a photo that you paint over."));
@@ -31,6 +31,7 @@ int main(int argc, char **argv)
         commandLine.showHelp(2);
 
     theme::apply(application);
+    installToolkitTexts(application);
     MainScreenVC *screen = nullptr;
     AppDelegate delegate([&screen](ApplicationDelegate &owner) {
         auto made = std::make_unique<MainScreenVC>(owner);
