@@ -236,8 +236,7 @@ TEST_F(Window, BlockedOrInactiveApplicationTakesNoPointer)
     EXPECT_EQ(view.cursor().shape(), Qt::ArrowCursor);
     // The poll brings the circle when the block is over.
     ProcessState::shared().isUiDisabled = false;
-    QTest::qWait(150);
-    EXPECT_EQ(view.cursor().shape(), Qt::BitmapCursor);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return view.cursor().shape() == Qt::BitmapCursor; }));
     ProcessState::shared().isAppActive = false;
     view.setCursor(Qt::ArrowCursor);
     QTest::qWait(150);
@@ -246,8 +245,7 @@ TEST_F(Window, BlockedOrInactiveApplicationTakesNoPointer)
     point({100, 100});
     EXPECT_EQ(in, 0);
     ProcessState::shared().isAppActive = true;
-    QTest::qWait(150);
-    EXPECT_EQ(in, 1);
+    EXPECT_TRUE(QTest::qWaitFor([&in] { return in == 1; }));
 }
 
 TEST_F(Window, PollThatIsForgottenGoesOn)
@@ -258,8 +256,7 @@ TEST_F(Window, PollThatIsForgottenGoesOn)
     view.checkMouseCursor();
     view.mouseExited();
     EXPECT_EQ(view.cursor().shape(), Qt::ArrowCursor);
-    QTest::qWait(250);
-    EXPECT_EQ(view.cursor().shape(), Qt::BitmapCursor);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return view.cursor().shape() == Qt::BitmapCursor; }));
 }
 
 TEST_F(Window, CursorIsACircleOfTheStampSize)
