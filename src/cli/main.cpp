@@ -1,4 +1,5 @@
 #include "CommandLine.h"
+#include "SafeFile.h"
 
 #include <QCoreApplication>
 #include <QLoggingCategory>
@@ -6,6 +7,7 @@
 int main(int argc, char *argv[])
 {
     using namespace hazelmark;
+    SafeFile::removeTemporariesOnSignals();
     // Before anything can write to the log.
     QLoggingCategory::setFilterRules(QStringLiteral("*=false"));
     QCoreApplication application(argc, argv);
