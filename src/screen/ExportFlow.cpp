@@ -81,12 +81,13 @@ void ExportFlow::btnExportDenoisedImageTapped()
     m_savePanel = new SavePanel(m_application, {m_screen.imageUrl(), QSize(int(photo->width()), int(photo->height()))},
                                 m_formats, startFolder());
     connect(m_savePanel, &SavePanel::chosen, this, &ExportFlow::savePanelChose);
-    connect(m_savePanel, &QDialog::finished, this, [this] { m_screen.setExportButtonOff(); });
+    connect(m_savePanel, &QDialog::rejected, this, [this] { m_screen.setExportButtonOff(); });
     SheetQueue::forWindow(m_window).present(m_savePanel);
 }
 
 void ExportFlow::savePanelChose(const QString &path)
 {
+    m_screen.setExportButtonOff();
     m_fileTypeToExportImage = pathExtension(path);
     m_pathToExportImage = path;
     m_exportQuality = m_savePanel->sliderExportQuality()->value();

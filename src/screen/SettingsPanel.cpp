@@ -89,8 +89,11 @@ void SettingsPanel::showTool(bool eraser)
 
 void SettingsPanel::setAllTextsForSliders()
 {
-    for (const SettingRowView *row : m_rows)
-        row->field()->setText(wholeNumberText(row->slider()->value()));
+    for (const SettingRowView *row : m_rows) {
+        const QString text = wholeNumberText(row->slider()->value());
+        if (row->field()->text() != text) // a slider sends many moves, and each repaint costs
+            row->field()->setText(text);
+    }
     showVignetteStops();
 }
 

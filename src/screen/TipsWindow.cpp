@@ -12,6 +12,7 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
+#include <QShortcut>
 #include <QVBoxLayout>
 
 #include <algorithm>
@@ -94,6 +95,9 @@ TipsWindow::TipsWindow(ApplicationDelegate &application, QWidget *mainWindow)
     layout->addWidget(m_btnCheckShowTipsAgain);
     layout->setSizeConstraint(QLayout::SetFixedSize);
 
+    // As shortcuts: buttons that have the focus would take the arrows to hand it on.
+    connect(new QShortcut(Qt::Key_Left, this), &QShortcut::activated, this, &TipsWindow::btnBackPageTapped);
+    connect(new QShortcut(Qt::Key_Right, this), &QShortcut::activated, this, &TipsWindow::btnNextpageTapped);
     connect(m_pageButtons, &DotPageControl::pageSelected, this, &TipsWindow::pageButtonsAction);
     connect(m_btnBackPage, &QPushButton::clicked, this, &TipsWindow::btnBackPageTapped);
     connect(m_btnNextpage, &QPushButton::clicked, this, &TipsWindow::btnNextpageTapped);
@@ -205,10 +209,6 @@ void TipsWindow::keyPressEvent(QKeyEvent *event)
 {
     if (event->key() == Qt::Key_Escape)
         close();
-    else if (event->key() == Qt::Key_Left)
-        btnBackPageTapped();
-    else if (event->key() == Qt::Key_Right)
-        btnNextpageTapped();
     else
         QWidget::keyPressEvent(event);
 }

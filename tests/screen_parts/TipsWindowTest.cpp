@@ -75,7 +75,9 @@ TEST_F(TipsWindowTest, TurnsItsPages)
     EXPECT_FALSE(m_tips.btnNextpage()->isEnabled());
     m_tips.btnNextpageTapped(); // there is no fifth
     EXPECT_EQ(pages->selectedIndex(), 3);
-    QTest::keyClick(&m_tips, Qt::Key_Left);
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&m_tips));
+    m_tips.btnBackPage()->setFocus(); // it would hand the focus on
+    QTest::keyClick(m_tips.btnBackPage(), Qt::Key_Left);
     EXPECT_EQ(pages->selectedIndex(), 2);
 }
 
