@@ -1,4 +1,3 @@
-#include "CodecsLog.h"
 #include "ColorProfile.h"
 #include "PictureEncoders.h"
 #include "PixelRows.h"
@@ -13,7 +12,6 @@ namespace hazelmark {
 
 namespace {
 
-constexpr double kMetresPerInch = 0.0254;
 constexpr quint32 kFileHeaderSize = 14;
 constexpr quint32 kInfoHeaderSize = 40;
 constexpr quint16 kBitsPerPixel = 24;
@@ -51,9 +49,7 @@ QByteArray headers(QSize size, quint32 pixelBytes, const std::optional<QSizeF> &
 
 Outcome<Done> encodeBmp(const QImage &original, const EncodeOptions &options, FileSink &sink)
 {
-    QImage pixels = original;
-    if (!convertToSrgb(pixels, options.metadata.iccProfile))
-        qCWarning(lcCodecs) << "The colour profile cannot be used; the colours are written as they are.";
+    const QImage pixels = convertedToSrgb(original, options.metadata.iccProfile);
     const qsizetype rowSize = (qsizetype(pixels.width()) * 3 + 3) / 4 * 4;
     const qsizetype pixelBytes = rowSize * pixels.height();
     if (pixelBytes > qsizetype(std::numeric_limits<quint32>::max()) - kFileHeaderSize - kInfoHeaderSize)

@@ -26,13 +26,6 @@ void convertRowPlainly(const Sample *cmyk, Sample *rgbx, int pixelCount)
     }
 }
 
-template <typename Sample>
-void fillFourth(Sample *rgbx, int pixelCount)
-{
-    for (int x = 0; x < pixelCount; ++x)
-        rgbx[4 * x + 3] = Sample(~Sample(0));
-}
-
 } // namespace
 
 CmykToSrgb::CmykToSrgb(const QByteArray &iccProfile)
@@ -62,16 +55,14 @@ void CmykToSrgb::convertRow(const uint8_t *cmyk, uint8_t *rgbx, int pixelCount) 
 {
     if (!m_transforms)
         return convertRowPlainly(cmyk, rgbx, pixelCount);
-    cmsDoTransform(m_transforms->bits8.get(), cmyk, rgbx, cmsUInt32Number(pixelCount));
-    fillFourth(rgbx, pixelCount);
+    transformToRgbx(m_transforms->bits8, cmyk, rgbx, pixelCount);
 }
 
 void CmykToSrgb::convertRow(const uint16_t *cmyk, uint16_t *rgbx, int pixelCount) const
 {
     if (!m_transforms)
         return convertRowPlainly(cmyk, rgbx, pixelCount);
-    cmsDoTransform(m_transforms->bits16.get(), cmyk, rgbx, cmsUInt32Number(pixelCount));
-    fillFourth(rgbx, pixelCount);
+    transformToRgbx(m_transforms->bits16, cmyk, rgbx, pixelCount);
 }
 
 } // namespace hazelmark

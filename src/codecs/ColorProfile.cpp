@@ -1,13 +1,15 @@
 #include "ColorProfile.h"
 
 #include "CodecsLog.h"
+#include "LargeMemory.h"
 #include "LcmsHandles.h"
-#include "RowRanges.h"
+#include "ParallelFor.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <new>
 #include <vector>
 
 namespace hazelmark {
@@ -142,24 +144,28 @@ QString profileDescription(const QByteArray &iccProfile)
     return QString::fromWCharArray(text.data()).trimmed();
 }
 
-bool convertToSrgb(QImage &pixels, const QByteArray &iccProfile)
+QImage convertedToSrgb(const QImage &pixels, const QByteArray &iccProfile)
 {
-    if (iccProfile.isEmpty() || pixels.isNull())
-        return true;
+    if (iccProfile.isEmpty())
+        return pixels;
     const auto transform = ColorTransform::between(iccProfile, {}, pixels.format());
     if (!transform)
-        return false;
-    if (transform->isIdentity())
-        return true;
-    uchar *bits = pixels.bits();
-    if (!bits)
-        return false;
-    const qsizetype stride = pixels.bytesPerLine();
-    forRowRanges(pixels.height(), [&, width = pixels.width()](int first, int end) {
-        uchar *rows = bits + first * stride;
-        transform->convertRows(rows, stride, rows, stride, width, end - first);
+        qCWarning(lcCodecs) << "The colour profile cannot be used; the colours are written as they are.";
+    if (!transform || transform->isIdentity())
+        return pixels;
+    QImage converted = makeLargeBitmap(pixels.size(), pixels.format());
+    if (converted.isNull())
+        throw std::bad_alloc();
+    constexpr int kBandRows = 32;
+    const int height = pixels.height();
+    uchar *bits = converted.bits();
+    const qsizetype stride = converted.bytesPerLine();
+    parallelFor((height + kBandRows - 1) / kBandRows, defaultThreadCount(), [&](int band) {
+        const int first = band * kBandRows;
+        transform->convertRows(pixels.constScanLine(first), pixels.bytesPerLine(), bits + first * stride, stride,
+                               pixels.width(), std::min(kBandRows, height - first));
     });
-    return true;
+    return converted;
 }
 
 std::shared_ptr<const ColorTransform> ColorTransform::between(const QByteArray &sourceProfile,

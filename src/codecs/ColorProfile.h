@@ -19,9 +19,9 @@ QByteArray rgbProfileForGray(const QByteArray &grayProfile);
 /// The name that the profile gives itself, in English where it has several; empty when it has none.
 QString profileDescription(const QByteArray &iccProfile);
 
-/// Converts `pixels` (RGBX8888, RGBA8888, RGBX64 or RGBA64; straight alpha, which stays) from the RGB profile to sRGB.
-/// Pixels that are sRGB already keep every bit. False, and nothing is done, when the profile cannot be used.
-bool convertToSrgb(QImage &pixels, const QByteArray &iccProfile);
+/// `pixels` (RGBX8888, RGBA8888, RGBX64 or RGBA64; straight alpha, which stays) from the RGB profile in sRGB. Pixels
+/// that are sRGB already, or whose profile cannot be used, come back as they are. Throws std::bad_alloc.
+QImage convertedToSrgb(const QImage &pixels, const QByteArray &iccProfile);
 
 /// Turns straight RGB(A) pixels of one RGB profile into those of another. Immutable: any number of threads may convert
 /// ranges of rows with the same object at once.

@@ -54,7 +54,7 @@ bool isRunDataCutOff(SourceFile &source, qint64 offset, bool has4Bits, qint64 he
     qint64 row = 0;
     while (true) {
         const Fields data(source.bytesAt(offset, kPieceSize));
-        const bool isLastPiece = offset + data.size() >= source.size();
+        const bool isLastPiece = data.size() < kPieceSize; // also of a file that got shorter meanwhile
         qsizetype at = 0;
         while (at + (isLastPiece ? 2 : kLongestUnit) <= data.size()) {
             const quint8 count = data.at8(at);
@@ -80,7 +80,6 @@ FileHeader readBmp(SourceFile &source)
     constexpr quint32 kOldHeaderSize = 12;
     constexpr quint32 kV5HeaderSize = 124;
     constexpr quint32 kEmbeddedProfile = 0x4d424544; // "MBED"
-    constexpr double kMetresPerInch = 0.0254;
     constexpr int kFileHeaderSize = 14;
     enum Compression { Plain = 0, Run8 = 1, Run4 = 2, BitFields = 3, AlphaBitFields = 6 };
 
@@ -159,8 +158,8 @@ FileHeader readWebP(SourceFile &source)
     const qint64 end = qint64(Fields(source.head()).at32(4)) + 8;
     header.isCutOff = end > source.size();
     QSize canvas;
-    qsizetype frameCount = 0;
-    for (qint64 offset = kFirstChunk; offset + 8 <= std::min(end, source.size());) {
+    size_t frameCount = 0;
+    for (qint64 offset = kFirstChunk; offset + 8 <= std::min(end, source.size()) && frameCount < kMaxFrames;) {
         const Fields chunk(source.bytesAt(offset, 32));
         const QByteArray type = chunk.bytes().left(4);
         const qint64 size = chunk.at32(4);
@@ -180,7 +179,7 @@ FileHeader readWebP(SourceFile &source)
         offset += 8 + size + size % 2;
     }
     if (!canvas.isEmpty())
-        header.frames.assign(size_t(std::max<qsizetype>(frameCount, 1)), canvas);
+        header.frames.assign(std::max<size_t>(frameCount, 1), canvas);
     return header;
 }
 

@@ -1,3 +1,4 @@
+#include "LargeMemory.h"
 #include "PictureFormat.h"
 
 #include <algorithm>
@@ -153,7 +154,7 @@ PictureInfo GifReader::info()
     const QSize size = canvasSize();
     info.frames = {size};
     info.hasAlpha = hasAlpha();
-    while (skipPixels() && nextFrame() == Record::Frame)
+    while (info.frames.size() < kMaxFrames && skipPixels() && nextFrame() == Record::Frame)
         info.frames.push_back(size);
     return info;
 }
@@ -164,7 +165,7 @@ Outcome<Picture> GifReader::decode(QSize)
     if (!colors)
         return m_source.failure(Failure::Reason::Damaged, QStringLiteral("it has no palette"));
     Picture picture;
-    picture.pixels = allocateImage(canvasSize(), hasAlpha() ? QImage::Format_RGBA8888 : QImage::Format_RGBX8888);
+    picture.pixels = makeLargeBitmap(canvasSize(), hasAlpha() ? QImage::Format_RGBA8888 : QImage::Format_RGBX8888);
     if (picture.pixels.isNull())
         return m_source.failure(Failure::Reason::OutOfMemory);
     picture.pixels.fill(0);

@@ -1,4 +1,3 @@
-#include "CodecsLog.h"
 #include "ColorProfile.h"
 #include "GifPalette.h"
 #include "PictureEncoders.h"
@@ -90,9 +89,7 @@ Outcome<Done> encodeGif(const QImage &original, const EncodeOptions &options, Fi
 {
     if (original.width() > kMaxSide || original.height() > kMaxSide)
         return sink.failure(QStringLiteral("a GIF file cannot hold more than 65535 x 65535 pixels"));
-    QImage pixels = original;
-    if (!convertToSrgb(pixels, options.metadata.iccProfile))
-        qCWarning(lcCodecs) << "The colour profile cannot be used; the colours are written as they are.";
+    const QImage pixels = convertedToSrgb(original, options.metadata.iccProfile);
     GifPalette palette = GifPalette::of(pixels);
     if (palette.indices.empty())
         return sink.failure(QStringLiteral("no palette could be made"));

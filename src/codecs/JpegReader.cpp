@@ -2,6 +2,7 @@
 
 #include "CmykToSrgb.h"
 #include "Guarded.h"
+#include "LargeMemory.h"
 #include "PictureFormat.h"
 
 #include <algorithm>
@@ -112,7 +113,6 @@ std::optional<QSizeF> JpegReader::dpi() const
 {
     constexpr UINT8 kPerInch = 1;
     constexpr UINT8 kPerCentimetre = 2;
-    constexpr double kCentimetresPerInch = 2.54;
     if (!m_lib.saw_JFIF_marker || m_lib.X_density == 0 || m_lib.Y_density == 0)
         return std::nullopt;
     const QSizeF density(m_lib.X_density, m_lib.Y_density);
@@ -170,7 +170,7 @@ Outcome<Picture> JpegReader::decode(QSize atLeast)
         return m_source.failure(Failure::Reason::Truncated, QStringLiteral("the file ends before its last scan"));
 
     const QSize size(int(m_lib.output_width), int(m_lib.output_height));
-    picture.pixels = allocateImage(size, isGray ? QImage::Format_Grayscale8 : QImage::Format_RGBX8888);
+    picture.pixels = makeLargeBitmap(size, isGray ? QImage::Format_Grayscale8 : QImage::Format_RGBX8888);
     if (picture.pixels.isNull())
         return m_source.failure(Failure::Reason::OutOfMemory);
     uchar *bits = picture.pixels.bits();

@@ -138,12 +138,16 @@ void JpegSource::skip(j_decompress_ptr lib, long count)
 
 bool JpegSource::isFillerBehind(int count) const
 {
-    const qint64 end = m_source.device().pos() - qint64(m_manager.bytes_in_buffer);
     const qint64 restoredPosition = m_source.device().pos();
-    const QByteArray bytes = m_source.bytesAt(end - count, count);
+    const qint64 end = restoredPosition - qint64(m_manager.bytes_in_buffer);
+    bool isFiller = true;
+    for (qint64 at = end - count; isFiller && at < end; at += kBufferSize) { // the whole could be gigabytes
+        const QByteArray bytes = m_source.bytesAt(at, std::min(kBufferSize, end - at));
+        isFiller = !bytes.isEmpty() &&
+                   std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte == 0 || byte == char(0xff); });
+    }
     m_source.device().seek(restoredPosition);
-    return !bytes.isEmpty() &&
-           std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte == 0 || byte == char(0xff); });
+    return isFiller;
 }
 
 } // namespace hazelmark

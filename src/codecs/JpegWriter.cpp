@@ -1,5 +1,6 @@
 #include "JpegBand.h"
 #include "JpegSegments.h"
+#include "ParallelFor.h"
 #include "PictureEncoders.h"
 
 #include <QtEndian>
@@ -9,7 +10,6 @@
 #include <map>
 #include <mutex>
 #include <new>
-#include <thread>
 #include <vector>
 
 namespace hazelmark {
@@ -80,13 +80,8 @@ Outcome<Done> JpegWriter::encode()
 {
     if (m_pixels.width() > kMaxSide || m_pixels.height() > kMaxSide)
         return m_sink.failure(QStringLiteral("a JPEG file cannot hold more than 65500 x 65500 pixels"));
-    {
-        const int cores = int(std::max(1U, std::thread::hardware_concurrency()));
-        std::vector<std::jthread> helpers;
-        for (int i = 1; i < std::min(cores, m_bandCount); ++i)
-            helpers.emplace_back([this] { work(); });
-        work();
-    }
+    const int threads = std::min(defaultThreadCount(), m_bandCount);
+    parallelFor(threads, threads, [this](int) { work(); });
     if (m_hasFailed)
         return m_sink.failure(m_message);
     return Done{};

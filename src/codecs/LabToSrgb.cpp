@@ -2,18 +2,6 @@
 
 namespace hazelmark {
 
-namespace {
-
-template <typename Sample>
-void convert(void *transform, const uint16_t *lab, Sample *rgbx, int pixelCount)
-{
-    cmsDoTransform(transform, lab, rgbx, cmsUInt32Number(pixelCount));
-    for (int x = 0; x < pixelCount; ++x)
-        rgbx[4 * x + 3] = Sample(~Sample(0));
-}
-
-} // namespace
-
 LabToSrgb::LabToSrgb()
 {
     const ProfileHandle source(cmsCreateLab4Profile(nullptr));
@@ -30,12 +18,12 @@ LabToSrgb::LabToSrgb()
 
 void LabToSrgb::convertRow(const uint16_t *lab, uint8_t *rgbx, int pixelCount) const
 {
-    convert(m_bits8.get(), lab, rgbx, pixelCount);
+    transformToRgbx(m_bits8, lab, rgbx, pixelCount);
 }
 
 void LabToSrgb::convertRow(const uint16_t *lab, uint16_t *rgbx, int pixelCount) const
 {
-    convert(m_bits16.get(), lab, rgbx, pixelCount);
+    transformToRgbx(m_bits16, lab, rgbx, pixelCount);
 }
 
 } // namespace hazelmark

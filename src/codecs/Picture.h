@@ -13,6 +13,12 @@ namespace hazelmark {
 /// More pixels than this are refused before anything is allocated.
 inline constexpr qint64 kMaxPixels = 1'000'000'000;
 
+/// Pictures of one file that are listed; a hostile file may hold millions.
+inline constexpr size_t kMaxFrames = 10000;
+
+inline constexpr double kMetresPerInch = 0.0254;
+inline constexpr double kCentimetresPerInch = 2.54;
+
 enum class ColorModel { Rgb, Gray, Cmyk, Lab };
 
 /// A decoded bitmap as the file stores it: not turned by any orientation tag, not colour-converted (but see

@@ -78,7 +78,7 @@ void readPackedRow(const QImage &pixels, int y, void *samples)
 {
     const int width = pixels.width();
     if (hasAlphaFormat(pixels))
-        std::memcpy(samples, pixels.constScanLine(y), size_t(width) * (is16Bit(pixels) ? 8 : 4));
+        std::memcpy(samples, pixels.constScanLine(y), size_t(packedRowSize(pixels)));
     else if (is16Bit(pixels))
         packRgb(row16(pixels, y), static_cast<uint16_t *>(samples), width);
     else

@@ -31,6 +31,12 @@ void readRowOnWhite(const QImage &pixels, int y, uint8_t *rgb);
 /// 8-bit R, G, B, A of row `y`, straight.
 void readRow8(const QImage &pixels, int y, uint8_t *rgba);
 
+/// Bytes of a row of readPackedRow().
+inline qsizetype packedRowSize(const QImage &pixels)
+{
+    return qsizetype(pixels.width()) * (hasAlphaFormat(pixels) ? 4 : 3) * (is16Bit(pixels) ? 2 : 1);
+}
+
 /// R, G, B (or R, G, B, A when the format has alpha) of row `y` in its own depth, without the filler.
 void readPackedRow(const QImage &pixels, int y, void *samples);
 

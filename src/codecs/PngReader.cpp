@@ -1,4 +1,5 @@
 #include "Guarded.h"
+#include "LargeMemory.h"
 #include "PictureFormat.h"
 #include "ZlibStream.h"
 
@@ -12,8 +13,6 @@
 namespace hazelmark {
 
 namespace {
-
-constexpr double kMetresPerInch = 0.0254;
 
 /// Chunks that the library must not unpack: texts are of no use here (and may be bombs), and the colour profile is
 /// wanted byte for byte, even one that the library would find fault with.
@@ -167,7 +166,7 @@ Outcome<Picture> PngReader::decode(QSize)
     Picture picture;
     picture.fileColorModel = isGray() ? ColorModel::Gray : ColorModel::Rgb;
     picture.iccProfile = iccProfile();
-    picture.pixels = allocateImage(QSize(int(m_width), int(m_height)), outputFormat());
+    picture.pixels = makeLargeBitmap(QSize(int(m_width), int(m_height)), outputFormat());
     if (picture.pixels.isNull())
         return m_source.failure(Failure::Reason::OutOfMemory);
     if (!runGuarded(m_jump, [this] { requestOutputFormat(); }))

@@ -19,7 +19,6 @@ namespace hazelmark {
 
 namespace {
 
-constexpr double kMetresPerInch = 0.0254;
 constexpr size_t kIdatSize = 256 * 1024;
 
 struct PngChunk
@@ -67,7 +66,7 @@ bool repeatsItself(const QImage &pixels)
     constexpr int kRowsPerGroup = 16;
     constexpr double kWorthwhile = 0.75;
     constexpr size_t kLongestRow = 16 * 1024 * 1024;
-    const size_t rowBytes = size_t(pixels.width()) * (hasAlphaFormat(pixels) ? 4 : 3) * (is16Bit(pixels) ? 2 : 1);
+    const size_t rowBytes = size_t(packedRowSize(pixels));
     if (rowBytes > kLongestRow)
         return false;
     std::vector<uint8_t> above(rowBytes);

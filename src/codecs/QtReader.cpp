@@ -19,8 +19,6 @@ constexpr int kAllocationLimitMegabytes = 8192;
 /// upside down (tga); or read by decoders of our own, which have found that the file is none.
 constexpr const char *kRefusedFormats[] = {"svg", "svgz", "pdf", "wbmp", "tga", "jpeg", "png", "tiff", "gif"};
 
-constexpr int kMaxFrames = 10000;
-
 /// A reader on the file that lets the content alone decide, and turns nothing.
 class QtReader
 {
@@ -89,7 +87,7 @@ std::vector<QSize> QtReader::frameSizes()
     if (!m_header.frames.empty())
         return m_header.frames;
     std::vector<QSize> sizes = {m_size};
-    const int count = std::min(m_reader.imageCount(), kMaxFrames);
+    const int count = std::min(m_reader.imageCount(), int(kMaxFrames));
     for (int index = 1; index < count && m_reader.jumpToImage(index); ++index) {
         const QSize size = m_reader.size();
         if (!size.isEmpty())

@@ -1,7 +1,5 @@
 #include "SourceFile.h"
 
-#include "LargeMemory.h"
-
 #include <cerrno>
 #include <cstring>
 
@@ -56,11 +54,6 @@ std::optional<Failure> SourceFile::checkSize(qint64 width, qint64 height) const
     if (width > kMaxPixels / height)
         return failure(Failure::Reason::TooLarge, QStringLiteral("%1 x %2 pixels").arg(width).arg(height));
     return std::nullopt;
-}
-
-QImage allocateImage(QSize size, QImage::Format format)
-{
-    return makeLargeBitmap(size, format);
 }
 
 } // namespace hazelmark

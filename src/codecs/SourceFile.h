@@ -45,7 +45,4 @@ private:
     QByteArray m_head;
 };
 
-/// An image with rows that are not filled; null when there is no memory for it.
-QImage allocateImage(QSize size, QImage::Format format);
-
 } // namespace hazelmark

@@ -15,7 +15,7 @@ constexpr uint16_t kIptc = 0x83bb;
 constexpr uint16_t kUndefinedType = 7;
 constexpr qsizetype kMostEntries = 0xffff;
 
-/// Those of the directory that the file's header leads to.
+/// Those of the directory that the file's header leads to; none when it cannot be read.
 TiffEntries writtenEntries(FileSink &sink, bool isBigEndian)
 {
     const QByteArray header = sink.readAt(0, TiffBlock::kHeaderSize);
@@ -28,7 +28,9 @@ TiffEntries writtenEntries(FileSink &sink, bool isBigEndian)
     const qsizetype size = tiffNumber<uint16_t>(count, 0, isBigEndian) * TiffBlock::kEntrySize;
     const QByteArray bytes = sink.readAt(offset + 2, size_t(size));
     TiffEntries entries;
-    for (qsizetype at = 0; at + TiffBlock::kEntrySize <= bytes.size(); at += TiffBlock::kEntrySize)
+    if (bytes.size() < size)
+        return entries;
+    for (qsizetype at = 0; at < size; at += TiffBlock::kEntrySize)
         entries[tiffNumber<uint16_t>(bytes, at, isBigEndian)] = bytes.mid(at, TiffBlock::kEntrySize);
     return entries;
 }

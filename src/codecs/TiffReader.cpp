@@ -1,5 +1,6 @@
 #include "CmykToSrgb.h"
 #include "LabToSrgb.h"
+#include "LargeMemory.h"
 #include "PictureFormat.h"
 #include "PixelRows.h"
 #include "TiffHandle.h"
@@ -15,9 +16,6 @@
 namespace hazelmark {
 
 namespace {
-
-constexpr size_t kMaxPages = 65536;
-constexpr uint32_t kDngVersionTag = 50706;
 
 class TiffReader
 {
@@ -42,6 +40,7 @@ private:
     bool readThroughLibrary();
     bool readSamples();
     bool readStrips();
+    bool isWorthReading(tmsize_t size) const;
     bool readTiles();
     void place(const uint8_t *packed, int plane, int x, int y, int count);
     template <typename Sample>
@@ -82,11 +81,10 @@ Failure TiffReader::failure() const
 /// Camera raw files are TIFF files whose first page is a small preview: not what the photo's owner means.
 bool TiffReader::holdsRawData() const
 {
-    uint16_t count = 0;
-    const void *bytes = nullptr;
+    const void *version = nullptr; // always four bytes, so the library hands out no count
     uint16_t subPages = 0;
     const void *offsets = nullptr;
-    return TIFFGetField(m_tiff.get(), kDngVersionTag, &count, &bytes) == 1 ||
+    return TIFFGetField(m_tiff.get(), TIFFTAG_DNGVERSION, &version) == 1 ||
            (m_layout.isReducedOrMask && TIFFGetField(m_tiff.get(), TIFFTAG_SUBIFD, &subPages, &offsets) == 1);
 }
 
@@ -98,7 +96,7 @@ std::optional<Failure> TiffReader::readHeader()
     if (holdsRawData())
         return m_source.failure(Failure::Reason::UnsupportedFormat, QStringLiteral("camera raw data"));
     for (size_t page = 0; m_layout.isReducedOrMask; ++page) {
-        if (page == kMaxPages || !TIFFReadDirectory(m_tiff.get())) {
+        if (page == kMaxFrames || !TIFFReadDirectory(m_tiff.get())) {
             // Nothing but copies: then the first one is the picture.
             if (!TIFFSetDirectory(m_tiff.get(), 0))
                 return failure();
@@ -122,7 +120,6 @@ QByteArray TiffReader::iccProfile() const
 
 std::optional<QSizeF> TiffReader::dpi() const
 {
-    constexpr double kCentimetresPerInch = 2.54;
     float x = 0;
     float y = 0;
     uint16_t unit = RESUNIT_INCH;
@@ -144,7 +141,7 @@ PictureInfo TiffReader::info()
     info.hasAlpha = m_layout.hasAlpha();
     info.iccProfile = iccProfile();
     info.dpi = dpi();
-    while (info.frames.size() < kMaxPages && TIFFReadDirectory(m_tiff.get())) {
+    while (info.frames.size() < kMaxFrames && TIFFReadDirectory(m_tiff.get())) {
         const TiffLayout page = TiffLayout::of(m_tiff.get());
         if (!page.isReducedOrMask && page.width > 0 && page.height > 0 && page.width <= INT_MAX &&
             page.height <= INT_MAX)
@@ -163,7 +160,7 @@ Outcome<Picture> TiffReader::decode(QSize)
         return m_source.failure(Failure::Reason::UnsupportedFormat, QStringLiteral("its compression"));
     m_picture.fileColorModel = m_layout.colorModel();
     m_picture.iccProfile = iccProfile();
-    m_picture.pixels = allocateImage(QSize(int(m_layout.width), int(m_layout.height)), m_layout.pixelFormat());
+    m_picture.pixels = makeLargeBitmap(QSize(int(m_layout.width), int(m_layout.height)), m_layout.pixelFormat());
     if (m_picture.pixels.isNull())
         return m_source.failure(Failure::Reason::OutOfMemory);
     m_bits = m_picture.pixels.bits();
@@ -204,12 +201,19 @@ bool TiffReader::readSamples()
     return m_layout.isDeep() ? finishRows<uint16_t>() : finishRows<uint8_t>();
 }
 
+/// A row or tile of so many bytes: one that is far larger than the picture is only there to exhaust the memory.
+bool TiffReader::isWorthReading(tmsize_t size) const
+{
+    constexpr tmsize_t kAlwaysAllowed = 64 << 20;
+    return size <= kAlwaysAllowed || size / 16 <= m_picture.pixels.sizeInBytes();
+}
+
 bool TiffReader::readStrips()
 {
     const int planes = m_layout.isPlanar ? m_layout.samplesPerPixel : 1;
     const int64_t samplesPerRow = int64_t(m_layout.width) * (m_layout.isPlanar ? 1 : m_layout.samplesPerPixel);
     const tmsize_t rowSize = TIFFScanlineSize(m_tiff.get());
-    if (rowSize <= 0 || rowSize < (samplesPerRow * m_layout.bitsPerSample + 7) / 8)
+    if (rowSize <= 0 || rowSize < (samplesPerRow * m_layout.bitsPerSample + 7) / 8 || !isWorthReading(rowSize))
         return false;
     std::vector<uint8_t> row(static_cast<size_t>(rowSize));
     for (int plane = 0; plane < planes; ++plane) {
@@ -232,11 +236,7 @@ bool TiffReader::readTiles()
     const tmsize_t rowSize = TIFFTileRowSize(m_tiff.get());
     const int64_t samplesPerRow = int64_t(tileWidth) * (m_layout.isPlanar ? 1 : m_layout.samplesPerPixel);
     if (tileWidth == 0 || tileHeight == 0 || rowSize < (samplesPerRow * m_layout.bitsPerSample + 7) / 8 ||
-        tileSize / tileHeight < rowSize)
-        return false;
-    // A tile that is far larger than the picture is only there to exhaust the memory.
-    constexpr tmsize_t kAlwaysAllowed = 64 << 20;
-    if (tileSize > kAlwaysAllowed && tileSize / 16 > m_picture.pixels.sizeInBytes())
+        tileSize / tileHeight < rowSize || !isWorthReading(tileSize))
         return false;
     std::vector<uint8_t> tile(static_cast<size_t>(tileSize));
     const int planes = m_layout.isPlanar ? m_layout.samplesPerPixel : 1;

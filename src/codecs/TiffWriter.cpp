@@ -52,7 +52,7 @@ bool setTags(TIFF *tiff, const QImage &pixels, const MetadataBlocks &metadata, u
 
 Outcome<Done> encodeTiff(const QImage &pixels, const EncodeOptions &options, FileSink &sink)
 {
-    const qsizetype rowSize = qsizetype(pixels.width()) * (hasAlphaFormat(pixels) ? 4 : 3) * (is16Bit(pixels) ? 2 : 1);
+    const qsizetype rowSize = packedRowSize(pixels);
     const int rowsPerStrip = int(std::clamp<qsizetype>(kStripSize / rowSize, 1, pixels.height()));
     const bool isBig = rowSize * pixels.height() > kMaxPlainSize;
     const TiffMetadata metadata(options.metadata, isBig);

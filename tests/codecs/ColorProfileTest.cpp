@@ -1,10 +1,7 @@
 #include "ColorProfile.h"
 #include "TestFiles.h"
 
-#include <QThread>
-
 #include <cmath>
-#include <thread>
 
 #include <lcms2.h>
 
@@ -90,12 +87,9 @@ TEST(ColorProfile, RgbProfileOfAGrayOneShowsTheSameLevels)
     }
 }
 
-TEST(ColorProfile, SameBytesComeOfTheSameBytesAtAnyTime)
+TEST(ColorProfile, TimeOfCreationIsAlwaysTheSame)
 {
-    const QByteArray gray = grayProfile(2.2);
-    const QByteArray first = rgbProfileForGray(gray);
-    QThread::msleep(1100); // the library's time of creation counts seconds
-    EXPECT_EQ(rgbProfileForGray(gray), first);
+    EXPECT_EQ(rgbProfileForGray(grayProfile(2.2)).mid(24, 12), QByteArray("\x07\xd0\0\x01\0\x01\0\0\0\0\0\0", 12));
 }
 
 TEST(ColorProfile, RgbProfileOfAGrayPictureIsItselfAndOthersAreNone)
@@ -113,11 +107,10 @@ TEST(ColorProfile, ConversionToSrgbMatchesTheMatricesAndKeepsAlpha)
     constexpr double kGamma = 2.2;
     for (const QImage::Format format :
          {QImage::Format_RGBX8888, QImage::Format_RGBA8888, QImage::Format_RGBX64, QImage::Format_RGBA64}) {
-        const QImage original = makePicture(64, 48, format);
-        QImage converted = original;
-        ASSERT_TRUE(convertToSrgb(converted, wideProfile(kGamma)));
+        const QImage original = makePicture(64, 73, format);
+        const QImage converted = convertedToSrgb(original, wideProfile(kGamma));
         double worst = 0;
-        for (int y = 0; y < 48; ++y) {
+        for (int y = 0; y < 73; ++y) {
             for (int x = 0; x < 64; ++x) {
                 const QRgba64 before = original.pixelColor(x, y).rgba64();
                 const QRgba64 after = converted.pixelColor(x, y).rgba64();
@@ -133,42 +126,13 @@ TEST(ColorProfile, ConversionToSrgbMatchesTheMatricesAndKeepsAlpha)
     }
 }
 
-TEST(ColorProfile, PixelsThatAreSrgbAlreadyKeepEveryBit)
+TEST(ColorProfile, PixelsThatAreSrgbAlreadyOrHaveNoUsableProfileKeepEveryBit)
 {
-    const QByteArray srgb = saved(cmsCreate_sRGBProfile());
     const QImage original = makePicture(64, 48, QImage::Format_RGBA64);
-    for (const QByteArray &profile : {srgb, QByteArray()}) {
-        QImage converted = original;
-        ASSERT_TRUE(convertToSrgb(converted, profile));
-        EXPECT_TRUE(samePixels(converted, original));
-    }
-    QImage converted = original;
-    EXPECT_FALSE(convertToSrgb(converted, "no profile"));
-    EXPECT_FALSE(convertToSrgb(converted, grayProfile(2.2)));
-    EXPECT_TRUE(samePixels(converted, original));
-}
-
-TEST(ColorProfile, RangesOfRowsOnSeveralThreadsGiveTheWhole)
-{
-    const QImage original = makePicture(301, 200, QImage::Format_RGBX8888);
-    const auto transform = ColorTransform::between(wideProfile(1.8), {}, original.format());
-    ASSERT_TRUE(transform);
-    EXPECT_FALSE(transform->isIdentity());
-    QImage whole(original.size(), original.format());
-    transform->convertRows(original.constBits(), original.bytesPerLine(), whole.bits(), whole.bytesPerLine(), 301, 200);
-    QImage parts(original.size(), original.format());
-    uchar *bits = parts.bits();
-    const qsizetype stride = parts.bytesPerLine();
-    std::vector<std::thread> threads;
-    for (int first = 0; first < 200; first += 50) {
-        threads.emplace_back([&, first] {
-            transform->convertRows(original.constScanLine(first), original.bytesPerLine(), bits + first * stride,
-                                   stride, 301, 50);
-        });
-    }
-    for (std::thread &thread : threads)
-        thread.join();
-    EXPECT_TRUE(samePixels(parts, whole));
+    for (const QByteArray &profile :
+         {saved(cmsCreate_sRGBProfile()), QByteArray(), QByteArray("no profile"), grayProfile(2.2)})
+        EXPECT_TRUE(samePixels(convertedToSrgb(original, profile), original));
+    EXPECT_FALSE(ColorTransform::between(wideProfile(1.8), {}, original.format())->isIdentity());
 }
 
 TEST(ColorProfile, DescriptionIsTheProfilesOwn)
@@ -178,9 +142,7 @@ TEST(ColorProfile, DescriptionIsTheProfilesOwn)
     EXPECT_TRUE(profileDescription("no profile").isEmpty());
 }
 
-class ProfiledFiles : public FolderTest
-{
-};
+using ProfiledFiles = FolderTest;
 
 TEST_F(ProfiledFiles, GifAndBmpAreWrittenInSrgb)
 {
@@ -190,12 +152,9 @@ TEST_F(ProfiledFiles, GifAndBmpAreWrittenInSrgb)
     for (const WriteFormat format : {WriteFormat::Gif, WriteFormat::Bmp}) {
         MetadataBlocks metadata;
         metadata.iccProfile = wideProfile(2.2);
-        const QString path = pathOf(QStringLiteral("picture"));
-        ASSERT_TRUE(encodePicture(pixels, optionsFor(format, metadata), path));
-        const auto picture = decodePicture(path);
-        ASSERT_TRUE(picture);
-        EXPECT_TRUE(picture->iccProfile.isEmpty());
-        const QColor color = picture->pixels.pixelColor(16, 16);
+        const Picture picture = decoded(encoded(pixels, optionsFor(format, metadata)));
+        EXPECT_TRUE(picture.iccProfile.isEmpty());
+        const QColor color = picture.pixels.pixelColor(16, 16);
         EXPECT_NEAR(color.red(), 255 * expected[0], 1.1);
         EXPECT_NEAR(color.green(), 255 * expected[1], 1.1);
         EXPECT_NEAR(color.blue(), 255 * expected[2], 1.1);

@@ -38,15 +38,6 @@ std::vector<Block> pngChunks(const QByteArray &file)
     return chunks;
 }
 
-QByteArray noise(int size, quint32 seed)
-{
-    QRandomGenerator random(seed);
-    QByteArray bytes;
-    for (int i = 0; i < size; ++i)
-        bytes += char(random.bounded(256));
-    return bytes;
-}
-
 quint32 bigEndianAt(const QByteArray &bytes, qsizetype offset)
 {
     return qFromBigEndian<quint32>(bytes.constData() + offset);
@@ -57,19 +48,17 @@ quint32 bigEndianAt(const QByteArray &bytes, qsizetype offset)
 class Metadata : public FolderTest
 {
 protected:
-    QByteArray encoded(WriteFormat format, const MetadataBlocks &metadata)
+    QByteArray encoded(WriteFormat format, const MetadataBlocks &metadata) const
     {
-        const QString path = pathOf(QStringLiteral("picture"));
-        const auto written =
-            encodePicture(makePicture(20, 10, QImage::Format_RGBX8888), optionsFor(format, metadata), path);
-        EXPECT_TRUE(written) << written.failure().sentence().toStdString();
-        EXPECT_TRUE(decodePicture(path));
-        return contentOf(path);
+        return FolderTest::encoded(makePicture(20, 10, QImage::Format_RGBX8888), optionsFor(format, metadata));
     }
-    PictureInfo info() const
+    PictureInfo infoOfWritten(WriteFormat format, const MetadataBlocks &metadata) const
     {
-        const auto info = readPictureInfo(pathOf(QStringLiteral("picture")));
-        return info ? *info : PictureInfo();
+        return read(encoded(format, metadata)).info;
+    }
+    std::vector<Block> segments(const MetadataBlocks &metadata) const
+    {
+        return jpegSegments(encoded(WriteFormat::Jpeg, metadata));
     }
     /// What follows `leadIn` in the segments of this marker that begin with it.
     static std::vector<QByteArray> payloads(const std::vector<Block> &segments, const char *marker,
@@ -91,36 +80,34 @@ protected:
 TEST_F(Metadata, JpegCarriesEachBlockInItsSegment)
 {
     MetadataBlocks metadata;
-    metadata.exif = noise(65527, 1); // the most that fits
+    metadata.exif = noiseBytes(65527, 1); // the most that fits
     metadata.xmp = "<x:xmpmeta xmlns:x='adobe:ns:meta/'>packet</x:xmpmeta>";
-    metadata.iptc = noise(31, 2);
-    metadata.iccProfile = noise(140001, 3);
+    metadata.iptc = noiseBytes(31, 2);
+    metadata.iccProfile = noiseBytes(140001, 3);
     metadata.dpi = QSizeF(299.6, 72);
-    const std::vector<Block> segments = jpegSegments(encoded(WriteFormat::Jpeg, metadata));
-    EXPECT_EQ(payloads(segments, "e1", m_exifLeadIn), std::vector<QByteArray>{metadata.exif});
-    EXPECT_EQ(payloads(segments, "e1", m_xmpLeadIn), std::vector<QByteArray>{metadata.xmp});
-    const auto resources = payloads(segments, "ed", m_resourceLeadIn);
-    ASSERT_EQ(resources.size(), 1U);
-    EXPECT_EQ(resources[0], QByteArray("8BIM\x04\x04\0\0\0\0\0\x1f", 12) + metadata.iptc + '\0');
-    EXPECT_EQ(info().iccProfile, metadata.iccProfile);
-    EXPECT_EQ(info().dpi, QSizeF(300, 72));
+    const QByteArray file = encoded(WriteFormat::Jpeg, metadata);
+    EXPECT_EQ(payloads(jpegSegments(file), "e1", m_exifLeadIn), std::vector{metadata.exif});
+    EXPECT_EQ(payloads(jpegSegments(file), "e1", m_xmpLeadIn), std::vector{metadata.xmp});
+    EXPECT_EQ(payloads(jpegSegments(file), "ed", m_resourceLeadIn),
+              std::vector{QByteArray("8BIM\x04\x04\0\0\0\0\0\x1f", 12) + metadata.iptc + '\0'});
+    EXPECT_EQ(infoOf(file).iccProfile, metadata.iccProfile);
+    EXPECT_EQ(infoOf(file).dpi, QSizeF(300, 72));
 }
 
 TEST_F(Metadata, JpegWithoutMetadataHasNoSegmentsForIt)
 {
-    for (const Block &segment : jpegSegments(encoded(WriteFormat::Jpeg, {})))
+    for (const Block &segment : segments({}))
         EXPECT_TRUE(segment.type == "e0" || !segment.type.startsWith('e')) << segment.type.toStdString();
-    EXPECT_EQ(info().dpi, std::nullopt);
+    EXPECT_EQ(infoOfWritten(WriteFormat::Jpeg, {}).dpi, std::nullopt);
 }
 
 TEST_F(Metadata, ExifThatDoesNotFitIntoJpegIsLeftOutAndTheRestKept)
 {
     MetadataBlocks metadata;
-    metadata.exif = noise(65528, 1);
-    metadata.iptc = noise(10, 2);
-    const std::vector<Block> segments = jpegSegments(encoded(WriteFormat::Jpeg, metadata));
-    EXPECT_TRUE(payloads(segments, "e1", m_exifLeadIn).empty());
-    EXPECT_EQ(payloads(segments, "ed", m_resourceLeadIn).size(), 1U);
+    metadata.exif = noiseBytes(65528, 1);
+    metadata.iptc = noiseBytes(10, 2);
+    EXPECT_TRUE(payloads(segments(metadata), "e1", m_exifLeadIn).empty());
+    EXPECT_EQ(payloads(segments(metadata), "ed", m_resourceLeadIn).size(), 1U);
 }
 
 TEST_F(Metadata, PaddingOfALargeXmpPacketIsDropped)
@@ -128,22 +115,20 @@ TEST_F(Metadata, PaddingOfALargeXmpPacketIsDropped)
     MetadataBlocks metadata;
     const QByteArray content = "<x:xmpmeta xmlns:x='adobe:ns:meta/'>packet</x:xmpmeta>";
     metadata.xmp = "<?xpacket begin='' id='x'?>\n" + content + QByteArray(70000, ' ') + "<?xpacket end='w'?>";
-    EXPECT_EQ(payloads(jpegSegments(encoded(WriteFormat::Jpeg, metadata)), "e1", m_xmpLeadIn),
-              std::vector<QByteArray>{content});
+    EXPECT_EQ(payloads(segments(metadata), "e1", m_xmpLeadIn), std::vector{content});
 }
 
 TEST_F(Metadata, XmpOverOneSegmentIsWrittenInTheExtendedForm)
 {
     MetadataBlocks metadata;
-    const QByteArray content = "<x:xmpmeta xmlns:x='adobe:ns:meta/'>" + noise(80000, 4).toHex() + "</x:xmpmeta>";
+    const QByteArray content = "<x:xmpmeta xmlns:x='adobe:ns:meta/'>" + noiseBytes(80000, 4).toHex() + "</x:xmpmeta>";
     metadata.xmp = "<?xpacket begin='' id='x'?>" + content + "<?xpacket end='w'?>";
-    const std::vector<Block> segments = jpegSegments(encoded(WriteFormat::Jpeg, metadata));
     const QByteArray guid = QCryptographicHash::hash(content, QCryptographicHash::Md5).toHex().toUpper();
-    const auto standard = payloads(segments, "e1", m_xmpLeadIn);
+    const auto standard = payloads(segments(metadata), "e1", m_xmpLeadIn);
     ASSERT_EQ(standard.size(), 1U);
     EXPECT_TRUE(standard[0].contains("xmpNote:HasExtendedXMP=\"" + guid + '"'));
     QByteArray joined;
-    for (const QByteArray &part : payloads(segments, "e1", m_extendedLeadIn + guid)) {
+    for (const QByteArray &part : payloads(segments(metadata), "e1", m_extendedLeadIn + guid)) {
         EXPECT_EQ(bigEndianAt(part, 0), content.size());
         EXPECT_EQ(bigEndianAt(part, 4), joined.size());
         joined += part.mid(8);
@@ -154,9 +139,9 @@ TEST_F(Metadata, XmpOverOneSegmentIsWrittenInTheExtendedForm)
 TEST_F(Metadata, IptcOverOneSegmentIsSplit)
 {
     MetadataBlocks metadata;
-    metadata.iptc = noise(150000, 5);
+    metadata.iptc = noiseBytes(150000, 5);
     QByteArray joined;
-    for (const QByteArray &part : payloads(jpegSegments(encoded(WriteFormat::Jpeg, metadata)), "ed", m_resourceLeadIn))
+    for (const QByteArray &part : payloads(segments(metadata), "ed", m_resourceLeadIn))
         joined += part;
     ASSERT_EQ(bigEndianAt(joined, 8), 150000U);
     EXPECT_EQ(joined.mid(12), metadata.iptc);
@@ -165,13 +150,14 @@ TEST_F(Metadata, IptcOverOneSegmentIsSplit)
 TEST_F(Metadata, PngCarriesEachBlockInItsChunkBeforeThePicture)
 {
     MetadataBlocks metadata;
-    metadata.exif = noise(100000, 1);
+    metadata.exif = noiseBytes(100000, 1);
     metadata.xmp = "<x:xmpmeta xmlns:x='adobe:ns:meta/'>\xc3\xa4</x:xmpmeta>";
-    metadata.iptc = noise(101, 2);
-    metadata.iccProfile = noise(5000, 3);
+    metadata.iptc = noiseBytes(101, 2);
+    metadata.iccProfile = noiseBytes(5000, 3);
     metadata.dpi = QSizeF(300, 72);
     std::map<QByteArray, QByteArray> chunks;
-    for (const Block &chunk : pngChunks(encoded(WriteFormat::Png, metadata))) {
+    const QByteArray file = encoded(WriteFormat::Png, metadata);
+    for (const Block &chunk : pngChunks(file)) {
         if (chunk.type == "IDAT")
             break;
         chunks[chunk.type] = chunk.data;
@@ -180,30 +166,29 @@ TEST_F(Metadata, PngCarriesEachBlockInItsChunkBeforeThePicture)
     EXPECT_EQ(chunks["iTXt"], QByteArray("XML:com.adobe.xmp\0\0\0\0\0", 22) + metadata.xmp);
     const QByteArray keyword("Raw profile type iptc\0\0", 23);
     ASSERT_TRUE(chunks["zTXt"].startsWith(keyword));
-    const QByteArray stream = chunks["zTXt"].mid(keyword.size());
-    const QByteArray text = qUncompress(QByteArray(4, '\0') + stream);
+    const QByteArray text = qUncompress(QByteArray(4, '\0') + chunks["zTXt"].mid(keyword.size()));
     ASSERT_TRUE(text.startsWith("\niptc\n     114\n"));
-    const QByteArray block = QByteArray::fromHex(text.mid(15));
-    EXPECT_EQ(block, QByteArray("8BIM\x04\x04\0\0\0\0\0\x65", 12) + metadata.iptc + '\0');
-    EXPECT_EQ(info().iccProfile, metadata.iccProfile);
-    ASSERT_TRUE(info().dpi);
-    EXPECT_NEAR(info().dpi->width(), 300, 0.02);
-    EXPECT_NEAR(info().dpi->height(), 72, 0.02);
+    EXPECT_EQ(QByteArray::fromHex(text.mid(15)), QByteArray("8BIM\x04\x04\0\0\0\0\0\x65", 12) + metadata.iptc + '\0');
+    const PictureInfo info = infoOf(file);
+    EXPECT_EQ(info.iccProfile, metadata.iccProfile);
+    ASSERT_TRUE(info.dpi);
+    EXPECT_NEAR(info.dpi->width(), 300, 0.02);
+    EXPECT_NEAR(info.dpi->height(), 72, 0.02);
 }
 
 TEST_F(Metadata, TiffKeepsProfileAndResolutionAndBmpTheResolution)
 {
     MetadataBlocks metadata;
-    metadata.iccProfile = noise(5001, 3);
+    metadata.iccProfile = noiseBytes(5001, 3);
     metadata.dpi = QSizeF(300, 72.5);
-    encoded(WriteFormat::Tiff, metadata);
-    EXPECT_EQ(info().iccProfile, metadata.iccProfile);
-    EXPECT_EQ(info().dpi, metadata.dpi);
+    const PictureInfo tiff = infoOfWritten(WriteFormat::Tiff, metadata);
+    EXPECT_EQ(tiff.iccProfile, metadata.iccProfile);
+    EXPECT_EQ(tiff.dpi, metadata.dpi);
     metadata.iccProfile.clear();
-    encoded(WriteFormat::Bmp, metadata);
-    ASSERT_TRUE(info().dpi);
-    EXPECT_NEAR(info().dpi->width(), 300, 0.02);
-    EXPECT_NEAR(info().dpi->height(), 72.5, 0.02);
+    const PictureInfo bmp = infoOfWritten(WriteFormat::Bmp, metadata);
+    ASSERT_TRUE(bmp.dpi);
+    EXPECT_NEAR(bmp.dpi->width(), 300, 0.02);
+    EXPECT_NEAR(bmp.dpi->height(), 72.5, 0.02);
 }
 
 TEST_F(Metadata, ResolutionThatNoFieldHoldsIsLeftOut)
@@ -211,10 +196,8 @@ TEST_F(Metadata, ResolutionThatNoFieldHoldsIsLeftOut)
     for (const QSizeF dpi : {QSizeF(0, 0), QSizeF(-5, 5), QSizeF(1e12, 1e12), QSizeF(qQNaN(), 1)}) {
         MetadataBlocks metadata;
         metadata.dpi = dpi;
-        for (const WriteFormat format : {WriteFormat::Jpeg, WriteFormat::Png, WriteFormat::Bmp}) {
-            encoded(format, metadata);
-            EXPECT_EQ(info().dpi, std::nullopt) << dpi.width() << " in format " << int(format);
-        }
+        for (const WriteFormat format : {WriteFormat::Jpeg, WriteFormat::Png, WriteFormat::Bmp})
+            EXPECT_EQ(infoOfWritten(format, metadata).dpi, std::nullopt) << dpi.width() << " in " << int(format);
     }
 }
 

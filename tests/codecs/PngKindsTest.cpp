@@ -1,22 +1,11 @@
 #include "TestFiles.h"
 #include "TestPictures.h"
 
-#include <QtEndian>
-
 #include <png.h>
 
 namespace hazelmark {
 
-class PngKinds : public FolderTest
-{
-protected:
-    struct Read
-    {
-        PictureInfo info;
-        Picture picture;
-    };
-    Read read(const QByteArray &file) const { return {infoOf(file), decoded(file)}; }
-};
+using PngKinds = FolderTest;
 
 TEST_F(PngKinds, GrayOfEveryDepthIsScaledToTheFullRange)
 {
@@ -76,9 +65,9 @@ TEST_F(PngKinds, OneTransparentColourBecomesAlpha)
 {
     TestPng kind{.colorType = PNG_COLOR_TYPE_RGB};
     kind.transparency = QByteArray("\0\x01\0\x02\0\x03", 6);
-    const Read got = read(makePng(kind, 2, 1, {1, 2, 3, 1, 2, 4}));
-    ASSERT_EQ(got.picture.pixels.format(), QImage::Format_RGBA8888);
-    EXPECT_EQ(samplesOf(got.picture.pixels, 8), (std::vector<int>{1, 2, 3, 0, 1, 2, 4, 255}));
+    const QImage pixels = decoded(makePng(kind, 2, 1, {1, 2, 3, 1, 2, 4})).pixels;
+    ASSERT_EQ(pixels.format(), QImage::Format_RGBA8888);
+    EXPECT_EQ(samplesOf(pixels, 8), (std::vector<int>{1, 2, 3, 0, 1, 2, 4, 255}));
 }
 
 TEST_F(PngKinds, InterlacedGivesTheSamePixels)

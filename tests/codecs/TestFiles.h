@@ -32,6 +32,14 @@ protected:
         return file.readAll();
     }
 
+    /// The file that the picture is written as; a failure fails the test.
+    QByteArray encoded(const QImage &pixels, const EncodeOptions &options) const
+    {
+        const QString path = pathOf(QStringLiteral("encoded"));
+        const auto written = encodePicture(pixels, options, path);
+        EXPECT_TRUE(written) << written.failure().sentence().toStdString();
+        return written ? contentOf(path) : QByteArray();
+    }
     /// Of a file with these bytes; a failure fails the test.
     PictureInfo infoOf(const QByteArray &bytes) const
     {
@@ -45,6 +53,12 @@ protected:
         EXPECT_TRUE(picture) << picture.failure().sentence().toStdString();
         return picture ? *picture : Picture();
     }
+    struct Read
+    {
+        PictureInfo info;
+        Picture picture;
+    };
+    Read read(const QByteArray &bytes) const { return {infoOf(bytes), decoded(bytes)}; }
     /// Why a file with these bytes is not decoded; nothing when it is.
     std::optional<Failure::Reason> reasonFor(const QByteArray &bytes) const
     {
@@ -55,6 +69,24 @@ protected:
 private:
     QTemporaryDir m_folder;
 };
+
+/// The low `size` bytes of a number, the lowest first.
+inline QByteArray littleEndian(quint32 value, int size = 4)
+{
+    QByteArray bytes;
+    for (int i = 0; i < size; ++i)
+        bytes += char(value >> 8 * i);
+    return bytes;
+}
+
+inline QByteArray noiseBytes(qsizetype size, quint32 seed)
+{
+    QRandomGenerator random(seed);
+    QByteArray bytes(size, '\0');
+    for (char &byte : bytes)
+        byte = char(random.bounded(256));
+    return bytes;
+}
 
 /// A picture whose every sample differs from its neighbours: smooth colours with a little noise on them, and in the
 /// formats with alpha all of transparent, half-transparent and opaque pixels.

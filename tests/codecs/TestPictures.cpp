@@ -1,9 +1,12 @@
 #include "TestPictures.h"
 
+#include "TestFiles.h"
+
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
+#include <QBuffer>
 #include <QFile>
 
 #include <jpeglib.h>
@@ -12,44 +15,19 @@
 
 namespace hazelmark {
 
-namespace {
-
-J_COLOR_SPACE inputSpace(TestJpeg::Colors colors)
-{
-    switch (colors) {
-    case TestJpeg::Colors::Gray:
-        return JCS_GRAYSCALE;
-    case TestJpeg::Colors::Rgb:
-    case TestJpeg::Colors::YCbCr:
-        return JCS_RGB;
-    case TestJpeg::Colors::Cmyk:
-    case TestJpeg::Colors::Ycck:
-        return JCS_CMYK;
-    }
-    std::abort();
-}
-
-J_COLOR_SPACE fileSpace(TestJpeg::Colors colors)
-{
-    switch (colors) {
-    case TestJpeg::Colors::Gray:
-        return JCS_GRAYSCALE;
-    case TestJpeg::Colors::Rgb:
-        return JCS_RGB;
-    case TestJpeg::Colors::YCbCr:
-        return JCS_YCbCr;
-    case TestJpeg::Colors::Cmyk:
-        return JCS_CMYK;
-    case TestJpeg::Colors::Ycck:
-        return JCS_YCCK;
-    }
-    std::abort();
-}
-
-} // namespace
-
 QByteArray makeJpeg(const TestJpeg &kind, int width, int height, const std::vector<uint8_t> &samples)
 {
+    constexpr struct
+    {
+        J_COLOR_SPACE input;
+        J_COLOR_SPACE file;
+        int samples;
+    } kSpaces[] = {{JCS_GRAYSCALE, JCS_GRAYSCALE, 1},
+                   {JCS_RGB, JCS_RGB, 3},
+                   {JCS_RGB, JCS_YCbCr, 3},
+                   {JCS_CMYK, JCS_CMYK, 4},
+                   {JCS_CMYK, JCS_YCCK, 4}}; // in the order of TestJpeg::Colors
+    const auto &space = kSpaces[int(kind.colors)];
     jpeg_compress_struct lib = {};
     jpeg_error_mgr errors;
     lib.err = jpeg_std_error(&errors); // ends the test program on an error
@@ -59,10 +37,10 @@ QByteArray makeJpeg(const TestJpeg &kind, int width, int height, const std::vect
     jpeg_mem_dest(&lib, &bytes, &size);
     lib.image_width = JDIMENSION(width);
     lib.image_height = JDIMENSION(height);
-    lib.in_color_space = inputSpace(kind.colors);
-    lib.input_components = lib.in_color_space == JCS_GRAYSCALE ? 1 : lib.in_color_space == JCS_RGB ? 3 : 4;
+    lib.in_color_space = space.input;
+    lib.input_components = space.samples;
     jpeg_set_defaults(&lib);
-    jpeg_set_colorspace(&lib, fileSpace(kind.colors));
+    jpeg_set_colorspace(&lib, space.file);
     jpeg_set_quality(&lib, 100, TRUE);
     for (int component = 0; component < lib.num_components; ++component) {
         const bool isLarge = kind.isSubsampled && (component == 0 || component == 3);
@@ -138,16 +116,19 @@ namespace {
 
 void setTags(TIFF *tiff, const TestTiff &page)
 {
-    TIFFSetField(tiff, TIFFTAG_SUBFILETYPE, page.subfileType);
-    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, page.width);
-    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, page.height);
-    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, page.bits);
-    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, page.samplesPerPixel);
-    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, page.photometric);
-    TIFFSetField(tiff, TIFFTAG_COMPRESSION, page.compression);
-    TIFFSetField(tiff, TIFFTAG_SAMPLEFORMAT, page.sampleFormat);
-    TIFFSetField(tiff, TIFFTAG_ORIENTATION, page.orientation);
-    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, page.isPlanar ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG);
+    const std::pair<uint32_t, int> tags[] = {
+        {TIFFTAG_SUBFILETYPE, page.subfileType},
+        {TIFFTAG_IMAGEWIDTH, page.width},
+        {TIFFTAG_IMAGELENGTH, page.height},
+        {TIFFTAG_BITSPERSAMPLE, page.bits},
+        {TIFFTAG_SAMPLESPERPIXEL, page.samplesPerPixel},
+        {TIFFTAG_PHOTOMETRIC, page.photometric},
+        {TIFFTAG_COMPRESSION, page.compression},
+        {TIFFTAG_SAMPLEFORMAT, page.sampleFormat},
+        {TIFFTAG_ORIENTATION, page.orientation},
+        {TIFFTAG_PLANARCONFIG, page.isPlanar ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG}};
+    for (const auto &[tag, value] : tags)
+        TIFFSetField(tiff, tag, value);
     if (!page.extraSamples.empty())
         TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, int(page.extraSamples.size()), page.extraSamples.data());
     if (!page.colorMap.empty()) {
@@ -221,6 +202,31 @@ QByteArray makeTiff(const std::vector<TestTiff> &pages, const QString &scratchPa
     TIFFClose(tiff);
     QFile file(scratchPath);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray savedByQt(const QImage &image, const char *format, int quality)
+{
+    QBuffer buffer;
+    return image.save(&buffer, format, quality) ? buffer.data() : QByteArray();
+}
+
+QByteArray makeIcon(const std::vector<QByteArray> &pictures)
+{
+    constexpr qsizetype kHeaderSize = 6;
+    constexpr qsizetype kEntrySize = 16;
+    QByteArray file = QByteArray("\0\0\x01\0", 4) + char(pictures.size()) + '\0';
+    qsizetype offset = kHeaderSize + kEntrySize * qsizetype(pictures.size());
+    for (const QByteArray &picture : pictures) {
+        const QImage image = QImage::fromData(picture);
+        file += char(image.width()); // 256 is written as 0
+        file += char(image.height());
+        file +=
+            QByteArray("\0\0\x01\0\x20\0", 6) + littleEndian(quint32(picture.size())) + littleEndian(quint32(offset));
+        offset += picture.size();
+    }
+    for (const QByteArray &picture : pictures)
+        file += picture;
+    return file;
 }
 
 } // namespace hazelmark

@@ -22,7 +22,7 @@ struct TestJpeg
     int densityUnit = 0; ///< 0 aspect ratio, 1 per inch, 2 per centimetre
     int densityX = 1;
     int densityY = 1;
-    QByteArray iccProfile;
+    QByteArray iccProfile = {};
 };
 
 /// `samples`: one (grey), three or four (ink amounts, 255 = full) bytes a pixel, rows without padding. Quality 100.
@@ -66,5 +66,11 @@ struct TestTiff
 };
 
 QByteArray makeTiff(const std::vector<TestTiff> &pages, const QString &scratchPath);
+
+/// Empty when Qt has no writer for the format.
+QByteArray savedByQt(const QImage &image, const char *format, int quality = -1);
+
+/// An icon of PNG files.
+QByteArray makeIcon(const std::vector<QByteArray> &pictures);
 
 } // namespace hazelmark

@@ -10,15 +10,9 @@ namespace hazelmark {
 class TiffKinds : public FolderTest
 {
 protected:
-    struct Read
-    {
-        PictureInfo info;
-        Picture picture;
-    };
     Read read(const std::vector<TestTiff> &pages) const
     {
-        const QByteArray file = makeTiff(pages, pathOf(QStringLiteral("scratch")));
-        return {infoOf(file), decoded(file)};
+        return FolderTest::read(makeTiff(pages, pathOf(QStringLiteral("scratch"))));
     }
     static TestTiff page(int width, int height, int samplesPerPixel, int photometric, std::vector<uint8_t> rows)
     {
@@ -212,22 +206,35 @@ TEST_F(TiffKinds, PagesThatAreCopiesOrMasksAreNoFrames)
     EXPECT_EQ(read({thumbnail}).info.frames, std::vector<QSize>{QSize(2, 1)});
 }
 
+/// The first page of a camera raw file is a small preview: handing it out would pass for the photo.
+TEST_F(TiffKinds, CameraRawFilesAreRefused)
+{
+    const QString path = pathOf(QStringLiteral("raw"));
+    makeTiff({page(2, 1, 1, PHOTOMETRIC_MINISBLACK, {1, 2})}, path);
+    TIFF *tiff = TIFFOpen(QFile::encodeName(path).constData(), "r+");
+    const uint8_t version[] = {1, 4, 0, 0};
+    TIFFSetField(tiff, TIFFTAG_DNGVERSION, version);
+    TIFFRewriteDirectory(tiff);
+    TIFFClose(tiff);
+    EXPECT_EQ(reasonFor(contentOf(path)), Failure::Reason::UnsupportedFormat);
+}
+
 TEST_F(TiffKinds, SubsampledChromaIsReadUnturned)
 {
     // Two pixels of grey a block: luminance twice, then neutral chroma.
-    TestTiff ycc = page(4, 2, 3, PHOTOMETRIC_YCBCR, {});
-    ycc.orientation = ORIENTATION_BOTRIGHT;
     const QString path = pathOf(QStringLiteral("picture"));
     TIFF *tiff = TIFFOpen(QFile::encodeName(path).constData(), "w");
-    TIFFSetField(tiff, TIFFTAG_IMAGEWIDTH, 4);
-    TIFFSetField(tiff, TIFFTAG_IMAGELENGTH, 2);
-    TIFFSetField(tiff, TIFFTAG_BITSPERSAMPLE, 8);
-    TIFFSetField(tiff, TIFFTAG_SAMPLESPERPIXEL, 3);
-    TIFFSetField(tiff, TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_YCBCR);
+    const std::pair<int, int> tags[] = {{TIFFTAG_IMAGEWIDTH, 4},
+                                        {TIFFTAG_IMAGELENGTH, 2},
+                                        {TIFFTAG_BITSPERSAMPLE, 8},
+                                        {TIFFTAG_SAMPLESPERPIXEL, 3},
+                                        {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_YCBCR},
+                                        {TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG},
+                                        {TIFFTAG_ORIENTATION, ORIENTATION_BOTRIGHT},
+                                        {TIFFTAG_ROWSPERSTRIP, 2}};
+    for (const auto &[tag, value] : tags)
+        TIFFSetField(tiff, uint32_t(tag), value);
     TIFFSetField(tiff, TIFFTAG_YCBCRSUBSAMPLING, 2, 1);
-    TIFFSetField(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
-    TIFFSetField(tiff, TIFFTAG_ORIENTATION, ORIENTATION_BOTRIGHT);
-    TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 2);
     uint8_t data[] = {10, 20, 128, 128, 30, 40, 128, 128, 50, 60, 128, 128, 70, 80, 128, 128};
     ASSERT_EQ(TIFFWriteEncodedStrip(tiff, 0, data, sizeof data), tmsize_t(sizeof data));
     TIFFClose(tiff);

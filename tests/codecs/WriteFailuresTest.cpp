@@ -56,18 +56,12 @@ TEST_P(WriteFailures, FileThatMayNotGrowIsToldWhereverItHappens)
     EXPECT_EXIT(writesWithin(whole), testing::ExitedWithCode(0), "");
 }
 
-TEST_P(WriteFailures, PathThatCannotBeWrittenIsTold)
+TEST_P(WriteFailures, PathOrPictureThatCannotBeWrittenIsTold)
 {
     EXPECT_EQ(reasonFor(pathOf(QStringLiteral("missing/picture"))), Reason::NoSuchFolder);
     ASSERT_TRUE(QDir(pathOf({})).mkdir(QStringLiteral("folder")));
     EXPECT_EQ(reasonFor(pathOf(QStringLiteral("folder"))), Reason::IsFolder);
-}
-
-TEST_P(WriteFailures, NoPictureIsAFailure)
-{
-    const auto written = encodePicture({}, optionsFor(GetParam().second), pathOf(QStringLiteral("picture")));
-    ASSERT_FALSE(written);
-    EXPECT_EQ(written.failure().reason, Reason::EncodeFailed);
+    EXPECT_EQ(reasonFor(pathOf(QStringLiteral("picture")), {0, 0}), Reason::EncodeFailed);
 }
 
 TEST_P(WriteFailures, SideThatTheFormatCannotHoldIsToldAndOthersAreWritten)

@@ -4,7 +4,7 @@
 
 namespace hazelmark {
 
-/// How many threads a render uses when nothing else is said: one a processor that this process may run on.
+/// How many threads work on a picture when nothing else is said: one a processor that this process may run on.
 int defaultThreadCount();
 
 /// Calls body(0) .. body(count - 1), each once, on the calling thread and up to `threads - 1` others; returns when
