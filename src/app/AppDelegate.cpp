@@ -1,6 +1,7 @@
 #include "AppDelegate.h"
 
 #include "AboutDialog.h"
+#include "ImageCatalog.h"
 #include "MainMenu.h"
 #include "NotificationNames.h"
 #include "ProcessState.h"
@@ -45,6 +46,7 @@ AppDelegate::AppDelegate(ScreenFactory makeMainScreen)
 {
     // By it the desktop knows which windows are this program's, and shows its icon for them.
     QGuiApplication::setDesktopFileName(QStringLiteral("org.hazelmark.Hazelmark"));
+    QGuiApplication::setWindowIcon(ImageCatalog::iconNamed(QStringLiteral("hazelmark")));
     // The process ends when handleWindowClose_Main() says so.
     QGuiApplication::setQuitOnLastWindowClosed(false);
     connect(qGuiApp, &QGuiApplication::applicationStateChanged, this, [this](Qt::ApplicationState state) {

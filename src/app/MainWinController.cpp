@@ -1,7 +1,6 @@
 #include "MainWinController.h"
 
 #include "Bundle.h"
-#include "ImageCatalog.h"
 #include "NotificationNames.h"
 #include "Screen.h"
 #include "TitlebarWindow.h"
@@ -19,7 +18,6 @@ MainWinController::MainWinController(ScreenFactory makeMainScreen)
     , m_mainScreenView(new QWidget)
 {
     m_windowMain->setWindowTitle(Bundle::infoDictionary().value(QStringLiteral("CFBundleName")).toString());
-    m_windowMain->setWindowIcon(ImageCatalog::iconNamed(QStringLiteral("hazelmark")));
     auto *layout = new QVBoxLayout(m_mainScreenView);
     layout->setContentsMargins({});
     m_windowMain->setContentView(m_mainScreenView);

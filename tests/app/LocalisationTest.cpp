@@ -114,12 +114,12 @@ TEST_F(LocalisationTest, LinksLeadToPagesAndToFilesOfTheProgramOnly)
     };
     ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral("manual/index.html")));
     write(QStringLiteral("Links.plist"),
-          entry("0", "manual/index.html") + entry("1", "") + entry("2", "appstream://org.example.App") +
+          entry("0", "manual/index.html") + entry("1", "") + entry("2", "appstream:org.example.App") +
               entry("3", "https://example.org/x") + entry("4", "file:///etc/passwd") + entry("5", "manual/none.html") +
               entry("6", "../outside") + entry("8", "https://example.org"));
     const LinkTable links;
     EXPECT_EQ(links.address(0), QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("manual/index.html"))));
-    EXPECT_EQ(links.address(2), QUrl(QStringLiteral("appstream://org.example.App")));
+    EXPECT_EQ(links.address(2), QUrl(QStringLiteral("appstream:org.example.App")));
     EXPECT_EQ(links.address(3), QUrl(QStringLiteral("https://example.org/x")));
     EXPECT_EQ(links.name(3), QStringLiteral("N3"));
     for (const int tag : {1, 4, 5, 6, 7, 8, -1})

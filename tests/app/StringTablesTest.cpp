@@ -126,7 +126,7 @@ TEST(StringTablesTest, TheLinksThatAreDeliveredLeadSomewhere)
     const QUrl manual = links.address(LinkTable::kHomePageTag);
     ASSERT_TRUE(manual.isLocalFile());
     EXPECT_TRUE(QFile::exists(manual.toLocalFile()));
-    EXPECT_EQ(links.address(LinkTable::kStorePageTag).scheme(), QStringLiteral("appstream"));
+    EXPECT_EQ(links.address(LinkTable::kStorePageTag).toString(), QStringLiteral("appstream:org.hazelmark.Hazelmark"));
     for (int tag = 0; tag <= LinkTable::kLastTag; ++tag) {
         const bool isOwnPage = tag == LinkTable::kHomePageTag || tag == LinkTable::kStorePageTag;
         EXPECT_TRUE(links.address(tag).isEmpty() || isOwnPage || !links.name(tag).isEmpty()) << tag;
