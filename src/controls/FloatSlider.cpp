@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace hazelmark {
 
@@ -24,6 +25,7 @@ constexpr int kHeight = 21; // odd, so that track and knob have a row of pixels 
 constexpr double kPageSteps = 10;
 constexpr double kWheelNotch = 120; // eighths of a degree
 constexpr qreal kDisabledOpacity = 0.4;
+constexpr int kFrameMilliseconds = 16; // of a screen that shows 60 a second
 
 } // namespace
 
@@ -161,14 +163,44 @@ void FloatSlider::mousePressEvent(QMouseEvent *event)
 
 void FloatSlider::mouseMoveEvent(QMouseEvent *event)
 {
-    if (m_dragging)
-        dragTo(event->position().x() - m_grip);
+    if (!m_dragging)
+        return;
+    m_lastMove = event->position().x() - m_grip;
+    if (!m_frame.isActive()) {
+        m_frame.start(kFrameMilliseconds, Qt::PreciseTimer, this);
+        takeLastMove();
+    }
+}
+
+void FloatSlider::timerEvent(QTimerEvent *event)
+{
+    if (event->timerId() != m_frame.timerId())
+        return QWidget::timerEvent(event);
+    if (m_lastMove)
+        takeLastMove();
+    else
+        m_frame.stop();
+}
+
+void FloatSlider::takeLastMove()
+{
+    if (const std::optional<qreal> x = std::exchange(m_lastMove, std::nullopt))
+        dragTo(*x);
 }
 
 void FloatSlider::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (event->button() == Qt::LeftButton)
-        m_dragging = false;
+    if (event->button() == Qt::LeftButton) {
+        takeLastMove();
+        endDrag();
+    }
+}
+
+void FloatSlider::endDrag()
+{
+    m_dragging = false;
+    m_lastMove.reset();
+    m_frame.stop();
 }
 
 void FloatSlider::focusInEvent(QFocusEvent *event)
@@ -186,7 +218,7 @@ void FloatSlider::focusOutEvent(QFocusEvent *event)
 void FloatSlider::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::EnabledChange) {
-        m_dragging = false;
+        endDrag();
         update();
     }
     QWidget::changeEvent(event);

@@ -2,14 +2,19 @@
 
 #include "CustomSliderCell.h"
 
+#include <QBasicTimer>
 #include <QWidget>
+
+#include <optional>
 
 namespace hazelmark {
 
 /// A horizontal slider with a floating-point value. Only a person's change (pointer, keys, wheel, assistive
 /// technology) sends the action `valueChangedByUser`; `setValue` never does.
 ///
-/// The wheel acts only while the slider has the focus: a panel that is scrolled under the pointer changes nothing.
+/// The wheel acts only while the slider has the focus: a panel that is scrolled under the pointer changes nothing. Of a
+/// drag it takes one move a frame of the screen, and the last one: what an action starts need not be done for places
+/// that nobody sees, and a mouse that tells a thousand of them a second would only leave the picture behind.
 class FloatSlider : public QWidget
 {
     Q_OBJECT
@@ -50,6 +55,7 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void timerEvent(QTimerEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
     void changeEvent(QEvent *event) override;
@@ -59,13 +65,17 @@ private:
     QRectF knobRect() const;
     QRectF barRect() const;
     void dragTo(qreal x);
+    void takeLastMove();
+    void endDrag();
 
     double m_minValue = 0;
     double m_maxValue = 1;
     double m_value = 0;
     double m_singleStep = 0;
     bool m_dragging = false;
-    qreal m_grip = 0; ///< from the knob's centre to where the pointer holds it
+    qreal m_grip = 0;                ///< from the knob's centre to where the pointer holds it
+    QBasicTimer m_frame;             ///< runs for a frame from the move that was taken last
+    std::optional<qreal> m_lastMove; ///< not taken yet
     CustomSliderCell m_cell{*this};
 };
 

@@ -208,6 +208,7 @@ private:
     PhotoImagePtr m_resizedInputImage;
     PhotoImagePtr m_fittedImage; ///< what `m_resizedInputImage` was made from
     PhotoImagePtr m_maskImage;
+    qint64 m_maskCanvasKey = 0; ///< which pixels of the canvas `m_maskImage` was made from
     PhotoImagePtr m_overlayImage;
     PhotoImagePtr m_maskGreenImageWithCustomPaint;
     PhotoImagePtr m_maskImageWithCustomPaint;

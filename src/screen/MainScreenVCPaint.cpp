@@ -215,7 +215,11 @@ void MainScreenVC::applyCustomEnhanceFilterOnPreviewImage()
 {
     setLastExportedImage(nullptr);
     if (isPainting()) {
-        m_maskImage = overBlack(m_view->paintView->snapshot());
+        const QImage canvas = m_view->paintView->snapshot();
+        // A slider that is dragged asks again and again over the same strokes.
+        if (!m_maskImage || canvas.cacheKey() != m_maskCanvasKey)
+            m_maskImage = overBlack(canvas);
+        m_maskCanvasKey = canvas.cacheKey();
     }
     if (!m_resizedInputImage || (!m_maskImage && !m_overlayImage))
         return;
