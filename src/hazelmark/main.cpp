@@ -2,6 +2,7 @@
 #include "Bundle.h"
 #include "MainScreenVC.h"
 #include "SafeFile.h"
+#include "TerminationSignals.h"
 #include "Theme.h"
 #include "ToolkitTexts.h"
 
@@ -38,6 +39,9 @@ int main(int argc, char **argv)
         screen = made.get();
         return made;
     });
+    // The end of a desktop session: files that are being written are finished, shared pictures removed.
+    const TerminationSignals terminationSignals;
+    QObject::connect(&terminationSignals, &TerminationSignals::received, &delegate, &AppDelegate::btnQuitApp);
     delegate.applicationDidFinishLaunching();
     if (!photos.isEmpty())
         screen->photoDraggedWithPath(QFileInfo(photos.first()).absoluteFilePath());

@@ -246,8 +246,10 @@ Outcome<Done> SafeFile::commit()
 
 void SafeFile::removeTemporariesOnSignals()
 {
-    for (int signal : {SIGINT, SIGTERM, SIGHUP})
-        ::signal(signal, removeAndEnd);
+    for (int signal : {SIGINT, SIGTERM, SIGHUP}) {
+        if (::signal(signal, removeAndEnd) == SIG_IGN) // so that nohup keeps its promise
+            ::signal(signal, SIG_IGN);
+    }
 }
 
 } // namespace hazelmark
