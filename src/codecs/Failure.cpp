@@ -1,5 +1,8 @@
 #include "Failure.h"
 
+#include <cerrno>
+#include <cstring>
+
 namespace hazelmark {
 
 namespace {
@@ -51,6 +54,26 @@ QString reasonText(Failure::Reason reason)
 }
 
 } // namespace
+
+Failure Failure::ofWriteError(int error, const QString &path)
+{
+    switch (error) {
+    case ENOSPC:
+    case EDQUOT:
+        return {Reason::DiskFull, path, {}};
+    case ENOENT:
+    case ENOTDIR:
+        return {Reason::NoSuchFolder, path, {}};
+    case EACCES:
+    case EPERM:
+    case EROFS:
+        return {Reason::FolderNotWritable, path, {}};
+    case EISDIR:
+        return {Reason::IsFolder, path, {}};
+    default:
+        return {Reason::WriteFailed, path, QString::fromLocal8Bit(std::strerror(error))};
+    }
+}
 
 QString Failure::sentence() const
 {

@@ -34,6 +34,9 @@ struct Failure
     QString path;   ///< the file (or folder) that the failure is about, as the person named it
     QString detail; ///< what the library or the system said; may be empty
 
+    /// Why writing to `path` failed with this errno.
+    static Failure ofWriteError(int error, const QString &path);
+
     /// One sentence that names the file and the reason, with a full stop and without a line end.
     QString sentence() const;
 };

@@ -4,31 +4,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <cstring>
 
 #include <fcntl.h>
 #include <unistd.h>
 
 namespace hazelmark {
-
-namespace {
-
-Failure failureForError(int error, const QString &path)
-{
-    using Reason = Failure::Reason;
-    Reason reason = Reason::WriteFailed;
-    if (error == ENOSPC || error == EDQUOT)
-        reason = Reason::DiskFull;
-    else if (error == ENOENT || error == ENOTDIR)
-        reason = Reason::NoSuchFolder;
-    else if (error == EACCES || error == EPERM || error == EROFS)
-        reason = Reason::FolderNotWritable;
-    else if (error == EISDIR)
-        reason = Reason::IsFolder;
-    return {reason, path, QString::fromLocal8Bit(std::strerror(error))};
-}
-
-} // namespace
 
 FileSink::FileSink(const QString &path, int descriptor)
     : m_path(path)
@@ -46,7 +26,7 @@ Outcome<std::unique_ptr<FileSink>> FileSink::open(const QString &path)
 {
     const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
     if (descriptor < 0)
-        return failureForError(errno, path);
+        return Failure::ofWriteError(errno, path);
     return std::unique_ptr<FileSink>(new FileSink(path, descriptor));
 }
 
@@ -86,14 +66,14 @@ Outcome<Done> FileSink::finish()
     if (::close(descriptor) != 0 && m_error == 0 && errno != EINTR)
         m_error = errno;
     if (m_error != 0)
-        return failureForError(m_error, m_path);
+        return Failure::ofWriteError(m_error, m_path);
     return Done{};
 }
 
 Failure FileSink::failure(const QString &encoderMessage) const
 {
     if (m_error != 0)
-        return failureForError(m_error, m_path);
+        return Failure::ofWriteError(m_error, m_path);
     return {Failure::Reason::EncodeFailed, m_path, encoderMessage};
 }
 

@@ -18,12 +18,7 @@ constexpr int kApp13 = 0xed;
 /// A segment's 16-bit length counts itself.
 constexpr qsizetype kMaxSegmentData = 65535 - 2;
 
-// With their closing zero bytes, which are part of the lead-ins.
-const QByteArray kExifLeadIn("Exif\0", 6);
-const QByteArray kXmpLeadIn("http://ns.adobe.com/xap/1.0/", 29);
-const QByteArray kExtendedXmpLeadIn("http://ns.adobe.com/xmp/extension/", 35);
-const QByteArray kIccLeadIn("ICC_PROFILE", 12);
-const QByteArray kResourceLeadIn("Photoshop 3.0", 14);
+const QByteArray kIccLeadIn("ICC_PROFILE", 12); // with its closing zero byte
 
 QByteArray bigEndian32(quint32 value)
 {

@@ -8,6 +8,12 @@
 
 namespace hazelmark {
 
+// What application segments of JPEG files begin with, closing zero bytes included.
+inline const QByteArray kExifLeadIn("Exif\0", 6);
+inline const QByteArray kXmpLeadIn("http://ns.adobe.com/xap/1.0/", 29);
+inline const QByteArray kExtendedXmpLeadIn("http://ns.adobe.com/xmp/extension/", 35);
+inline const QByteArray kResourceLeadIn("Photoshop 3.0", 14);
+
 /// An application segment of a JPEG file: its marker number (0xe1 for APP1) and what follows its length field.
 struct JpegSegment
 {

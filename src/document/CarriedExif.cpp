@@ -17,7 +17,6 @@ constexpr qsizetype kMaxJpegBlock = 65535 - 2 - 6;
 
 constexpr quint16 kImageWidth = 0x0100;
 constexpr quint16 kImageLength = 0x0101;
-constexpr quint16 kExifDirectory = 0x8769;
 constexpr quint16 kPixelXDimension = 0xa002;
 constexpr quint16 kPixelYDimension = 0xa003;
 
@@ -119,11 +118,9 @@ void correctSizes(TiffBlock &block, QSize size)
     const quint32 first = block.firstDirectoryOffset();
     correctNumber(block, first, kImageWidth, size.width());
     correctNumber(block, first, kImageLength, size.height());
-    const auto directory = block.directoryAt(first);
-    const TiffBlock::Entry *exif = directory ? directory->find(kExifDirectory) : nullptr;
-    const quint32 exifOffset = exif ? block.number(*exif).value_or(0) : 0;
-    correctNumber(block, exifOffset, kPixelXDimension, size.width());
-    correctNumber(block, exifOffset, kPixelYDimension, size.height());
+    const quint32 exif = exifDirectory(block);
+    correctNumber(block, exif, kPixelXDimension, size.width());
+    correctNumber(block, exif, kPixelYDimension, size.height());
 }
 
 bool canChangeInPlace(const PhotoMetadata &metadata, bool forJpeg)

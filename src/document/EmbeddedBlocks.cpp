@@ -1,6 +1,7 @@
 #include "EmbeddedBlocks.h"
 
 #include "Exiv2Session.h"
+#include "JpegSegments.h"
 #include "TiffBlock.h"
 #include "ZlibStream.h"
 
@@ -15,11 +16,6 @@
 namespace hazelmark {
 
 namespace {
-
-const QByteArray kExifLeadIn("Exif\0", 6);
-const QByteArray kXmpLeadIn("http://ns.adobe.com/xap/1.0/", 29);
-const QByteArray kExtendedXmpLeadIn("http://ns.adobe.com/xmp/extension/", 35);
-const QByteArray kResourceLeadIn("Photoshop 3.0", 14);
 
 quint32 bigEndian32(const QByteArray &bytes, qsizetype offset)
 {
@@ -136,9 +132,12 @@ private:
     {
         constexpr qsizetype kNameSize = 32;
         constexpr qsizetype kHeadSize = kNameSize + 8;
+        constexpr qsizetype kMostNames = 16; // one is usual, and the packet is searched for each
+        const QByteArray name = piece.left(kNameSize);
         m_extensionSize += piece.size();
-        if (piece.size() > kHeadSize && m_extensionSize <= kMaxBlockSize)
-            m_extensions[piece.left(kNameSize)][bigEndian32(piece, kNameSize + 4)] = piece.mid(kHeadSize);
+        if (piece.size() > kHeadSize && m_extensionSize <= kMaxBlockSize &&
+            (m_extensions.size() < kMostNames || m_extensions.contains(name)))
+            m_extensions[name][bigEndian32(piece, kNameSize + 4)] = piece.mid(kHeadSize);
     }
 
     /// The pieces come in any order; one that is missing makes the whole worthless.
@@ -225,7 +224,8 @@ private:
             return;
         const QByteArray keyword = data.left(keywordEnd);
         const QByteArray kind = keyword.startsWith("Raw profile type ") ? keyword.mid(17).toLower() : QByteArray();
-        if (kind.isEmpty() && keyword != "XML:com.adobe.xmp")
+        constexpr int kMostTexts = 16; // of each kind there is one; packed ones may be a thousand times their size
+        if ((kind.isEmpty() && keyword != "XML:com.adobe.xmp") || ++m_textCount > kMostTexts)
             return;
         const QByteArray text = textOf(type, data.mid(keywordEnd + 1));
         if (kind.isEmpty())
@@ -265,6 +265,7 @@ private:
     EmbeddedBlocks m_blocks;
     QByteArray m_textExif; ///< the old form, which counts only where there is no eXIf chunk
     QByteArray m_textXmp;
+    int m_textCount = 0; ///< that were unpacked
 };
 
 EmbeddedBlocks webpBlocks(QFile &file)

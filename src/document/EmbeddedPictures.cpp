@@ -147,10 +147,15 @@ std::vector<BlockRange> usedRanges(const TiffBlock &block)
     return used;
 }
 
+quint32 exifDirectory(const TiffBlock &block)
+{
+    return subdirectory(block, block.firstDirectoryOffset(), kExifDirectory);
+}
+
 std::vector<quint32> metadataDirectories(const TiffBlock &block)
 {
     const quint32 first = block.firstDirectoryOffset();
-    const quint32 exif = subdirectory(block, first, kExifDirectory);
+    const quint32 exif = exifDirectory(block);
     std::vector<quint32> offsets{first, exif, subdirectory(block, first, kGpsDirectory),
                                  subdirectory(block, exif, kInteroperabilityDirectory)};
     offsets.erase(std::remove(offsets.begin(), offsets.end(), 0), offsets.end());

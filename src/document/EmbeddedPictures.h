@@ -14,6 +14,9 @@ struct BlockRange
 /// interoperability tags.
 std::vector<quint32> metadataDirectories(const TiffBlock &block);
 
+/// Offset of the directory of EXIF tags; 0 when there is none.
+quint32 exifDirectory(const TiffBlock &block);
+
 /// The block's header, these directories and the values that their tags refer to, in ascending order.
 std::vector<BlockRange> usedRanges(const TiffBlock &block);
 

@@ -19,12 +19,8 @@ constexpr long kMaxUndefinedLength = 64;
 /// Longer texts are cut: what stands in a summary has to end somewhere.
 constexpr qsizetype kMaxTextLength = 64 * 1024;
 
-QVariant number(const Exiv2::Rational &ratio)
-{
-    return ratio.second == 0 ? QVariant() : QVariant(double(ratio.first) / ratio.second);
-}
-
-QVariant number(const Exiv2::URational &ratio)
+template <typename Integer>
+QVariant number(const std::pair<Integer, Integer> &ratio)
 {
     return ratio.second == 0 ? QVariant() : QVariant(double(ratio.first) / ratio.second);
 }

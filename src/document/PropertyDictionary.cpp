@@ -1,12 +1,12 @@
 #include "PropertyDictionary.h"
 
+#include "ColorProfile.h"
 #include "Decoder.h"
 #include "ExifValues.h"
 #include "Exiv2Session.h"
 #include "IptcNames.h"
 #include "ObjectText.h"
 #include "PhotoMetadata.h"
-#include "ProfileName.h"
 
 #include <algorithm>
 #include <array>
@@ -104,8 +104,8 @@ private:
         m_top.insert(QStringLiteral("ColorModel"), colorModelName(m_info.colorModel));
         if (m_info.hasAlpha)
             m_top.insert(QStringLiteral("HasAlpha"), true);
-        const QString profile = profileName(m_info.iccProfile);
-        if (!profile.isNull())
+        const QString profile = profileDescription(m_info.iccProfile);
+        if (!profile.isEmpty())
             m_top.insert(QStringLiteral("ProfileName"), profile);
     }
 
@@ -299,7 +299,6 @@ private:
     {
         constexpr int kPerInch = 2;
         constexpr int kPerCentimetre = 3;
-        constexpr double kCentimetresPerInch = 2.54;
         const QSizeF resolution(m_tiff.value(QStringLiteral("XResolution")).toDouble(),
                                 m_tiff.value(QStringLiteral("YResolution")).toDouble());
         const int unit = m_tiff.value(QStringLiteral("ResolutionUnit"), kPerInch).toInt();

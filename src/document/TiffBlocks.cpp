@@ -12,7 +12,7 @@ namespace hazelmark {
 
 namespace {
 
-/// The metadata must lie within so many bytes from the start of the file.
+/// The metadata must lie within so many bytes from the start of the file; as many may be taken from behind that.
 constexpr qint64 kHeadSize = 1024 * 1024;
 
 constexpr quint16 kXmp = 0x02bc;
@@ -90,11 +90,13 @@ private:
     void take(const TiffBlock &source, const TiffBlock::Entry &entry)
     {
         const bool isInside = isInHead(entry);
-        if (entry.statedSize == 0 || (!isInside && entry.statedSize > kHeadSize))
+        if (entry.statedSize == 0 || (!isInside && entry.statedSize > kHeadSize - m_distantSize))
             return;
         m_entries[entry.tag] = source.bytes().mid(entry.position, TiffBlock::kEntrySize);
-        if (!isInside)
+        if (!isInside) {
             m_distantValues[entry.tag] = valueOf(source, entry);
+            m_distantSize += entry.statedSize;
+        }
     }
 
     /// The head up to `headSize`, the values that lie behind it, the directory.
@@ -144,6 +146,7 @@ private:
     const bool m_isBigEndian;
     TiffEntries m_entries;
     std::map<uint16_t, QByteArray> m_distantValues;
+    qint64 m_distantSize = 0; ///< bytes of these: a hostile directory may refer to the same ones thousands of times
 };
 
 } // namespace

@@ -79,10 +79,13 @@ public:
     bool copy(const QByteArray &packet, const QByteArray &extension)
     {
         QXmlStreamReader reader(packet);
+        bool isToBeJoined = !extension.isEmpty();
         while (!reader.atEnd() && !m_hasFailed) {
             reader.readNext();
-            if (reader.isEndElement() && isRdf(reader) && !extension.isEmpty())
+            if (isToBeJoined && reader.isEndElement() && isRdf(reader)) {
+                isToBeJoined = false; // once, however many such elements a packet has
                 copyDescriptions(extension);
+            }
             take(reader);
         }
         return !m_hasFailed && !reader.hasError();

@@ -76,25 +76,6 @@ void removeAndEnd(int signal)
     ::raise(signal);
 }
 
-Failure failureFor(int error, const QString &path)
-{
-    const QString detail = QString::fromLocal8Bit(std::strerror(error));
-    switch (error) {
-    case ENOSPC:
-    case EDQUOT:
-        return {Reason::DiskFull, path, {}};
-    case EACCES:
-    case EPERM:
-    case EROFS:
-        return {Reason::FolderNotWritable, path, {}};
-    case ENOENT:
-    case ENOTDIR:
-        return {Reason::NoSuchFolder, path, {}};
-    default:
-        return {Reason::WriteFailed, path, detail};
-    }
-}
-
 QByteArray folderOf(const QByteArray &path)
 {
     const qsizetype slash = path.lastIndexOf('/');
@@ -194,7 +175,7 @@ Outcome<SafeFile> SafeFile::create(const QString &path, const QString &source)
     QByteArray name = folderOf(*finalPlace(QFile::encodeName(path))) + "/.hazelmark-XXXXXX";
     const int descriptor = ::mkostemp(name.data(), O_CLOEXEC);
     if (descriptor < 0)
-        return failureFor(errno, path);
+        return Failure::ofWriteError(errno, path);
     ::close(descriptor);
     temporaries.add(name);
     return SafeFile(path, source, QFile::decodeName(name));
@@ -235,7 +216,7 @@ Outcome<Done> SafeFile::commit()
     const mode_t mode = replaces ? replaced.st_mode & 0777 : modeOfNewFiles();
     if (!flushed(temporary, O_RDONLY) || ::chmod(temporary.constData(), mode) != 0 ||
         ::rename(temporary.constData(), place.constData()) != 0)
-        return failureFor(errno, m_path);
+        return Failure::ofWriteError(errno, m_path);
     temporaries.remove(temporary);
     m_temporaryPath.clear();
     // The file is in place whole; that the folder's entry is on the disk too is as much as can be asked for.

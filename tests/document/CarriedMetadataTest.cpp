@@ -3,6 +3,8 @@
 #include "Decoder.h"
 #include "PropertyDictionary.h"
 #include "SamplePhotos.h"
+#include "TiffBlocks.h"
+#include "TiffBytes.h"
 #include "TiffTags.h"
 
 #include <QBuffer>
@@ -42,11 +44,13 @@ QByteArray traceOf(const QByteArray &picture)
     return picture.right(40).left(24);
 }
 
-QByteArray encoded(const Exiv2::ExifData &data, Exiv2::ByteOrder order = Exiv2::littleEndian)
+MetadataBlocks exifAlone(const Exiv2::ExifData &data, Exiv2::ByteOrder order = Exiv2::littleEndian)
 {
-    Exiv2::Blob blob;
-    Exiv2::ExifParser::encode(blob, order, data);
-    return QByteArray(reinterpret_cast<const char *>(blob.data()), qsizetype(blob.size()));
+    Exiv2::MemIo io;
+    Exiv2::TiffParser::encode(io, nullptr, 0, order, data, {}, {});
+    MetadataBlocks blocks;
+    blocks.exif = QByteArray(reinterpret_cast<const char *>(io.mmap()), qsizetype(io.size()));
+    return blocks;
 }
 
 void setBytes(Exiv2::ExifData &data, const char *key, const QByteArray &bytes)
@@ -133,9 +137,7 @@ TEST_P(CarriedMetadata, HasNoThumbnailLeft)
     Exiv2::ExifData data;
     data["Exif.Image.Make"] = "Acme";
     setThumbnail(data, picture);
-    MetadataBlocks blocks;
-    blocks.exif = encoded(data, Exiv2::bigEndian);
-    const QString source = writeSource(blocks);
+    const QString source = writeSource(exifAlone(data, Exiv2::bigEndian));
     ASSERT_TRUE(readBytes(source).contains(traceOf(picture)));
     const QString target = exportOf(source);
     EXPECT_FALSE(readBytes(target).contains(traceOf(picture)));
@@ -154,8 +156,7 @@ TEST_P(CarriedMetadata, KeepsANoteOfAnUnknownMakerInItsPlaceWithoutItsPictures)
     setBytes(data, "Exif.Photo.MakerNote", note);
     setThumbnail(data, inTag);
     data["Exif.Photo.PixelXDimension"] = uint32_t(4000);
-    MetadataBlocks blocks;
-    blocks.exif = encoded(data, Exiv2::bigEndian);
+    const MetadataBlocks blocks = exifAlone(data, Exiv2::bigEndian);
     const QString target = exportOf(writeSource(blocks));
 
     const QByteArray carried = carriedMetadata(target, kSize, WriteFormat::Png).exif;
@@ -176,9 +177,7 @@ TEST_P(CarriedMetadata, LosesThePreviewsInNotesOfKnownMakers)
     data["Exif.Image.Make"] = "CASIO COMPUTER CO.,LTD.";
     setBytes(data, "Exif.Casio2.0x1234", "kept as it is");
     setBytes(data, "Exif.Casio2.PreviewImage", picture);
-    MetadataBlocks blocks;
-    blocks.exif = encoded(data);
-    const QString source = writeSource(blocks);
+    const QString source = writeSource(exifAlone(data));
     ASSERT_TRUE(readBytes(source).contains(traceOf(picture)));
     const QString target = exportOf(source);
     EXPECT_FALSE(readBytes(target).contains(traceOf(picture)));
@@ -214,6 +213,7 @@ TEST_P(CarriedMetadata, LeavesOutPicturesInIptcRecords)
     EXPECT_TRUE(carriedMetadata(target, kSize, targetFormat()).iptc.contains("kept"));
 }
 
+// What counts here is that every one of these ends, without a crash; the sanitizers watch.
 TEST_P(CarriedMetadata, OfDamagedBlocksNeitherCrashesNorHangs)
 {
     std::mt19937 random(7);
@@ -222,14 +222,21 @@ TEST_P(CarriedMetadata, OfDamagedBlocksNeitherCrashesNorHangs)
     setBytes(data, "Exif.Photo.MakerNote", "ACME " + thumbnail(2));
     data["Exif.GPSInfo.GPSLatitude"] = "1/1 2/1 3/1";
     MetadataBlocks good = richMetadata();
-    good.exif = encoded(data);
-    for (int round = 0; round < 80; ++round) {
+    const QByteArray withPictures = exifAlone(data).exif;
+    for (int round = 0; round < 120; ++round) {
         MetadataBlocks bad = good;
+        if (round % 2 == 0)
+            bad.exif = withPictures;
         for (QByteArray *block : {&bad.exif, &bad.iptc, &bad.xmp}) {
+            const size_t range = std::min<size_t>(size_t(block->size()), round % 4 < 2 ? 400 : 4000);
             for (size_t i = random() % 6; i > 0; --i)
-                (*block)[qsizetype(random() % std::min<size_t>(size_t(block->size()), 400))] = char(random());
+                (*block)[qsizetype(random() % range)] = char(random() % 4 == 0 ? 0xff : random());
+            if (random() % 5 == 0)
+                block->truncate(qsizetype(random() % size_t(block->size())));
         }
-        EXPECT_TRUE(readPictureInfo(exportOf(writeSource(bad))));
+        const QString source = writeSource(bad);
+        EXPECT_TRUE(readPropertyDictionary(source));
+        EXPECT_TRUE(readPictureInfo(exportOf(source)));
     }
 }
 
@@ -247,10 +254,7 @@ TEST(CarriedMetadataLimits, WhatDoesNotFitIntoAJpegFileIsDroppedAloneAndNotTheRe
     Exiv2::ExifData data;
     data["Exif.Image.Make"] = "Acme";
     setBytes(data, "Exif.Photo.MakerNote", QByteArray(70'000, 'n'));
-    Exiv2::MemIo io;
-    Exiv2::TiffParser::encode(io, nullptr, 0, Exiv2::littleEndian, data, {}, {});
-    MetadataBlocks blocks;
-    blocks.exif = QByteArray(reinterpret_cast<const char *>(io.mmap()), qsizetype(io.size()));
+    const MetadataBlocks blocks = exifAlone(data);
     const QString source = writePhoto(folder, WriteFormat::Png, blocks, kSize);
     EXPECT_EQ(carriedMetadata(source, kSize, WriteFormat::Png).exif, blocks.exif);
     const QByteArray fitting = carriedMetadata(source, kSize, WriteFormat::Jpeg).exif;
@@ -268,12 +272,25 @@ TEST(CarriedMetadataLimits, ABlockMadeOfNestedStreamsIsLeftOutSoon)
     const QTemporaryDir folder;
     Exiv2::ExifData data;
     setBytes(data, "Exif.Photo.MakerNote", note);
-    Exiv2::MemIo io;
-    Exiv2::TiffParser::encode(io, nullptr, 0, Exiv2::littleEndian, data, {}, {});
-    MetadataBlocks blocks;
-    blocks.exif = QByteArray(reinterpret_cast<const char *>(io.mmap()), qsizetype(io.size()));
-    const QString source = writePhoto(folder, WriteFormat::Png, blocks, kSize);
+    const QString source = writePhoto(folder, WriteFormat::Png, exifAlone(data), kSize);
     EXPECT_TRUE(carriedMetadata(source, kSize, WriteFormat::Png).exif.isEmpty());
+}
+
+/// A directory whose entries all refer to the same far-off megabyte.
+TEST(CarriedMetadataLimits, ValuesThatATiffFileRefersToAgainAndAgainAreNotAllTaken)
+{
+    constexpr uint32_t kSizeOfValue = 512 * 1024;
+    TiffEntries entries;
+    for (uint16_t tag = 0xf000; tag < 0xf040; ++tag)
+        entries[tag] = tiffBytes(tag, false) + tiffBytes(uint16_t(7), false) + tiffBytes(kSizeOfValue, false) +
+                       tiffBytes(uint32_t(1024 * 1024), false);
+    const QTemporaryDir folder;
+    const QByteArray head = QByteArray("II*\0\x08\0\0\0", 8) + tiffDirectory(entries, false);
+    const QString path =
+        writeBytes(folder, QStringLiteral("a.tif"), head.leftJustified(1024 * 1024 + kSizeOfValue, 'v'));
+    const qsizetype taken = readTiffBlocks(path).exif.size();
+    EXPECT_GE(taken, 2 * qsizetype(kSizeOfValue));
+    EXPECT_LT(taken, 6 * qsizetype(kSizeOfValue));
 }
 
 TEST(CarriedMetadataLimits, FormatsWithoutAPlaceForMetadataGetTheProfileAlone)

@@ -29,39 +29,41 @@ TEST_P(PropertyDictionary, HasWhatTheFileSaysUnderStandardNames)
     blocks.iccProfile = QColorSpace(QColorSpace::DisplayP3).iccProfile();
     blocks.dpi = QSizeF(300, 300);
     const QVariantMap dict = dictionaryOf(blocks);
-    EXPECT_EQ(dict.value(QStringLiteral("PixelWidth")), QVariant(qlonglong(40)));
-    EXPECT_EQ(dict.value(QStringLiteral("Depth")).toInt(), 8);
-    EXPECT_EQ(dict.value(QStringLiteral("ColorModel")).toString(), QStringLiteral("RGB"));
+    const struct
+    {
+        QLatin1String group;
+        const char *key;
+        QVariant expected;
+    } entries[] = {{{}, "PixelWidth", 40},
+                   {{}, "Depth", 8},
+                   {{}, "ColorModel", u"RGB"_qs},
+                   {{}, "ProfileName", u"Display P3"_qs},
+                   {{}, "Orientation", 6},
+                   {kTiffGroup, "Orientation", 6},
+                   {kTiffGroup, "Make", u"Acme"_qs},
+                   {kExifGroup, "ExposureTime", 1 / 250.0},
+                   {kExifGroup, "ISOSpeedRatings", QVariantList{400}},
+                   {kExifGroup, "SubjectDistance", 4294967295.0},
+                   {kExifGroup, "UserComment", u"on the pier"_qs},
+                   {kExifGroup, "ExifVersion", u"0230"_qs},
+                   {kExifGroup, "Rating", 4},
+                   {kExifGroup, "LensModel", u"Acme 50mm"_qs},
+                   {kExifAuxGroup, "LensModel", u"Acme 50mm"_qs},
+                   {kGpsGroup, "LatitudeRef", u"S"_qs},
+                   {kGpsGroup, "TimeStamp", u"09:41:07"_qs},
+                   {kIptcGroup, "Caption/Abstract", u"Low tide"_qs}};
+    for (const auto &[group, key, expected] : entries) {
+        const QVariantMap map = group.isEmpty() ? dict : dict.value(group).toMap();
+        EXPECT_EQ(map.value(QLatin1String(key)), expected) << key;
+    }
     EXPECT_NEAR(dict.value(QStringLiteral("DPIWidth")).toDouble(), 300.0, 0.01);
-    EXPECT_EQ(dict.value(QStringLiteral("ProfileName")).toString(), QStringLiteral("Display P3"));
     EXPECT_FALSE(dict.contains(QStringLiteral("HasAlpha")));
-    EXPECT_EQ(dict.value(QStringLiteral("Orientation")).toInt(), 6);
-
-    const QVariantMap tiff = dict.value(kTiffGroup).toMap();
-    EXPECT_EQ(tiff.value(QStringLiteral("Orientation")).toInt(), 6);
-    EXPECT_EQ(tiff.value(QStringLiteral("Make")).toString(), QStringLiteral("Acme"));
-
     const QVariantMap exif = dict.value(kExifGroup).toMap();
-    EXPECT_EQ(exif.value(QStringLiteral("ExposureTime")).toDouble(), 1 / 250.0);
-    EXPECT_EQ(exif.value(QStringLiteral("ISOSpeedRatings")).toList(), QVariantList{qlonglong(400)});
-    EXPECT_EQ(exif.value(QStringLiteral("SubjectDistance")).toDouble(), 4294967295.0);
     EXPECT_FALSE(exif.contains(QStringLiteral("DigitalZoomRatio")));
-    EXPECT_EQ(exif.value(QStringLiteral("UserComment")).toString(), QStringLiteral("on the pier"));
-    EXPECT_EQ(exif.value(QStringLiteral("ExifVersion")).toString(), QStringLiteral("0230"));
-    EXPECT_EQ(exif.value(QStringLiteral("Rating")).toInt(), 4);
-    EXPECT_EQ(exif.value(QStringLiteral("LensModel")).toString(), QStringLiteral("Acme 50mm"));
     EXPECT_FALSE(exif.value(QStringLiteral("LensSpecification")).toList().at(3).isValid());
-    EXPECT_EQ(dict.value(kExifAuxGroup).toMap().value(QStringLiteral("LensModel")).toString(),
-              QStringLiteral("Acme 50mm"));
-
     const QVariantMap gps = dict.value(kGpsGroup).toMap();
     EXPECT_NEAR(gps.value(QStringLiteral("Latitude")).toDouble(), 33.86, 1e-9);
-    EXPECT_EQ(gps.value(QStringLiteral("LatitudeRef")).toString(), QStringLiteral("S"));
     EXPECT_NEAR(gps.value(QStringLiteral("Longitude")).toDouble(), 151.2, 1e-9);
-    EXPECT_EQ(gps.value(QStringLiteral("TimeStamp")).toString(), QStringLiteral("09:41:07"));
-
-    const QVariantMap iptc = dict.value(kIptcGroup).toMap();
-    EXPECT_EQ(iptc.value(QStringLiteral("Caption/Abstract")).toString(), QStringLiteral("Low tide"));
     EXPECT_EQ(ExifInfo(dict).keywords(), QStringLiteral("sea,Strand ä"));
 }
 
@@ -120,5 +122,25 @@ TEST_P(PropertyDictionary, IsReadFromSeveralThreadsAtOnce)
 
 INSTANTIATE_TEST_SUITE_P(Formats, PropertyDictionary,
                          testing::Values(WriteFormat::Jpeg, WriteFormat::Png, WriteFormat::Tiff));
+
+TEST(PropertyDictionaryLimits, HugeCountsAndLongTextsAreBounded)
+{
+    const QTemporaryDir folder;
+    MetadataBlocks blocks;
+    QByteArray exif("II*\0\x08\0\0\0\x02\0", 10);
+    exif += QByteArray("\x0e\x01\x02\0\xff\xff\xff\xff\x26\0\0\0", 12); // a text of four gigabytes
+    exif += QByteArray("\x12\x01\x03\0\x01\0\0\0\x06\0\0\0", 12);       // and a sound orientation
+    exif += QByteArray(4, '\0') + QByteArray(20, 'x');
+    blocks.exif = exif;
+    const auto dict = readPropertyDictionary(writePhoto(folder, WriteFormat::Jpeg, blocks));
+    ASSERT_TRUE(dict);
+    EXPECT_EQ(dict->value(QStringLiteral("Orientation")).toInt(), 6);
+    EXPECT_FALSE(dict->value(kTiffGroup).toMap().contains(QStringLiteral("ImageDescription")));
+
+    blocks.exif = exifBlock({{"Exif.Image.ImageDescription", std::string(1'000'000, 'x').c_str()}});
+    const auto longText = readPropertyDictionary(writePhoto(folder, WriteFormat::Png, blocks));
+    ASSERT_TRUE(longText);
+    EXPECT_LE(longText->value(kTiffGroup).toMap().value(QStringLiteral("ImageDescription")).toString().size(), 65536);
+}
 
 } // namespace hazelmark

@@ -11,27 +11,6 @@
 
 namespace hazelmark {
 
-namespace {
-
-QString extensionOf(WriteFormat format)
-{
-    switch (format) {
-    case WriteFormat::Png:
-        return QStringLiteral("png");
-    case WriteFormat::Jpeg:
-        return QStringLiteral("jpg");
-    case WriteFormat::Bmp:
-        return QStringLiteral("bmp");
-    case WriteFormat::Tiff:
-        return QStringLiteral("tiff");
-    case WriteFormat::Gif:
-        return QStringLiteral("gif");
-    }
-    Q_UNREACHABLE();
-}
-
-} // namespace
-
 QByteArray exifBlock(std::initializer_list<std::pair<const char *, const char *>> tags, bool bigEndian)
 {
     Exiv2::ExifData data;
@@ -78,7 +57,14 @@ QString writePhoto(const QTemporaryDir &folder, WriteFormat format, const Metada
         for (int x = 0; x < size.width(); ++x)
             pixels.setPixel(x, y, qRgb(x * 5 % 256, y * 7 % 256, 120));
     }
-    const QString path = folder.filePath(QStringLiteral("photo.") + extensionOf(format));
+    return writePhoto(folder, format, metadata, pixels);
+}
+
+QString writePhoto(const QTemporaryDir &folder, WriteFormat format, const MetadataBlocks &metadata,
+                   const QImage &pixels)
+{
+    constexpr const char *kExtensions[] = {"png", "jpg", "bmp", "tiff", "gif"}; // in the order of WriteFormat
+    const QString path = folder.filePath(QStringLiteral("photo.") + QLatin1String(kExtensions[int(format)]));
     EncodeOptions options;
     options.format = format;
     options.metadata = metadata;

@@ -34,6 +34,10 @@ QByteArray xmpPacket(const QByteArray &properties, const QByteArray &attributes 
 QString writePhoto(const QTemporaryDir &folder, WriteFormat format, const MetadataBlocks &metadata,
                    QSize size = {40, 30});
 
+/// The same with a picture of one's own.
+QString writePhoto(const QTemporaryDir &folder, WriteFormat format, const MetadataBlocks &metadata,
+                   const QImage &pixels);
+
 /// The bytes as a file in the folder; its path.
 QString writeBytes(const QTemporaryDir &folder, const QString &name, const QByteArray &bytes);
 QByteArray readBytes(const QString &path);

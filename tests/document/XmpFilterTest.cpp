@@ -78,6 +78,12 @@ TEST(XmpFilter, AnExtensionIsJoinedWithoutItsPictures)
     EXPECT_EQ(joined->count("<rdf:RDF"), 1);
     EXPECT_EQ(filteredXmp(*joined, {}, kSize), joined); // well-formed, and nothing is left to do
 
+    // Once, however many such elements the packet has.
+    const QByteArray rdf = "<rdf:RDF xmlns:rdf=\"http://www.w3.org/1999/02/22-rdf-syntax-ns#\"></rdf:RDF>";
+    const auto once = filteredXmp("<x>" + rdf + rdf + rdf + "</x>", extension, kSize);
+    ASSERT_TRUE(once);
+    EXPECT_EQ(once->count("far"), 1);
+
     // One that is cut off is left out as a whole.
     const auto without = filteredXmp(main, extension.left(extension.size() - 40), kSize);
     ASSERT_TRUE(without);

@@ -1,6 +1,5 @@
 #include "ImageLoader.h"
 
-#include "Encoder.h"
 #include "FlippedImage.h"
 #include "Pictures.h"
 #include "SamplePhotos.h"
@@ -22,13 +21,7 @@ class ImageLoaderFiles : public ::testing::Test
 protected:
     QString write(const QImage &image, const MetadataBlocks &metadata, WriteFormat format = WriteFormat::Png)
     {
-        const QString path = m_folder.filePath(QStringLiteral("photo"));
-        EncodeOptions options;
-        options.format = format;
-        options.metadata = metadata;
-        const auto done = encodePicture(image, options, path);
-        EXPECT_TRUE(bool(done));
-        return path;
+        return writePhoto(m_folder, format, metadata, image);
     }
 
     QTemporaryDir m_folder;

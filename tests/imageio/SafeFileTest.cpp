@@ -45,16 +45,16 @@ protected:
         return QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     }
 
-    void put(const QString &out, const QByteArray &content)
+    /// With the content, ready to be committed.
+    SafeFile prepared(const QString &out, const QByteArray &content) const
     {
         auto safe = SafeFile::create(out, m_source);
-        ASSERT_TRUE(bool(safe));
-        QFile temporary(safe->temporaryPath());
-        ASSERT_TRUE(temporary.open(QIODevice::WriteOnly));
+        QFile temporary((*safe).temporaryPath());
+        EXPECT_TRUE(temporary.open(QIODevice::WriteOnly));
         temporary.write(content);
-        temporary.close();
-        ASSERT_TRUE(bool(safe->commit()));
+        return std::move(*safe);
     }
+    void put(const QString &out, const QByteArray &content) { EXPECT_TRUE(bool(prepared(out, content).commit())); }
 
     QTemporaryDir m_folder;
     QString m_source = file("photo.jpg", "the photo");
@@ -86,13 +86,7 @@ TEST_F(SafeFiles, ANewFileHasAnOrdinaryModeAndAReplacedOneKeepsIts)
 TEST_F(SafeFiles, WithoutCommitNothingHasHappened)
 {
     const QString out = file("out.png", "old");
-    {
-        auto safe = SafeFile::create(out, m_source);
-        ASSERT_TRUE(bool(safe));
-        QFile temporary(safe->temporaryPath());
-        ASSERT_TRUE(temporary.open(QIODevice::WriteOnly));
-        temporary.write("half of the new o");
-    }
+    prepared(out, "half of the new o");
     EXPECT_EQ(readBytes(out), "old");
     EXPECT_EQ(entries().size(), 2);
 }
@@ -139,10 +133,9 @@ TEST_F(SafeFiles, WhatMustNotBeReplacedIsRefused)
 TEST_F(SafeFiles, AFileThatBecameReadOnlyMeanwhileStays)
 {
     const QString out = file("out.png", "old");
-    auto safe = SafeFile::create(out, m_source);
-    ASSERT_TRUE(bool(safe));
+    SafeFile safe = prepared(out, "new");
     ::chmod(QFile::encodeName(out).constData(), 0444);
-    EXPECT_FALSE(bool(safe->commit()));
+    EXPECT_FALSE(bool(safe.commit()));
     EXPECT_EQ(readBytes(out), "old");
 }
 
