@@ -146,9 +146,7 @@ void ExportFlow::completeExport(const Result &result, const QString &path)
     m_screen.setIsRunningAlgorithm(false);
     emit progressChanged(0);
     m_screen.setLastExportedImage(result.image);
-    if (result.written)
-        emit photoWritten(path);
-    emit exportEnded();
+    emit exportEnded(result.written ? path : QString());
     // A share goes on below like an export.
     if (std::exchange(m_isSocialShareTapped, false))
         showSharingServicePickerWithImage(result.image);

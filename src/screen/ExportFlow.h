@@ -95,10 +95,8 @@ signals:
     void exportStarted(const QString &path);
     /// The share of tiles really done, 0 to 1; 0 again at the end.
     void progressChanged(double fraction);
-    /// The file at `path` is there, whole.
-    void photoWritten(const QString &path);
-    /// Comes after `photoWritten`, if that comes at all.
-    void exportEnded();
+    /// `writtenPath`: of the file that is there now, whole; empty when none was written.
+    void exportEnded(const QString &writtenPath);
 
 private:
     struct Result

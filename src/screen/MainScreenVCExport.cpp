@@ -21,15 +21,13 @@ void MainScreenVC::makeExportFlow()
             m_view->vwBottom->showExporting(path);
     });
     connect(flow, &ExportFlow::progressChanged, m_view->progressBar, &BarProgressIndicator::setValue);
-    connect(flow, &ExportFlow::photoWritten, this, [this](const QString &path) {
-        m_isResultWritten = true;
-        m_view->vwBottom->showExported(path);
-        updateUnsavedMark();
-    });
-    connect(flow, &ExportFlow::exportEnded, this, [this] {
+    connect(flow, &ExportFlow::exportEnded, this, [this](const QString &writtenPath) {
         m_view->progressBar->hide();
-        if (!m_isResultWritten)
-            m_view->vwBottom->clearExport();
+        if (writtenPath.isEmpty())
+            return m_view->vwBottom->clearExport();
+        m_isResultWritten = true;
+        m_view->vwBottom->showExported(writtenPath);
+        updateUnsavedMark();
     });
     connect(&flow->sharePicker(), &SharePicker::shared, m_view->vwBottom, &SummaryBar::showMessage);
 }

@@ -10,7 +10,9 @@
 #include "SafeFile.h"
 #include "Theme.h"
 
+#include <QAbstractItemView>
 #include <QComboBox>
+#include <QCompleter>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QLabel>
@@ -242,6 +244,8 @@ void SavePanel::accept()
 {
     if (m_nameField->text().isEmpty())
         return;
+    if (const QCompleter *completer = m_nameField->completer())
+        completer->popup()->hide(); // it would cover the message
     const QString path = namedPath();
     if (QFileInfo(path).isDir()) {
         setDirectory(path);

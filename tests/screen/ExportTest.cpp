@@ -163,6 +163,8 @@ TEST_F(Export, EverythingThatWouldDisturbItRests)
 TEST_F(Export, SharingOrAFailureIsNoExport)
 {
     m_work.exporting.write = [](const auto &, const QString &path, const auto &) -> Outcome<Done> {
+        if (path.endsWith(QLatin1String("small.png")))
+            return Done();
         return Failure{Failure::Reason::DiskFull, path, {}};
     };
     openAndPaint();
@@ -170,6 +172,14 @@ TEST_F(Export, SharingOrAFailureIsNoExport)
     waitForTheEnd();
     EXPECT_TRUE(isMarked());
     EXPECT_EQ(view().vwBottom->exportText(), QString());
+    save(m_folder.filePath(QStringLiteral("small.png")));
+    waitForTheEnd();
+    EXPECT_FALSE(isMarked());
+    save(m_folder.filePath(QStringLiteral("out.png")));
+    waitForTheEnd();
+    EXPECT_EQ(view().vwBottom->exportText(), QString()) << "though an earlier one is there";
+    stroke({0.45, 0.7}, {0.55, 0.7});
+    waitForPreviews(2);
     m_screen->setLastExportedImage(nullptr);
     QTest::mouseClick(view().btnShareService, Qt::LeftButton);
     waitForTheEnd();
