@@ -4,7 +4,10 @@ add_library(hazelmark_options INTERFACE)
 target_compile_options(hazelmark_options INTERFACE -Wall -Wextra -Wpedantic -Werror)
 target_compile_definitions(hazelmark_options INTERFACE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII
                                                        QT_NO_FOREACH)
-if(HAZELMARK_SANITIZE)
+if(HAZELMARK_FUZZ)
+  target_compile_options(hazelmark_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+if(HAZELMARK_SANITIZE OR HAZELMARK_FUZZ)
   target_compile_options(hazelmark_options INTERFACE -fsanitize=address,undefined
                                                      -fno-sanitize-recover=undefined
                                                      -fno-omit-frame-pointer)

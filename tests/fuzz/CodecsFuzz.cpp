@@ -1,0 +1,32 @@
+#include "ColorProfile.h"
+#include "FuzzFile.h"
+
+using namespace hazelmark;
+
+extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
+{
+    startFuzzing(argc, argv);
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
+{
+    const FuzzFile file(bytes, size);
+    const Outcome<PictureInfo> info = readPictureInfo(file.path());
+    if (!info)
+        return 0;
+    (void)profileDescription(info->iccProfile);
+    if (!file.isSmall())
+        return 0;
+    (void)decodePicture(file.path(), {16, 16});
+    Outcome<Picture> picture = decodePicture(file.path());
+    if (!picture)
+        return 0;
+    if (picture->pixels.size() != info->frames.front())
+        std::abort(); // the window has laid itself out for another size
+    if (picture->fileColorModel == ColorModel::Gray)
+        (void)rgbProfileForGray(picture->iccProfile);
+    else
+        (void)convertToSrgb(picture->pixels, picture->iccProfile);
+    return 0;
+}
