@@ -159,7 +159,9 @@ FileHeader readWebP(SourceFile &source)
     header.isCutOff = end > source.size();
     QSize canvas;
     size_t frameCount = 0;
-    for (qint64 offset = kFirstChunk; offset + 8 <= std::min(end, source.size()) && frameCount < kMaxFrames;) {
+    size_t chunkCount = 0;
+    for (qint64 offset = kFirstChunk; offset + 8 <= std::min(end, source.size()) && chunkCount < kMaxFrames;
+         ++chunkCount) {
         const Fields chunk(source.bytesAt(offset, 32));
         const QByteArray type = chunk.bytes().left(4);
         const qint64 size = chunk.at32(4);

@@ -27,6 +27,10 @@ public:
 private:
     enum class Record { Frame, End, Broken };
 
+    /// Blocks of up to 255 bytes that are read over in search of frames: some 64 MB. A file can be made to hold nothing
+    /// but the smallest.
+    static constexpr int kMaxSkippedBlocks = 250'000;
+
     static int read(GifFileType *gif, GifByteType *bytes, int count);
     Record nextFrame();
     bool readExtension();
@@ -41,6 +45,7 @@ private:
     int m_openError = 0;
     int m_transparentIndex = NO_TRANSPARENT_COLOR;
     bool m_hasHitEnd = false;
+    int m_skippedBlocks = 0;
 };
 
 GifReader::GifReader(SourceFile &source)
@@ -82,8 +87,9 @@ bool GifReader::readExtension()
     GraphicsControlBlock control;
     if (code == GRAPHICS_EXT_FUNC_CODE && block && DGifExtensionToGCB(block[0], block + 1, &control) == GIF_OK)
         m_transparentIndex = control.TransparentColor;
+    ++m_skippedBlocks;
     while (block) {
-        if (DGifGetExtensionNext(m_gif, &block) != GIF_OK)
+        if (++m_skippedBlocks > kMaxSkippedBlocks || DGifGetExtensionNext(m_gif, &block) != GIF_OK)
             return false;
     }
     return true;
@@ -100,7 +106,7 @@ GifReader::Record GifReader::nextFrame()
             return Record::End;
         if (type == IMAGE_DESC_RECORD_TYPE)
             return DGifGetImageDesc(m_gif) == GIF_OK ? Record::Frame : Record::Broken;
-        if (type != EXTENSION_RECORD_TYPE || !readExtension())
+        if (type != EXTENSION_RECORD_TYPE || m_skippedBlocks > kMaxSkippedBlocks || !readExtension())
             return Record::Broken;
     }
 }
@@ -112,7 +118,7 @@ bool GifReader::skipPixels()
     if (DGifGetCode(m_gif, &codeSize, &block) != GIF_OK)
         return false;
     while (block) {
-        if (DGifGetCodeNext(m_gif, &block) != GIF_OK)
+        if (++m_skippedBlocks > kMaxSkippedBlocks || DGifGetCodeNext(m_gif, &block) != GIF_OK)
             return false;
     }
     return true;

@@ -78,6 +78,7 @@ std::optional<Failure> JpegReader::readHeader()
     });
     if (!read)
         return m_errors.failure();
+    m_input.endHeader();
     return m_source.checkSize(m_lib.image_width, m_lib.image_height);
 }
 

@@ -11,6 +11,12 @@ constexpr qint64 kBufferSize = 256 * 1024;
 /// Bytes left over before a marker that are not taken for damage: several camera makers' encoders leave a few there.
 constexpr int kHarmlessLeftOver = 16;
 
+/// A colour profile takes up to 16 MB of segments; all other segments are skipped.
+constexpr qint64 kMaxHeaderSize = 32 * 1024 * 1024;
+
+/// The library's list of saved segments takes a time that grows with the square of their number.
+constexpr int kMaxMarkers = 10000;
+
 [[noreturn]] void leave(j_common_ptr lib)
 {
     auto *errors = static_cast<JpegErrors *>(lib->client_data);
@@ -18,11 +24,22 @@ constexpr int kHarmlessLeftOver = 16;
     std::longjmp(errors->jump, 1);
 }
 
+[[noreturn]] void refuse(j_common_ptr lib, const char *message)
+{
+    auto *errors = static_cast<JpegErrors *>(lib->client_data);
+    lib->err->msg_code = JMSG_NOMESSAGE;
+    qstrncpy(errors->message, message, sizeof errors->message);
+    std::longjmp(errors->jump, 1);
+}
+
 void warnOrLeave(j_common_ptr lib, int level)
 {
+    constexpr int kMarkerTrace = 1;
+    auto *errors = static_cast<JpegErrors *>(lib->client_data);
+    if (level == kMarkerTrace && errors->input->isInHeader() && ++errors->markerCount > kMaxMarkers)
+        refuse(lib, "its header has too many segments");
     if (level >= 0)
         return; // a trace message
-    auto *errors = static_cast<JpegErrors *>(lib->client_data);
     ++errors->manager.num_warnings;
     switch (errors->manager.msg_code) {
     case JWRN_EXTRANEOUS_DATA: {
@@ -114,6 +131,9 @@ boolean JpegSource::fill(j_decompress_ptr lib)
         self->m_buffer[1] = JPEG_EOI;
         count = 2;
     }
+    self->m_headerSize += count;
+    if (self->m_isInHeader && self->m_headerSize > kMaxHeaderSize)
+        refuse(reinterpret_cast<j_common_ptr>(lib), "its header is too long");
     self->m_manager.next_input_byte = self->m_buffer.data();
     self->m_manager.bytes_in_buffer = size_t(count);
     return TRUE;

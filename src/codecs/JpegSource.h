@@ -30,6 +30,7 @@ struct JpegErrors
     std::jmp_buf jump;
     SourceFile &source;
     JpegSource *input = nullptr;
+    int markerCount = 0; ///< in the header
     char message[JMSG_LENGTH_MAX] = {};
 };
 
@@ -45,6 +46,10 @@ public:
     void attach(jpeg_decompress_struct &lib) { lib.src = &m_manager; }
     bool hasEnded() const { return m_hasEnded; }
     bool hasReadError() const { return m_hasReadError; }
+    /// Up to endHeader() only so many bytes are handed out (skipped ones do not count), and so many markers believed:
+    /// headers are read where nobody wants to wait.
+    bool isInHeader() const { return m_isInHeader; }
+    void endHeader() { m_isInHeader = false; }
     /// Whether the `count` bytes before the read position are all filler (zeros or 0xff).
     bool isFillerBehind(int count) const;
 
@@ -57,6 +62,8 @@ private:
     std::vector<JOCTET> m_buffer;
     bool m_hasEnded = false;
     bool m_hasReadError = false;
+    bool m_isInHeader = true;
+    qint64 m_headerSize = 0; ///< bytes handed out so far
 };
 
 } // namespace hazelmark

@@ -19,6 +19,9 @@ namespace {
 constexpr png_byte kRawChunks[] = "iCCP\0tEXt\0zTXt\0iTXt\0eXIf\0sPLT\0hIST";
 constexpr int kRawChunkCount = 7;
 
+/// Reads of the library before the picture data: each chunk takes three, and one a kilobyte where it is passed over.
+constexpr int kMaxHeaderReads = 64 * 1024;
+
 class PngReader
 {
 public:
@@ -63,6 +66,8 @@ private:
     png_uint_32 m_height = 0;
     int m_bitDepth = 0;
     int m_colorType = 0;
+    int m_headerReads = 0;
+    bool m_isInHeader = true;
 };
 
 void PngReader::leave(png_structp png, png_const_charp message)
@@ -75,6 +80,8 @@ void PngReader::leave(png_structp png, png_const_charp message)
 void PngReader::read(png_structp png, png_bytep bytes, size_t count)
 {
     auto *self = static_cast<PngReader *>(png_get_io_ptr(png));
+    if (self->m_isInHeader && ++self->m_headerReads > kMaxHeaderReads)
+        png_error(png, "its header is too long");
     const qint64 got = self->m_source.device().read(reinterpret_cast<char *>(bytes), qint64(count));
     if (got == qint64(count))
         return;
@@ -98,6 +105,7 @@ std::optional<Failure> PngReader::readHeader()
     });
     if (!isRead)
         return failure();
+    m_isInHeader = false;
     return m_source.checkSize(m_width, m_height);
 }
 

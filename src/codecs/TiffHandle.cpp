@@ -10,6 +10,10 @@ namespace {
 /// No single block that a file makes the library allocate may be larger.
 constexpr tmsize_t kMaxBlock = tmsize_t(2) << 30;
 
+/// All values of all tags of one page together, without the pixels: the layers that some editors put into a tag are of
+/// no use here.
+constexpr tmsize_t kMaxHeaderSize = tmsize_t(32) << 20;
+
 int ignoreClose(thandle_t)
 {
     return 0;
@@ -49,9 +53,12 @@ TiffHandle::TiffHandle(SourceFile &source)
         "picture", "rm", this,
         [](thandle_t handle, void *bytes, tmsize_t count) -> tmsize_t {
             auto *self = static_cast<TiffHandle *>(handle);
+            if (self->m_isInHeader && count > kMaxHeaderSize - self->m_headerSize)
+                return 0;
             const qint64 got = self->m_source->device().read(static_cast<char *>(bytes), count);
             if (got < count)
                 self->m_hasHitEnd = true;
+            self->m_headerSize += got;
             return got;
         },
         [](thandle_t, void *, tmsize_t) -> tmsize_t { return 0; },

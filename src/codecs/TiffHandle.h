@@ -33,6 +33,10 @@ public:
     bool hasLostProfile() const { return m_hasLostProfile; }
     const QString &message() const { return m_message; }
 
+    /// Up to here the library gets only so much of a file: it reads the values of all the tags that it meets, and
+    /// passes over those that it does not get.
+    void endHeader() { m_isInHeader = false; }
+
 private:
     static TIFFOpenOptions *makeOptions(TiffHandle *self);
     static int takeError(TIFF *, void *self, const char *module, const char *format, va_list arguments);
@@ -46,6 +50,8 @@ private:
     bool m_hasError = false;
     bool m_hasHitEnd = false;
     bool m_hasLostProfile = false;
+    bool m_isInHeader = true;
+    tmsize_t m_headerSize = 0; ///< bytes handed out so far
 };
 
 } // namespace hazelmark

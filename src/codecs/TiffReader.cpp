@@ -5,6 +5,7 @@
 #include "PixelRows.h"
 #include "TiffHandle.h"
 #include "TiffLayout.h"
+#include "TiffPages.h"
 #include "TiffSamples.h"
 
 #include <QtEndian>
@@ -17,11 +18,18 @@ namespace hazelmark {
 
 namespace {
 
+bool isPicture(const TiffPage &page)
+{
+    return !page.isReducedOrMask && page.width > 0 && page.height > 0 && page.width <= INT_MAX &&
+           page.height <= INT_MAX;
+}
+
 class TiffReader
 {
 public:
     explicit TiffReader(SourceFile &source)
         : m_source(source)
+        , m_pages(tiffPages(source))
         , m_tiff(source)
     {
     }
@@ -65,6 +73,7 @@ private:
     }
 
     SourceFile &m_source;
+    std::vector<TiffPage> m_pages;
     TiffHandle m_tiff;
     TiffLayout m_layout;
     Picture m_picture;
@@ -95,17 +104,15 @@ std::optional<Failure> TiffReader::readHeader()
     m_layout = TiffLayout::of(m_tiff.get());
     if (holdsRawData())
         return m_source.failure(Failure::Reason::UnsupportedFormat, QStringLiteral("camera raw data"));
-    for (size_t page = 0; m_layout.isReducedOrMask; ++page) {
-        if (page == kMaxFrames || !TIFFReadDirectory(m_tiff.get())) {
-            // Nothing but copies: then the first one is the picture.
-            if (!TIFFSetDirectory(m_tiff.get(), 0))
-                return failure();
-            m_layout = TiffLayout::of(m_tiff.get());
-            break;
-        }
+    // Where there is nothing but copies, the first one is the picture.
+    const auto picture = std::find_if(m_pages.begin(), m_pages.end(), isPicture);
+    if (m_layout.isReducedOrMask && picture != m_pages.end()) {
+        if (!TIFFSetSubDirectory(m_tiff.get(), picture->offset))
+            return failure();
         m_layout = TiffLayout::of(m_tiff.get());
     }
     m_tiff.clearError();
+    m_tiff.endHeader();
     return m_source.checkSize(m_layout.width, m_layout.height);
 }
 
@@ -141,10 +148,9 @@ PictureInfo TiffReader::info()
     info.hasAlpha = m_layout.hasAlpha();
     info.iccProfile = iccProfile();
     info.dpi = dpi();
-    while (info.frames.size() < kMaxFrames && TIFFReadDirectory(m_tiff.get())) {
-        const TiffLayout page = TiffLayout::of(m_tiff.get());
-        if (!page.isReducedOrMask && page.width > 0 && page.height > 0 && page.width <= INT_MAX &&
-            page.height <= INT_MAX)
+    const uint64_t first = TIFFCurrentDirOffset(m_tiff.get());
+    for (const TiffPage &page : m_pages) {
+        if (page.offset != first && isPicture(page))
             info.frames.emplace_back(int(page.width), int(page.height));
     }
     return info;
