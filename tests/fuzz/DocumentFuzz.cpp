@@ -5,12 +5,6 @@
 
 using namespace hazelmark;
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    startFuzzing(argc, argv);
-    return 0;
-}
-
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
 {
     const FuzzFile file(bytes, size);

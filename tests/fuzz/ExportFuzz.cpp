@@ -7,12 +7,6 @@
 
 using namespace hazelmark;
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    startFuzzing(argc, argv);
-    return 0;
-}
-
 /// Whatever can be loaded can be exported, and what was written can be read again.
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
 {

@@ -2,9 +2,6 @@
 
 #include "Decoder.h"
 
-#include <QCoreApplication>
-#include <QLoggingCategory>
-
 #include <cstdint>
 #include <cstdlib>
 
@@ -39,12 +36,5 @@ private:
         return descriptor;
     }
 };
-
-/// What a program does before it reads anything.
-inline void startFuzzing(int *argc, char ***argv)
-{
-    static QCoreApplication application(*argc, *argv);
-    QLoggingCategory::setFilterRules(QStringLiteral("*=false"));
-}
 
 } // namespace hazelmark

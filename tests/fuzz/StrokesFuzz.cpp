@@ -1,13 +1,9 @@
-#include "FuzzFile.h"
 #include "StrokesFile.h"
 
-using namespace hazelmark;
+#include <cstdint>
+#include <cstdlib>
 
-extern "C" int LLVMFuzzerInitialize(int *argc, char ***argv)
-{
-    startFuzzing(argc, argv);
-    return 0;
-}
+using namespace hazelmark;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
 {
