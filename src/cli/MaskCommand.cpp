@@ -1,27 +1,11 @@
 #include "MaskCommand.h"
 
-#include "Encoder.h"
 #include "ExportFormats.h"
 #include "PathParts.h"
 #include "SafeFile.h"
 #include "StrokesFile.h"
 
 namespace hazelmark {
-
-namespace {
-
-Outcome<Done> write(const QImage &mask, WriteFormat format, const MaskRequest &request)
-{
-    Outcome<SafeFile> file = SafeFile::create(request.output, request.strokes);
-    if (!file)
-        return file.failure();
-    EncodeOptions options;
-    options.format = format;
-    const Outcome<Done> encoded = encodePicture(mask, options, file->temporaryPath());
-    return encoded ? file->commit() : encoded;
-}
-
-} // namespace
 
 QImage maskOfStrokes(const QString &path)
 {
@@ -46,7 +30,9 @@ int runMask(const MaskRequest &request)
     const QImage mask = maskOfStrokes(request.strokes);
     if (mask.isNull())
         return exitcode::kFailed;
-    const Outcome<Done> written = write(mask, *format, request);
+    EncodeOptions options;
+    options.format = *format;
+    const Outcome<Done> written = encodeSafely(mask, options, request.output, request.strokes);
     if (!written)
         printError(written.failure().sentence());
     return written ? exitcode::kDone : exitcode::kFailed;

@@ -2,31 +2,13 @@
 
 #include "FileSink.h"
 #include "PictureEncoders.h"
-#include "PixelRows.h"
+#include "PixelFormats.h"
 
 #include <new>
 
 namespace hazelmark {
 
 namespace {
-
-bool isEncodable(QImage::Format format)
-{
-    return format == QImage::Format_RGBX8888 || format == QImage::Format_RGBA8888 || format == QImage::Format_RGBX64 ||
-           format == QImage::Format_RGBA64;
-}
-
-/// `pixels` itself where the encoders take its format, else the smallest of their formats that loses nothing.
-QImage encodable(const QImage &pixels)
-{
-    if (isEncodable(pixels.format()))
-        return pixels;
-    const bool isDeep =
-        pixels.depth() > 32 || pixels.format() == QImage::Format_Grayscale16 || pixels.pixelFormat().redSize() > 8;
-    if (pixels.hasAlphaChannel())
-        return pixels.convertToFormat(isDeep ? QImage::Format_RGBA64 : QImage::Format_RGBA8888);
-    return pixels.convertToFormat(isDeep ? QImage::Format_RGBX64 : QImage::Format_RGBX8888);
-}
 
 Outcome<Done> encodeTo(FileSink &sink, const QImage &pixels, const EncodeOptions &options)
 {
@@ -52,7 +34,7 @@ Outcome<Done> encodePicture(const QImage &pixels, const EncodeOptions &options, 
     if (pixels.isNull())
         return Failure{Failure::Reason::EncodeFailed, path, QStringLiteral("there is no picture")};
     try {
-        const QImage prepared = encodable(pixels);
+        const QImage prepared = pixels.convertToFormat(fourSampleFormat(pixels)); // itself where it has that format
         if (prepared.isNull())
             return Failure{Failure::Reason::OutOfMemory, path, {}};
         Outcome<std::unique_ptr<FileSink>> sink = FileSink::open(path);

@@ -1,5 +1,6 @@
 #include "FileHeader.h"
 #include "PictureFormat.h"
+#include "PixelFormats.h"
 
 #include <QColorSpace>
 #include <QImageReader>
@@ -31,7 +32,6 @@ public:
 
 private:
     Failure failure() const;
-    static QImage straightened(QImage image);
     std::vector<QSize> frameSizes();
 
     SourceFile &m_source;
@@ -115,20 +115,6 @@ PictureInfo QtReader::info()
     return info;
 }
 
-/// The picture in the format of Picture::pixels that holds all that it has.
-QImage QtReader::straightened(QImage image)
-{
-    if (image.format() == QImage::Format_Grayscale8 || image.format() == QImage::Format_Grayscale16)
-        return image;
-    const QPixelFormat layout = image.pixelFormat();
-    const bool isDeep = layout.colorModel() == QPixelFormat::RGB && layout.redSize() > 8;
-    if (image.hasAlphaChannel())
-        image.convertTo(isDeep ? QImage::Format_RGBA64 : QImage::Format_RGBA8888);
-    else
-        image.convertTo(isDeep ? QImage::Format_RGBX64 : QImage::Format_RGBX8888);
-    return image;
-}
-
 Outcome<Picture> QtReader::decode(QSize)
 {
     if (m_header.isCutOff)
@@ -140,10 +126,12 @@ Outcome<Picture> QtReader::decode(QSize)
         return *tooLarge;
     Picture picture;
     picture.iccProfile = m_header.iccProfile.isEmpty() ? image.colorSpace().iccProfile() : m_header.iccProfile;
-    picture.pixels = straightened(std::move(image));
+    if (!isGray(image))
+        image.convertTo(fourSampleFormat(image));
+    picture.pixels = std::move(image);
     if (picture.pixels.isNull())
         return m_source.failure(Failure::Reason::OutOfMemory);
-    if (picture.pixels.format() == QImage::Format_Grayscale8 || picture.pixels.format() == QImage::Format_Grayscale16)
+    if (isGray(picture.pixels))
         picture.fileColorModel = ColorModel::Gray;
     return picture;
 }

@@ -1,5 +1,6 @@
 #include "PhotoImage.h"
 
+#include "PixelFormats.h"
 #include "Renderer.h"
 
 namespace hazelmark {
@@ -8,25 +9,10 @@ namespace {
 
 QImage inWorkingFormat(QImage bitmap)
 {
-    switch (bitmap.format()) {
-    case QImage::Format_Invalid:
-    case QImage::Format_RGBX8888:
-    case QImage::Format_RGBA8888:
-    case QImage::Format_RGBX64:
-    case QImage::Format_RGBA64:
-    case QImage::Format_Grayscale8:
-    case QImage::Format_Grayscale16:
+    if (bitmap.isNull() || isGray(bitmap))
         return bitmap;
-    default:
-        break;
-    }
-    const bool deep = bitmap.depth() > 32 || bitmap.format() == QImage::Format_BGR30 ||
-                      bitmap.format() == QImage::Format_RGB30 ||
-                      bitmap.format() == QImage::Format_A2BGR30_Premultiplied ||
-                      bitmap.format() == QImage::Format_A2RGB30_Premultiplied;
-    if (bitmap.hasAlphaChannel())
-        return std::move(bitmap).convertToFormat(deep ? QImage::Format_RGBA64 : QImage::Format_RGBA8888);
-    return std::move(bitmap).convertToFormat(deep ? QImage::Format_RGBX64 : QImage::Format_RGBX8888);
+    const QImage::Format format = fourSampleFormat(bitmap);
+    return std::move(bitmap).convertToFormat(format);
 }
 
 } // namespace

@@ -111,17 +111,7 @@ Outcome<Done> ExportWriter::write(int formatIndex, const QString &path, const Pi
     if (dict.contains(kQualityEntry))
         options.jpegQuality = int(std::lround(std::clamp(dict.value(kQualityEntry).toDouble(), 0.0, 1.0) * 100.0));
 
-    Outcome<SafeFile> file = SafeFile::create(path, source);
-    if (!file)
-        return file.failure();
-    const Outcome<Done> encoded = encodePicture(pixels.bitmap, options, file->temporaryPath());
-    if (!encoded) {
-        // The person knows nothing of the temporary file.
-        Failure failure = encoded.failure();
-        failure.path = path;
-        return failure;
-    }
-    return file->commit();
+    return encodeSafely(pixels.bitmap, options, path, source);
 }
 
 } // namespace hazelmark

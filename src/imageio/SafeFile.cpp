@@ -225,6 +225,20 @@ Outcome<Done> SafeFile::commit()
     return Done();
 }
 
+Outcome<Done> encodeSafely(const QImage &pixels, const EncodeOptions &options, const QString &path,
+                           const QString &source)
+{
+    Outcome<SafeFile> file = SafeFile::create(path, source);
+    if (!file)
+        return file.failure();
+    const Outcome<Done> encoded = encodePicture(pixels, options, file->temporaryPath());
+    if (encoded)
+        return file->commit();
+    Failure failure = encoded.failure();
+    failure.path = path; // a person knows nothing of the temporary file
+    return failure;
+}
+
 void SafeFile::removeTemporariesOnSignals()
 {
     for (int signal : {SIGINT, SIGTERM, SIGHUP}) {

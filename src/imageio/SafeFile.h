@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Encoder.h"
 #include "Outcome.h"
 
 #include <QString>
@@ -44,5 +45,9 @@ private:
     QString m_source;
     QString m_temporaryPath; ///< empty once there is nothing to remove
 };
+
+/// Puts the picture as a file at `path`, as encodePicture() writes it, whole or not at all. A failure is about `path`.
+Outcome<Done> encodeSafely(const QImage &pixels, const EncodeOptions &options, const QString &path,
+                           const QString &source);
 
 } // namespace hazelmark

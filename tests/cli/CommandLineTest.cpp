@@ -1,5 +1,4 @@
 #include "Decoder.h"
-#include "Encoder.h"
 #include "Pictures.h"
 #include "SamplePhotos.h"
 
@@ -39,13 +38,9 @@ class CommandLineProgram : public ::testing::Test
 protected:
     QString path(const char *name) const { return m_folder.filePath(QLatin1String(name)); }
 
-    QString picture(const char *name, const QImage &image, WriteFormat format, MetadataBlocks metadata = {})
+    QString picture(const char *name, const QImage &image, WriteFormat format, const MetadataBlocks &metadata = {})
     {
-        EncodeOptions options;
-        options.format = format;
-        options.metadata = std::move(metadata);
-        EXPECT_TRUE(bool(encodePicture(image, options, path(name))));
-        return path(name);
+        return writeBytes(m_folder, QLatin1String(name), readBytes(writePhoto(m_pictures, format, metadata, image)));
     }
 
     Ended run(const QStringList &arguments)
@@ -83,6 +78,7 @@ protected:
     }
 
     QTemporaryDir m_folder;
+    const QTemporaryDir m_pictures;
     const QImage m_image = noise({120, 80}, QImage::Format_RGBX8888);
     const QString m_photo = picture("photo.png", m_image, WriteFormat::Png);
     const QString m_black =

@@ -1,21 +1,13 @@
+#include "Pictures.h"
 #include "TestFiles.h"
 
 #include <cmath>
 
 namespace hazelmark {
 
-namespace {
+using testing::drawn;
 
-template <typename ColorAt>
-QImage drawn(QSize size, QImage::Format format, const ColorAt &colorAt)
-{
-    QImage pixels(size, format);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            pixels.setPixelColor(x, y, colorAt(x, y));
-    }
-    return pixels;
-}
+namespace {
 
 struct Lossless
 {
@@ -23,7 +15,7 @@ struct Lossless
     QImage::Format pixels;
 };
 
-std::string nameOf(const testing::TestParamInfo<Lossless> &info)
+std::string nameOf(const ::testing::TestParamInfo<Lossless> &info)
 {
     const char *formats[] = {"Png", "Jpeg", "Bmp", "Tiff", "Gif"};
     const bool is16Bit = QImage::toPixelFormat(info.param.pixels).redSize() == 16;
@@ -33,7 +25,7 @@ std::string nameOf(const testing::TestParamInfo<Lossless> &info)
 
 } // namespace
 
-class LosslessRoundTrip : public FolderTest, public testing::WithParamInterface<Lossless>
+class LosslessRoundTrip : public FolderTest, public ::testing::WithParamInterface<Lossless>
 {
 };
 
@@ -51,15 +43,15 @@ TEST_P(LosslessRoundTrip, KeepsEverySample)
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, LosslessRoundTrip,
-                         testing::Values(Lossless{WriteFormat::Png, QImage::Format_RGBX8888},
-                                         Lossless{WriteFormat::Png, QImage::Format_RGBA8888},
-                                         Lossless{WriteFormat::Png, QImage::Format_RGBX64},
-                                         Lossless{WriteFormat::Png, QImage::Format_RGBA64},
-                                         Lossless{WriteFormat::Tiff, QImage::Format_RGBX8888},
-                                         Lossless{WriteFormat::Tiff, QImage::Format_RGBA8888},
-                                         Lossless{WriteFormat::Tiff, QImage::Format_RGBX64},
-                                         Lossless{WriteFormat::Tiff, QImage::Format_RGBA64},
-                                         Lossless{WriteFormat::Bmp, QImage::Format_RGBX8888}),
+                         ::testing::Values(Lossless{WriteFormat::Png, QImage::Format_RGBX8888},
+                                           Lossless{WriteFormat::Png, QImage::Format_RGBA8888},
+                                           Lossless{WriteFormat::Png, QImage::Format_RGBX64},
+                                           Lossless{WriteFormat::Png, QImage::Format_RGBA64},
+                                           Lossless{WriteFormat::Tiff, QImage::Format_RGBX8888},
+                                           Lossless{WriteFormat::Tiff, QImage::Format_RGBA8888},
+                                           Lossless{WriteFormat::Tiff, QImage::Format_RGBX64},
+                                           Lossless{WriteFormat::Tiff, QImage::Format_RGBA64},
+                                           Lossless{WriteFormat::Bmp, QImage::Format_RGBX8888}),
                          nameOf);
 
 class RoundTrip : public FolderTest

@@ -13,7 +13,7 @@
 namespace hazelmark {
 
 /// A test with a folder of its own that goes with it.
-class FolderTest : public testing::Test
+class FolderTest : public ::testing::Test
 {
 protected:
     QString pathOf(const QString &name) const { return m_folder.filePath(name); }
@@ -115,18 +115,18 @@ inline EncodeOptions optionsFor(WriteFormat format, MetadataBlocks metadata = {}
 }
 
 /// The same pixels in every sample, whatever the rows' padding.
-inline testing::AssertionResult samePixels(const QImage &a, const QImage &b)
+inline ::testing::AssertionResult samePixels(const QImage &a, const QImage &b)
 {
     if (a.size() != b.size() || a.format() != b.format())
-        return testing::AssertionFailure()
+        return ::testing::AssertionFailure()
                << "sizes or formats differ: " << a.width() << "x" << a.height() << " format " << a.format() << ", "
                << b.width() << "x" << b.height() << " format " << b.format();
     for (int y = 0; y < a.height(); ++y) {
         const size_t used = size_t(a.width()) * size_t(a.depth()) / 8;
         if (std::memcmp(a.constScanLine(y), b.constScanLine(y), used) != 0)
-            return testing::AssertionFailure() << "row " << y << " differs";
+            return ::testing::AssertionFailure() << "row " << y << " differs";
     }
-    return testing::AssertionSuccess();
+    return ::testing::AssertionSuccess();
 }
 
 /// The first `count` samples of the first row, 8 or 16 bits as the format has them.

@@ -1,5 +1,6 @@
 // The inner loops of the disc blur against plain twins, on every instruction set of this machine.
 
+#include "Pictures.h"
 #include "kernels/CoarseRows.h"
 #include "kernels/DiscSumRows.h"
 #include "kernels/DiscWeightRows.h"
@@ -27,11 +28,7 @@ std::size_t upTo(std::size_t grain, std::size_t width)
 
 std::vector<float> randomValues(std::size_t count, unsigned seed)
 {
-    std::mt19937 random(seed);
-    std::vector<float> values(count + kRoom, 0.5f);
-    for (std::size_t i = 0; i < count; ++i)
-        values[i] = float(random() >> 8) / float(1 << 24);
-    return values;
+    return testing::randomValues(count, seed, kRoom);
 }
 
 std::vector<std::uint16_t> randomSamples(std::size_t count, unsigned seed, unsigned full)
@@ -42,6 +39,20 @@ std::vector<std::uint16_t> randomSamples(std::size_t count, unsigned seed, unsig
         sample = std::uint16_t(random() % 5 == 0 ? full : random() % (full + 1));
     return samples;
 }
+
+/// kTaps random rows and where each begins.
+struct Rows
+{
+    Rows(std::size_t width, unsigned seed)
+    {
+        for (std::size_t t = 0; t < kTaps; ++t) {
+            stored.push_back(randomValues(width, seed + unsigned(t)));
+            starts[t] = stored.back().data();
+        }
+    }
+    std::vector<std::vector<float>> stored;
+    const float *starts[kTaps];
+};
 
 class DiscKernels : public ::testing::TestWithParam<std::tuple<std::int64_t, std::size_t>>
 {
@@ -225,20 +236,15 @@ TEST_P(DiscKernels, CellsAreDrawnUpByTheirTaps)
         EXPECT_EQ(values[upTo(kRowGrain, width()) * std::size_t(scale)], kUntouched);
     }
 
-    std::vector<std::vector<float>> columns;
-    const float *taps[kTaps];
-    for (int t = 0; t < kTaps; ++t)
-        columns.push_back(randomValues(width(), unsigned(20 + t)));
-    for (int t = 0; t < kTaps; ++t)
-        taps[t] = columns[std::size_t(t)].data();
+    const Rows taps(width(), 20);
     const std::size_t middle = width() / 3;
     const CellRun runs[] = {{0, middle, -3}, {middle, width(), 4}};
     std::vector<float> values(width() + kRoom);
-    expandWideRow(cells, runs, 2, taps, values.data());
+    expandWideRow(cells, runs, 2, taps.starts, values.data());
     for (std::size_t x = 0; x < width(); ++x) {
         float own[kTaps];
         for (int t = 0; t < kTaps; ++t)
-            own[t] = taps[t][x];
+            own[t] = taps.starts[t][x];
         EXPECT_NEAR(values[x], drawn(x < middle ? -3 : 4, own), 1e-6);
     }
 }
@@ -246,18 +252,13 @@ TEST_P(DiscKernels, CellsAreDrawnUpByTheirTaps)
 TEST_P(DiscKernels, RowsOfCellsAreCombinedAndClamped)
 {
     const Taps taps = {-0.4f, 0.3f, 0.9f, 1.2f, -0.3f, 0.1f};
-    std::vector<std::vector<float>> stored;
-    const float *rows[kTaps];
-    for (int t = 0; t < kTaps; ++t)
-        stored.push_back(randomValues(width(), unsigned(30 + t)));
-    for (int t = 0; t < kTaps; ++t)
-        rows[t] = stored[std::size_t(t)].data();
+    const Rows rows(width(), 30);
     std::vector<float> values(width() + kRoom);
-    combineRows(rows, taps, values.data(), width());
+    combineRows(rows.starts, taps, values.data(), width());
     for (std::size_t i = 0; i < width(); ++i) {
         double sum = 0.0;
         for (std::size_t t = 0; t < kTaps; ++t)
-            sum += double(taps[t]) * rows[t][i];
+            sum += double(taps[t]) * rows.starts[t][i];
         EXPECT_NEAR(values[i], std::clamp(sum, 0.0, 1.0), 1e-6);
     }
 }

@@ -5,13 +5,9 @@
 
 #include <gtest/gtest.h>
 
-#include <cmath>
-
 namespace hazelmark {
 
-using testing::filled;
-using testing::noise;
-using testing::samplesAt;
+using namespace testing;
 
 namespace {
 
@@ -56,10 +52,10 @@ class BlendFormats : public ::testing::TestWithParam<QImage::Format>
 TEST_P(BlendFormats, UnpaintedPixelsKeepEveryStoredBit)
 {
     const QImage photo = noise(kSize, GetParam());
-    QImage paint = filled(kSize, QImage::Format_RGBX8888, Qt::black);
-    for (int y = 40; y < 100; ++y) // a spot in one tile, so that its tile is computed and others are copied
-        for (int x = 10; x < 60; ++x)
-            paint.setPixelColor(x, y, Qt::green);
+    // A spot in one tile, so that its tile is computed and others are copied.
+    const QImage paint = drawn(kSize, QImage::Format_RGBX8888, [](int x, int y) -> QColor {
+        return x >= 10 && x < 60 && y >= 40 && y < 100 ? Qt::green : Qt::black;
+    });
     CoreFilterObject settings;
     settings.blurAmount = 25.0f;
     const PhotoImagePtr original = photoOf(photo);
@@ -67,12 +63,12 @@ TEST_P(BlendFormats, UnpaintedPixelsKeepEveryStoredBit)
     const PhotoImagePtr blended = FlippedImage::blendWithAlphaMask(blurred, original, photoOf(paint), 20);
     const QImage result = blended->bitmap();
     ASSERT_EQ(result.format(), photo.format());
-    const std::size_t pixelBytes = std::size_t(photo.depth()) / 8;
     int changed = 0;
     for (int y = 0; y < kSize.height(); ++y) {
         for (int x = 0; x < kSize.width(); ++x) {
-            const bool same = std::memcmp(result.constScanLine(y) + std::size_t(x) * pixelBytes,
-                                          photo.constScanLine(y) + std::size_t(x) * pixelBytes, pixelBytes) == 0;
+            const int bytes = photo.depth() / 8;
+            const bool same = std::memcmp(result.constScanLine(y) + x * bytes, photo.constScanLine(y) + x * bytes,
+                                          std::size_t(bytes)) == 0;
             const bool painted = paint.pixelColor(x, y) != QColor(Qt::black);
             ASSERT_TRUE(same || painted) << x << ", " << y;
             changed += !same;
@@ -89,11 +85,9 @@ TEST(Blend, PicturesAreFittedToTheReceiversSize)
 {
     const PhotoImagePtr front = photoOf(filled({200, 100}, QImage::Format_RGBX8888, Qt::white));
     const PhotoImagePtr back = photoOf(filled({50, 50}, QImage::Format_RGBX8888, Qt::black));
-    QImage half = filled({20, 10}, QImage::Format_RGBX8888, Qt::black);
-    for (int y = 0; y < 5; ++y) // the upper half
-        for (int x = 0; x < 20; ++x)
-            half.setPixelColor(x, y, Qt::green);
-    const PhotoImagePtr paint = photoOf(half);
+    const PhotoImagePtr paint = photoOf(drawn({20, 10}, QImage::Format_RGBX8888, [](int, int y) -> QColor {
+        return y < 5 ? Qt::green : Qt::black; // the upper half
+    }));
     paint->setSize({7, 3}); // as some other render left it
     const PhotoImagePtr blended = FlippedImage::blendWithAlphaMask(front, back, paint, 20);
     EXPECT_EQ(blended->size(), QSizeF(200, 100));
@@ -116,32 +110,23 @@ TEST(Blend, WithoutMaskOrBackgroundTheReceiverShows)
 
 TEST(Vignette, HalvesTheLightAtATenthWhateverRadiusAndColour)
 {
-    QImage ramp({256, 1}, QImage::Format_RGBX8888);
-    for (int x = 0; x < 256; ++x)
-        ramp.setPixel(x, 0, qRgb(x, x, x));
+    const QImage ramp = drawn({256, 1}, QImage::Format_RGBX8888, [](int x, int) { return QColor(x, x, x); });
     const QImage dark = FlippedImage::vignetteWithRadius(photoOf(ramp), 0, 0.1f, Qt::black)->bitmap();
     EXPECT_EQ(FlippedImage::vignetteWithRadius(photoOf(ramp), 99, 0.1f, Qt::red)->bitmap(), dark);
     for (int x = 0; x < 256; ++x) {
-        const double v = x / 255.0;
-        const double light = (v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4)) / 2;
-        const double wanted = light <= 0.0031308 ? light * 12.92 : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
+        const double wanted = srgbFromLinear(linearFromSrgb(x / 255.0) / 2);
         EXPECT_NEAR(samplesAt(dark, x, 0)[1], wanted * 255, 0.5001) << x;
     }
 }
 
-TEST(Vignette, NotAboveZeroHandsBackTheVeryPicture)
+TEST(Vignette, NotAboveZeroHandsBackTheVeryPictureAndAlphaAlwaysStays)
 {
     const PhotoImagePtr photo = photoOf(noise({5, 5}, QImage::Format_RGBX8888));
     for (float intensity : {0.0f, -1.0f, std::nanf("")})
         EXPECT_EQ(FlippedImage::vignetteWithRadius(photo, 0, intensity, Qt::black), photo);
-}
-
-TEST(Vignette, AlphaStays)
-{
-    const QImage photo = noise({64, 8}, QImage::Format_RGBA8888);
-    const QImage dark = FlippedImage::vignetteWithRadius(photoOf(photo), 0, 0.2f, Qt::black)->bitmap();
-    for (int x = 0; x < 64; ++x)
-        EXPECT_EQ(samplesAt(dark, x, 3)[3], samplesAt(photo, x, 3)[3]);
+    const QImage clear = noise({64, 8}, QImage::Format_RGBA8888);
+    const QImage dark = FlippedImage::vignetteWithRadius(photoOf(clear), 0, 0.2f, Qt::black)->bitmap();
+    EXPECT_EQ(dark.convertToFormat(QImage::Format_Alpha8), clear.convertToFormat(QImage::Format_Alpha8));
 }
 
 class Orientations : public ::testing::TestWithParam<int>
@@ -179,7 +164,7 @@ INSTANTIATE_TEST_SUITE_P(All, Orientations, ::testing::Range(1, 9));
 TEST(Orientation, OtherValuesChangeNothing)
 {
     const QImage image = noise({4, 3}, QImage::Format_RGBX8888);
-    for (int value : {-1, 0, 1, 9, 274})
+    for (int value : {-1, 0, 9, 274})
         EXPECT_EQ(FlippedImage::RotateWithEXIF(image, value), image);
 }
 

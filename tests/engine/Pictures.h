@@ -2,8 +2,10 @@
 
 #include <QImage>
 
+#include <cmath>
 #include <cstdint>
 #include <random>
+#include <vector>
 
 namespace hazelmark::testing {
 
@@ -34,10 +36,42 @@ inline QImage filled(QSize size, QImage::Format format, const QColor &color)
     return image;
 }
 
+/// A bitmap whose pixels are colorAt(x, y), counted from the top left.
+template <typename ColorAt>
+QImage drawn(QSize size, QImage::Format format, const ColorAt &colorAt)
+{
+    QImage image(size, format);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixelColor(x, y, colorAt(x, y));
+    }
+    return image;
+}
+
+/// The curve of IEC 61966-2-1, 0..1 both ways.
+inline double linearFromSrgb(double v)
+{
+    return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+}
+inline double srgbFromLinear(double v)
+{
+    return v <= 0.0031308 ? v * 12.92 : 1.055 * std::pow(v, 1 / 2.4) - 0.055;
+}
+
 /// The samples of a pixel of an 8-bit four-sample picture, top row first.
 inline const uchar *samplesAt(const QImage &image, int x, int y)
 {
     return image.constScanLine(y) + 4 * x;
+}
+
+/// Numbers 0..1, and `room` more of 0.5 behind them.
+inline std::vector<float> randomValues(std::size_t count, unsigned seed, std::size_t room)
+{
+    std::mt19937 random(seed);
+    std::vector<float> values(count + room, 0.5f);
+    for (std::size_t i = 0; i < count; ++i)
+        values[i] = float(random() >> 8) / float(1 << 24);
+    return values;
 }
 
 } // namespace hazelmark::testing

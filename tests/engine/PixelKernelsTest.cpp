@@ -1,10 +1,10 @@
+#include "Pictures.h"
 #include "kernels/PixelRows.h"
 #include "kernels/ScaleRows.h"
 #include "kernels/ToneRows.h"
 
 #include <gtest/gtest.h>
 
-#include <cmath>
 #include <limits>
 #include <random>
 #include <vector>
@@ -30,12 +30,7 @@ struct Row
 
 std::vector<float> randomValues(std::size_t count, unsigned seed)
 {
-    std::mt19937 random(seed);
-    std::uniform_real_distribution<float> values(0.0f, 1.0f);
-    std::vector<float> result(count);
-    for (float &value : result)
-        value = values(random);
-    return result;
+    return testing::randomValues(count, seed, 0);
 }
 
 Row rowOf(const std::vector<float> &values)
@@ -87,18 +82,16 @@ TEST_P(KernelWidths, EverySampleComesBackAndNothingBehindTheRowIsTouched)
 TEST_P(KernelWidths, BlendsAgreeWithDoublePrecision)
 {
     const std::size_t width = GetParam();
-    Row fg[4] = {rowOf(randomValues(width, 1)), rowOf(randomValues(width, 2)), rowOf(randomValues(width, 3)),
-                 rowOf(randomValues(width, 4))};
-    Row bg[4] = {rowOf(randomValues(width, 5)), rowOf(randomValues(width, 6)), rowOf(randomValues(width, 7)),
-                 rowOf(randomValues(width, 8))};
-    Row weight = rowOf(randomValues(width, 9));
+    std::vector<Row> rows;
+    for (unsigned seed = 1; seed <= 12; ++seed)
+        rows.push_back(rowOf(randomValues(width, seed)));
+    Row weight = rowOf(randomValues(width, 13));
     weight.data[0] = 0.0f;
-    bg[3].data[0] = 0.0f; // transparent, with colours under it
+    rows[7].data[0] = 0.0f; // transparent, with colours under it
     weight.data[width - 1] = width > 1 ? 1.0f : 0.0f;
-    Row out[4] = {Row(width), Row(width), Row(width), Row(width)};
-    const float *foreground[4] = {fg[0].data, fg[1].data, fg[2].data, fg[3].data};
-    const float *background[4] = {bg[0].data, bg[1].data, bg[2].data, bg[3].data};
-    float *result[4] = {out[0].data, out[1].data, out[2].data, out[3].data};
+    const float *foreground[4] = {rows[0].data, rows[1].data, rows[2].data, rows[3].data};
+    const float *background[4] = {rows[4].data, rows[5].data, rows[6].data, rows[7].data};
+    float *result[4] = {rows[8].data, rows[9].data, rows[10].data, rows[11].data};
 
     kernels::blendWithAlpha(foreground, background, weight.data, result, width);
     for (int c = 0; c < 4; ++c)
@@ -121,8 +114,6 @@ TEST_P(KernelWidths, BlendsAgreeWithDoublePrecision)
 
 TEST_P(KernelWidths, LinearLightIsScaledAlongTheSrgbCurve)
 {
-    const auto decode = [](double v) { return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
-    const auto encode = [](double v) { return v <= 0.0031308 ? v * 12.92 : 1.055 * std::pow(v, 1 / 2.4) - 0.055; };
     const std::size_t width = GetParam();
     for (float gain : {1.0f, 0.5f, 1.0f / 1024}) {
         std::vector<float> values = randomValues(width, 3);
@@ -132,7 +123,9 @@ TEST_P(KernelWidths, LinearLightIsScaledAlongTheSrgbCurve)
         Row row = rowOf(values);
         kernels::scaleLinearLight(row.data, gain, width);
         for (std::size_t i = 0; i < width; ++i)
-            EXPECT_NEAR(row.data[i], encode(decode(values[i]) * gain), 4e-6) << values[i] << " x " << gain;
+            EXPECT_NEAR(row.data[i], testing::srgbFromLinear(testing::linearFromSrgb(double(values[i])) * double(gain)),
+                        4e-6)
+                << values[i] << " x " << gain;
     }
 }
 
@@ -150,9 +143,7 @@ TEST_P(KernelWidths, WeighedSumsAgreeWithDoublePrecision)
         std::vector<Row> rows;
         std::vector<const float *> starts;
         for (int t = 0; t < taps; ++t)
-            rows.push_back(rowOf(randomValues(width, unsigned(20 + t))));
-        for (const Row &row : rows)
-            starts.push_back(row.data);
+            starts.push_back(rows.emplace_back(rowOf(randomValues(width, unsigned(20 + t)))).data);
         Row along(width);
         kernels::weighRows(starts.data(), weights.data(), taps, along.data, width);
         for (std::size_t i = 0; i < width; ++i) {

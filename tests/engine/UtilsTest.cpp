@@ -1,20 +1,15 @@
 #include "Utils.h"
 
-#include "ParallelFor.h"
 #include "Pictures.h"
 #include "Renderer.h"
 
 #include <gtest/gtest.h>
 
-#include <atomic>
-#include <stdexcept>
 #include <thread>
 
 namespace hazelmark {
 
-using testing::filled;
-using testing::noise;
-using testing::samplesAt;
+using namespace testing;
 
 namespace {
 const Utils &utils = Utils::sharedUtils();
@@ -92,10 +87,7 @@ TEST(ScaleImage, FlatAreasAndMeansAreKept)
 
 TEST(ScaleImage, SmoothRampsStaySmoothAndInPlace)
 {
-    QImage ramp({64, 48}, QImage::Format_RGBX8888);
-    for (int y = 0; y < 48; ++y)
-        for (int x = 0; x < 64; ++x)
-            ramp.setPixel(x, y, qRgb(x * 4, y * 5, 0));
+    const QImage ramp = drawn({64, 48}, QImage::Format_RGBX8888, [](int x, int y) { return QColor(x * 4, y * 5, 0); });
     const QImage large = utils.scaleImage(PhotoImage::fromBitmap(ramp), {640, 480})->bitmap();
     for (int y = 40; y < 440; y += 13) {
         for (int x = 40; x < 600; x += 13) {
@@ -107,10 +99,9 @@ TEST(ScaleImage, SmoothRampsStaySmoothAndInPlace)
 
 TEST(ScaleImage, TransparentColoursDoNotBleed)
 {
-    QImage image = filled({20, 20}, QImage::Format_RGBA8888, QColor(255, 0, 0, 0)); // red nobody sees
-    for (int y = 0; y < 20; ++y)
-        for (int x = 10; x < 20; ++x)
-            image.setPixelColor(x, y, QColor(0, 0, 255, 255));
+    const QImage image = drawn({20, 20}, QImage::Format_RGBA8888, [](int x, int) {
+        return x < 10 ? QColor(255, 0, 0, 0) : QColor(0, 0, 255, 255); // red nobody sees
+    });
     const QImage scaled = utils.scaleImage(PhotoImage::fromBitmap(image), {70, 70})->bitmap();
     for (int x = 0; x < 70; ++x) {
         if (samplesAt(scaled, x, 35)[3] > 0) {
@@ -131,11 +122,9 @@ TEST(DrawedImage, CropsPlacesAndRefusesEmptyInput)
     EXPECT_EQ(placed.pixelColor(5, 15), bitmap.pixelColor(0, 19));
     EXPECT_EQ(placed.pixelColor(4, 15).alpha(), 0);
     EXPECT_EQ(placed.pixelColor(5, 16).alpha(), 0);
-    const QImage doubled = utils
-                               .getDrawedImage(FilterImage(filled({8, 8}, QImage::Format_RGBX8888, Qt::blue)), {16, 16},
-                                               {0, 0}, {2, 2, 4, 4})
-                               ->bitmap();
-    EXPECT_EQ(doubled, filled({16, 16}, QImage::Format_RGBX8888, Qt::blue));
+    const FilterImage blue(filled({8, 8}, QImage::Format_RGBX8888, Qt::blue));
+    EXPECT_EQ(utils.getDrawedImage(blue, {16, 16}, {0, 0}, {2, 2, 4, 4})->bitmap(),
+              filled({16, 16}, QImage::Format_RGBX8888, Qt::blue));
 }
 
 TEST(TransparentImage, FactorScalesAlphaAndEmptySizesComeBackThemselves)
@@ -150,7 +139,7 @@ TEST(TransparentImage, FactorScalesAlphaAndEmptySizesComeBackThemselves)
     EXPECT_EQ(utils.getTransparentImageFromImage(photo, 0.5f), photo);
 }
 
-TEST(BlurPass, RadiusFollowsTheWidth)
+TEST(BlurPass, RadiusFollowsTheWidthAndBordersKeepTheirColour)
 {
     // b = 5 on a picture 2000 wide blurs with radius 2: a point spreads two pixels and no further.
     QImage point = filled({2000, 20}, QImage::Format_RGBX8888, Qt::black);
@@ -162,6 +151,9 @@ TEST(BlurPass, RadiusFollowsTheWidth)
     EXPECT_NEAR(samplesAt(blurred, 1001, 10)[0], 255 / (4 * 3.14159), 1);
     EXPECT_GT(samplesAt(blurred, 1002, 10)[0], 0);
     EXPECT_EQ(samplesAt(blurred, 1003, 10)[0], 0);
+    const QImage flat = filled({400, 300}, QImage::Format_RGBX8888, QColor(200, 90, 10));
+    settings.blurAmount = 100.0f;
+    EXPECT_EQ(utils.applyfilterOnBlurImage(PhotoImage::fromBitmap(flat), {}, settings)->bitmap(), flat);
 }
 
 TEST(BlurPass, WithoutBlurThePictureIsUnchanged)
@@ -181,14 +173,6 @@ TEST(BlurPass, WithoutBlurThePictureIsUnchanged)
     EXPECT_EQ(utils.applyfilterOnBlurImage(PhotoImage::fromBitmap({}), {}, {}), nullptr);
 }
 
-TEST(BlurPass, BordersKeepTheirColour)
-{
-    const QImage flat = filled({400, 300}, QImage::Format_RGBX8888, QColor(200, 90, 10));
-    CoreFilterObject settings;
-    settings.blurAmount = 100.0f;
-    EXPECT_EQ(utils.applyfilterOnBlurImage(PhotoImage::fromBitmap(flat), {}, settings)->bitmap(), flat);
-}
-
 TEST(Filters, DetachingLetsTheInputsGo)
 {
     BlendWithMaskFilter blend;
@@ -200,28 +184,6 @@ TEST(Filters, DetachingLetsTheInputsGo)
     utils.clearAllInPutParametersFromcurrentFilter(blend);
     for (const QString &key : blend.imageInputs())
         EXPECT_TRUE(blend.image(key).isEmpty());
-}
-
-TEST(ParallelFor, EveryIndexOnceAlsoNestedAndFromManyThreads)
-{
-    std::atomic<int> sum = 0;
-    std::vector<std::thread> callers;
-    for (int caller = 0; caller < 4; ++caller)
-        callers.emplace_back(
-            [&] { parallelFor(50, 8, [&](int i) { parallelFor(3, 8, [&](int j) { sum += i * 3 + j; }); }); });
-    for (std::thread &caller : callers)
-        caller.join();
-    EXPECT_EQ(sum, 4 * 150 * 149 / 2);
-}
-
-TEST(ParallelFor, TheFirstExceptionReachesTheCaller)
-{
-    EXPECT_THROW(parallelFor(1000, 4,
-                             [](int i) {
-                                 if (i == 10)
-                                     throw std::runtime_error("ten");
-                             }),
-                 std::runtime_error);
 }
 
 TEST(Renderer, ProgressRisesToOne)

@@ -139,6 +139,18 @@ TEST_F(SafeFiles, AFileThatBecameReadOnlyMeanwhileStays)
     EXPECT_EQ(readBytes(out), "old");
 }
 
+TEST_F(SafeFiles, WhatAnEncoderRefusesIsToldOfTheFileThatWasAskedFor)
+{
+    const QString out = file("out.jpg", "old");
+    EncodeOptions options;
+    options.format = WriteFormat::Jpeg;
+    const auto written = encodeSafely(QImage(70000, 1, QImage::Format_RGBX8888), options, out, m_source);
+    ASSERT_FALSE(bool(written));
+    EXPECT_EQ(written.failure().path, out);
+    EXPECT_EQ(readBytes(out), "old");
+    EXPECT_EQ(entries().size(), 2);
+}
+
 TEST_F(SafeFiles, ASignalRemovesTheTemporaryFile)
 {
     const pid_t child = ::fork();

@@ -1,7 +1,8 @@
 #include "RenderJobs.h"
 
-#include "Encoder.h"
+#include "DiscBlurReference.h"
 #include "Pictures.h"
+#include "SamplePhotos.h"
 #include "Utils.h"
 
 #include <QTemporaryDir>
@@ -9,98 +10,48 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
-#include <vector>
 
 namespace hazelmark {
 
-using testing::filled;
-using testing::noise;
-using testing::samplesAt;
+using namespace testing;
 
 namespace {
-
-/// How much of the unit square around (x, y) the disc of this radius around the origin covers, by fine sampling.
-double coverage(double radius, int x, int y)
-{
-    constexpr int kSteps = 64;
-    int inside = 0;
-    for (int i = 0; i < kSteps * kSteps; ++i) {
-        const double px = x - 0.5 + (i % kSteps + 0.5) / kSteps, py = y - 0.5 + (i / kSteps + 0.5) / kSteps;
-        inside += px * px + py * py <= radius * radius;
-    }
-    return double(inside) / (kSteps * kSteps);
-}
-
-double decoded(double v)
-{
-    return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
-}
-
-double encoded(double v)
-{
-    return v <= 0.0031308 ? v * 12.92 : 1.055 * std::pow(v, 1 / 2.4) - 0.055;
-}
 
 /// The whole chain at one pixel and channel, in double precision, 0..255.
 class Reference
 {
 public:
-    Reference(QImage photo, QImage mask, double blur, double vignette)
-        : m_photo(std::move(photo))
-        , m_mask(std::move(mask))
-        , m_radius(m_photo.width() * blur / 5 / 1000)
+    Reference(const QImage &photo, const QImage &mask, double blur, double vignette)
+        : m_photo(photo)
+        , m_mask(mask)
+        , m_isBlurred(blur > 0)
+        , m_blur(photo, m_isBlurred ? photo.width() * blur / 5 / 1000 : 1)
         , m_gain(std::exp2(-10 * vignette))
     {
-        m_reach = int(std::ceil(m_radius + 0.5));
-        for (int y = -m_reach; y <= m_reach; ++y)
-            for (int x = -m_reach; x <= m_reach; ++x)
-                m_weights.push_back(m_radius > 0 ? coverage(m_radius, x, y) : x == 0 && y == 0);
     }
 
     double at(int x, int y, int channel) const
     {
-        double sum = 0, weights = 0;
-        for (int dy = -m_reach, i = 0; dy <= m_reach; ++dy) {
-            for (int dx = -m_reach; dx <= m_reach; ++dx, ++i) {
-                const int sx = std::clamp(x + dx, 0, m_photo.width() - 1);
-                const int sy = std::clamp(y + dy, 0, m_photo.height() - 1);
-                sum += m_weights[std::size_t(i)] * samplesAt(m_photo, sx, sy)[channel];
-                weights += m_weights[std::size_t(i)];
-            }
-        }
-        double layer = sum / weights / 255;
+        const double plain = samplesAt(m_photo, x, y)[channel];
+        double layer = m_isBlurred ? m_blur.at(x, y)[std::size_t(channel)] : plain / 255;
         if (m_gain != 1)
-            layer = encoded(decoded(layer) * m_gain);
+            layer = srgbFromLinear(linearFromSrgb(layer) * m_gain);
         const double k = samplesAt(m_mask, x, y)[1] / 255.0;
-        return 255 * k * layer + (1 - k) * samplesAt(m_photo, x, y)[channel];
+        return 255 * k * layer + (1 - k) * plain;
     }
 
 private:
-    QImage m_photo, m_mask;
-    double m_radius, m_gain;
-    int m_reach;
-    std::vector<double> m_weights;
+    const QImage &m_photo;
+    const QImage &m_mask;
+    bool m_isBlurred;
+    DiscBlurReference m_blur;
+    double m_gain;
 };
-
-QImage softMask(QSize size)
-{
-    QImage mask(size, QImage::Format_RGBX8888);
-    for (int y = 0; y < size.height(); ++y)
-        for (int x = 0; x < size.width(); ++x)
-            mask.setPixel(x, y, qRgb(255, std::clamp(x * 2 - 100, 0, 255), 90));
-    return mask;
-}
 
 class RenderJobs : public ::testing::Test
 {
 protected:
-    QString stored(const QImage &image)
-    {
-        const QString path = m_folder.filePath(QStringLiteral("photo.png"));
-        EncodeOptions options;
-        EXPECT_TRUE(bool(encodePicture(image, options, path)));
-        return path;
-    }
+    QString stored(const QImage &image) { return writePhoto(m_folder, WriteFormat::Png, {}, image); }
 
     QTemporaryDir m_folder;
 };
@@ -111,7 +62,8 @@ TEST_F(RenderJobs, ExportAgreesWithDoublePrecision)
 {
     const QSize size(300, 200);
     const QImage photo = noise(size, QImage::Format_RGBX8888);
-    const QImage mask = softMask(size);
+    const QImage mask = drawn(size, QImage::Format_RGBX8888,
+                              [](int x, int) { return QColor(255, std::clamp(x * 2 - 100, 0, 255), 90); });
     for (const auto &[blur, vignette] : {std::pair(60.0f, 0.0f), {60.0f, 0.1f}, {0.0f, 0.05f}, {13.7f, 0.0f}}) {
         ExportJob job;
         job.imageUrl = stored(photo);
@@ -163,10 +115,9 @@ TEST_F(RenderJobs, AFreshRecordDarkensAnExportButNoPreview)
 TEST_F(RenderJobs, PreviewLooksLikeTheExportScaledDown)
 {
     const QSize large(800, 600), small(400, 300);
-    QImage photo(large, QImage::Format_RGBX8888);
-    for (int y = 0; y < large.height(); ++y)
-        for (int x = 0; x < large.width(); ++x)
-            photo.setPixel(x, y, (x / 80 + y / 80) % 2 ? qRgb(240, 200, 30) : qRgb(10, 40, 120));
+    const QImage photo = drawn(large, QImage::Format_RGBX8888, [](int x, int y) {
+        return (x / 80 + y / 80) % 2 ? QColor(240, 200, 30) : QColor(10, 40, 120);
+    });
     ExportJob job;
     job.imageUrl = stored(photo);
     job.maskImage = PhotoImage::fromBitmap(filled(small, QImage::Format_RGBX8888, Qt::green));
