@@ -22,9 +22,7 @@ constexpr int kNameSize = 20;
 QLabel *label(const QString &text, const QColor &color, int size = theme::kTextSize)
 {
     auto *label = new QLabel(text);
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, color);
-    label->setPalette(palette);
+    theme::setTextColor(*label, color);
     label->setFont(theme::systemFont(size));
     label->setAlignment(Qt::AlignHCenter);
     label->setWordWrap(true);

@@ -34,9 +34,7 @@ constexpr qreal kDotMargin = 5.0;
 QLabel *centred(int size, bool bold)
 {
     auto *label = new QLabel;
-    QFont font = theme::systemFont(size);
-    font.setBold(bold);
-    label->setFont(font);
+    label->setFont(bold ? theme::boldFont(size) : theme::systemFont(size));
     label->setAlignment(Qt::AlignCenter);
     label->setWordWrap(true);
     return label;

@@ -6,6 +6,7 @@
 #include <QFontDatabase>
 #include <QPalette>
 #include <QStyleFactory>
+#include <QWidget>
 
 #include <utility>
 
@@ -122,6 +123,29 @@ QFont systemFont(int size)
     QFont font = QFontDatabase::systemFont(QFontDatabase::GeneralFont);
     font.setPixelSize(size);
     return font;
+}
+
+QFont boldFont(int size)
+{
+    QFont font = systemFont(size);
+    font.setBold(true);
+    return font;
+}
+
+void setGround(QWidget &widget, const QColor &color)
+{
+    QPalette palette = widget.palette();
+    palette.setColor(QPalette::Window, color);
+    widget.setPalette(palette);
+    widget.setAutoFillBackground(true);
+}
+
+void setTextColor(QWidget &label, const QColor &color)
+{
+    QPalette palette = label.palette();
+    palette.setColor(QPalette::WindowText, color);
+    palette.setColor(QPalette::Disabled, QPalette::WindowText, kDisabledText);
+    label.setPalette(palette);
 }
 
 void apply(QApplication &application)

@@ -4,6 +4,7 @@
 #include <QFont>
 
 class QApplication;
+class QWidget;
 
 namespace hazelmark {
 
@@ -39,6 +40,12 @@ inline constexpr int kSmallTextSize = 11;
 
 /// The system's interface font at `size` points.
 QFont systemFont(int size = kTextSize);
+QFont boldFont(int size = kTextSize);
+
+/// Fills the widget's background with one colour.
+void setGround(QWidget &widget, const QColor &color);
+/// Shows the text of a label in `color`, and disabled as every other text.
+void setTextColor(QWidget &label, const QColor &color);
 
 /// Style, palette, font and tool tips of the whole application.
 void apply(QApplication &application);

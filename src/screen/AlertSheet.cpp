@@ -19,9 +19,7 @@ constexpr int kIconSize = 40;
 QLabel *textLabel(const QString &text, bool bold)
 {
     auto *label = new QLabel(text);
-    QFont font = theme::systemFont();
-    font.setBold(bold);
-    label->setFont(font);
+    label->setFont(bold ? theme::boldFont() : theme::systemFont());
     label->setTextFormat(Qt::PlainText); // file names may hold anything
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
     label->setWordWrap(true);

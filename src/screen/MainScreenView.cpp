@@ -58,14 +58,6 @@ protected:
     }
 };
 
-void fillWith(QWidget &widget, const QColor &color)
-{
-    QPalette palette = widget.palette();
-    palette.setColor(QPalette::Window, color);
-    widget.setPalette(palette);
-    widget.setAutoFillBackground(true);
-}
-
 HighlightButton *stripButton(const QString &image, const char *name, QWidget *parent)
 {
     auto *button = new HighlightButton(HighlightButton::kImageTag, image, image + QStringLiteral("-hover"), parent);
@@ -87,7 +79,7 @@ MainScreenView::MainScreenView(ApplicationDelegate &application, QWidget *parent
     vwBottom = new SummaryBar(application, this);
     vwRightContainer = new QWidget(this);
     vwRightContainer->setObjectName(QStringLiteral("vwRightContainer"));
-    fillWith(*vwRightContainer, theme::kPanel);
+    theme::setGround(*vwRightContainer, theme::kPanel);
     makeTitleStrip();
     makePrompt();
     makePhotoArea();
@@ -107,7 +99,7 @@ void MainScreenView::makeTitleStrip()
 {
     vwTopContainer = new QWidget(this);
     vwTopContainer->setObjectName(QStringLiteral("vwTopContainer"));
-    fillWith(*vwTopContainer, theme::kStrip);
+    theme::setGround(*vwTopContainer, theme::kStrip);
     TitlebarWindow::setMovesWindow(*vwTopContainer);
     btnAddPhoto = stripButton(QStringLiteral("add"), "btnAddPhoto", vwTopContainer);
     btnShareService = stripButton(QStringLiteral("share"), "btnShareService", vwTopContainer);

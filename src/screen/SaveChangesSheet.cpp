@@ -19,9 +19,7 @@ SaveChangesSheet::SaveChangesSheet(ApplicationDelegate &application)
     const auto text = [&](const char *key) { return application.getLocalizedStringForKey(QLatin1String(key)); };
     auto *header = new QLabel(text("ALERT_SAVE_CHANGES_TITLE"));
     header->setObjectName(QStringLiteral("lblSaveChangeHeader"));
-    QFont bold = theme::systemFont();
-    bold.setBold(true);
-    header->setFont(bold);
+    header->setFont(theme::boldFont());
     auto *message = new QLabel(text("ALERT_SAVE_CHANGES_MSG"));
     message->setObjectName(QStringLiteral("lblSaveChangeMsg"));
     for (QLabel *label : {header, message}) {

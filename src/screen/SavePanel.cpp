@@ -43,13 +43,11 @@ qint64 leastRoom(QSize pixelSize, const QString &format)
     return format == QLatin1String("bmp") ? pixels * kBmpBytesPerPixel : pixels / kPixelsPerByte;
 }
 
-QLabel *quietLabel()
+QLabel *quietLabel(const QString &text)
 {
-    auto *label = new QLabel;
+    auto *label = new QLabel(text);
     label->setFont(theme::systemFont(theme::kSmallTextSize));
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, theme::kQuietText);
-    label->setPalette(palette);
+    theme::setTextColor(*label, theme::kQuietText);
     return label;
 }
 
@@ -126,14 +124,11 @@ QWidget *SavePanel::makeQuality()
     m_sliderExportQuality->setAccessibleName(lookup("QUALITY"));
     auto *lblQuality = new QLabel(lookup("QUALITY"));
     lblQuality->setObjectName(QStringLiteral("lblQuality"));
-    QLabel *lblLow = quietLabel();
+    QLabel *lblLow = quietLabel(lookup("LOW"));
     lblLow->setObjectName(QStringLiteral("lblLow"));
-    lblLow->setText(lookup("LOW"));
-    QLabel *lblhigh = quietLabel();
+    QLabel *lblhigh = quietLabel(lookup("HIGH"));
     lblhigh->setObjectName(QStringLiteral("lblhigh"));
-    lblhigh->setText(lookup("HIGH"));
-    QLabel *note = quietLabel();
-    note->setText(lookup("QUALITY_WITHOUT_EFFECT"));
+    QLabel *note = quietLabel(lookup("QUALITY_WITHOUT_EFFECT"));
 
     m_viewExportQuality = new QWidget;
     m_viewExportQuality->setObjectName(QStringLiteral("viewExportQuality"));

@@ -29,10 +29,7 @@ QLabel *quietLabel()
     label->setFont(theme::systemFont(theme::kSmallTextSize));
     label->setWordWrap(true);
     label->setMinimumWidth(1); // long words do not widen the panel
-    QPalette palette = label->palette();
-    palette.setColor(QPalette::WindowText, theme::kQuietText);
-    palette.setColor(QPalette::Disabled, QPalette::WindowText, theme::kDisabledText);
-    label->setPalette(palette);
+    theme::setTextColor(*label, theme::kQuietText);
     return label;
 }
 
@@ -40,10 +37,7 @@ QFrame *hairline()
 {
     auto *line = new QFrame;
     line->setFixedHeight(1);
-    line->setAutoFillBackground(true);
-    QPalette palette = line->palette();
-    palette.setColor(QPalette::Window, theme::kHairline);
-    line->setPalette(palette);
+    theme::setGround(*line, theme::kHairline);
     return line;
 }
 
@@ -55,10 +49,7 @@ SettingsPanel::SettingsPanel(ApplicationDelegate &application, QWidget *parent)
 {
     setObjectName(QStringLiteral("vwRightContainer"));
     setFixedWidth(kPanelWidthPoints);
-    setAutoFillBackground(true);
-    QPalette ground = palette();
-    ground.setColor(QPalette::Window, theme::kPanel);
-    setPalette(ground);
+    theme::setGround(*this, theme::kPanel);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
@@ -125,9 +116,7 @@ void SettingsPanel::makeTools(QVBoxLayout *layout)
 QWidget *SettingsPanel::makeHeader(const char *titleKey, ResetTag tag)
 {
     auto *title = new QLabel;
-    QFont bold = theme::systemFont();
-    bold.setBold(true);
-    title->setFont(bold);
+    title->setFont(theme::boldFont());
     title->setWordWrap(true);
     title->setMinimumWidth(1);
     m_headers.append({title, titleKey});

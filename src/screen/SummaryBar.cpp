@@ -25,13 +25,8 @@ SummaryBar::SummaryBar(ApplicationDelegate &application, QWidget *parent)
     m_txtPhotoSize->setObjectName(QStringLiteral("txtPhotoSize"));
     m_exportText->setObjectName(QStringLiteral("txtExport"));
     setFixedHeight(kHeightPoints);
-    setAutoFillBackground(true);
-    QPalette ground = palette();
-    ground.setColor(QPalette::Window, theme::kStrip);
-    setPalette(ground);
-    QPalette quiet = m_txtPhotoSize->palette();
-    quiet.setColor(QPalette::WindowText, theme::kQuietText);
-    m_txtPhotoSize->setPalette(quiet);
+    theme::setGround(*this, theme::kStrip);
+    theme::setTextColor(*m_txtPhotoSize, theme::kQuietText);
 
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(theme::kMargin, 0, theme::kMargin, 0);

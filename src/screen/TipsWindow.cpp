@@ -48,9 +48,7 @@ const QString kNotShowTips = QStringLiteral("notShowTipsWindow");
 QLabel *label(int size, bool bold)
 {
     auto *label = new QLabel;
-    QFont font = theme::systemFont(size);
-    font.setBold(bold);
-    label->setFont(font);
+    label->setFont(bold ? theme::boldFont(size) : theme::systemFont(size));
     label->setWordWrap(true);
     label->setFixedWidth(kPictureSize.width());
     return label;
