@@ -47,12 +47,9 @@ TEST_F(OwnBrushes, AreFoundByTheRoundedPercentage)
 {
     for (const int level : {0, 7, 50, 58, 100})
         writeTip(level, level + 1);
-    EXPECT_EQ(lookUp(0).width(), 1);
-    EXPECT_EQ(lookUp(0.07F).width(), 8);
-    EXPECT_EQ(lookUp(0.5F).width(), 51);
-    EXPECT_EQ(lookUp(0.58F).width(), 59);
-    EXPECT_EQ(lookUp(0.575F).width(), 59);
-    EXPECT_EQ(lookUp(1).width(), 101);
+    for (const auto &[hardness, side] :
+         {std::pair(0.0F, 1), {0.07F, 8}, {0.5F, 51}, {0.58F, 59}, {0.575F, 59}, {1.0F, 101}})
+        EXPECT_EQ(lookUp(hardness).width(), side) << hardness;
     EXPECT_EQ(PaintControl::brushImageWithHardness(0.5F, true, 0.1F).width(), 51);
 }
 

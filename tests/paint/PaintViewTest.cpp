@@ -159,8 +159,7 @@ TEST_F(Window, PaintEventOnlyShowsTheBuffer)
 
 TEST_F(Window, PointerThatComesAndGoesIsTold)
 {
-    int in = 0;
-    int out = 0;
+    int in = 0, out = 0;
     const auto inToken = count(kNotificationMouseIn, in);
     const auto outToken = count(kNotificationMouseout, out);
     tracking.hide();
@@ -187,8 +186,7 @@ TEST_F(Window, PointerThatComesAndGoesIsTold)
 
 TEST_F(Window, StackedViewsShownAndHiddenOnNoticeComeToRest)
 {
-    int in = 0;
-    int out = 0;
+    int in = 0, out = 0;
     tracking.setGeometry(view.geometry());
     view.hide();
     const auto inToken = NotificationCenter::defaultCenter().addObserver(kNotificationMouseIn, [&](const auto &) {

@@ -9,6 +9,13 @@
 
 namespace hazelmark {
 
+inline QImage blankBuffer(QSize size)
+{
+    QImage buffer(size, QImage::Format_RGBA8888_Premultiplied);
+    buffer.fill(0);
+    return buffer;
+}
+
 /// The tip at the level that a stamp samples, computed again: halved by averages of 2 x 2 while it is at least twice
 /// as large as the stamp. The tip's side must be a power of two. Premultiplied RGBA in 0..1, 4 values a texel.
 struct ReferenceTip

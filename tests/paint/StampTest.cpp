@@ -14,13 +14,6 @@ constexpr Color kGreen{0, 1, 0, 1};
 constexpr auto kPaint = StampPainter::Mode::Paint;
 constexpr auto kErase = StampPainter::Mode::Erase;
 
-QImage blankBuffer(int width, int height)
-{
-    QImage buffer(width, height, QImage::Format_RGBA8888_Premultiplied);
-    buffer.fill(0);
-    return buffer;
-}
-
 QImage solidTip(int side)
 {
     QImage tip(side, side, QImage::Format_ARGB32);
@@ -54,7 +47,7 @@ TEST_P(StampsOfATip, AgreeWithDoublePrecision)
     const QImage tip = BrushTips::shared().tipForHardness(hardness);
     ASSERT_FALSE(tip.isNull());
     BrushTexture texture(tip);
-    QImage got = blankBuffer(301, 203);
+    QImage got = blankBuffer({301, 203});
     QImage wanted = got.copy();
     const double step = double(pointSize) / 10;
     // Along a slope at fractional places, from beyond the left and top edges, then erased across.
@@ -82,7 +75,7 @@ TEST(Stamp, ColoursAndColouredTipsAreModulatedComponentByComponent)
     const Color color{0.9, 0.2, 0.6, 0.5};
     for (const QImage &image : {tip, BrushTips::shared().tipForHardness(0.2F)}) {
         BrushTexture texture(image);
-        QImage got = blankBuffer(80, 70);
+        QImage got = blankBuffer({80, 70});
         QImage wanted = got.copy();
         const auto centres = line({20.2, 18.6}, {4.1, 3.3}, 9);
         StampPainter(kPaint, color, 33, texture).stamp(StampTarget(got), centres);
@@ -95,7 +88,7 @@ TEST(Stamp, PaintedPixelsStayFullAndErasedOnesGetEmpty)
 {
     BrushTexture hard(BrushTips::shared().tipForHardness(1));
     BrushTexture soft(BrushTips::shared().tipForHardness(0));
-    QImage buffer = blankBuffer(100, 60);
+    QImage buffer = blankBuffer({100, 60});
     const auto centres = line({20.25, 30.7}, {4, 0}, 16);
     StampPainter(kPaint, kGreen, 40, hard).stamp(StampTarget(buffer), centres);
     const QImage once = buffer.copy();
@@ -120,7 +113,7 @@ TEST(Stamp, PaintedPixelsStayFullAndErasedOnesGetEmpty)
 TEST(Stamp, CoversThePixelsWhoseCentresLieInItsSquare)
 {
     BrushTexture texture(solidTip(8));
-    QImage buffer = blankBuffer(20, 20);
+    QImage buffer = blankBuffer({20, 20});
     // x from 4.6 to 9.6, y from 5.5 to 10.5: a centre on the low border is in, one on the high border is out.
     const QRect touched = StampPainter(kPaint, kGreen, 5, texture).stamp(StampTarget(buffer), {{7.1, 8.0}});
     EXPECT_EQ(touched, QRect(5, 5, 5, 5));
@@ -133,7 +126,7 @@ TEST(Stamp, NothingHappensWithoutATipASizeOrAPlace)
 {
     BrushTexture texture(solidTip(4));
     BrushTexture empty{QImage()};
-    QImage buffer = blankBuffer(10, 10);
+    QImage buffer = blankBuffer({10, 10});
     const QImage before = buffer.copy();
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
     constexpr float kInfinity = std::numeric_limits<float>::infinity();

@@ -17,7 +17,9 @@ namespace hazelmark {
 
 namespace {
 
-const QByteArray kStep = R"(["{0.2, 0.5}", "{0.8, 0.5}", 0, 1, 0, 1, 40.8, 1, false, 0.5, 4.08])";
+const QByteArrayList kElements = {
+    R"("{0.2, 0.5}")", R"("{0.8, 0.5}")", "0", "1", "0", "1", "40.8", "1", "false", "0.5", "4.08"};
+const QByteArray kStep = '[' + kElements.join(',') + ']';
 
 QByteArray withSteps(const QByteArray &steps, const QByteArray &canvas = "[100, 50]")
 {
@@ -27,17 +29,9 @@ QByteArray withSteps(const QByteArray &steps, const QByteArray &canvas = "[100, 
 /// kStep with one element replaced.
 QByteArray stepWith(int index, const char *json)
 {
-    QByteArray elements = kStep.mid(1, kStep.size() - 2);
-    QByteArrayList parts;
-    for (const QByteArray &part : elements.split(',')) {
-        // The comma within a point is none between elements.
-        if (!parts.isEmpty() && parts.back().count('"') == 1)
-            parts.back() += ',' + part;
-        else
-            parts.append(part);
-    }
-    parts[index] = json;
-    return '[' + parts.join(',') + ']';
+    QByteArrayList elements = kElements;
+    elements[index] = json;
+    return '[' + elements.join(',') + ']';
 }
 
 QString faultOf(const QByteArray &json)
