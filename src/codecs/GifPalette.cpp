@@ -2,7 +2,6 @@
 
 #include "PixelRows.h"
 
-#include <algorithm>
 #include <limits>
 #include <memory>
 

@@ -2,8 +2,6 @@
 #include "GifPalette.h"
 #include "PictureEncoders.h"
 
-#include <algorithm>
-
 #include <gif_lib.h>
 
 namespace hazelmark {

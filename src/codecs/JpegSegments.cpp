@@ -5,8 +5,6 @@
 #include <QCryptographicHash>
 #include <QtEndian>
 
-#include <algorithm>
-
 namespace hazelmark {
 
 namespace {

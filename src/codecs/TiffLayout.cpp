@@ -1,7 +1,5 @@
 #include "TiffLayout.h"
 
-#include <algorithm>
-
 namespace hazelmark {
 
 namespace {

@@ -2,8 +2,6 @@
 
 #include "Picture.h"
 
-#include <array>
-
 #include <tiffio.h>
 
 namespace hazelmark {

@@ -3,8 +3,6 @@
 #include "ObjectText.h"
 #include "PropertyDictionary.h"
 
-#include <limits>
-
 namespace hazelmark {
 
 namespace {

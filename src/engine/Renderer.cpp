@@ -5,7 +5,6 @@
 #include "filters/SourceNode.h"
 #include "kernels/PixelRows.h"
 
-#include <algorithm>
 #include <cstring>
 #include <map>
 #include <mutex>

@@ -1,31 +1,9 @@
 #include "TestFiles.h"
-
-#include <QtEndian>
-
-#include <zlib.h>
+#include "TestPictures.h"
 
 namespace hazelmark {
 
 namespace {
-
-QByteArray bigEndian(quint32 value)
-{
-    QByteArray bytes(4, Qt::Uninitialized);
-    qToBigEndian(value, bytes.data());
-    return bytes;
-}
-
-QByteArray pngChunk(const QByteArray &type, const QByteArray &content)
-{
-    const QByteArray both = type + content;
-    const auto checksum = quint32(crc32(0, reinterpret_cast<const Bytef *>(both.constData()), uInt(both.size())));
-    return bigEndian(quint32(content.size())) + both + bigEndian(checksum);
-}
-
-QByteArray tiffEntry(quint32 tag, quint32 type, quint32 count, quint32 value)
-{
-    return littleEndian(tag, 2) + littleEndian(type, 2) + littleEndian(count) + littleEndian(value);
-}
 
 /// Pages of 1 × 1 grey pixel; each directory leads to the next, the last to `end`. Directories begin at `start`.
 QByteArray tiffPages(int count, quint32 start, quint32 end, quint32 lastTag, quint32 valueSize)

@@ -1,13 +1,10 @@
 #include "TestFiles.h"
+#include "TestPictures.h"
 
 #include <QDir>
 
 #include <sys/stat.h>
 #include <unistd.h>
-
-#include <algorithm>
-
-#include <zlib.h>
 
 namespace hazelmark {
 
@@ -71,22 +68,10 @@ TEST_F(FileFailures, ContentDecidesNotTheName)
 
 namespace {
 
-QByteArray big32(quint32 value)
-{
-    QByteArray bytes = littleEndian(value);
-    std::reverse(bytes.begin(), bytes.end());
-    return bytes;
-}
-
-quint32 crcOf(const QByteArray &chunk)
-{
-    return quint32(crc32(0, reinterpret_cast<const Bytef *>(chunk.constData()), uInt(chunk.size())));
-}
-
 QByteArray pngHeader(quint32 side)
 {
-    const QByteArray chunk = "IHDR" + big32(side) + big32(side) + QByteArray("\x08\x02\0\0\0", 5);
-    return QByteArray("\x89PNG\r\n\x1a\n\0\0\0\x0d", 12) + chunk + big32(crcOf(chunk)) +
+    return QByteArray("\x89PNG\r\n\x1a\n", 8) +
+           pngChunk("IHDR", bigEndian(side) + bigEndian(side) + QByteArray("\x08\x02\0\0\0", 5)) +
            QByteArray("\0\0\0\x01IDAT\0\0\0\0\0", 13);
 }
 
@@ -101,7 +86,7 @@ QByteArray tiffHeader(quint32 width, quint32 height, quint32 bits = 8, quint32 s
                                            {273u, 4u, 8u},
                                            {277u, 3u, samplesPerPixel},
                                            {279u, 4u, 100u}})
-        directory += littleEndian(tag, 2) + littleEndian(type, 2) + littleEndian(1) + littleEndian(value);
+        directory += tiffEntry(tag, type, 1, value);
     return directory + littleEndian(0);
 }
 
@@ -127,7 +112,7 @@ QByteArray gifHeader(quint32 side)
 /// A frame header between the start and a scan's.
 QByteArray jpegHeader(quint32 side)
 {
-    const QByteArray sides = big32(side).right(2) + big32(side).right(2);
+    const QByteArray sides = bigEndian(side).right(2) + bigEndian(side).right(2);
     return QByteArray("\xff\xd8\xff\xc0\0\x0b\x08", 7) + sides + QByteArray("\x01\x01\x11\0", 4) +
            QByteArray("\xff\xda\0\x08\x01\x01\0\0\x3f\0", 10) + QByteArray(50, 'x');
 }

@@ -8,10 +8,12 @@
 
 #include <QBuffer>
 #include <QFile>
+#include <QtEndian>
 
 #include <jpeglib.h>
 #include <png.h>
 #include <tiffio.h>
+#include <zlib.h>
 
 namespace hazelmark {
 
@@ -202,6 +204,25 @@ QByteArray makeTiff(const std::vector<TestTiff> &pages, const QString &scratchPa
     TIFFClose(tiff);
     QFile file(scratchPath);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray bigEndian(quint32 value)
+{
+    QByteArray bytes(4, Qt::Uninitialized);
+    qToBigEndian(value, bytes.data());
+    return bytes;
+}
+
+QByteArray pngChunk(const QByteArray &type, const QByteArray &content)
+{
+    const QByteArray both = type + content;
+    const auto checksum = quint32(crc32(0, reinterpret_cast<const Bytef *>(both.constData()), uInt(both.size())));
+    return bigEndian(quint32(content.size())) + both + bigEndian(checksum);
+}
+
+QByteArray tiffEntry(quint32 tag, quint32 type, quint32 count, quint32 value)
+{
+    return littleEndian(tag, 2) + littleEndian(type, 2) + littleEndian(count) + littleEndian(value);
 }
 
 QByteArray savedByQt(const QImage &image, const char *format, int quality)

@@ -67,6 +67,12 @@ struct TestTiff
 
 QByteArray makeTiff(const std::vector<TestTiff> &pages, const QString &scratchPath);
 
+QByteArray bigEndian(quint32 value);
+/// With its length and check sum.
+QByteArray pngChunk(const QByteArray &type, const QByteArray &content);
+/// An entry of a little-endian directory.
+QByteArray tiffEntry(quint32 tag, quint32 type, quint32 count, quint32 value);
+
 /// Empty when Qt has no writer for the format.
 QByteArray savedByQt(const QImage &image, const char *format, int quality = -1);
 

@@ -1,6 +1,5 @@
 #include "SamplePhotos.h"
 
-#include <QColorSpace>
 #include <QFile>
 #include <QImage>
 #include <QTemporaryDir>

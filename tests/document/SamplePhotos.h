@@ -5,7 +5,6 @@
 #include <QByteArray>
 #include <QSize>
 #include <QString>
-#include <QVariant>
 
 #include <initializer_list>
 #include <ostream>

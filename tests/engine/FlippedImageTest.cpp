@@ -45,9 +45,7 @@ TEST(Blend, OnlyTheGreenChannelOfTheMaskCounts)
     }
 }
 
-class BlendFormats : public ::testing::TestWithParam<QImage::Format>
-{
-};
+using BlendFormats = ::testing::TestWithParam<QImage::Format>;
 
 TEST_P(BlendFormats, UnpaintedPixelsKeepEveryStoredBit)
 {
@@ -129,9 +127,7 @@ TEST(Vignette, NotAboveZeroHandsBackTheVeryPictureAndAlphaAlwaysStays)
     EXPECT_EQ(dark.convertToFormat(QImage::Format_Alpha8), clear.convertToFormat(QImage::Format_Alpha8));
 }
 
-class Orientations : public ::testing::TestWithParam<int>
-{
-};
+using Orientations = ::testing::TestWithParam<int>;
 
 TEST_P(Orientations, ViewerUndoesWhatTheWriterTurned)
 {

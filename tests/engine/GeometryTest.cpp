@@ -13,9 +13,7 @@ struct FitCase
     QSizeF fitted;
 };
 
-class AspectFit : public testing::TestWithParam<FitCase>
-{
-};
+using AspectFit = testing::TestWithParam<FitCase>;
 
 TEST_P(AspectFit, FillsTheBoxAlongOneSide)
 {

@@ -42,9 +42,7 @@ Row rowOf(const std::vector<float> &values)
 
 } // namespace
 
-class KernelWidths : public ::testing::TestWithParam<std::size_t>
-{
-};
+using KernelWidths = ::testing::TestWithParam<std::size_t>;
 
 TEST_P(KernelWidths, EverySampleComesBackAndNothingBehindTheRowIsTouched)
 {

@@ -9,7 +9,6 @@
 
 #include <QApplication>
 #include <QCursor>
-#include <QLoggingCategory>
 #include <QPointingDevice>
 #include <QTabletEvent>
 #include <QTest>

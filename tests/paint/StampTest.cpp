@@ -35,9 +35,7 @@ struct StampCase
     float pointSize;
 };
 
-class StampsOfATip : public testing::TestWithParam<StampCase>
-{
-};
+using StampsOfATip = testing::TestWithParam<StampCase>;
 
 } // namespace
 

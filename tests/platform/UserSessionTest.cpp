@@ -11,9 +11,7 @@ struct LocaleCase
     const char *identifier;
 };
 
-class LanguageIdentifierTest : public testing::TestWithParam<LocaleCase>
-{
-};
+using LanguageIdentifierTest = testing::TestWithParam<LocaleCase>;
 
 TEST_P(LanguageIdentifierTest, IsWrittenWithHyphens)
 {

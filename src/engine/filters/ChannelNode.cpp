@@ -1,7 +1,6 @@
 #include "ChannelNode.h"
 
 #include <algorithm>
-#include <functional>
 
 namespace hazelmark {
 

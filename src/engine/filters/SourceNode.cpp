@@ -2,7 +2,6 @@
 
 #include "kernels/PixelRows.h"
 
-#include <algorithm>
 #include <cstring>
 
 namespace hazelmark {
