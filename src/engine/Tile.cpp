@@ -1,5 +1,7 @@
 #include "Tile.h"
 
+#include "kernels/PixelRows.h"
+
 #include <algorithm>
 #include <new>
 #include <vector>
@@ -83,6 +85,26 @@ Tile::Tile(const QRect &rect, int channels)
 {
     const std::size_t floats = m_stride * std::size_t(rect.height()) * std::size_t(channels);
     m_data.reset(reinterpret_cast<float *>(cacheOfThread().take(floats) + 1));
+}
+
+void Tile::premultiply()
+{
+    forColours(kernels::premultiply);
+}
+
+void Tile::unpremultiply()
+{
+    forColours(kernels::unpremultiply);
+}
+
+void Tile::forColours(void (*operation)(float *const *colours, const float *alpha, std::size_t width))
+{
+    if (!hasAlpha())
+        return;
+    for (int y = m_rect.top(); y <= m_rect.bottom(); ++y) {
+        float *const colours[3] = {row(0, y), row(1, y), row(2, y)};
+        operation(colours, row(3, y), std::size_t(width()));
+    }
 }
 
 void Tile::Release::operator()(float *data) const

@@ -36,6 +36,10 @@ public:
     float *row(int channel, int y) { return m_data.get() + offset(channel, y); }
     const float *row(int channel, int y) const { return m_data.get() + offset(channel, y); }
 
+    /// Multiplies the colours by alpha, or divides them by it (0 / 0 is 0), where there is one.
+    void premultiply();
+    void unpremultiply();
+
 private:
     struct Release
     {
@@ -46,6 +50,8 @@ private:
     {
         return (std::size_t(channel) * std::size_t(m_rect.height()) + std::size_t(y - m_rect.top())) * m_stride;
     }
+
+    void forColours(void (*operation)(float *const *colours, const float *alpha, std::size_t width));
 
     QRect m_rect;
     int m_channels = 0;

@@ -1,7 +1,6 @@
 #include "CellPasses.h"
 
 #include "DiscSummer.h"
-#include "kernels/PixelRows.h"
 
 #include <vector>
 
@@ -36,12 +35,7 @@ void averageBlock(const CellGrid &grid, const QRect &block, const PrepareContext
     std::vector<float> sums(paddedWidth(pixels.width()) + 2 * kernels::kRowGrain * std::size_t(scale));
     std::vector<std::uint16_t> samples(paddedWidth(block.width()));
     const float factor = 65535.0f / (float(scale) * float(scale));
-    if (pixels.hasAlpha()) {
-        for (int y = pixels.rect().top(); y <= pixels.rect().bottom(); ++y) {
-            float *const colours[3] = {pixels.row(0, y), pixels.row(1, y), pixels.row(2, y)};
-            kernels::premultiply(colours, pixels.row(3, y), width);
-        }
-    }
+    pixels.premultiply();
     for (int c = 0; c < pixels.channels(); ++c) {
         for (int k = block.top(); k <= block.bottom(); ++k) {
             const int bottom = pixels.rect().top() + (k - block.top()) * scale;

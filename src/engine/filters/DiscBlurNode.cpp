@@ -3,7 +3,6 @@
 #include "CellPasses.h"
 #include "DiscSummer.h"
 #include "kernels/DiscWeightRows.h"
-#include "kernels/PixelRows.h"
 
 #include <algorithm>
 #include <cmath>
@@ -53,15 +52,6 @@ int reachOf(const CellGrid &grid)
     return int(std::ceil(grid.discRadius())) + 1;
 }
 
-template <typename Step>
-void forRows(Tile &tile, Step step)
-{
-    for (int y = tile.rect().top(); y <= tile.rect().bottom(); ++y) {
-        float *const colours[3] = {tile.row(0, y), tile.row(1, y), tile.row(2, y)};
-        step(colours, tile.row(3, y), std::size_t(tile.width()));
-    }
-}
-
 QRegion grown(const QRegion &region, int by)
 {
     QRegion result;
@@ -74,8 +64,7 @@ QRegion grown(const QRegion &region, int by)
 Tile readAround(const QRect &block, int reach, const TileReader &inputs)
 {
     Tile input = inputs.read(0, block.adjusted(-reach, -reach, reach, reach));
-    if (input.hasAlpha())
-        forRows(input, kernels::premultiply);
+    input.premultiply();
     return input;
 }
 
@@ -172,8 +161,7 @@ void DiscBlurNode::compute(Tile &result, const TileReader &inputs) const
         weigh(result, *prepared.weights, inputs);
     else
         sum(result, *prepared.summer, inputs);
-    if (result.hasAlpha())
-        forRows(result, kernels::unpremultiply);
+    result.unpremultiply();
 }
 
 } // namespace hazelmark

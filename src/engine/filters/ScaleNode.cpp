@@ -1,6 +1,5 @@
 #include "ScaleNode.h"
 
-#include "kernels/PixelRows.h"
 #include "kernels/ScaleRows.h"
 
 #include <algorithm>
@@ -21,14 +20,6 @@ double keysCubic(double x)
 }
 
 constexpr double kKernelReach = 2.0;
-
-void premultiplyTile(Tile &tile, void (*operation)(float *const *, const float *, std::size_t))
-{
-    for (int y = tile.rect().top(); y <= tile.rect().bottom(); ++y) {
-        float *colours[3] = {tile.row(0, y), tile.row(1, y), tile.row(2, y)};
-        operation(colours, tile.row(3, y), std::size_t(tile.width()));
-    }
-}
 
 } // namespace
 
@@ -82,8 +73,7 @@ QRect ScaleNode::inputRegion(std::size_t, const QRect &region) const
 void ScaleNode::compute(Tile &result, const TileReader &inputs) const
 {
     Tile source = inputs.read(0, inputRegion(0, result.rect()));
-    if (source.hasAlpha())
-        premultiplyTile(source, kernels::premultiply);
+    source.premultiply();
     const QRect &from = source.rect();
     const QRect &to = result.rect();
 
@@ -118,8 +108,7 @@ void ScaleNode::compute(Tile &result, const TileReader &inputs) const
         scaleAcross(between, result, to);
     }
 
-    if (result.hasAlpha())
-        premultiplyTile(result, kernels::unpremultiply);
+    result.unpremultiply();
     for (int c = 0; c < result.channels(); ++c)
         for (int y = to.top(); y <= to.bottom(); ++y)
             kernels::clampToUnit(result.row(c, y), std::size_t(to.width()));
