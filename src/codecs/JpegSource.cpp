@@ -144,6 +144,7 @@ void JpegSource::skip(j_decompress_ptr lib, long count)
     JpegSource *self = static_cast<JpegErrors *>(lib->client_data)->input;
     if (count <= 0)
         return;
+    self->m_headerSize -= std::min(qint64(count), qint64(self->m_manager.bytes_in_buffer));
     if (size_t(count) <= self->m_manager.bytes_in_buffer) {
         self->m_manager.next_input_byte += count;
         self->m_manager.bytes_in_buffer -= size_t(count);

@@ -17,6 +17,10 @@ namespace hazelmark {
 
 namespace {
 
+/// Chunks, blocks and the like that a search goes through. A file of some megabytes can be made of millions; hundreds
+/// of megabytes of picture data are tens of thousands.
+constexpr int kMaxSteps = 250'000;
+
 quint32 bigEndian32(const QByteArray &bytes, qsizetype offset)
 {
     return qFromBigEndian<quint32>(bytes.constData() + offset);
@@ -185,7 +189,7 @@ public:
     {
         constexpr qint64 kSignatureSize = 8;
         m_file.seek(kSignatureSize);
-        while (takeChunk()) {
+        for (int step = 0; step < kMaxSteps && takeChunk(); ++step) {
         }
         if (m_blocks.exif.isEmpty())
             m_blocks.exif = m_textExif;
@@ -224,8 +228,7 @@ private:
             return;
         const QByteArray keyword = data.left(keywordEnd);
         const QByteArray kind = keyword.startsWith("Raw profile type ") ? keyword.mid(17).toLower() : QByteArray();
-        constexpr int kMostTexts = 16; // of each kind there is one; packed ones may be a thousand times their size
-        if ((kind.isEmpty() && keyword != "XML:com.adobe.xmp") || ++m_textCount > kMostTexts)
+        if (kind.isEmpty() && keyword != "XML:com.adobe.xmp")
             return;
         const QByteArray text = textOf(type, data.mid(keywordEnd + 1));
         if (kind.isEmpty())
@@ -234,19 +237,27 @@ private:
             takeRawProfile(kind, rawProfile(text));
     }
 
-    static QByteArray textOf(const QByteArray &type, const QByteArray &data)
+    /// All the texts together are given room for one: each could be a thousandth of its content.
+    QByteArray inflated(const QByteArray &stream)
+    {
+        const QByteArray content = inflateZlib(stream, m_room);
+        m_room -= content.isEmpty() ? m_room / 4 : content.size(); // a damaged one has taken who knows how much
+        return content;
+    }
+
+    QByteArray textOf(const QByteArray &type, const QByteArray &data)
     {
         if (type == "tEXt")
             return data;
         if (type == "zTXt")
-            return inflateZlib(data.mid(1), kMaxBlockSize);
+            return inflated(data.mid(1));
         // Compression flag and method, a language and a translated keyword each with a zero byte, the text.
         const qsizetype languageEnd = data.indexOf('\0', 2);
         const qsizetype translationEnd = languageEnd < 0 ? -1 : data.indexOf('\0', languageEnd + 1);
         if (translationEnd < 0)
             return {};
         const QByteArray text = data.mid(translationEnd + 1);
-        return data.at(0) == 0 ? text : inflateZlib(text, kMaxBlockSize);
+        return data.at(0) == 0 ? text : inflated(text);
     }
 
     void takeRawProfile(const QByteArray &kind, const QByteArray &bytes)
@@ -265,7 +276,7 @@ private:
     EmbeddedBlocks m_blocks;
     QByteArray m_textExif; ///< the old form, which counts only where there is no eXIf chunk
     QByteArray m_textXmp;
-    int m_textCount = 0; ///< that were unpacked
+    qsizetype m_room = kMaxBlockSize;
 };
 
 EmbeddedBlocks webpBlocks(QFile &file)
@@ -273,7 +284,7 @@ EmbeddedBlocks webpBlocks(QFile &file)
     constexpr qint64 kRiffHeaderSize = 12;
     EmbeddedBlocks blocks;
     file.seek(kRiffHeaderSize);
-    for (;;) {
+    for (int step = 0; step < kMaxSteps; ++step) {
         const QByteArray head = file.read(8);
         if (head.size() < 8)
             return blocks;
@@ -289,6 +300,7 @@ EmbeddedBlocks webpBlocks(QFile &file)
         if (next >= file.size() || !file.seek(next))
             return blocks;
     }
+    return blocks;
 }
 
 /// An XMP packet lies in an application block, not in parts with a length each as all else, but as it is, with a
@@ -324,7 +336,7 @@ private:
     bool skipParts()
     {
         char size = 0;
-        while (m_file.getChar(&size)) {
+        while (++m_steps < kMaxSteps && m_file.getChar(&size)) {
             if (size == 0)
                 return true;
             if (!m_file.seek(m_file.pos() + quint8(size)))
@@ -372,6 +384,7 @@ private:
 
     QFile &m_file;
     EmbeddedBlocks m_blocks;
+    int m_steps = 0;
 };
 
 } // namespace

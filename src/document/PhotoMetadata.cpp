@@ -1,6 +1,7 @@
 #include "PhotoMetadata.h"
 
 #include "Exiv2Session.h"
+#include "TagSizes.h"
 #include "TiffBlocks.h"
 
 #include <QFile>
@@ -12,6 +13,13 @@ namespace hazelmark {
 
 namespace {
 
+/// Larger packets are carried, but not searched for the few properties of interest: a packet of some hundred kilobytes
+/// takes the time of a few frames, one of a hundred megabytes gigabytes of memory.
+constexpr qsizetype kMaxParsedXmp = 512 * 1024;
+
+/// The library compares each record with all before it.
+constexpr qsizetype kMaxParsedIptc = 128 * 1024;
+
 const Exiv2::byte *bytesOf(const QByteArray &block)
 {
     return reinterpret_cast<const Exiv2::byte *>(block.constData());
@@ -22,31 +30,50 @@ QByteArray bytesOf(const Exiv2::DataBuf &buffer)
     return QByteArray(reinterpret_cast<const char *>(buffer.pData_), buffer.size_);
 }
 
+void eraseNote(Exiv2::ExifData &exif)
+{
+    const auto note = exif.findKey(Exiv2::ExifKey("Exif.Photo.MakerNote"));
+    if (note != exif.end())
+        exif.erase(note);
+}
+
 PhotoMetadata parseBlocks(const QString &path, const EmbeddedBlocks &blocks)
 {
     PhotoMetadata metadata;
     metadata.blocks = blocks;
-    if (!blocks.exif.isEmpty()) {
+    if (!hasPlausibleTags(blocks.exif))
+        metadata.blocks.exif.clear();
+    if (metadata.blocks.exif != blocks.exif) {
+        qCWarning(lcDocument).noquote() << path + QStringLiteral(": EXIF block left out: its tags share their values");
+    } else if (!blocks.exif.isEmpty()) {
         withExiv2(path, [&] {
-            const auto order =
-                Exiv2::ExifParser::decode(metadata.exif, bytesOf(blocks.exif), uint32_t(blocks.exif.size()));
+            const QByteArray exif = withoutUnusualNote(blocks.exif);
+            const auto order = Exiv2::ExifParser::decode(metadata.exif, bytesOf(exif), uint32_t(exif.size()));
+            if (exif != blocks.exif)
+                eraseNote(metadata.exif);
             if (order != Exiv2::invalidByteOrder)
                 metadata.byteOrder = order;
         });
     }
-    if (!blocks.iptc.isEmpty()) {
+    if (!blocks.iptc.isEmpty() && blocks.iptc.size() <= kMaxParsedIptc) {
         withExiv2(path, [&] {
             if (Exiv2::IptcParser::decode(metadata.iptc, bytesOf(blocks.iptc), uint32_t(blocks.iptc.size())) != 0)
                 qCWarning(lcDocument).noquote() << path + QStringLiteral(": IPTC records left out");
         });
     }
-    if (!blocks.xmp.isEmpty()) {
+    if (!blocks.xmp.isEmpty() && blocks.xmp.size() <= kMaxParsedXmp) {
         withExiv2(path, [&] {
             if (Exiv2::XmpParser::decode(metadata.xmp, blocks.xmp.toStdString()) != 0)
                 qCWarning(lcDocument).noquote() << path + QStringLiteral(": XMP packet left out");
         });
     }
     return metadata;
+}
+
+bool isPlausible(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) && hasPlausibleTags(file);
 }
 
 PhotoMetadata parseFile(const QString &path, const EmbeddedBlocks &blocks)
@@ -56,7 +83,7 @@ PhotoMetadata parseFile(const QString &path, const EmbeddedBlocks &blocks)
     withExiv2(path, [&] {
         // In full: Exiv2 takes "-", "data:..." and the like for something else than names of files.
         const std::string name = QFile::encodeName(QFileInfo(path).absoluteFilePath()).toStdString();
-        if (Exiv2::ImageFactory::getType(name) == Exiv2::ImageType::none)
+        if (Exiv2::ImageFactory::getType(name) == Exiv2::ImageType::none || !isPlausible(path))
             return;
         const auto image = Exiv2::ImageFactory::open(name);
         image->readMetadata();
@@ -77,6 +104,8 @@ PhotoMetadata parseFile(const QString &path, const EmbeddedBlocks &blocks)
 
 PhotoMetadata readPhotoMetadata(const QString &path, const QByteArray &format)
 {
+    if (format == "tiff")
+        return parseBlocks(path, readTiffBlocksToShow(path));
     return hasEmbeddedBlocks(format) ? parseBlocks(path, readEmbeddedBlocks(path, format)) : parseFile(path, {});
 }
 

@@ -171,6 +171,7 @@ private:
 
     void takeIptc()
     {
+        QMap<QString, QVariantList> lists;
         for (const Exiv2::Iptcdatum &datum : m_metadata.iptc) {
             const bool isApplicationRecord = datum.record() == Exiv2::IptcDataSets::application2;
             const IptcName *name = isApplicationRecord ? iptcName(datum.tag()) : nullptr;
@@ -179,10 +180,12 @@ private:
                 continue;
             const QString key = QLatin1String(name->key);
             if (name->repeats)
-                m_iptc.insert(key, m_iptc.value(key).toList() << QVariant(text));
+                lists[key] << QVariant(text);
             else
                 insert(m_iptc, key, text);
         }
+        for (auto list = lists.constBegin(); list != lists.constEnd(); ++list)
+            m_iptc.insert(list.key(), *list);
         if (!m_iptc.contains(QStringLiteral("Keywords")))
             takeXmpKeywords();
     }

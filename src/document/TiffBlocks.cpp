@@ -19,12 +19,20 @@ constexpr quint16 kXmp = 0x02bc;
 constexpr quint16 kIptc = 0x83bb;
 constexpr char kIptcMarker = 0x1c;
 
+constexpr quint16 kExifDirectory = 0x8769;
+constexpr quint16 kGpsDirectory = 0x8825;
+constexpr quint16 kInteroperabilityDirectory = 0xa005;
+constexpr quint16 kMakerNote = 0x927c;
+
+enum class Purpose { Carry, Show };
+
 /// Takes a file's first directory apart and puts its metadata together again as a block of its own.
 class BlockMaker
 {
 public:
-    explicit BlockMaker(QFile &file)
+    BlockMaker(QFile &file, Purpose purpose)
         : m_file(file)
+        , m_purpose(purpose)
         , m_head(evenlyLong(file.read(kHeadSize)))
         , m_isBigEndian(m_head.startsWith('M'))
     {
@@ -35,32 +43,40 @@ public:
         EmbeddedBlocks blocks;
         if (!TiffBlock::isTiffStructure(m_head))
             return blocks;
-        const auto source = TiffBlock::of(withDirectory(m_head, firstDirectory()));
+        const auto source = TiffBlock::of(withDirectory(m_head, directoryAt(firstOffset())));
         const auto directory = source->directoryAt(source->firstDirectoryOffset());
         if (!directory)
             return blocks;
         for (const TiffBlock::Entry &entry : directory->entries) {
-            if (entry.tag == kXmp)
+            if (entry.tag == kXmp && blocks.xmp.isEmpty())
                 blocks.xmp = valueOf(*source, entry);
-            else if (entry.tag == kIptc)
+            else if (entry.tag == kIptc && blocks.iptc.isEmpty())
                 blocks.iptc = valueOf(*source, entry);
-            else if (!isTiffStorageTag(entry.tag) && !isTiffDataTag(entry.tag))
+            else if (isWanted(entry.tag))
                 take(*source, entry);
         }
         if (!blocks.iptc.startsWith(kIptcMarker))
             blocks.iptc.clear(); // of another byte order than its type pretends
         if (!m_entries.empty())
             blocks.exif = exifBlock();
+        if (blocks.exif.isEmpty() && m_purpose == Purpose::Show)
+            blocks.exif = compactBlock();
         return blocks;
     }
 
 private:
     QByteArray bytesAt(qint64 offset, qint64 count) { return m_file.seek(offset) ? m_file.read(count) : QByteArray(); }
 
-    /// As it lies in the file, which may be anywhere.
-    QByteArray firstDirectory()
+    bool isWanted(quint16 tag) const
     {
-        const qint64 offset = tiffNumber<quint32>(m_head, 4, m_isBigEndian);
+        return !isTiffDataTag(tag) && (m_purpose == Purpose::Show || !isTiffStorageTag(tag));
+    }
+
+    quint32 firstOffset() const { return tiffNumber<quint32>(m_head, 4, m_isBigEndian); }
+
+    /// As it lies in the file, which may be anywhere.
+    QByteArray directoryAt(qint64 offset)
+    {
         const QByteArray count = bytesAt(offset, 2);
         if (count.size() < 2)
             return {};
@@ -141,7 +157,56 @@ private:
         return block.bytes();
     }
 
+    /// The directories with their values close together, wherever they lie in the file.
+    QByteArray compactBlock()
+    {
+        QByteArray bytes = m_head.left(TiffBlock::kHeaderSize);
+        const TiffEntries entries = compactEntries(firstOffset(), bytes, true);
+        return withDirectory(bytes, tiffDirectory(entries, m_isBigEndian));
+    }
+
+    /// The entries of the file's directory at `offset`; their values are appended to `bytes`.
+    TiffEntries compactEntries(quint32 offset, QByteArray &bytes, bool isFirst)
+    {
+        TiffEntries entries;
+        const auto source = TiffBlock::of(m_head.left(TiffBlock::kHeaderSize) + directoryAt(offset));
+        const auto directory = source->directoryAt(TiffBlock::kHeaderSize);
+        if (!directory)
+            return entries;
+        for (const TiffBlock::Entry &entry : directory->entries) {
+            const quint16 tag = entry.tag;
+            if (!isWanted(tag) || tag == kMakerNote || tag == kInteroperabilityDirectory || entries.count(tag) > 0)
+                continue;
+            QByteArray compact = source->bytes().mid(entry.position, TiffBlock::kEntrySize);
+            const bool isPointer = isFirst && (tag == kExifDirectory || tag == kGpsDirectory);
+            if (isPointer || entry.statedSize > TiffBlock::kInlineSize) {
+                const QByteArray value = isPointer ? compactDirectory(*source, entry, bytes) : smallValue(entry, bytes);
+                if (value.isEmpty())
+                    continue;
+                compact.replace(8, 4, tiffBytes(quint32(bytes.size()), m_isBigEndian));
+                bytes += evenlyLong(value);
+            }
+            entries[tag] = compact;
+        }
+        return entries;
+    }
+
+    QByteArray compactDirectory(const TiffBlock &source, const TiffBlock::Entry &pointer, QByteArray &bytes)
+    {
+        return tiffDirectory(compactEntries(source.number(pointer).value_or(0), bytes, false), m_isBigEndian);
+    }
+
+    QByteArray smallValue(const TiffBlock::Entry &entry, const QByteArray &bytes)
+    {
+        constexpr qint64 kMostSize = 64 * 1024;
+        if (entry.statedSize > kMostSize || bytes.size() + entry.statedSize > kHeadSize)
+            return {};
+        const QByteArray value = bytesAt(entry.valueOffset, entry.statedSize);
+        return value.size() == entry.statedSize ? value : QByteArray();
+    }
+
     QFile &m_file;
+    const Purpose m_purpose;
     const QByteArray m_head;
     const bool m_isBigEndian;
     TiffEntries m_entries;
@@ -149,12 +214,22 @@ private:
     qint64 m_distantSize = 0; ///< bytes of these: a hostile directory may refer to the same ones thousands of times
 };
 
+EmbeddedBlocks blocksOf(const QString &path, Purpose purpose)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? BlockMaker(file, purpose).blocks() : EmbeddedBlocks();
+}
+
 } // namespace
 
 EmbeddedBlocks readTiffBlocks(const QString &path)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? BlockMaker(file).blocks() : EmbeddedBlocks();
+    return blocksOf(path, Purpose::Carry);
+}
+
+EmbeddedBlocks readTiffBlocksToShow(const QString &path)
+{
+    return blocksOf(path, Purpose::Show);
 }
 
 } // namespace hazelmark

@@ -10,4 +10,8 @@ namespace hazelmark {
 /// metadata lies far behind the beginning of the file, and in files with 64-bit offsets.
 EmbeddedBlocks readTiffBlocks(const QString &path);
 
+/// The same for looking at: the EXIF block has all the first directory's tags but those that lead to data, and also
+/// what lies far behind the beginning of the file, then without the maker's note and without values of more than 64 KB.
+EmbeddedBlocks readTiffBlocksToShow(const QString &path);
+
 } // namespace hazelmark
