@@ -2,6 +2,9 @@
 
 #include "TiffBlock.h"
 
+#include <algorithm>
+#include <array>
+#include <optional>
 #include <set>
 #include <vector>
 
@@ -100,6 +103,24 @@ private:
     qint64 m_sum = 0;
 };
 
+/// Whether the large values of all that looks like entries are several times as large as the block.
+bool couldHoldManyValues(const QByteArray &block, bool isBigEndian)
+{
+    constexpr std::array<quint8, 14> kTypeSizes = {1, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4};
+    constexpr qint64 kLarge = 16 * 1024;
+    qint64 sum = 0;
+    for (qsizetype at = 0; at + TiffBlock::kEntrySize <= block.size(); ++at) {
+        const qint64 count = tiffNumber<quint32>(block, at + 4, isBigEndian);
+        if (count == 0 || count > block.size())
+            continue;
+        const auto type = tiffNumber<quint16>(block, at + 2, isBigEndian);
+        const qint64 size = count * (type < kTypeSizes.size() ? kTypeSizes[type] : 1);
+        if (size > kLarge && size + tiffNumber<quint32>(block, at + 8, isBigEndian) <= block.size())
+            sum += size;
+    }
+    return sum > 8 * block.size();
+}
+
 } // namespace
 
 bool hasPlausibleTags(const QByteArray &exif)
@@ -114,10 +135,14 @@ bool hasPlausibleTags(QFile &tiff)
     return TagWalk(read, tiff.size()).isPlausible();
 }
 
-QByteArray withoutUnusualNote(const QByteArray &exif)
+QByteArray withoutHeavyNote(const QByteArray &exif)
 {
     constexpr qsizetype kMostUsual = 128 * 1024; // two segments of a JPEG file
-    std::optional<TiffBlock> block = exif.size() > kMostUsual ? TiffBlock::of(exif) : std::nullopt;
+    constexpr qsizetype kMostSearched = 4 * 1024 * 1024;
+    if (exif.size() <= kMostUsual ||
+        (exif.size() <= kMostSearched && !couldHoldManyValues(exif, true) && !couldHoldManyValues(exif, false)))
+        return exif;
+    std::optional<TiffBlock> block = TiffBlock::of(exif);
     if (!block)
         return exif;
     const auto first = block->directoryAt(block->firstDirectoryOffset());

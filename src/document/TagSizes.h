@@ -14,8 +14,9 @@ bool hasPlausibleTags(const QByteArray &exif);
 /// The same of the TIFF file. Reads its directories alone.
 bool hasPlausibleTags(QFile &tiff);
 
-/// An EXIF block without the directory's entry for the maker's note where the block is larger than cameras write them:
-/// the note's own directories, of which every maker has others, are not looked over.
-QByteArray withoutUnusualNote(const QByteArray &exif);
+/// An EXIF block without a maker's note that could be made to take gigabytes. Every maker has other directories in it,
+/// so they are not walked: what looks like an entry anywhere in the block counts for one. Blocks of the size that
+/// cameras write come back as they are; those of several megabytes always lose their note.
+QByteArray withoutHeavyNote(const QByteArray &exif);
 
 } // namespace hazelmark
