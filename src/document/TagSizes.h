@@ -15,7 +15,7 @@ bool hasPlausibleTags(const QByteArray &exif);
 bool hasPlausibleTags(QFile &tiff);
 
 /// An EXIF block without a maker's note that could be made to take gigabytes. Every maker has other directories in it,
-/// so they are not walked: what looks like an entry anywhere in the block counts for one. Blocks of the size that
+/// so they are not walked: what looks like a directory anywhere in the block counts for one. Blocks of the size that
 /// cameras write come back as they are; those of several megabytes always lose their note.
 QByteArray withoutHeavyNote(const QByteArray &exif);
 
