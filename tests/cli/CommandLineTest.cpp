@@ -38,6 +38,8 @@ class CommandLineProgram : public ::testing::Test
 protected:
     QString path(const char *name) const { return m_folder.filePath(QLatin1String(name)); }
 
+    QImage pixelsOf(const char *name) const { return (*decodePicture(path(name))).pixels; }
+
     QString picture(const char *name, const QImage &image, WriteFormat format, const MetadataBlocks &metadata = {})
     {
         return writeBytes(m_folder, QLatin1String(name), readBytes(writePhoto(m_pictures, format, metadata, image)));
@@ -154,14 +156,14 @@ TEST_F(CommandLineProgram, EveryFormatIsWrittenWhateverTheCaseOfItsExtension)
         EXPECT_EQ(info->format, format) << name;
         EXPECT_EQ(info->frames.back(), m_image.size()) << name;
     }
-    EXPECT_EQ((*decodePicture(path("a.png"))).pixels, m_image);
+    EXPECT_EQ(pixelsOf("a.png"), m_image);
 }
 
 TEST_F(CommandLineProgram, PaintedPartsAreBlurredAndTheDefaultsAreThoseOfTheSliders)
 {
     const auto rendered = [&](const char *options) {
         EXPECT_EQ(render(m_photo, m_green, path("out.png"), wordsOf(options)).exitCode, 0);
-        return (*decodePicture(path("out.png"))).pixels;
+        return pixelsOf("out.png");
     };
     const QImage plain = rendered("");
     EXPECT_NE(plain, m_image);
@@ -177,48 +179,45 @@ TEST_F(CommandLineProgram, ARotatedPhotoKeepsItsPixelSizeAndTag)
     blocks.exif = exifBlock({{"Exif.Image.Orientation", "6"}});
     const QString photo = picture("turned.png", m_image, WriteFormat::Png, blocks);
     ASSERT_EQ(render(photo, m_black, path("out.png")).exitCode, 0);
-    EXPECT_EQ((*decodePicture(path("out.png"))).pixels, m_image); // stored as the source stores it
+    EXPECT_EQ(pixelsOf("out.png"), m_image); // stored as the source stores it
     const Ended info = run({QStringLiteral("info"), path("out.png")});
     const QJsonObject properties =
         QJsonDocument::fromJson(info.output).object()[QLatin1String("properties")].toObject();
     EXPECT_EQ(properties[QLatin1String("Orientation")].toInt(), 6);
     // A format without the tag gets upright pixels.
     ASSERT_EQ(render(photo, m_black, path("out.bmp")).exitCode, 0);
-    EXPECT_EQ((*decodePicture(path("out.bmp"))).pixels.size(), m_image.size().transposed());
+    EXPECT_EQ(pixelsOf("out.bmp").size(), m_image.size().transposed());
 }
 
 TEST_F(CommandLineProgram, StrokesPaintTheMask)
 {
-    const QString strokes =
-        writeBytes(m_folder, QStringLiteral("s.json"),
-                   R"({"canvas": [60, 40], "steps": [["{0.25, 0.5}", "{0.25, 0.5}", 0, 1, 0, 1, 20, 1, false, 0.5, 2],
+    writeBytes(m_folder, QStringLiteral("s.json"),
+               R"({"canvas": [60, 40], "steps": [["{0.25, 0.5}", "{0.25, 0.5}", 0, 1, 0, 1, 20, 1, false, 0.5, 2],
                                            ["{0.25, 0.5}", "{0.25, 0.5}", 0, 1, 0, 1, 8, 1, true, 0.5, 0.8]]})");
-    const QStringList options{QStringLiteral("--strokes"), strokes, QStringLiteral("--output")};
-    Ended ended = run(QStringList(QStringLiteral("mask")) + options + QStringList(path("mask.png")));
+    Ended ended = run(wordsOf("mask --strokes s.json --output mask.png"));
     ASSERT_EQ(ended.exitCode, 0) << ended.errors.toStdString();
-    const QImage mask = (*decodePicture(path("mask.png"))).pixels;
+    const QImage mask = pixelsOf("mask.png");
     ASSERT_EQ(mask.size(), QSize(60, 40));
     EXPECT_EQ(mask.pixel(15, 13), qRgb(0, 255, 0)); // within the ring
     EXPECT_EQ(mask.pixel(15, 20), qRgb(0, 0, 0));   // erased
     EXPECT_EQ(mask.pixel(40, 20), qRgb(0, 0, 0));
 
-    ended = run({QStringLiteral("render"), m_photo, options[0], options[1], options[2], path("out.png")});
+    ended = run(wordsOf("render photo.png --strokes s.json --output out.png"));
     ASSERT_EQ(ended.exitCode, 0) << ended.errors.toStdString();
     ASSERT_EQ(render(m_photo, path("mask.png"), path("same.png")).exitCode, 0);
-    EXPECT_EQ((*decodePicture(path("out.png"))).pixels, (*decodePicture(path("same.png"))).pixels);
-    EXPECT_NE((*decodePicture(path("out.png"))).pixels, m_image);
+    EXPECT_EQ(pixelsOf("out.png"), pixelsOf("same.png"));
+    EXPECT_NE(pixelsOf("out.png"), m_image);
 
     // Every fault is one sentence and leaves nothing behind.
-    const QString bad = writeBytes(m_folder, QStringLiteral("bad.json"), R"({"canvas": [60, 40], "steps": [[1, 2]]})");
+    writeBytes(m_folder, QStringLiteral("bad.json"), R"({"canvas": [60, 40], "steps": [[1, 2]]})");
     const QStringList before = entries();
-    for (const QStringList &line : {QStringList{QStringLiteral("mask"), options[0], bad, options[2], path("new.png")},
-                                    {QStringLiteral("render"), m_photo, options[0], bad, options[2], path("new.png")},
-                                    {QStringLiteral("mask"), options[0], strokes, options[2], path("new.json")},
-                                    {QStringLiteral("mask"), options[0], strokes, options[2], path("none/new.png")}}) {
-        ended = run(line);
-        EXPECT_EQ(ended.exitCode, 1) << line.join(QLatin1Char(' ')).toStdString();
+    for (const char *line :
+         {"mask --strokes bad.json --output new.png", "render photo.png --strokes bad.json --output new.png",
+          "mask --strokes s.json --output new.json", "mask --strokes s.json --output none/new.png"}) {
+        ended = run(wordsOf(line));
+        EXPECT_EQ(ended.exitCode, 1) << line;
         EXPECT_EQ(ended.errors.count('\n'), 1) << ended.errors.toStdString();
-        EXPECT_EQ(ended.errors.contains("step 0"), line.contains(bad)) << ended.errors.toStdString();
+        EXPECT_EQ(ended.errors.contains("step 0"), QByteArray(line).contains("bad")) << ended.errors.toStdString();
         EXPECT_EQ(entries(), before);
     }
 }

@@ -8,17 +8,12 @@ namespace hazelmark {
 
 namespace {
 
-QVariantMap sizes(double width, double height, const QVariant &orientation = {})
+QVariantMap mapOf(std::initializer_list<std::pair<const char *, QVariant>> entries)
 {
-    QVariantMap dict{{QStringLiteral("PixelWidth"), width}, {QStringLiteral("PixelHeight"), height}};
-    if (orientation.isValid())
-        dict.insert(QStringLiteral("Orientation"), orientation);
-    return dict;
-}
-
-QVariantMap group(const char *name, const QVariantMap &entries)
-{
-    return {{QLatin1String(name), entries}};
+    QVariantMap map;
+    for (const auto &[key, object] : entries)
+        map.insert(QLatin1String(key), object);
+    return map;
 }
 
 } // namespace
@@ -37,14 +32,14 @@ TEST(ExifInfo, AFreshRecordHasEveryObjectAbsentAndEveryNumberZero)
 TEST(ExifInfo, OnlyTheSizeToDisplayFollowsTheTopLevelOrientation)
 {
     for (const int orientation : {0, 1, 4, 5, 6, 7, 8, 9}) {
-        const ExifInfo info(sizes(4000, 3000, orientation));
+        const ExifInfo info(mapOf({{"PixelWidth", 4000.0}, {"PixelHeight", 3000.0}, {"Orientation", orientation}}));
         const bool isTurned = orientation >= 5 && orientation <= 8;
         EXPECT_EQ(info.imageSize(), QStringLiteral("4000 x 3000"));
         EXPECT_EQ(info.imageSizeToDisplay(), isTurned ? QStringLiteral("3000 x 4000") : QStringLiteral("4000 x 3000"));
         EXPECT_EQ(info.pixelWidth(), 4000);
         EXPECT_EQ(info.orientation(), 0);
     }
-    const ExifInfo info(group("{TIFF}", {{QStringLiteral("Orientation"), 6}}));
+    const ExifInfo info(mapOf({{"{TIFF}", mapOf({{"Orientation", 6}})}}));
     EXPECT_EQ(info.orientation(), 6);
     EXPECT_EQ(info.imageSize(), QStringLiteral("(null) x (null)"));
     EXPECT_EQ(info.imageSizeToDisplay(), QStringLiteral("0 x 0"));
@@ -52,12 +47,12 @@ TEST(ExifInfo, OnlyTheSizeToDisplayFollowsTheTopLevelOrientation)
 
 TEST(ExifInfo, ResolutionsAreCrossedAndNeedBoth)
 {
-    ExifInfo info(QVariantMap{{QStringLiteral("DPIWidth"), 300}, {QStringLiteral("DPIHeight"), 72.0}});
+    ExifInfo info(mapOf({{"DPIWidth", 300}, {"DPIHeight", 72.0}}));
     EXPECT_EQ(info.imageDPI(), QStringLiteral("300.0 x 72.0"));
     EXPECT_EQ(info.dpiHeight(), 300.0);
     EXPECT_EQ(info.dpiWidth(), 72.0);
 
-    info.resetAllWithDict(QVariantMap{{QStringLiteral("DPIWidth"), 150}});
+    info.resetAllWithDict(mapOf({{"DPIWidth", 150}}));
     EXPECT_EQ(info.imageDPI(), QStringLiteral("300.0 x 72.0"));
     EXPECT_EQ(info.dpiHeight(), 0.0);
     EXPECT_EQ(info.dpiWidth(), 0.0);
@@ -65,11 +60,11 @@ TEST(ExifInfo, ResolutionsAreCrossedAndNeedBoth)
 
 TEST(ExifInfo, ExposureIsFormattedAsTheSummaryShowsIt)
 {
-    ExifInfo info(group("{Exif}", {{QStringLiteral("FocalLength"), 4.2},
-                                   {QStringLiteral("ExposureBiasValue"), -0.333},
-                                   {QStringLiteral("ISOSpeedRatings"), QVariantList{100, 200}},
-                                   {QStringLiteral("Flash"), 16},
-                                   {QStringLiteral("Rating"), 3}}));
+    ExifInfo info(mapOf({{"{Exif}", mapOf({{"FocalLength", 4.2},
+                                           {"ExposureBiasValue", -0.333},
+                                           {"ISOSpeedRatings", QVariantList{100, 200}},
+                                           {"Flash", 16},
+                                           {"Rating", 3}})}}));
     EXPECT_EQ(info.folcalLength().toString(), QStringLiteral("4.2 mm"));
     EXPECT_EQ(info.exposureBias().toString(), QStringLiteral("-0.33 EV"));
     EXPECT_EQ(info.exposureMode().toDouble(), -0.333);
@@ -78,8 +73,7 @@ TEST(ExifInfo, ExposureIsFormattedAsTheSummaryShowsIt)
     EXPECT_EQ(info.rating().toInt(), 3);
 
     // A second dictionary changes what it has and leaves the rest.
-    info.resetAllWithDict(
-        group("{Exif}", {{QStringLiteral("FocalLength"), 50.0}, {QStringLiteral("Flash"), qlonglong(0)}}));
+    info.resetAllWithDict(mapOf({{"{Exif}", mapOf({{"FocalLength", 50.0}, {"Flash", qlonglong(0)}})}}));
     EXPECT_EQ(info.folcalLength().toString(), QStringLiteral("50 mm"));
     EXPECT_EQ(info.flashFired(), 0);
     EXPECT_EQ(info.isoSpeedRating(), QStringLiteral("100,200"));
@@ -88,8 +82,8 @@ TEST(ExifInfo, ExposureIsFormattedAsTheSummaryShowsIt)
 
 TEST(ExifInfo, ASecondDictionaryWithoutSizesKeepsThem)
 {
-    ExifInfo info(sizes(4000, 3000, 6));
-    info.resetAllWithDict(group("{IPTC}", {{QStringLiteral("Keywords"), QVariantList{QStringLiteral("a b"), 7}}}));
+    ExifInfo info(mapOf({{"PixelWidth", 4000.0}, {"PixelHeight", 3000.0}, {"Orientation", 6}}));
+    info.resetAllWithDict(mapOf({{"{IPTC}", mapOf({{"Keywords", QVariantList{QStringLiteral("a b"), 7}}})}}));
     EXPECT_EQ(info.imageSize(), QStringLiteral("4000 x 3000"));
     EXPECT_EQ(info.imageSizeToDisplay(), QStringLiteral("3000 x 4000"));
     EXPECT_EQ(info.keywords(), QStringLiteral("a b,7"));
@@ -99,10 +93,10 @@ TEST(ExifInfo, ASecondDictionaryWithoutSizesKeepsThem)
 
 TEST(ExifInfo, OddObjectsAreReadAsFarAsTheyGo)
 {
-    const ExifInfo info(QVariantMap{{QStringLiteral("PixelWidth"), QStringLiteral("4000 pixels")},
-                                    {QStringLiteral("PixelHeight"), 1e30},
-                                    {QStringLiteral("{TIFF}"), 5},
-                                    {QStringLiteral("{GPS}"), QVariantMap{{QStringLiteral("Altitude"), -2.5}}}});
+    const ExifInfo info(mapOf({{"PixelWidth", QStringLiteral("4000 pixels")},
+                               {"PixelHeight", 1e30},
+                               {"{TIFF}", 5},
+                               {"{GPS}", mapOf({{"Altitude", -2.5}})}}));
     EXPECT_EQ(info.pixelWidth(), 4000);
     EXPECT_EQ(info.pixelHeight(), std::numeric_limits<int>::max());
     EXPECT_EQ(info.imageSize(), QStringLiteral("4000 pixels x 1e+30"));

@@ -10,11 +10,14 @@
 
 using namespace hazelmark;
 
-TEST(BundleTest, TheProgramsOwnResourcesStandBesideItsBinFolder)
+TEST(BundleTest, TheProgramsOwnStandsBesideItsBinFolderWithNameAndVersion)
 {
     const QDir bin(QCoreApplication::applicationDirPath());
     EXPECT_EQ(Bundle::mainBundle().resourcePath(),
               QDir::cleanPath(bin.absoluteFilePath(QStringLiteral("../share/hazelmark"))));
+    const QVariantMap info = Bundle::infoDictionary();
+    EXPECT_EQ(info.value(QStringLiteral("CFBundleName")).toString(), QStringLiteral("Hazelmark"));
+    EXPECT_TRUE(info.value(QStringLiteral("CFBundleVersion")).toString().contains(QLatin1Char('.')));
 }
 
 TEST(BundleTest, FindsResourcesInItselfAndNowhereElse)
@@ -37,19 +40,11 @@ TEST(BundleTest, FindsResourcesInItselfAndNowhereElse)
     EXPECT_EQ(path("../secret", "plist"), QString());
     EXPECT_EQ(path("", ""), QString());
     EXPECT_EQ(path("Brushes", "bundle"), bundle.subBundle(QStringLiteral("Brushes")).resourcePath());
-    EXPECT_FALSE(bundle.subBundle(QStringLiteral("Brushes"))
-                     .pathForResource(QStringLiteral("tip"), QStringLiteral("png"))
-                     .isEmpty());
-    EXPECT_TRUE(bundle.subBundle(QStringLiteral("None"))
-                    .pathForResource(QStringLiteral("tip"), QStringLiteral("png"))
-                    .isEmpty());
-}
-
-TEST(BundleTest, KnowsNameAndVersion)
-{
-    const QVariantMap info = Bundle::infoDictionary();
-    EXPECT_EQ(info.value(QStringLiteral("CFBundleName")).toString(), QStringLiteral("Hazelmark"));
-    EXPECT_TRUE(info.value(QStringLiteral("CFBundleVersion")).toString().contains(QLatin1Char('.')));
+    const auto tipIn = [&](const QString &name) {
+        return bundle.subBundle(name).pathForResource(QStringLiteral("tip"), QStringLiteral("png"));
+    };
+    EXPECT_FALSE(tipIn(QStringLiteral("Brushes")).isEmpty());
+    EXPECT_TRUE(tipIn(QStringLiteral("None")).isEmpty());
 }
 
 TEST(FormatStringTest, FillsSpecifiersInOrderAndLeavesOtherPercentSigns)
