@@ -47,7 +47,7 @@ PhotoMetadata parseBlocks(const QString &path, const EmbeddedBlocks &blocks)
         qCWarning(lcDocument).noquote() << path + QStringLiteral(": EXIF block left out: its tags share their values");
     } else if (!blocks.exif.isEmpty()) {
         withExiv2(path, [&] {
-            const QByteArray exif = withoutHeavyNote(blocks.exif);
+            const QByteArray exif = withoutUnusualNote(blocks.exif);
             const auto order = Exiv2::ExifParser::decode(metadata.exif, bytesOf(exif), uint32_t(exif.size()));
             if (exif != blocks.exif)
                 eraseNote(metadata.exif);

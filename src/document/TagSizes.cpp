@@ -3,10 +3,8 @@
 #include "TiffBlock.h"
 
 #include <algorithm>
-#include <array>
 #include <optional>
 #include <set>
-#include <utility>
 #include <vector>
 
 namespace hazelmark {
@@ -104,38 +102,6 @@ private:
     qint64 m_sum = 0;
 };
 
-/// The size of the value if it is large and lies in the block; else 0.
-qint64 largeValueAt(const QByteArray &block, qsizetype at, bool isBigEndian)
-{
-    constexpr std::array<quint8, 14> kTypeSizes = {1, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4};
-    constexpr qint64 kLarge = 16 * 1024;
-    const qint64 count = tiffNumber<quint32>(block, at + 4, isBigEndian);
-    if (count == 0 || count > block.size())
-        return 0;
-    const auto type = tiffNumber<quint16>(block, at + 2, isBigEndian);
-    const qint64 size = count * (type < kTypeSizes.size() ? kTypeSizes[type] : 1);
-    return size > kLarge && size + tiffNumber<quint32>(block, at + 8, isBigEndian) <= block.size() ? size : 0;
-}
-
-/// Whether there is anything like a directory with values that are several times as large as the block.
-bool couldHoldHeavyDirectory(const QByteArray &block, bool isBigEndian)
-{
-    constexpr qsizetype kMostEntries = 256; // that Exiv2 reads
-    constexpr qsizetype kMostTimes = 32;    // small numbers side by side look like some large values, too
-    for (qsizetype phase = 0; phase < TiffBlock::kEntrySize; ++phase) {
-        std::array<qint64, kMostEntries> sizes = {};
-        qint64 sum = 0;
-        size_t index = 0;
-        for (qsizetype at = phase; at + TiffBlock::kEntrySize <= block.size(); at += TiffBlock::kEntrySize) {
-            const qint64 size = largeValueAt(block, at, isBigEndian);
-            sum += size - std::exchange(sizes[index++ % kMostEntries], size);
-            if (sum > kMostTimes * block.size())
-                return true;
-        }
-    }
-    return false;
-}
-
 } // namespace
 
 bool hasPlausibleTags(const QByteArray &exif)
@@ -150,12 +116,10 @@ bool hasPlausibleTags(QFile &tiff)
     return TagWalk(read, tiff.size()).isPlausible();
 }
 
-QByteArray withoutHeavyNote(const QByteArray &exif)
+QByteArray withoutUnusualNote(const QByteArray &exif)
 {
-    constexpr qsizetype kMostUsual = 128 * 1024; // two segments of a JPEG file
-    constexpr qsizetype kMostSearched = 5 * 512 * 1024;
-    if (exif.size() <= kMostUsual ||
-        (exif.size() <= kMostSearched && !couldHoldHeavyDirectory(exif, true) && !couldHoldHeavyDirectory(exif, false)))
+    constexpr qsizetype kMostUsual = 384 * 1024;
+    if (exif.size() <= kMostUsual)
         return exif;
     std::optional<TiffBlock> block = TiffBlock::of(exif);
     if (!block)

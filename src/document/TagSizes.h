@@ -14,9 +14,8 @@ bool hasPlausibleTags(const QByteArray &exif);
 /// The same of the TIFF file. Reads its directories alone.
 bool hasPlausibleTags(QFile &tiff);
 
-/// An EXIF block without a maker's note that could be made to take gigabytes. Every maker has other directories in it,
-/// so they are not walked: what looks like a directory anywhere in the block counts for one. Blocks of the size that
-/// cameras write come back as they are; those of several megabytes always lose their note.
-QByteArray withoutHeavyNote(const QByteArray &exif);
+/// An EXIF block without a maker's note where the block is several times as large as cameras write it: every maker has
+/// other directories in the note, so they cannot be looked over. In smaller blocks they can do no great harm.
+QByteArray withoutUnusualNote(const QByteArray &exif);
 
 } // namespace hazelmark
