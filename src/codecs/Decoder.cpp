@@ -4,6 +4,7 @@
 #include "SourceFile.h"
 
 #include <new>
+#include <vector>
 
 namespace hazelmark {
 
@@ -43,8 +44,12 @@ Outcome<T> withSource(const QString &path, const Read &read)
 
 Outcome<PictureInfo> readPictureInfo(const QString &path)
 {
-    return withSource<PictureInfo>(
-        path, [](const PictureFormat &format, SourceFile &source) { return format.readInfo(source); });
+    return withSource<PictureInfo>(path, [](const PictureFormat &format, SourceFile &source) -> Outcome<PictureInfo> {
+        Outcome<PictureInfo> info = format.readInfo(source);
+        if (info) // exports are scaled to the last one's size
+            std::erase_if(info->frames, [&](QSize size) { return source.checkSize(size.width(), size.height()); });
+        return info;
+    });
 }
 
 Outcome<Picture> decodePicture(const QString &path, QSize atLeast)

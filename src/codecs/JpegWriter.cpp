@@ -7,10 +7,13 @@
 
 #include <algorithm>
 #include <condition_variable>
+#include <cstdio>
 #include <map>
 #include <mutex>
 #include <new>
 #include <vector>
+
+#include <jpeglib.h>
 
 namespace hazelmark {
 
@@ -167,6 +170,8 @@ void JpegWriter::fail(const QString &message)
 
 Outcome<Done> encodeJpeg(const QImage &pixels, const EncodeOptions &options, FileSink &sink)
 {
+    if (std::max(pixels.width(), pixels.height()) > JPEG_MAX_DIMENSION)
+        return sink.failure(QStringLiteral("a side of more than %1 pixels").arg(JPEG_MAX_DIMENSION));
     return JpegWriter(pixels, options, sink).encode();
 }
 

@@ -114,7 +114,13 @@ PhotoMetadata readMetadataToCarry(const QString &path, const QByteArray &format)
     if (format != "tiff")
         return readPhotoMetadata(path, format);
     const EmbeddedBlocks blocks = readTiffBlocks(path);
-    return blocks.exif.isEmpty() ? parseFile(path, blocks) : parseBlocks(path, blocks);
+    if (!blocks.exif.isEmpty())
+        return parseBlocks(path, blocks);
+    if (blocks.xmp.size() <= kMaxParsedXmp)
+        return parseFile(path, blocks);
+    PhotoMetadata metadata = parseBlocks(path, readTiffBlocksToShow(path));
+    metadata.blocks.exif.clear(); // it says how the file stores its pixels
+    return metadata;
 }
 
 } // namespace hazelmark

@@ -74,6 +74,17 @@ TEST_F(Bombs, TiffPagesAreListedWithoutTheirValuesAndLoopsEnd)
     EXPECT_EQ(infoOf(head + tiffPages(2, kStart, 0, kProfile, 100)).iccProfile, QByteArray(100, 'v'));
 }
 
+TEST_F(Bombs, LaterPageOfMoreThanAGigapixelIsNotListed)
+{
+    constexpr quint32 kStart = 16;
+    QByteArray file =
+        "II*" + QByteArray(1, '\0') + littleEndian(kStart) + QByteArray(8, 'v') + tiffPages(2, kStart, 0, 34675, 4);
+    const QByteArray width = tiffEntry(256, 4, 1, 1);
+    file.replace(file.lastIndexOf(width), 2 * width.size(),
+                 tiffEntry(256, 4, 1, 0x7fffffff) + tiffEntry(257, 4, 1, 0x7fffffff));
+    EXPECT_EQ(infoOf(file).frames, std::vector<QSize>{QSize(1, 1)});
+}
+
 TEST_F(Bombs, LayersInATiffTagAreNotRead)
 {
     constexpr quint32 kLayers = 0x935c;

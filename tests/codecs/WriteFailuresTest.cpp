@@ -67,7 +67,7 @@ TEST_P(WriteFailures, PathOrPictureThatCannotBeWrittenIsTold)
 TEST_P(WriteFailures, SideThatTheFormatCannotHoldIsToldAndOthersAreWritten)
 {
     const QString path = pathOf(QStringLiteral("picture"));
-    QImage wide(70000, 1, QImage::Format_RGBX8888);
+    QImage wide(600'000, 1, QImage::Format_RGBX8888);
     wide.fill(Qt::gray);
     const WriteFormat format = GetParam().second;
     const auto written = encodePicture(wide, optionsFor(format), path);
