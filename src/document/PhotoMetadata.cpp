@@ -116,7 +116,7 @@ PhotoMetadata readMetadataToCarry(const QString &path, const QByteArray &format)
     const EmbeddedBlocks blocks = readTiffBlocks(path);
     if (!blocks.exif.isEmpty())
         return parseBlocks(path, blocks);
-    if (blocks.xmp.size() <= kMaxParsedXmp)
+    if (isPlausible(path))
         return parseFile(path, blocks);
     PhotoMetadata metadata = parseBlocks(path, readTiffBlocksToShow(path));
     metadata.blocks.exif.clear(); // it says how the file stores its pixels

@@ -11,6 +11,7 @@ namespace hazelmark {
 
 namespace {
 
+constexpr quint16 kXmp = 0x02bc;
 constexpr quint16 kSubDirectories = 0x014a;
 constexpr quint16 kExifDirectory = 0x8769;
 constexpr quint16 kGpsDirectory = 0x8825;
@@ -38,7 +39,6 @@ public:
     {
         constexpr size_t kMostDirectories = 64;
         constexpr qint64 kShared = 64 * 1024;
-        constexpr qint64 kMost = qint64(1) << 30;
         const std::optional<TiffBlock> head = TiffBlock::of(m_header);
         if (!head)
             return true; // nothing that is read as tags
@@ -58,6 +58,9 @@ public:
     }
 
 private:
+    static constexpr qint64 kMost = qint64(1) << 30;
+    static constexpr qint64 kMostXmp = 512 * 1024; ///< a packet takes a hundred times its size while it is parsed
+
     void takeDirectory(quint32 offset)
     {
         const QByteArray count = m_read(offset, 2);
@@ -76,7 +79,7 @@ private:
             const qint64 size = std::max<qint64>(entry.statedSize, entry.count); // types that do not exist: bytes
             if (entry.valueOffset + size > m_size)
                 continue;
-            m_sum += size;
+            m_sum += entry.tag == kXmp && size > kMostXmp ? kMost + 1 : size;
             if (leadsToDirectories(entry.tag))
                 takeOffsets(bytes, entry);
         }

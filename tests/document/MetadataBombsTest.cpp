@@ -65,6 +65,16 @@ TEST(MetadataBombs, NoteOfAnUnusuallyLargeBlockIsNotRead)
     EXPECT_FALSE(withoutUnusualNote(block + QByteArray(800'000, '\0')).contains(entry));
 }
 
+TEST(MetadataBombs, BlockWithAHugePacketAmongItsTagsIsImplausible)
+{
+    const auto blockWith = [](quint32 packetSize) {
+        return QByteArray("II*\0\x08\0\0\0", 8) + tiffBytes(quint16(1), false) + tiffEntry(700, 1, packetSize, 26) +
+               QByteArray(4 + qsizetype(packetSize), '\0');
+    };
+    EXPECT_TRUE(hasPlausibleTags(blockWith(100'000)));
+    EXPECT_FALSE(hasPlausibleTags(blockWith(1'000'000)));
+}
+
 TEST(MetadataBombs, PackedTextsHaveRoomForOneLargeBlockTogether)
 {
     const auto number = [](qsizetype value) { return tiffBytes(quint32(value), true); };
