@@ -51,7 +51,8 @@ void reportNotLoaded(const Failure &failure)
 {
     using Reason = Failure::Reason;
     const bool opened = failure.reason == Reason::Damaged || failure.reason == Reason::Truncated ||
-                        failure.reason == Reason::TooLarge || failure.reason == Reason::OutOfMemory;
+                        failure.reason == Reason::TooLarge || failure.reason == Reason::OutOfMemory ||
+                        failure.reason == Reason::UnsupportedFormat;
     writeToStandardError(opened ? QStringLiteral("Image not created from image source.")
                                 : QStringLiteral("Image source is NULL."));
 }

@@ -117,6 +117,14 @@ TEST_F(ImageLoaderFiles, FailuresAreToldOnStandardErrorWithoutALineEnd)
     const auto loaded = ImageLoader::load(path);
     ASSERT_FALSE(bool(loaded));
     EXPECT_EQ(loaded.failure().reason, Failure::Reason::Truncated);
+
+    // The file opens, but nobody can make a picture of it: a lossless JPEG.
+    QByteArray lossless = readBytes(write(noise({64, 64}, QImage::Format_RGBX8888), {}, WriteFormat::Jpeg));
+    lossless[lossless.indexOf("\xff\xc0") + 1] = '\xc3';
+    const QString unknown = writeBytes(m_folder, QStringLiteral("lossless.jpg"), lossless);
+    ::testing::internal::CaptureStderr();
+    EXPECT_EQ(ImageLoader::getImageWithFixedOrientionFromUrl(unknown), nullptr);
+    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Image not created from image source.");
 }
 
 TEST(SizeFromText, TheFirstTwoNumbersCount)
