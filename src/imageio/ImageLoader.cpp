@@ -91,22 +91,26 @@ Outcome<ImageLoader::Loaded> withinMemory(const QString &path, const Load &load)
     }
 }
 
-PhotoImagePtr photoOrReport(const Outcome<ImageLoader::Loaded> &loaded)
+Outcome<ImageLoader::Loaded> reported(Outcome<ImageLoader::Loaded> loaded)
 {
-    if (loaded)
-        return loaded->photo;
-    reportNotLoaded(loaded.failure());
-    return nullptr;
+    if (!loaded)
+        reportNotLoaded(loaded.failure());
+    return loaded;
+}
+
+PhotoImagePtr photoOf(const Outcome<ImageLoader::Loaded> &loaded)
+{
+    return loaded ? loaded->photo : nullptr;
 }
 
 } // namespace
 
 Outcome<ImageLoader::Loaded> ImageLoader::load(const QString &path)
 {
-    return withinMemory(path, [&] {
+    return reported(withinMemory(path, [&] {
         const QSizeF size = getImageOriginalSizeAtFilePathUrl(path);
         return inRgb(readFile(path, float(size.width())));
-    });
+    }));
 }
 
 Outcome<ImageLoader::Loaded> ImageLoader::loadReduced(const QString &path, QSize bound)
@@ -121,7 +125,7 @@ Outcome<ImageLoader::Loaded> ImageLoader::loadReduced(const QString &path, QSize
 
 PhotoImagePtr ImageLoader::getImageWithFixedOrientionFromUrl(const QString &path)
 {
-    return photoOrReport(load(path));
+    return photoOf(load(path));
 }
 
 QSizeF ImageLoader::getImageOriginalSizeAtFilePathUrl(const QString &path)
@@ -137,7 +141,7 @@ QSizeF ImageLoader::getImageOriginalSizeAtFilePathUrl(const QString &path)
 
 PhotoImagePtr ImageLoader::getImageFromFile(const QString &path, float minWidth, float)
 {
-    return photoOrReport(withinMemory(path, [&] { return readFile(path, minWidth); }));
+    return photoOf(reported(withinMemory(path, [&] { return readFile(path, minWidth); })));
 }
 
 PhotoImagePtr ImageLoader::convertGraycolorModelToRgb(const PhotoImagePtr &photo)

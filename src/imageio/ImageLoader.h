@@ -20,14 +20,15 @@ public:
         bool convertedToSrgb = false;            ///< the file's colours had no RGB form
     };
 
-    /// The photo in full size, upright, RGB, with a logical size equal to its pixel size.
+    /// The photo in full size, upright, RGB, with a logical size equal to its pixel size. A failure is told on standard
+    /// error too, in few words.
     static Outcome<Loaded> load(const QString &path);
 
     /// A smaller upright RGB picture of the photo, no larger than `bound` (pixels) and filling it along one side; the
     /// photo in full size where that is smaller. Takes the short cuts that a codec offers.
     static Outcome<Loaded> loadReduced(const QString &path, QSize bound);
 
-    /// load(), with null for any failure, which is then told on standard error.
+    /// load(), with null for any failure.
     static PhotoImagePtr getImageWithFixedOrientionFromUrl(const QString &path);
 
     /// Width and height of the upright picture in pixels, from the file's metadata; (0, 0) without any.
