@@ -9,6 +9,17 @@
 
 namespace hazelmark {
 
+namespace {
+
+/// Of any size: the blend fits it to its receiver in one step. By way of the logical size, which another render may
+/// have set to anything, it would be scaled twice and lose by it.
+FilterImage pixelsOf(const PhotoImagePtr &photo)
+{
+    return photo ? photo->pixels() : FilterImage();
+}
+
+} // namespace
+
 PhotoImagePtr FlippedImage::imageFromContext(const PhotoImagePtr &receiver, const ImageFilter &withFilter)
 {
     return PhotoImage::drawing(withFilter.outputImage(), receiver->size());
@@ -24,11 +35,10 @@ PhotoImagePtr FlippedImage::blendWithAlphaMask(const PhotoImagePtr &receiver, co
 {
     if (!receiver)
         return nullptr;
-    const Utils &utils = Utils::sharedUtils();
     BlendWithMaskFilter blend;
-    blend.setImage(ImageFilter::kInputImage, utils.getCIImageFromNSImage(receiver));
-    blend.setImage(ImageFilter::kInputBackgroundImage, utils.getCIImageFromNSImage(background));
-    blend.setImage(ImageFilter::kInputMaskImage, utils.getCIImageFromNSImage(overlapImage));
+    blend.setImage(ImageFilter::kInputImage, Utils::sharedUtils().getCIImageFromNSImage(receiver));
+    blend.setImage(ImageFilter::kInputBackgroundImage, pixelsOf(background));
+    blend.setImage(ImageFilter::kInputMaskImage, pixelsOf(overlapImage));
     return imageFromContext(receiver, blend);
 }
 

@@ -86,10 +86,14 @@ TEST(Blend, PicturesAreFittedToTheReceiversSize)
     const PhotoImagePtr paint = photoOf(drawn({20, 10}, QImage::Format_RGBX8888, [](int, int y) -> QColor {
         return y < 5 ? Qt::green : Qt::black; // the upper half
     }));
-    paint->setSize({7, 3}); // as some other render left it
     const PhotoImagePtr blended = FlippedImage::blendWithAlphaMask(front, back, paint, 20);
     EXPECT_EQ(blended->size(), QSizeF(200, 100));
     const QImage result = blended->bitmap();
+    for (const QSizeF &size : {QSizeF(7, 3), QSizeF(6000, 4000)}) {
+        paint->setSize(size); // as some other render left it
+        back->setSize(size);
+        EXPECT_EQ(FlippedImage::blendWithAlphaMask(front, back, paint, 20)->bitmap(), result) << size.width();
+    }
     ASSERT_EQ(result.size(), QSize(200, 100));
     for (int x = 0; x < 200; ++x) {
         EXPECT_EQ(samplesAt(result, x, 10)[0], 255);
