@@ -175,21 +175,21 @@ TEST_P(DiscKernels, BlockSumsAreThoseOfTheSpans)
 
 TEST_P(DiscKernels, WeightsOneByOneAddUp)
 {
-    constexpr int kReach = 3;
+    constexpr int kReach = kMostReach;
     const std::vector<float> weights = randomValues((kReach + 1) * (kReach + 1), 6);
-    const std::size_t stride = width() + 2 * kReach;
+    const std::size_t stride = upTo(kRowGrain, width() + 2 * kReach);
     const std::vector<float> plane = randomValues(stride * (2 * kReach + 1), 7);
     std::vector<float> means(width() + kRoom, kUntouched);
-    weighRow(plane.data() + kReach * stride + kReach, stride, weights.data(), kReach, means.data(), width());
+    weighRow(plane.data() + kReach * stride, stride, weights.data(), kReach, means.data(), width());
     for (std::size_t i = 0; i < width(); ++i) {
         double sum = 0.0;
         for (int dy = -kReach; dy <= kReach; ++dy)
             for (int dx = -kReach; dx <= kReach; ++dx)
                 sum += double(weights[std::size_t(std::abs(dy) * (kReach + 1) + std::abs(dx))]) *
                        plane[std::size_t(kReach + dy) * stride + i + std::size_t(kReach + dx)];
-        EXPECT_NEAR(means[i], sum, 1e-5);
+        EXPECT_NEAR(means[i], sum, 2e-5);
     }
-    EXPECT_EQ(means[width()], kUntouched);
+    EXPECT_EQ(means[upTo(kRowGrain, width())], kUntouched);
 }
 
 TEST_P(DiscKernels, CellsAreMeansOfTheirPixels)
@@ -265,7 +265,7 @@ TEST_P(DiscKernels, RowsOfCellsAreCombinedAndClamped)
 
 INSTANTIATE_TEST_SUITE_P(EveryInstructionSet, DiscKernels,
                          ::testing::Combine(::testing::ValuesIn(hwy::SupportedAndGeneratedTargets()),
-                                            ::testing::Values(1, 3, 15, 16, 17, 31, 33, 64, 130)),
+                                            ::testing::Values(1, 3, 15, 16, 17, 31, 33, 64, 130, 530)),
                          [](const auto &instance) {
                              return std::string(hwy::TargetName(std::get<0>(instance.param))) + "Width" +
                                     std::to_string(std::get<1>(instance.param));

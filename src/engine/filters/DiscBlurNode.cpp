@@ -14,6 +14,7 @@ namespace {
 
 /// Below, weights one by one are as fast as prefix sums, and exact.
 constexpr double kLeastSummedRadius = 4.5;
+static_assert(kLeastSummedRadius + 0.5 <= kernels::kMostReach);
 
 /// How far a disc of spans may be off, of 1; over cells it is not all the error there is.
 constexpr double kGoodOverPixels = 0.45 / 255.0;
@@ -74,7 +75,7 @@ void weigh(Tile &result, const Weights &weights, const TileReader &inputs)
     const Tile input = readAround(rect, weights.reach, inputs);
     for (int c = 0; c < result.channels(); ++c)
         for (int y = rect.top(); y <= rect.bottom(); ++y)
-            kernels::weighRow(input.row(c, y) + weights.reach, input.stride(), weights.values.data(), weights.reach,
+            kernels::weighRow(input.row(c, y), input.stride(), weights.values.data(), weights.reach,
                               result.row(c, y), std::size_t(rect.width()));
 }
 

@@ -14,41 +14,50 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
-/// The two pixels at distance dx in one row.
-template <class D>
-HWY_INLINE hn::Vec<D> pairAt(D d, const float *middle, int dx)
-{
-    const auto right = hn::LoadU(d, middle + dx);
-    return dx == 0 ? right : hn::Add(right, hn::LoadU(d, middle - dx));
-}
+using DF = hn::CappedTag<float, kRowGrain>;
+using VF = hn::Vec<DF>;
 
-template <class D>
-HWY_INLINE void weighVector(D d, const float *middle, std::ptrdiff_t stride, const float *weights, int reach,
-                            float *mean)
+constexpr std::size_t kPart = 512; // columns at a time, so that the folded rows stay in the first-level cache
+constexpr std::size_t kFoldedStride = kPart + kRowGrain;
+static_assert(2 * kMostReach <= kRowGrain);
+
+/// Adds the rows at the same distance above and below: folded row dy is their sum.
+HWY_INLINE void fold(const float *plane, std::ptrdiff_t stride, int reach, std::size_t columns, float *folded)
 {
-    auto sum = hn::Zero(d);
-    for (int dy = 0; dy <= reach; ++dy) {
-        const float *row = weights + dy * (reach + 1);
-        for (int dx = 0; dx <= reach && row[dx] > 0.0f; ++dx) {
-            auto ring = pairAt(d, middle + dy * stride, dx);
-            if (dy > 0)
-                ring = hn::Add(ring, pairAt(d, middle - dy * stride, dx));
-            sum = hn::MulAdd(ring, hn::Set(d, row[dx]), sum);
+    const DF df;
+    for (int dy = 0; dy <= reach; ++dy, folded += kFoldedStride) {
+        for (std::size_t i = 0; i < columns; i += hn::Lanes(df)) {
+            const VF above = hn::LoadU(df, plane + dy * stride + i);
+            hn::Store(dy == 0 ? above : hn::Add(above, hn::LoadU(df, plane - dy * stride + i)), df, folded + i);
         }
     }
-    hn::StoreU(sum, d, mean);
 }
 
-void WeighRow(const float *middle, std::size_t stride, const float *weights, int reach, float *means, std::size_t width)
+HWY_INLINE VF weighed(const float *folded, const float *weights, int reach)
 {
-    const hn::CappedTag<float, kRowGrain> d;
-    const std::size_t lanes = hn::Lanes(d);
-    const std::ptrdiff_t rowStride = std::ptrdiff_t(stride);
-    std::size_t i = 0;
-    for (; i + lanes <= width; i += lanes)
-        weighVector(d, middle + i, rowStride, weights, reach, means + i);
-    for (; i < width; ++i)
-        weighVector(hn::CappedTag<float, 1>(), middle + i, rowStride, weights, reach, means + i);
+    const DF df;
+    VF sum = hn::Zero(df);
+    for (int dy = 0; dy <= reach; ++dy, folded += kFoldedStride, weights += reach + 1) {
+        const float *middle = folded + reach;
+        sum = hn::MulAdd(hn::LoadU(df, middle), hn::Set(df, weights[0]), sum);
+        for (int dx = 1; dx <= reach && weights[dx] > 0.0f; ++dx) {
+            const VF pair = hn::Add(hn::LoadU(df, middle - dx), hn::LoadU(df, middle + dx));
+            sum = hn::MulAdd(pair, hn::Set(df, weights[dx]), sum);
+        }
+    }
+    return sum;
+}
+
+void WeighRow(const float *plane, std::size_t stride, const float *weights, int reach, float *means, std::size_t width)
+{
+    const DF df;
+    HWY_ALIGN float folded[(kMostReach + 1) * kFoldedStride];
+    for (std::size_t x = 0; x < width; x += kPart) {
+        const std::size_t part = width - x < kPart ? width - x : kPart;
+        fold(plane + x, std::ptrdiff_t(stride), reach, part + 2 * std::size_t(reach), folded);
+        for (std::size_t i = 0; i < part; i += hn::Lanes(df))
+            hn::StoreU(weighed(folded + i, weights, reach), df, means + x + i);
+    }
 }
 
 } // namespace HWY_NAMESPACE
@@ -61,9 +70,9 @@ namespace hazelmark::kernels {
 
 HWY_EXPORT(WeighRow);
 
-void weighRow(const float *middle, std::size_t stride, const float *weights, int reach, float *means, std::size_t width)
+void weighRow(const float *plane, std::size_t stride, const float *weights, int reach, float *means, std::size_t width)
 {
-    HWY_DYNAMIC_DISPATCH(WeighRow)(middle, stride, weights, reach, means, width);
+    HWY_DYNAMIC_DISPATCH(WeighRow)(plane, stride, weights, reach, means, width);
 }
 
 } // namespace hazelmark::kernels
