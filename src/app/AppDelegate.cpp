@@ -1,6 +1,7 @@
 #include "AppDelegate.h"
 
 #include "AboutDialog.h"
+#include "AppLog.h"
 #include "ImageCatalog.h"
 #include "MainMenu.h"
 #include "NotificationNames.h"
@@ -15,13 +16,10 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QCursor>
-#include <QLoggingCategory>
 
 namespace hazelmark {
 
 namespace {
-
-Q_LOGGING_CATEGORY(lcApp, "hazelmark.app", QtInfoMsg)
 
 const QString kNotShowPromotionWindow = QStringLiteral("notShowPromotionWindow");
 

@@ -1,5 +1,6 @@
 #include "PromotionWindow.h"
 
+#include "AppLog.h"
 #include "Bundle.h"
 #include "DotPageControl.h"
 #include "ImageCatalog.h"
@@ -12,7 +13,6 @@
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QLoggingCategory>
 #include <QPushButton>
 #include <QUrl>
 #include <QVBoxLayout>
@@ -20,8 +20,6 @@
 namespace hazelmark {
 
 namespace {
-
-Q_LOGGING_CATEGORY(lcPromotion, "hazelmark.app", QtInfoMsg)
 
 constexpr int kWidth = 460;    // points
 constexpr int kLogoSize = 96;  // points
@@ -192,7 +190,7 @@ void PromotionWindow::changeAppDetail()
 void PromotionWindow::pageControlDidSelectPageAtIndex(int index)
 {
     m_timerOfApps.stop();
-    qCInfo(lcPromotion, "PromotionWindow: Selected page at index: %d", index);
+    qCInfo(lcApp, "PromotionWindow: Selected page at index: %d", index);
     showEntry(index);
 }
 

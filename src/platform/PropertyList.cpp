@@ -1,15 +1,14 @@
 #include "PropertyList.h"
 
+#include "PlatformLog.h"
+
 #include <QFile>
-#include <QLoggingCategory>
 #include <QVariantList>
 #include <QXmlStreamReader>
 
 namespace hazelmark {
 
 namespace {
-
-Q_LOGGING_CATEGORY(lcPlatform, "hazelmark.platform")
 
 constexpr qint64 kLargestFile = 4 << 20;
 constexpr int kDeepest = 16;

@@ -1,9 +1,9 @@
 #include "Workspace.h"
 
+#include "PlatformLog.h"
 #include "ProcessWide.h"
 
 #include <QFileInfo>
-#include <QLoggingCategory>
 #include <QProcess>
 #include <QTimer>
 
@@ -15,8 +15,6 @@
 namespace hazelmark {
 
 namespace {
-
-Q_LOGGING_CATEGORY(lcPlatform, "hazelmark.platform")
 
 // A program that still runs after this time is the viewer itself, or waits for it: it has opened the file.
 constexpr std::chrono::seconds kOpenerAnswer{5};
