@@ -8,13 +8,12 @@
 
 namespace hazelmark {
 
-/// A brush tip made ready for stamping: premultiplied 8-bit samples as floats in 0..1, and the same at half the size,
-/// a quarter and so on, each made when it is first asked for.
+/// A brush tip made ready for stamping: its premultiplied 8-bit samples as floats in 0..1.
 class BrushTexture
 {
 public:
-    /// The tip at one size: one plane (a white tip, whose four components are equal) or four (R, G, B, A).
-    struct Level
+    /// One plane (a white tip, whose four components are equal) or four (R, G, B, A).
+    struct Texels
     {
         int width = 0;
         int height = 0;
@@ -38,18 +37,15 @@ public:
     /// A tip without pixels gives the empty texture.
     explicit BrushTexture(const QImage &tip);
 
-    bool isEmpty() const { return m_levels.empty(); }
     /// Whether this is the texture of the very same pixels.
     bool isMadeFrom(const QImage &tip) const { return m_tipKey == tip.cacheKey(); }
 
-    /// The size to sample bilinearly for a stamp `pointSize` wide: the tip itself, halved for as long as it stays at
-    /// least as large as the stamp. So a stamp never steps over texels, and its edge is as smooth as the tip's.
     /// Null for the empty texture.
-    std::shared_ptr<const Level> levelFor(float pointSize);
+    const std::shared_ptr<const Texels> &texels() const { return m_texels; }
 
 private:
     qint64 m_tipKey = 0;
-    std::vector<std::shared_ptr<const Level>> m_levels;
+    std::shared_ptr<const Texels> m_texels;
 };
 
 } // namespace hazelmark

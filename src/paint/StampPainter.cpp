@@ -30,6 +30,14 @@ Span coveredPixels(double low, double high, int size, int begin = 0)
     return {clipped(low), clipped(high)};
 }
 
+kernels::StampRow::Spacing spacingOf(double texelsPerColumn)
+{
+    using Spacing = kernels::StampRow::Spacing;
+    if (texelsPerColumn < 0.999)
+        return Spacing::Dense;
+    return texelsPerColumn < 1.999 ? Spacing::Near : Spacing::Wide;
+}
+
 /// The tip's columns as the pixels of one stamp see them: the same for every line.
 class StampColumns
 {
@@ -62,45 +70,50 @@ private:
 class TipRow
 {
 public:
-    explicit TipRow(const BrushTexture::Level &level)
-        : m_level(level)
-        , m_stride(std::size_t(level.width + kernels::StampRow::kPadding))
-        , m_samples(m_stride * std::size_t(level.planes))
+    TipRow(const BrushTexture::Texels &texels, double texelsPerColumn)
+        : m_texels(texels)
+        , m_texelsPerColumn(texelsPerColumn)
+        , m_stride(std::size_t(texels.width + kernels::StampRow::kPadding))
+        , m_samples(m_stride * std::size_t(texels.planes))
     {
     }
 
     /// Mixes the row at `place` (row i of texels is at i). False when nothing is covered there.
     bool mix(double place)
     {
-        const double inside = std::clamp(place, 0.0, double(m_level.height - 1));
+        const double inside = std::clamp(place, 0.0, double(m_texels.height - 1));
         const int upper = int(inside);
-        const int lower = std::min(upper + 1, m_level.height - 1);
+        const int lower = std::min(upper + 1, m_texels.height - 1);
         const auto share = float(inside - upper);
-        const auto [upperFirst, upperLast] = m_level.covered[std::size_t(upper)];
-        const auto [lowerFirst, lowerLast] = m_level.covered[std::size_t(lower)];
+        const auto [upperFirst, upperLast] = m_texels.covered[std::size_t(upper)];
+        const auto [lowerFirst, lowerLast] = m_texels.covered[std::size_t(lower)];
         const int first = std::min(upperFirst, lowerFirst);
         const int last = std::max(upperLast, lowerLast);
         if (first > last)
             return false;
         // With the uncovered neighbours, towards which the interpolation falls off to 0.
         m_first = std::max(first - 1, 0);
-        m_last = std::min(last + 1, m_level.width - 1);
-        for (int plane = 0; plane < m_level.planes; ++plane) {
+        m_last = std::min(last + 1, m_texels.width - 1);
+        // As far as the pixels reach that pixels() adds.
+        const double reach = std::max(kernels::kMaxStampLanes * m_texelsPerColumn, double(kernels::StampRow::kPadding));
+        const auto zeros = std::size_t(std::min(std::ceil(reach), double(m_stride) - m_last - 1));
+        for (int plane = 0; plane < m_texels.planes; ++plane) {
             float *mixed = m_samples.data() + std::size_t(plane) * m_stride;
-            kernels::mixRows(m_level.row(plane, upper) + m_first, m_level.row(plane, lower) + m_first, share,
+            kernels::mixRows(m_texels.row(plane, upper) + m_first, m_texels.row(plane, lower) + m_first, share,
                              mixed + m_first, m_last - m_first + 1);
-            std::fill_n(mixed + m_last + 1, kernels::StampRow::kPadding, 0.0F);
+            std::fill_n(mixed + m_last + 1, zeros, 0.0F);
         }
         return true;
     }
 
     /// The pixels that the last mix covers, of a stamp that begins at `left`. Where the buffer's width allows, they
     /// go on to a whole number of blocks: pixels behind the covered ones sample 0 and stay as they are.
-    Span pixels(double left, double columnsPerTexel, int width) const
+    Span pixels(double left, int width) const
     {
-        const bool reachesEnd = m_last == m_level.width - 1;
+        const double columnsPerTexel = 1 / m_texelsPerColumn;
+        const bool reachesEnd = m_last == m_texels.width - 1;
         const double begin = m_first > 0 ? (m_first + 0.5) * columnsPerTexel : 0;
-        const double end = (reachesEnd ? m_level.width : m_last + 0.5) * columnsPerTexel;
+        const double end = (reachesEnd ? m_texels.width : m_last + 0.5) * columnsPerTexel;
         Span span = coveredPixels(left + begin, left + end, width);
         if (!reachesEnd) {
             const int blocks = (span.end - span.begin + kernels::kMaxStampLanes - 1) / kernels::kMaxStampLanes;
@@ -113,12 +126,13 @@ public:
     {
         std::array<const float *, 4> rows{};
         for (std::size_t plane = 0; plane < 4; ++plane)
-            rows[plane] = m_samples.data() + (m_level.planes == 4 ? plane * m_stride : 0);
+            rows[plane] = m_samples.data() + (m_texels.planes == 4 ? plane * m_stride : 0);
         return rows;
     }
 
 private:
-    const BrushTexture::Level &m_level;
+    const BrushTexture::Texels &m_texels;
+    double m_texelsPerColumn;
     std::size_t m_stride;
     std::vector<float> m_samples;
     int m_first = 0;
@@ -144,11 +158,11 @@ StampTarget StampTarget::lines(int begin, int end) const
     return part;
 }
 
-StampPainter::StampPainter(Mode mode, const Color &color, float pointSize, BrushTexture &texture)
+StampPainter::StampPainter(Mode mode, const Color &color, float pointSize, const BrushTexture &texture)
     : m_pointSize(pointSize)
 {
     if (std::isfinite(pointSize) && pointSize > 0)
-        m_level = texture.levelFor(pointSize);
+        m_texels = texture.texels();
     if (mode == Mode::Paint) {
         m_alpha = fraction(color.alpha);
         m_addend = {255 * fraction(color.red), 255 * fraction(color.green), 255 * fraction(color.blue), 255 * m_alpha};
@@ -157,16 +171,16 @@ StampPainter::StampPainter(Mode mode, const Color &color, float pointSize, Brush
 
 QRect StampPainter::stamp(const StampTarget &target, const std::vector<StampCentre> &centres) const
 {
-    if (!m_level)
+    if (!m_texels)
         return {};
-    const double texelsPerColumn = m_level->width / m_pointSize;
-    const double texelsPerLine = m_level->height / m_pointSize;
-    TipRow tip(*m_level);
+    const double texelsPerColumn = m_texels->width / m_pointSize;
+    const double texelsPerLine = m_texels->height / m_pointSize;
+    TipRow tip(*m_texels, texelsPerColumn);
     StampColumns stampColumns;
     kernels::StampRow row{};
     row.tip = tip.planes();
-    row.white = m_level->planes == 1;
-    row.dense = texelsPerColumn < 0.999;
+    row.white = m_texels->planes == 1;
+    row.spacing = spacingOf(texelsPerColumn);
     row.addend = m_addend;
     row.alpha = m_alpha;
 
@@ -180,11 +194,11 @@ QRect StampPainter::stamp(const StampTarget &target, const std::vector<StampCent
         const Span lines = coveredPixels(top, top + m_pointSize, target.endLine, target.beginLine);
         if (columns.begin >= columns.end || lines.begin >= lines.end)
             continue;
-        stampColumns.place(columns, left, texelsPerColumn, m_level->width);
+        stampColumns.place(columns, left, texelsPerColumn, m_texels->width);
         for (int line = lines.begin; line < lines.end; ++line) {
             if (!tip.mix((line + 0.5 - top) * texelsPerLine - 0.5))
                 continue;
-            const Span span = tip.pixels(left, 1 / texelsPerColumn, target.width);
+            const Span span = tip.pixels(left, target.width);
             row.texel = stampColumns.texels(span.begin);
             row.fraction = stampColumns.fractions(span.begin);
             kernels::blendStampRow(target.bits + line * target.stride + 4 * qsizetype(span.begin),

@@ -37,7 +37,8 @@ struct StampTarget
 /// Stamps a tip into an 8-bit premultiplied RGBA buffer.
 ///
 /// A stamp is a square, `pointSize` wide, that shows the whole tip. It covers the pixels whose centres lie in it, at
-/// any fractional place. A covered pixel samples the tip bilinearly (see BrushTexture::levelFor), and
+/// any fractional place. A covered pixel samples the tip bilinearly, the four texels around its centre however
+/// far its neighbours are apart on the tip, and
 ///   painting:  pixel = sample * colour + pixel * (1 - sample alpha * colour alpha)
 ///   erasing:   pixel = pixel * (1 - sample alpha)
 /// with one rounding to the nearest 8-bit value a stamp. Painting over a full pixel leaves it as it is, and erasing
@@ -48,13 +49,13 @@ public:
     enum class Mode { Paint, Erase };
 
     /// Components of `color` outside 0..1 are clamped. Erasing takes no colour.
-    StampPainter(Mode mode, const Color &color, float pointSize, BrushTexture &texture);
+    StampPainter(Mode mode, const Color &color, float pointSize, const BrushTexture &texture);
 
     /// Stamps once at each centre, in order, clipped to the target. Gives the rectangle that may have changed.
     QRect stamp(const StampTarget &target, const std::vector<StampCentre> &centres) const;
 
 private:
-    std::shared_ptr<const BrushTexture::Level> m_level;
+    std::shared_ptr<const BrushTexture::Texels> m_texels; ///< null when nothing is stamped
     double m_pointSize;
     std::array<float, 4> m_addend{};
     float m_alpha = 1;

@@ -6,22 +6,13 @@
 
 namespace hazelmark {
 
-ReferenceTip::ReferenceTip(const QImage &tip, float pointSize)
+ReferenceTip::ReferenceTip(const QImage &tip)
     : side(tip.width())
 {
     const QImage pixels = tip.convertToFormat(QImage::Format_RGBA8888_Premultiplied);
     for (int y = 0; y < side; ++y)
         for (int x = 0; x < 4 * side; ++x)
             samples.push_back(pixels.constScanLine(y)[x] / 255.0);
-    while (side > 1 && side >= 2.0 * pointSize) {
-        std::vector<double> half;
-        for (int y = 0; y < side; y += 2)
-            for (int x = 0; x < side; x += 2)
-                for (int c = 0; c < 4; ++c)
-                    half.push_back((at(x, y, c) + at(x + 1, y, c) + at(x, y + 1, c) + at(x + 1, y + 1, c)) / 4);
-        side /= 2;
-        samples = half;
-    }
 }
 
 double ReferenceTip::at(int x, int y, int component) const
@@ -34,7 +25,7 @@ double ReferenceTip::at(int x, int y, int component) const
 void stampReference(QImage &buffer, StampPainter::Mode mode, const Color &color, float pointSize, const QImage &tip,
                     const std::vector<StampCentre> &centres)
 {
-    const ReferenceTip texels(tip, pointSize);
+    const ReferenceTip texels(tip);
     const bool erases = mode == StampPainter::Mode::Erase;
     const double modulated[] = {color.red, color.green, color.blue, color.alpha};
     for (const StampCentre &centre : centres) {

@@ -16,11 +16,10 @@ inline QImage blankBuffer(QSize size)
     return buffer;
 }
 
-/// The tip at the level that a stamp samples, computed again: halved by averages of 2 x 2 while it is at least twice
-/// as large as the stamp. The tip's side must be a power of two. Premultiplied RGBA in 0..1, 4 values a texel.
+/// A square tip: premultiplied RGBA in 0..1, 4 values a texel.
 struct ReferenceTip
 {
-    ReferenceTip(const QImage &tip, float pointSize);
+    explicit ReferenceTip(const QImage &tip);
     double at(int x, int y, int component) const;
 
     int side;

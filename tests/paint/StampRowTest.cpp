@@ -28,11 +28,14 @@ void blendScalar(std::uint8_t *pixels, int count, const kernels::StampRow &row)
     }
 }
 
+using Spacing = kernels::StampRow::Spacing;
+
 struct RowCase
 {
     const char *what;
     bool white;
     double step; ///< texels a pixel
+    kernels::StampRow::Spacing spacing;
     std::array<float, 4> addend;
     float alpha;
     bool greenPixels;
@@ -70,7 +73,7 @@ TEST_P(StampRowOnEveryTarget, AgreesWithTheScalarLoop)
                                 param.white,
                                 texel.data(),
                                 fraction.data(),
-                                param.step < 0.999,
+                                param.spacing,
                                 param.addend,
                                 param.alpha};
     std::vector<std::uint8_t> before(4 * kLongest);
@@ -100,18 +103,20 @@ TEST_P(StampRowOnEveryTarget, AgreesWithTheScalarLoop)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Rows, StampRowOnEveryTarget,
-                         testing::Values(RowCase{"green", true, 1.28, {0, 255, 0, 255}, 1, true},
-                                         RowCase{"green over colours", true, 1.28, {0, 255, 0, 255}, 1, false},
-                                         RowCase{"erase green", true, 1.99, {0, 0, 0, 0}, 1, true},
-                                         RowCase{"colour", true, 0.4, {25, 130, 255, 128}, 0.5F, false},
-                                         RowCase{
-                                             "more colour than alpha", true, 0.998, {255, 255, 255, 51}, 0.2F, false},
-                                         RowCase{"coloured tip", false, 1.0, {255, 255, 255, 255}, 1, false}),
-                         [](const auto &info) {
-                             std::string name = info.param.what;
-                             std::replace(name.begin(), name.end(), ' ', '_');
-                             return name;
-                         });
+INSTANTIATE_TEST_SUITE_P(
+    Rows, StampRowOnEveryTarget,
+    testing::Values(RowCase{"green", true, 1.28, Spacing::Near, {0, 255, 0, 255}, 1, true},
+                    RowCase{"green over colours", true, 1.28, Spacing::Near, {0, 255, 0, 255}, 1, false},
+                    RowCase{"erase green", true, 1.99, Spacing::Near, {0, 0, 0, 0}, 1, true},
+                    RowCase{"colour", true, 0.4, Spacing::Dense, {25, 130, 255, 128}, 0.5F, false},
+                    RowCase{"more colour than alpha", true, 0.998, Spacing::Dense, {255, 255, 255, 51}, 0.2F, false},
+                    RowCase{"far apart", true, 2.9, Spacing::Wide, {0, 255, 0, 255}, 1, false},
+                    RowCase{"coloured tip far apart", false, 2.9, Spacing::Wide, {255, 255, 255, 255}, 1, false},
+                    RowCase{"coloured tip", false, 1.0, Spacing::Near, {255, 255, 255, 255}, 1, false}),
+    [](const auto &info) {
+        std::string name = info.param.what;
+        std::replace(name.begin(), name.end(), ' ', '_');
+        return name;
+    });
 
 } // namespace hazelmark

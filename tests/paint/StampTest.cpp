@@ -44,7 +44,7 @@ TEST_P(StampsOfATip, AgreeWithDoublePrecision)
     const auto [hardness, pointSize] = GetParam();
     const QImage tip = BrushTips::shared().tipForHardness(hardness);
     ASSERT_FALSE(tip.isNull());
-    BrushTexture texture(tip);
+    const BrushTexture texture(tip);
     QImage got = blankBuffer({301, 203});
     QImage wanted = got.copy();
     const double step = double(pointSize) / 10;
@@ -72,7 +72,7 @@ TEST(Stamp, ColoursAndColouredTipsAreModulatedComponentByComponent)
             tip.setPixel(x, y, qRgba(4 * x, 255 - 2 * y, 128, 4 * y));
     const Color color{0.9, 0.2, 0.6, 0.5};
     for (const QImage &image : {tip, BrushTips::shared().tipForHardness(0.2F)}) {
-        BrushTexture texture(image);
+        const BrushTexture texture(image);
         QImage got = blankBuffer({80, 70});
         QImage wanted = got.copy();
         const auto centres = line({20.2, 18.6}, {4.1, 3.3}, 9);
@@ -84,8 +84,8 @@ TEST(Stamp, ColoursAndColouredTipsAreModulatedComponentByComponent)
 
 TEST(Stamp, PaintedPixelsStayFullAndErasedOnesGetEmpty)
 {
-    BrushTexture hard(BrushTips::shared().tipForHardness(1));
-    BrushTexture soft(BrushTips::shared().tipForHardness(0));
+    const BrushTexture hard(BrushTips::shared().tipForHardness(1));
+    const BrushTexture soft(BrushTips::shared().tipForHardness(0));
     QImage buffer = blankBuffer({100, 60});
     const auto centres = line({20.25, 30.7}, {4, 0}, 16);
     StampPainter(kPaint, kGreen, 40, hard).stamp(StampTarget(buffer), centres);
@@ -110,7 +110,7 @@ TEST(Stamp, PaintedPixelsStayFullAndErasedOnesGetEmpty)
 
 TEST(Stamp, CoversThePixelsWhoseCentresLieInItsSquare)
 {
-    BrushTexture texture(solidTip(8));
+    const BrushTexture texture(solidTip(8));
     QImage buffer = blankBuffer({20, 20});
     // x from 4.6 to 9.6, y from 5.5 to 10.5: a centre on the low border is in, one on the high border is out.
     const QRect touched = StampPainter(kPaint, kGreen, 5, texture).stamp(StampTarget(buffer), {{7.1, 8.0}});
@@ -122,8 +122,8 @@ TEST(Stamp, CoversThePixelsWhoseCentresLieInItsSquare)
 
 TEST(Stamp, NothingHappensWithoutATipASizeOrAPlace)
 {
-    BrushTexture texture(solidTip(4));
-    BrushTexture empty{QImage()};
+    const BrushTexture texture(solidTip(4));
+    const BrushTexture empty{QImage()};
     QImage buffer = blankBuffer({10, 10});
     const QImage before = buffer.copy();
     constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
@@ -140,21 +140,6 @@ TEST(Stamp, NothingHappensWithoutATipASizeOrAPlace)
     StampPainter(kPaint, kGreen, 3e38F, texture).stamp(StampTarget(buffer), middle);
     EXPECT_EQ(buffer.pixel(0, 0), qRgba(0, 255, 0, 255));
     EXPECT_EQ(buffer.pixel(9, 9), qRgba(0, 255, 0, 255));
-}
-
-TEST(BrushTexture, OddTipsAreHalvedWithoutAShift)
-{
-    QImage tip(7, 7, QImage::Format_ARGB32);
-    tip.fill(Qt::transparent);
-    tip.setPixel(3, 3, qRgba(255, 255, 255, 255));
-    BrushTexture texture(tip);
-    const BrushTexture::Level level = *texture.levelFor(3.5F);
-    ASSERT_EQ(level.width, 3);
-    EXPECT_NEAR(level.row(0, 1)[1], 9.0 / 49, 1e-6);
-    EXPECT_EQ(level.row(0, 1)[0], 0);
-    EXPECT_EQ(level.row(0, 0)[1], 0);
-    EXPECT_EQ(texture.levelFor(3.6F)->width, 7);
-    EXPECT_EQ(texture.levelFor(0.01F)->width, 1);
 }
 
 } // namespace hazelmark

@@ -15,6 +15,8 @@ namespace HWY_NAMESPACE {
 
 namespace hn = hwy::HWY_NAMESPACE;
 
+using Spacing = StampRow::Spacing;
+
 using Floats = hn::CappedTag<float, kMaxStampLanes>;
 using Ints = hn::RebindToSigned<Floats>;
 using Words = hn::RebindToUnsigned<Floats>;
@@ -22,16 +24,20 @@ using FloatVec = hn::Vec<Floats>;
 using IntVec = hn::Vec<Ints>;
 using WordVec = hn::Vec<Words>;
 
-/// The texels at `from + offsets`. Neighbours on the canvas are less than two texels apart, so those of one vector of
-/// pixels lie within two vectors of texels; within one if they are less than one apart. Picking them out of these is
-/// several times faster than a gather.
-template <bool kDense>
-HWY_INLINE FloatVec pick(const float *from, IntVec offsets)
+/// The texels at `from + texels`. Of pixels whose neighbours are less than two texels apart those of one vector lie
+/// within two vectors of texels, and within one if they are less than one apart. Picking them out of these is several
+/// times faster than a gather.
+template <Spacing kSpacing>
+HWY_INLINE FloatVec pick(const float *from, IntVec texels, std::int32_t first)
 {
     const Floats floats;
     const Ints ints;
     const int lanes = int(hn::Lanes(floats));
-    if constexpr (kDense) {
+    if constexpr (kSpacing == Spacing::Wide)
+        return hn::GatherIndex(floats, from, texels);
+    const auto offsets = hn::Sub(texels, hn::Set(ints, first));
+    from += first;
+    if constexpr (kSpacing == Spacing::Dense) {
         return hn::TableLookupLanes(hn::LoadU(floats, from), hn::IndicesFromVec(floats, offsets));
     } else {
         const auto lane = hn::IndicesFromVec(floats, hn::And(offsets, hn::Set(ints, lanes - 1)));
@@ -42,15 +48,15 @@ HWY_INLINE FloatVec pick(const float *from, IntVec offsets)
 }
 
 /// left + fraction * (right - left): exactly the texel's value between two equal ones, so a full tip stays full.
-template <bool kDense>
+template <Spacing kSpacing>
 HWY_INLINE FloatVec sampleOf(const float *tip, const StampRow &row, int pixel)
 {
     const Floats floats;
     const Ints ints;
     const std::int32_t first = row.texel[pixel];
-    const auto offsets = hn::Sub(hn::LoadU(ints, row.texel + pixel), hn::Set(ints, first));
-    const auto left = pick<kDense>(tip + first, offsets);
-    const auto right = pick<kDense>(tip + first + 1, offsets);
+    const auto texels = hn::LoadU(ints, row.texel + pixel);
+    const auto left = pick<kSpacing>(tip, texels, first);
+    const auto right = pick<kSpacing>(tip + 1, texels, first);
     return hn::MulAdd(hn::LoadU(floats, row.fraction + pixel), hn::Sub(right, left), left);
 }
 
@@ -73,16 +79,16 @@ HWY_INLINE WordVec blendComponent(FloatVec old, FloatVec sample, float addend, F
     return hn::BitCast(words, hn::Add(blended, hn::Set(floats, 0x1p23F)));
 }
 
-template <bool kWhite, bool kDense>
+template <bool kWhite, Spacing kSpacing>
 HWY_INLINE WordVec blend(WordVec pixels, const StampRow &row, int pixel)
 {
     const Floats floats;
     const Words words;
     const auto byte = hn::Set(words, 255U);
-    const auto alpha = sampleOf<kDense>(row.tip[3], row, pixel);
-    const auto red = kWhite ? alpha : sampleOf<kDense>(row.tip[0], row, pixel);
-    const auto green = kWhite ? alpha : sampleOf<kDense>(row.tip[1], row, pixel);
-    const auto blue = kWhite ? alpha : sampleOf<kDense>(row.tip[2], row, pixel);
+    const auto alpha = sampleOf<kSpacing>(row.tip[3], row, pixel);
+    const auto red = kWhite ? alpha : sampleOf<kSpacing>(row.tip[0], row, pixel);
+    const auto green = kWhite ? alpha : sampleOf<kSpacing>(row.tip[1], row, pixel);
+    const auto blue = kWhite ? alpha : sampleOf<kSpacing>(row.tip[2], row, pixel);
     const auto keep = hn::NegMulAdd(alpha, hn::Set(floats, row.alpha), hn::Set(floats, 1.0F));
 
     const auto newRed = blendComponent(component(hn::And(pixels, byte)), red, row.addend[0], keep);
@@ -97,11 +103,11 @@ HWY_INLINE WordVec blend(WordVec pixels, const StampRow &row, int pixel)
 
 /// The same where the pixels and what is added are pure green, each of an alpha equal to its green: the two are
 /// computed as one.
-template <bool kDense>
+template <Spacing kSpacing>
 HWY_INLINE WordVec blendGreen(WordVec pixels, const StampRow &row, int pixel)
 {
     const Floats floats;
-    const auto sample = sampleOf<kDense>(row.tip[3], row, pixel);
+    const auto sample = sampleOf<kSpacing>(row.tip[3], row, pixel);
     const auto keep = hn::NegMulAdd(sample, hn::Set(floats, row.alpha), hn::Set(floats, 1.0F));
     const auto alpha =
         hn::ShiftLeft<24>(blendComponent(component(hn::ShiftRight<24>(pixels)), sample, row.addend[3], keep));
@@ -115,15 +121,15 @@ HWY_INLINE bool areGreen(WordVec pixels)
     return hn::AllTrue(words, hn::Eq(pixels, hn::Or(alpha, hn::ShiftRight<16>(alpha))));
 }
 
-template <bool kWhite, bool kDense>
+template <bool kWhite, Spacing kSpacing>
 HWY_INLINE WordVec blendAny(WordVec pixels, const StampRow &row, int pixel, bool addsGreen)
 {
     if (kWhite && addsGreen && areGreen(pixels))
-        return blendGreen<kDense>(pixels, row, pixel);
-    return blend<kWhite, kDense>(pixels, row, pixel);
+        return blendGreen<kSpacing>(pixels, row, pixel);
+    return blend<kWhite, kSpacing>(pixels, row, pixel);
 }
 
-template <bool kWhite, bool kDense>
+template <bool kWhite, Spacing kSpacing>
 void blendPixels(std::uint8_t *bytes, int count, const StampRow &stampRow)
 {
     const StampRow row = stampRow; // a copy that no store to the pixels can change
@@ -133,7 +139,7 @@ void blendPixels(std::uint8_t *bytes, int count, const StampRow &stampRow)
     int pixel = 0;
     for (; pixel + lanes <= count; pixel += lanes) {
         auto *at = reinterpret_cast<std::uint32_t *>(bytes + 4 * std::ptrdiff_t(pixel));
-        hn::StoreU(blendAny<kWhite, kDense>(hn::LoadU(words, at), row, pixel, addsGreen), words, at);
+        hn::StoreU(blendAny<kWhite, kSpacing>(hn::LoadU(words, at), row, pixel, addsGreen), words, at);
     }
     if (pixel < count) {
         // The last pixels go through a block of their own: behind them may lie the end of the buffer.
@@ -141,17 +147,27 @@ void blendPixels(std::uint8_t *bytes, int count, const StampRow &stampRow)
         const std::size_t size = 4 * std::size_t(count - pixel);
         std::uint8_t *at = bytes + 4 * std::ptrdiff_t(pixel);
         std::memcpy(block, at, size);
-        hn::Store(blendAny<kWhite, kDense>(hn::Load(words, block), row, pixel, addsGreen), words, block);
+        hn::Store(blendAny<kWhite, kSpacing>(hn::Load(words, block), row, pixel, addsGreen), words, block);
         std::memcpy(at, block, size);
+    }
+}
+
+template <bool kWhite>
+void blendSpaced(std::uint8_t *pixels, int count, const StampRow &row)
+{
+    switch (row.spacing) {
+    case Spacing::Dense:
+        return blendPixels<kWhite, Spacing::Dense>(pixels, count, row);
+    case Spacing::Near:
+        return blendPixels<kWhite, Spacing::Near>(pixels, count, row);
+    case Spacing::Wide:
+        return blendPixels<kWhite, Spacing::Wide>(pixels, count, row);
     }
 }
 
 void BlendRow(std::uint8_t *pixels, int count, const StampRow &row)
 {
-    if (row.white)
-        row.dense ? blendPixels<true, true>(pixels, count, row) : blendPixels<true, false>(pixels, count, row);
-    else
-        row.dense ? blendPixels<false, true>(pixels, count, row) : blendPixels<false, false>(pixels, count, row);
+    row.white ? blendSpaced<true>(pixels, count, row) : blendSpaced<false>(pixels, count, row);
 }
 
 void MixRows(const float *above, const float *below, float share, float *out, int count)

@@ -17,11 +17,13 @@ struct StampRow
     static constexpr int kPadding = 2 * kMaxStampLanes + 1;
     bool white; ///< only the last of the four rows is read
 
-    /// For each pixel the texel left of its place and its distance from there, 0..1. Never falls along the row, and
-    /// grows by less than 2 texels a pixel; `dense`: by no more than 0.999, so that a rounding up still is below 1.
+    /// How far neighbouring pixels are apart on the tip: by no more than 0.999 texels, so that a rounding up still is
+    /// below 1; by no more than 1.999; by any number.
+    enum class Spacing { Dense, Near, Wide };
+    /// For each pixel the texel left of its place and its distance from there, 0..1. Never falls along the row.
     const std::int32_t *texel;
     const float *fraction;
-    bool dense;
+    Spacing spacing;
 
     /// What a sample of 1 adds to each component of a pixel, 0..255: the colour when painting, nothing when erasing.
     std::array<float, 4> addend;
