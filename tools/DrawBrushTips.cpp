@@ -10,7 +10,9 @@
 
 namespace {
 
-constexpr int kSide = 256;
+/// Stamps are up to a few hundred pixels wide and mostly less than a hundred, and sample the tip as it is: a larger
+/// one would give the edge of a small hard brush steps, a smaller one blur that of a large one.
+constexpr int kSide = 128;
 constexpr int kHardestLevel = 100;
 /// The hardest brush gets stamps 1.02 times its diameter, so a disc this large has exactly that diameter.
 constexpr double kRadius = kSide / 2.0 / 1.02;
