@@ -9,6 +9,7 @@
 #include "Utils.h"
 
 #include <QCursor>
+#include <QGuiApplication>
 #include <QLineEdit>
 #include <QTimer>
 
@@ -131,7 +132,8 @@ void MainScreenVC::mousemoveInsideImageRegion()
         m_view->paintView->show();
 }
 
-/// After an opening or a new layout no event tells whether the pointer is over the photo.
+/// After an opening or a new layout no event tells whether the pointer is over the photo. A stroke that has left it
+/// goes on; the canvas notices by itself when the button is let go.
 void MainScreenVC::checkPointerOverPhoto()
 {
     if (!isPainting())
@@ -139,7 +141,7 @@ void MainScreenVC::checkPointerOverPhoto()
     const QPointF pointer = m_view->vwPreviewContainer->mapFromGlobal(QPointF(QCursor::pos()));
     if (m_view->photoFrame().contains(pointer))
         mousemoveInsideImageRegion();
-    else
+    else if (QGuiApplication::mouseButtons() == Qt::NoButton)
         mousemoveOutFromImageRegion();
 }
 

@@ -12,6 +12,7 @@
 #include <QCursor>
 #include <QLineEdit>
 #include <QTest>
+#include <QWindow>
 
 namespace hazelmark {
 
@@ -144,6 +145,26 @@ TEST_F(PaintModes, AStrokeDuringAResizeIsRedrawnWithTheOthers)
     post(kNotificationWindowEndResizing);
     QTest::qWait(kAfterRedraw);
     EXPECT_GT(paintAt({0.7, 0.75}), 200);
+}
+
+TEST_F(PaintModes, ANewLayoutEndsNoStroke)
+{
+    openPhoto();
+    QWindow *window = m_window->windowHandle();
+    const QPoint middle = canvas()->mapTo(m_window.get(), canvas()->rect().center());
+    QCursor::setPos(m_window->mapToGlobal(middle));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return canvas()->isVisible(); }));
+    QTest::mousePress(window, Qt::LeftButton, {}, middle);
+    QCursor::setPos(m_window->mapToGlobal(QPoint(20, 20)));
+    post(kNotificationWindowEndResizing);
+    EXPECT_TRUE(canvas()->isVisible()) << "the stroke has left the photo, but goes on";
+    const std::size_t steps = canvas()->arrDrawedPoints()->size();
+    QTest::mouseMove(window, middle);
+    EXPECT_GT(canvas()->arrDrawedPoints()->size(), steps);
+    QCursor::setPos(m_window->mapToGlobal(QPoint(20, 20)));
+    QTest::mouseRelease(window, Qt::LeftButton, {}, middle);
+    waitForPreviews(1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !canvas()->isVisible(); }));
 }
 
 TEST_F(PaintModes, AReplayLeavesTheLastStrokesToolAndTheHighlightSaysSo)
