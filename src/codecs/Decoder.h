@@ -3,6 +3,8 @@
 #include "Outcome.h"
 #include "Picture.h"
 
+#include <QByteArray>
+#include <QList>
 #include <QString>
 
 namespace hazelmark {
@@ -16,5 +18,9 @@ Outcome<PictureInfo> readPictureInfo(const QString &path);
 /// `atLeast`: when not empty, the decoder may hand back a smaller picture than the file's, as long as it is not
 /// smaller than this in either dimension (JPEG: the library's scaled decode). Empty asks for every pixel.
 Outcome<Picture> decodePicture(const QString &path, QSize atLeast = {});
+
+/// The formats that are read through Qt's plugins, by the names that Qt has for them, which are also the usual
+/// extensions. Beside them JPEG, PNG, TIFF and GIF are read.
+QList<QByteArray> formatsOfPlugins();
 
 } // namespace hazelmark

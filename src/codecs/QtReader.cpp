@@ -1,3 +1,4 @@
+#include "Decoder.h"
 #include "FileHeader.h"
 #include "PictureFormat.h"
 #include "PixelFormats.h"
@@ -17,8 +18,15 @@ namespace {
 constexpr int kAllocationLimitMegabytes = 8192;
 
 /// Not pictures of pixels (svg, pdf); recognised by so little that any file of zeros is taken for one (wbmp); read
-/// upside down (tga); or read by decoders of our own, which have found that the file is none.
-constexpr const char *kRefusedFormats[] = {"svg", "svgz", "pdf", "wbmp", "tga", "jpeg", "png", "tiff", "gif"};
+/// upside down (tga); animations through a library that nobody keeps any more (mng); or read by decoders of our own,
+/// which have found that the file is none.
+constexpr const char *kRefusedFormats[] = {"svg",  "svgz", "pdf", "wbmp", "tga",  "mng",
+                                           "jpeg", "jpg",  "png", "tif",  "tiff", "gif"};
+
+bool isRefused(const QByteArray &format)
+{
+    return std::find(std::begin(kRefusedFormats), std::end(kRefusedFormats), format) != std::end(kRefusedFormats);
+}
 
 /// A reader on the file that lets the content alone decide, and turns nothing.
 class QtReader
@@ -67,8 +75,7 @@ Failure QtReader::failure() const
 std::optional<Failure> QtReader::readHeader()
 {
     const QByteArray format = m_reader.format();
-    if (format.isEmpty() ||
-        std::find(std::begin(kRefusedFormats), std::end(kRefusedFormats), format) != std::end(kRefusedFormats))
+    if (format.isEmpty() || isRefused(format))
         return m_source.failure(Failure::Reason::NotAPicture);
     m_header = readFileHeader(m_source, format);
     if (m_header.isOfAnotherKind)
@@ -142,6 +149,13 @@ bool isAnything(const QByteArray &)
 }
 
 } // namespace
+
+QList<QByteArray> formatsOfPlugins()
+{
+    QList<QByteArray> formats = QImageReader::supportedImageFormats();
+    formats.removeIf(isRefused);
+    return formats;
+}
 
 const PictureFormat kQtFormat = formatReadBy<QtReader>(isAnything);
 

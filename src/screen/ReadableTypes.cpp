@@ -1,13 +1,10 @@
 #include "ReadableTypes.h"
 
-#include <QImageReader>
+#include "Decoder.h"
 
 namespace hazelmark {
 
 namespace {
-
-/// Qt's plugins read these too, but they hold no pixels of a photo.
-constexpr const char *kNoPhotos[] = {"svg", "svgz", "pdf", "wbmp"};
 
 QStringList makeExtensions()
 {
@@ -15,15 +12,11 @@ QStringList makeExtensions()
                       QStringLiteral("png"), QStringLiteral("tif"),  QStringLiteral("tiff"), QStringLiteral("gif"),
                       QStringLiteral("bmp"), QStringLiteral("dib")};
     QStringList others;
-    for (const QByteArray &format : QImageReader::supportedImageFormats()) {
-        const QString extension = QString::fromLatin1(format).toLower();
+    for (const QByteArray &format : formatsOfPlugins()) {
+        const QString extension = QString::fromLatin1(format);
         if (!known.contains(extension))
             others << extension;
     }
-    for (const char *extension : kNoPhotos)
-        others.removeAll(QLatin1String(extension));
-    others.removeDuplicates();
-    others.sort();
     return known + others;
 }
 

@@ -84,7 +84,7 @@ TEST(ReadableTypes, AreTheSameForPanelAndDrop)
         EXPECT_TRUE(ReadableTypes::contains(QString::fromUtf16(extension)));
         EXPECT_TRUE(ReadableTypes::fileNamePatterns().contains(u"*."_qs + QString::fromUtf16(extension)));
     }
-    for (const char16_t *extension : {u"", u"svg", u"pdf", u"txt", u"jp"})
+    for (const char16_t *extension : {u"", u"svg", u"pdf", u"tga", u"txt", u"jp"})
         EXPECT_FALSE(ReadableTypes::contains(QString::fromUtf16(extension)));
 }
 
