@@ -154,6 +154,8 @@ void MainScreenVC::connectWorkers()
     });
     connect(&m_previews, &PreviewRunner::previewRendered, this, [this](const QImage &shown) {
         m_isRunningAlgorithm = false;
+        if (shown.isNull()) // rather the picture before it than none
+            return;
         m_view->imgvwAfterBokesh->setImage(shown);
         emit previewShown();
     });

@@ -74,7 +74,7 @@ void PreviewRunner::request(const CoreFilterObject &settings)
             });
         },
         [this, photo = m_photo](const QImage &picture) {
-            if (photo == m_photo && !picture.isNull())
+            if (photo == m_photo)
                 emit previewRendered(picture);
         });
 }

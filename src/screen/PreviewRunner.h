@@ -50,7 +50,7 @@ public:
     void requestInput(const PhotoImagePtr &resizedInputImage);
 
 signals:
-    /// In the colours of the screen.
+    /// In the colours of the screen; null when nothing could be drawn.
     void previewRendered(const QImage &shown);
     void inputDrawn(const QImage &shown);
 

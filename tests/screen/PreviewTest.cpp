@@ -22,6 +22,8 @@ protected:
             ++m_rendered;
             if (m_held)
                 m_gate.pass();
+            if (!m_isDrawable)
+                return PhotoImagePtr();
             QImage result(job.resizedInputImage ? job.resizedInputImage->pixelSize() : QSize(1, 1),
                           QImage::Format_RGBX8888);
             result.fill(QColor(int(job.settings.blurAmount.value_or(0)), 0, 200));
@@ -40,6 +42,7 @@ protected:
 
     Gate m_gate;
     std::atomic<bool> m_held = false;
+    std::atomic<bool> m_isDrawable = true;
 };
 
 TEST_F(Previews, AStrokeShowsInThePhotoOnceTheMouseIsReleased)
@@ -115,6 +118,18 @@ TEST_F(Previews, AResultFreesTheScreenAndEveryRequestForgetsTheLastExport)
     waitForPreviews(1);
     EXPECT_FALSE(m_screen->isRunningAlgorithm());
     EXPECT_EQ(m_screen->lastExportedImage(), nullptr);
+}
+
+TEST_F(Previews, OneThatCannotBeDrawnFreesTheScreenToo)
+{
+    openPhoto();
+    blur()->setValueByUser(33);
+    waitForPreviews(1);
+    m_isDrawable = false;
+    m_screen->setIsRunningAlgorithm(true);
+    m_screen->btnProcessTapped();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !m_screen->isRunningAlgorithm(); }));
+    EXPECT_EQ(shownBlur(), 33) << "what was there before stays";
 }
 
 TEST_F(Previews, TheScreenMayGoWhileTheyAreRendered)
