@@ -105,8 +105,8 @@ FilterImage FilterImage::drawnInto(QSize canvas, const QRectF &target, const QRe
     const QRectF canvasRect(QPointF(0, 0), QSizeF(canvas));
     FilterImage image = *this;
     image.m_infinite = false;
-    const bool sameScale = target.size() == source.size();
-    if (!sameScale || source.topLeft() != target.topLeft()) {
+    const bool inPlace = target == source && target.topLeft().isNull();
+    if (!inPlace) {
         const QSize size = wholePixels(target.size());
         image = image.with(std::make_shared<ScaleNode>(m_node, pixelExtent(), source, size),
                            QRectF(QPointF(0, 0), QSizeF(size)));

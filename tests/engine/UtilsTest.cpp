@@ -122,6 +122,11 @@ TEST(DrawedImage, CropsPlacesAndRefusesEmptyInput)
     EXPECT_EQ(placed.pixelColor(5, 15), bitmap.pixelColor(0, 19));
     EXPECT_EQ(placed.pixelColor(4, 15).alpha(), 0);
     EXPECT_EQ(placed.pixelColor(5, 16).alpha(), 0);
+    // A part that lands where it lay comes alone.
+    const QImage part = utils.getDrawedImage(image, {30, 20}, {5, 4}, {5, 4, 30, 20})->bitmap();
+    EXPECT_EQ(part.pixelColor(5, 15), bitmap.pixelColor(5, 15));
+    EXPECT_EQ(part.pixelColor(4, 15).alpha(), 0);
+    EXPECT_EQ(part.pixelColor(5, 16).alpha(), 0);
     const FilterImage blue(filled({8, 8}, QImage::Format_RGBX8888, Qt::blue));
     EXPECT_EQ(utils.getDrawedImage(blue, {16, 16}, {0, 0}, {2, 2, 4, 4})->bitmap(),
               filled({16, 16}, QImage::Format_RGBX8888, Qt::blue));
