@@ -24,7 +24,7 @@ QString pathWithoutLastComponent(const QString &path)
     const QString trimmed = withoutTrailingSlashes(path);
     const qsizetype slash = trimmed.lastIndexOf(QLatin1Char('/'));
     if (slash < 0)
-        return QString();
+        return QStringLiteral("");
     return slash == 0 ? QStringLiteral("/") : withoutTrailingSlashes(trimmed.left(slash));
 }
 

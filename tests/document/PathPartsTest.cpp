@@ -23,6 +23,7 @@ TEST(PathParts, TakeAPathApart)
         const QString path = QString::fromUtf8(c.path);
         EXPECT_EQ(pathWithoutLastComponent(path), QString::fromUtf8(c.folder)) << c.path;
         EXPECT_EQ(lastPathComponent(path), QString::fromUtf8(c.name)) << c.path;
+        EXPECT_FALSE(lastPathComponent(pathWithoutLastComponent(path)).isNull()) << c.path;
         EXPECT_EQ(pathExtension(path), QString::fromUtf8(c.extension)) << c.path;
     }
 }
