@@ -1,0 +1,118 @@
+#include "ExportWriter.h"
+
+#include "Decoder.h"
+#include "ExportFormats.h"
+#include "FlippedImage.h"
+#include "Pictures.h"
+#include "SamplePhotos.h"
+
+#include <QFile>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace hazelmark {
+
+using testing::noise;
+
+namespace {
+
+QStringList *messages = nullptr;
+
+/// What is written to the log as long as it lives.
+class LogLines
+{
+public:
+    LogLines()
+    {
+        messages = &m_lines;
+        m_before = qInstallMessageHandler(
+            [](QtMsgType, const QMessageLogContext &, const QString &text) { *messages << text; });
+    }
+    ~LogLines() { qInstallMessageHandler(m_before); }
+    bool contains(const char *line) const { return m_lines.contains(QLatin1String(line)); }
+
+private:
+    QStringList m_lines;
+    QtMessageHandler m_before;
+};
+
+const QSize kUpright(40, 30);
+
+class Writer : public ::testing::Test
+{
+protected:
+    /// A photo whose tag says 6, so that it is stored 30 pixels wide.
+    ExportWriter::Settings settings(WriteFormat format = WriteFormat::Png)
+    {
+        MetadataBlocks blocks;
+        blocks.exif = exifBlock({{"Exif.Image.Orientation", "6"}});
+        const QImage stored = noise(kUpright.transposed(), QImage::Format_RGBX8888);
+        const PhotoFile photo(writePhoto(m_folder, format, blocks, stored));
+        return {photo, ExportFormats::forSource(photo.fileExtension()).formats, QStringLiteral("png")};
+    }
+    QString path(const char *name) const { return m_folder.filePath(QLatin1String(name)); }
+
+    QTemporaryDir m_folder;
+};
+
+} // namespace
+
+TEST_F(Writer, TheFileHasThePhotosPixelsWhateverTheScreensScale)
+{
+    const QImage picture = noise(kUpright, QImage::Format_RGBX8888, 7);
+    for (const double scale : {1.0, 2.0}) {
+        ExportWriter::Settings on = settings();
+        on.backingScaleFactor = scale;
+        const PhotoImagePtr result = PhotoImage::fromBitmap(picture);
+        const LogLines log;
+        ExportWriter(on).saveDenoisedImageInDirectoryPath(path("out.png"), result);
+        EXPECT_TRUE(log.contains(scale > 1 ? "backing scale factor: 2.000000" : "backing scale factor: 1.000000"));
+        EXPECT_TRUE(log.contains("Image orentation : 6"));
+        const Outcome<Picture> written = decodePicture(path("out.png"));
+        ASSERT_TRUE(bool(written));
+        EXPECT_EQ(FlippedImage::uprightFromEXIF(written->pixels, 6), picture);
+        EXPECT_EQ(result->size(), QSizeF(kUpright) / scale);
+    }
+    ExportWriter(settings())
+        .saveDenoisedImageInDirectoryPath(path("large.png"),
+                                          PhotoImage::fromBitmap(noise({100, 90}, QImage::Format_RGBX8888)));
+    EXPECT_EQ((*readPictureInfo(path("large.png"))).frames.front(), kUpright.transposed());
+}
+
+TEST_F(Writer, AnExtensionThatTheListLacksFallsBackToJpgOrWritesNothing)
+{
+    struct Case
+    {
+        WriteFormat source;
+        const char *type;
+        const char *written; ///< empty: nothing
+    };
+    for (const Case &c :
+         {Case{WriteFormat::Png, "Png", ""}, Case{WriteFormat::Png, "jpg", ""}, Case{WriteFormat::Png, "", "png"},
+          Case{WriteFormat::Png, "gif", "gif"}, Case{WriteFormat::Jpeg, "JPG", "jpeg"},
+          Case{WriteFormat::Jpeg, "Png", "jpeg"}, Case{WriteFormat::Jpeg, "png", "png"}}) {
+        ExportWriter::Settings chosen = settings(c.source);
+        chosen.fileTypeToExportImage = QLatin1String(c.type);
+        const QString out = path("chosen");
+        QFile::remove(out);
+        ExportWriter(chosen).saveDenoisedImageInDirectoryPath(
+            out, PhotoImage::fromBitmap(noise(kUpright, QImage::Format_RGBX8888)));
+        const Outcome<PictureInfo> written = readPictureInfo(out);
+        EXPECT_EQ(written ? written->format : QByteArray(), c.written) << c.type;
+        EXPECT_EQ(QFile::exists(out), bool(written)) << c.type;
+    }
+}
+
+TEST_F(Writer, TheQualitySliderChangesNothing)
+{
+    const PhotoImagePtr picture = PhotoImage::fromBitmap(noise(kUpright, QImage::Format_RGBX8888));
+    ExportWriter::Settings lowest = settings(WriteFormat::Jpeg), highest = lowest;
+    lowest.fileTypeToExportImage = highest.fileTypeToExportImage = QStringLiteral("jpg");
+    lowest.sliderExportQuality = 0.0;
+    ASSERT_TRUE(bool(ExportWriter(lowest).save(path("lowest.jpg"), picture)));
+    ASSERT_TRUE(bool(ExportWriter(highest).save(path("highest.jpg"), picture)));
+    EXPECT_EQ(readBytes(path("lowest.jpg")), readBytes(path("highest.jpg")));
+}
+
+} // namespace hazelmark
