@@ -1,5 +1,6 @@
 #include "TiffBlocks.h"
 
+#include "BigTiffBlocks.h"
 #include "EmbeddedPictures.h"
 #include "TiffTags.h"
 
@@ -25,6 +26,16 @@ constexpr quint16 kInteroperabilityDirectory = 0xa005;
 constexpr quint16 kMakerNote = 0x927c;
 
 enum class Purpose { Carry, Show };
+
+bool isShown(quint16 tag)
+{
+    return !isTiffDataTag(tag);
+}
+
+bool isCarried(quint16 tag)
+{
+    return isShown(tag) && !isTiffStorageTag(tag);
+}
 
 /// Takes a file's first directory apart and puts its metadata together again as a block of its own.
 class BlockMaker
@@ -67,10 +78,7 @@ public:
 private:
     QByteArray bytesAt(qint64 offset, qint64 count) { return m_file.seek(offset) ? m_file.read(count) : QByteArray(); }
 
-    bool isWanted(quint16 tag) const
-    {
-        return !isTiffDataTag(tag) && (m_purpose == Purpose::Show || !isTiffStorageTag(tag));
-    }
+    bool isWanted(quint16 tag) const { return m_purpose == Purpose::Show ? isShown(tag) : isCarried(tag); }
 
     quint32 firstOffset() const { return tiffNumber<quint32>(m_head, 4, m_isBigEndian); }
 
@@ -217,7 +225,12 @@ private:
 EmbeddedBlocks blocksOf(const QString &path, Purpose purpose)
 {
     QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? BlockMaker(file, purpose).blocks() : EmbeddedBlocks();
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    if (isBigTiff(file))
+        return readBigTiffBlocks(file, purpose == Purpose::Show ? isShown : isCarried);
+    file.seek(0);
+    return BlockMaker(file, purpose).blocks();
 }
 
 } // namespace
