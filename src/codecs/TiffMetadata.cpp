@@ -11,7 +11,6 @@ namespace hazelmark {
 namespace {
 
 constexpr uint16_t kOrientation = 0x0112;
-constexpr uint16_t kIptc = 0x83bb;
 constexpr uint16_t kUndefinedType = 7;
 constexpr qsizetype kMostEntries = 0xffff;
 
@@ -109,8 +108,8 @@ bool TiffMetadata::join(FileSink &sink) const
     // Four bytes and less would stand in the entry itself; records are longer.
     if (m_iptc.size() > 4) {
         const auto offset = uint32_t(m_exif ? m_exif->bytes().size() : TiffBlock::kHeaderSize);
-        entries[kIptc] = tiffBytes(kIptc, isBigEndian) + tiffBytes(kUndefinedType, isBigEndian) +
-                         tiffBytes(uint32_t(m_iptc.size()), isBigEndian) + tiffBytes(offset, isBigEndian);
+        entries[tifftag::kIptc] = tiffBytes(tifftag::kIptc, isBigEndian) + tiffBytes(kUndefinedType, isBigEndian) +
+                                  tiffBytes(uint32_t(m_iptc.size()), isBigEndian) + tiffBytes(offset, isBigEndian);
     }
     return qsizetype(entries.size()) <= kMostEntries && writeDirectory(sink, entries, isBigEndian);
 }

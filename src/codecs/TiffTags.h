@@ -4,6 +4,17 @@
 
 namespace hazelmark {
 
+/// Those that hold metadata or lead to directories.
+namespace tifftag {
+inline constexpr uint16_t kSubDirectories = 0x014a; // other pictures
+inline constexpr uint16_t kXmp = 0x02bc;
+inline constexpr uint16_t kIptc = 0x83bb;
+inline constexpr uint16_t kExifDirectory = 0x8769;
+inline constexpr uint16_t kGpsDirectory = 0x8825;
+inline constexpr uint16_t kMakerNote = 0x927c;
+inline constexpr uint16_t kInteroperabilityDirectory = 0xa005;
+} // namespace tifftag
+
 /// Tags of a TIFF file's directory that the program which stores the pixels decides on: sizes, compression, layout,
 /// and what the samples mean.
 bool isTiffStorageTag(uint16_t tag);

@@ -1,6 +1,7 @@
 #include "BigTiffBlocks.h"
 
 #include "TiffBlock.h"
+#include "TiffTags.h"
 
 #include <algorithm>
 #include <array>
@@ -18,12 +19,7 @@ constexpr quint64 kMostEntries = 4096;
 /// Of the EXIF block.
 constexpr qsizetype kMostBytes = 1024 * 1024;
 
-constexpr quint16 kXmp = 0x02bc;
-constexpr quint16 kIptc = 0x83bb;
 constexpr char kIptcMarker = 0x1c;
-constexpr quint16 kExifDirectory = 0x8769;
-constexpr quint16 kGpsDirectory = 0x8825;
-constexpr quint16 kInteroperabilityDirectory = 0xa005;
 
 constexpr quint16 kLong = 4;
 
@@ -95,7 +91,7 @@ private:
         if (unit == 0 || entry.count > quint64(kMaxBlockSize / unit))
             return entry;
         const qint64 size = qint64(entry.count) * unit;
-        const bool isPacket = entry.tag == kXmp || entry.tag == kIptc;
+        const bool isPacket = entry.tag == tifftag::kXmp || entry.tag == tifftag::kIptc;
         if (size <= kInlineSize)
             entry.value = directory.mid(at + 12, size);
         else if (isPacket || size <= kMostBytes - m_block.size())
@@ -131,13 +127,13 @@ private:
         if (entry.value.isEmpty())
             return;
         const bool isFirst = level == Level::First;
-        if (isFirst && entry.tag == kXmp)
+        if (isFirst && entry.tag == tifftag::kXmp)
             m_blocks.xmp = entry.value;
-        else if (isFirst && entry.tag == kIptc)
+        else if (isFirst && entry.tag == tifftag::kIptc)
             m_blocks.iptc = entry.value;
-        else if (isFirst && (entry.tag == kExifDirectory || entry.tag == kGpsDirectory))
+        else if (isFirst && (entry.tag == tifftag::kExifDirectory || entry.tag == tifftag::kGpsDirectory))
             takeDirectory(entry, Level::Second, entries);
-        else if (level == Level::Second && entry.tag == kInteroperabilityDirectory)
+        else if (level == Level::Second && entry.tag == tifftag::kInteroperabilityDirectory)
             takeDirectory(entry, Level::Third, entries);
         else if (isOfBlocks(entry.type) && (!isFirst || m_isWanted(entry.tag)))
             entries[entry.tag] = blockEntry(entry.tag, entry.type, quint32(entry.count), entry.value);

@@ -1,5 +1,7 @@
 #include "EmbeddedPictures.h"
 
+#include "TiffTags.h"
+
 #include <QtEndian>
 
 #include <algorithm>
@@ -12,9 +14,6 @@ constexpr quint16 kStripOffsets = 0x0111;
 constexpr quint16 kStripByteCounts = 0x0117;
 constexpr quint16 kJpegOffset = 0x0201;
 constexpr quint16 kJpegLength = 0x0202;
-constexpr quint16 kExifDirectory = 0x8769;
-constexpr quint16 kGpsDirectory = 0x8825;
-constexpr quint16 kInteroperabilityDirectory = 0xa005;
 
 void addUsed(const TiffBlock &block, quint32 offset, std::vector<BlockRange> &used)
 {
@@ -149,15 +148,15 @@ std::vector<BlockRange> usedRanges(const TiffBlock &block)
 
 quint32 exifDirectory(const TiffBlock &block)
 {
-    return subdirectory(block, block.firstDirectoryOffset(), kExifDirectory);
+    return subdirectory(block, block.firstDirectoryOffset(), tifftag::kExifDirectory);
 }
 
 std::vector<quint32> metadataDirectories(const TiffBlock &block)
 {
     const quint32 first = block.firstDirectoryOffset();
     const quint32 exif = exifDirectory(block);
-    std::vector<quint32> offsets{first, exif, subdirectory(block, first, kGpsDirectory),
-                                 subdirectory(block, exif, kInteroperabilityDirectory)};
+    std::vector<quint32> offsets{first, exif, subdirectory(block, first, tifftag::kGpsDirectory),
+                                 subdirectory(block, exif, tifftag::kInteroperabilityDirectory)};
     offsets.erase(std::remove(offsets.begin(), offsets.end(), 0), offsets.end());
     return offsets;
 }

@@ -1,6 +1,7 @@
 #include "TagSizes.h"
 
 #include "TiffBlock.h"
+#include "TiffTags.h"
 
 #include <algorithm>
 #include <optional>
@@ -11,16 +12,10 @@ namespace hazelmark {
 
 namespace {
 
-constexpr quint16 kXmp = 0x02bc;
-constexpr quint16 kSubDirectories = 0x014a;
-constexpr quint16 kExifDirectory = 0x8769;
-constexpr quint16 kGpsDirectory = 0x8825;
-constexpr quint16 kInteroperabilityDirectory = 0xa005;
-constexpr quint16 kMakerNote = 0x927c;
-
 constexpr bool leadsToDirectories(quint16 tag)
 {
-    return tag == kSubDirectories || tag == kExifDirectory || tag == kGpsDirectory || tag == kInteroperabilityDirectory;
+    return tag == tifftag::kSubDirectories || tag == tifftag::kExifDirectory || tag == tifftag::kGpsDirectory ||
+           tag == tifftag::kInteroperabilityDirectory;
 }
 
 /// Walks the directories of a TIFF structure, of which `read` hands out pieces.
@@ -79,7 +74,7 @@ private:
             const qint64 size = std::max<qint64>(entry.statedSize, entry.count); // types that do not exist: bytes
             if (entry.valueOffset + size > m_size)
                 continue;
-            m_sum += entry.tag == kXmp && size > kMostXmp ? kMost + 1 : size;
+            m_sum += entry.tag == tifftag::kXmp && size > kMostXmp ? kMost + 1 : size;
             if (leadsToDirectories(entry.tag))
                 takeOffsets(bytes, entry);
         }
@@ -128,12 +123,12 @@ QByteArray withoutUnusualNote(const QByteArray &exif)
     if (!block)
         return exif;
     const auto first = block->directoryAt(block->firstDirectoryOffset());
-    const TiffBlock::Entry *pointer = first ? first->find(kExifDirectory) : nullptr;
+    const TiffBlock::Entry *pointer = first ? first->find(tifftag::kExifDirectory) : nullptr;
     const auto directory = block->directoryAt(pointer ? block->number(*pointer).value_or(0) : 0);
     if (!directory)
         return exif;
     for (const TiffBlock::Entry &entry : directory->entries) {
-        if (entry.tag == kMakerNote)
+        if (entry.tag == tifftag::kMakerNote)
             block->setNumber(entry, 0); // too short for any maker's
     }
     return block->bytes();

@@ -16,14 +16,7 @@ namespace {
 /// The metadata must lie within so many bytes from the start of the file; as many may be taken from behind that.
 constexpr qint64 kHeadSize = 1024 * 1024;
 
-constexpr quint16 kXmp = 0x02bc;
-constexpr quint16 kIptc = 0x83bb;
 constexpr char kIptcMarker = 0x1c;
-
-constexpr quint16 kExifDirectory = 0x8769;
-constexpr quint16 kGpsDirectory = 0x8825;
-constexpr quint16 kInteroperabilityDirectory = 0xa005;
-constexpr quint16 kMakerNote = 0x927c;
 
 enum class Purpose { Carry, Show };
 
@@ -59,9 +52,9 @@ public:
         if (!directory)
             return blocks;
         for (const TiffBlock::Entry &entry : directory->entries) {
-            if (entry.tag == kXmp && blocks.xmp.isEmpty())
+            if (entry.tag == tifftag::kXmp && blocks.xmp.isEmpty())
                 blocks.xmp = valueOf(*source, entry);
-            else if (entry.tag == kIptc && blocks.iptc.isEmpty())
+            else if (entry.tag == tifftag::kIptc && blocks.iptc.isEmpty())
                 blocks.iptc = valueOf(*source, entry);
             else if (isWanted(entry.tag))
                 take(*source, entry);
@@ -183,10 +176,11 @@ private:
             return entries;
         for (const TiffBlock::Entry &entry : directory->entries) {
             const quint16 tag = entry.tag;
-            if (!isWanted(tag) || tag == kMakerNote || tag == kInteroperabilityDirectory || entries.count(tag) > 0)
+            if (!isWanted(tag) || tag == tifftag::kMakerNote || tag == tifftag::kInteroperabilityDirectory ||
+                entries.count(tag) > 0)
                 continue;
             QByteArray compact = source->bytes().mid(entry.position, TiffBlock::kEntrySize);
-            const bool isPointer = isFirst && (tag == kExifDirectory || tag == kGpsDirectory);
+            const bool isPointer = isFirst && (tag == tifftag::kExifDirectory || tag == tifftag::kGpsDirectory);
             if (isPointer || entry.statedSize > TiffBlock::kInlineSize) {
                 const QByteArray value = isPointer ? compactDirectory(*source, entry, bytes) : smallValue(entry, bytes);
                 if (value.isEmpty())
