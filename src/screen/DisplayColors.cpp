@@ -12,6 +12,16 @@ namespace {
 
 constexpr int kRowsAtOnce = 64;
 
+/// `convert` is given the first row and the number of rows of each band.
+template <typename Convert>
+void inBands(int height, const Convert &convert)
+{
+    parallelFor((height + kRowsAtOnce - 1) / kRowsAtOnce, defaultThreadCount(), [&](int band) {
+        const int first = band * kRowsAtOnce;
+        convert(first, std::min(kRowsAtOnce, height - first));
+    });
+}
+
 std::shared_ptr<const ColorTransform> transformBetween(const QByteArray &photo, const QByteArray &screen,
                                                        QImage::Format format)
 {
@@ -26,21 +36,30 @@ std::shared_ptr<const ColorTransform> transformBetween(const QByteArray &photo, 
     return nullptr;
 }
 
+/// Exchanges red and blue, on all processors: every preview comes through here.
+void swapRedAndBlue(QImage &pixels)
+{
+    uchar *const data = pixels.bits(); // here, on one thread: it may detach
+    inBands(pixels.height(), [&](int first, int rows) {
+        for (int y = first; y < first + rows; ++y) {
+            auto *row = reinterpret_cast<quint32 *>(data + y * pixels.bytesPerLine());
+            std::transform(row, row + pixels.width(), row, [](quint32 pixel) {
+                return (pixel & 0xff00ff00U) | (pixel >> 16 & 0xffU) | (pixel & 0xffU) << 16;
+            });
+        }
+    });
+}
+
 /// In the pixels' own memory where nobody else holds them.
 QImage inPaintingFormat(QImage pixels)
 {
-    switch (pixels.format()) {
-    case QImage::Format_RGBX8888:
-        if constexpr (Q_BYTE_ORDER == Q_LITTLE_ENDIAN) {
-            pixels.rgbSwap();
-            pixels.reinterpretAsFormat(QImage::Format_RGB32);
-            return pixels;
-        }
-        [[fallthrough]];
-    default:
-        return std::move(pixels).convertToFormat(pixels.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
-                                                                          : QImage::Format_RGB32);
+    if (Q_BYTE_ORDER == Q_LITTLE_ENDIAN && pixels.format() == QImage::Format_RGBX8888) {
+        swapRedAndBlue(pixels);
+        pixels.reinterpretAsFormat(QImage::Format_RGB32);
+        return pixels;
     }
+    return std::move(pixels).convertToFormat(pixels.hasAlphaChannel() ? QImage::Format_ARGB32_Premultiplied
+                                                                      : QImage::Format_RGB32);
 }
 
 } // namespace
@@ -56,10 +75,7 @@ QImage DisplayColors::shown(QImage pixels, const QByteArray &profile) const
         return inPaintingFormat(std::move(pixels));
     const QImage &source = pixels.isNull() ? converted : pixels;
     uchar *const target = converted.bits(); // here, on one thread: it may detach
-    const int bands = (converted.height() + kRowsAtOnce - 1) / kRowsAtOnce;
-    parallelFor(bands, defaultThreadCount(), [&](int band) {
-        const int first = band * kRowsAtOnce;
-        const int rows = std::min(kRowsAtOnce, converted.height() - first);
+    inBands(converted.height(), [&](int first, int rows) {
         transform->convertRows(source.constScanLine(first), source.bytesPerLine(),
                                target + first * converted.bytesPerLine(), converted.bytesPerLine(), converted.width(),
                                rows);
