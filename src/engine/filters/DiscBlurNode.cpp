@@ -75,8 +75,8 @@ void weigh(Tile &result, const Weights &weights, const TileReader &inputs)
     const Tile input = readAround(rect, weights.reach, inputs);
     for (int c = 0; c < result.channels(); ++c)
         for (int y = rect.top(); y <= rect.bottom(); ++y)
-            kernels::weighRow(input.row(c, y), input.stride(), weights.values.data(), weights.reach,
-                              result.row(c, y), std::size_t(rect.width()));
+            kernels::weighRow(input.row(c, y), input.stride(), weights.values.data(), weights.reach, result.row(c, y),
+                              std::size_t(rect.width()));
 }
 
 void sum(Tile &result, const DiscSummer &summer, const TileReader &inputs)
