@@ -90,12 +90,9 @@ FilterImage FilterImage::overColor(const QColor &color) const
     return hasAlpha() ? with(std::make_shared<OverColorNode>(m_node, color), m_extent) : *this;
 }
 
-FilterImage FilterImage::scaled(double sx, double sy) const
+FilterImage FilterImage::scaledTo(QSizeF size) const
 {
-    if (isEmpty() || (sx == 1.0 && sy == 1.0))
-        return *this;
-    const QRectF extent(m_extent.x() * sx, m_extent.y() * sy, m_extent.width() * sx, m_extent.height() * sy);
-    return with(std::make_shared<ScaleNode>(m_node, pixelExtent(), m_extent, wholePixels(extent.size())), extent);
+    return fittedTo(QRectF(m_extent.topLeft(), size));
 }
 
 FilterImage FilterImage::drawnInto(QSize canvas, const QRectF &target, const QRectF &source) const

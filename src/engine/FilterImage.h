@@ -43,8 +43,8 @@ public:
     FilterImage withOpacity(float factor) const;
     /// Laid over an opaque colour.
     FilterImage overColor(const QColor &color) const;
-    /// Scaled about the origin.
-    FilterImage scaled(double sx, double sy) const;
+    /// Scaled about the origin, so that it measures `size`; its own extent must begin there.
+    FilterImage scaledTo(QSizeF size) const;
     /// The part of the picture in `source`, drawn into the rectangle (point, size) of a canvas of `canvas` pixels.
     FilterImage drawnInto(QSize canvas, const QRectF &target, const QRectF &source) const;
     /// Foreground where the mask's green channel is full, background where it is 0. All three are fitted to the

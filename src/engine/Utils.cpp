@@ -18,7 +18,8 @@ FilterImage Utils::getCIImageFromNSImage(const PhotoImagePtr &photo) const
     const QSizeF size = photo->size();
     const float sx = float(size.width() / pixels.extent().width());
     const float sy = float(size.height() / pixels.extent().height());
-    return pixels.scaled(double(sx), double(sy));
+    // The factors only say whether to scale: what is scaled by a rounded one measures a little more or less.
+    return sx != 1.0f || sy != 1.0f ? pixels.scaledTo(size) : pixels;
 }
 
 void Utils::clearAllInPutParametersFromcurrentFilter(ImageFilter &filter) const

@@ -21,6 +21,10 @@ TEST(PhotoImage, FilterImageMeasuresTheLogicalSize)
     photo->setSize({100, 100});
     EXPECT_EQ(utils.getCIImageFromNSImage(photo).extent(), QRectF(0, 0, 100, 100));
     EXPECT_EQ(photo->pixelSize(), QSize(200, 200));
+    const PhotoImagePtr odd = PhotoImage::fromBitmap(noise({1199, 799}, QImage::Format_RGBX8888));
+    const FilterImage large = utils.getCIImageFromNSImage(utils.scaleImage(odd, {6000, 4000}));
+    EXPECT_EQ(large.extent().width(), 6000.0); // to the bit, or it would be scaled once more
+    EXPECT_EQ(large.extent().height(), 4000.0);
     EXPECT_TRUE(utils.getCIImageFromNSImage(nullptr).isEmpty());
     EXPECT_FALSE(PhotoImage::fromBitmap({})->isValid());
     EXPECT_TRUE(utils.getCIImageFromNSImage(PhotoImage::fromBitmap({})).isEmpty());
