@@ -9,5 +9,8 @@ void addErrorRows();
 void addPaintRows();
 void addCommandLineRows();
 void addWindowRows();
+/// Takes down the window and the X server of these rows. To be called before the program ends: Qt's own statics go
+/// first otherwise.
+void endWindowRows();
 
 } // namespace hazelmark::bench

@@ -30,6 +30,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <memory>
 #include <optional>
 
 namespace hazelmark::bench {
@@ -275,18 +276,24 @@ private:
     bool m_previewShown = false;
 };
 
+// Made when a row first needs them.
+std::unique_ptr<Screen> theScreen;
+std::unique_ptr<const Display> theDisplay;
+
 Screen &screen()
 {
-    static const bool offscreen = qputenv("QT_QPA_PLATFORM", "offscreen");
-    Q_UNUSED(offscreen)
-    static Screen made;
-    return made;
+    if (!theScreen) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        theScreen = std::make_unique<Screen>();
+    }
+    return *theScreen;
 }
 
 const Display &display()
 {
-    static const Display made;
-    return made;
+    if (!theDisplay)
+        theDisplay = std::make_unique<const Display>();
+    return *theDisplay;
 }
 
 double secondsOfPreviewJob()
@@ -330,6 +337,12 @@ void addWindowRows()
     add(Figure{"release of the blur slider to its preview painted, after 1000 moves in a second",
                "the preview job alone", 3.0,
                [] { return previewRatio(4, [] { return screen().secondsBehindSlider(); }); }});
+}
+
+void endWindowRows()
+{
+    theScreen.reset();
+    theDisplay.reset();
 }
 
 } // namespace hazelmark::bench

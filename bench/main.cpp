@@ -12,5 +12,9 @@ int main(int argc, char **argv)
 #ifdef HAZELMARK_PROGRAM
     hazelmark::bench::addWindowRows();
 #endif
-    return hazelmark::bench::run(argc, argv);
+    const int result = hazelmark::bench::run(argc, argv);
+#ifdef HAZELMARK_PROGRAM
+    hazelmark::bench::endWindowRows();
+#endif
+    return result;
 }
