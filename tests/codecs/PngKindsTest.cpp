@@ -9,24 +9,10 @@ using PngKinds = FolderTest;
 
 TEST_F(PngKinds, GrayOfEveryDepthIsScaledToTheFullRange)
 {
-    const struct
-    {
-        int bitDepth;
-        std::vector<uint8_t> row;
-        std::vector<int> expected;
-    } cases[] = {{1, {0b01000000}, {0, 255}},
-                 {2, {0b00011011}, {0, 85, 170, 255}},
-                 {4, {0x0f, 0x50}, {0, 255, 85, 0}},
-                 {8, {0, 9, 255}, {0, 9, 255}},
-                 {16, {0x12, 0x34, 0xff, 0xfe}, {0x1234, 0xfffe}}};
-    for (const auto &[bitDepth, row, expected] : cases) {
+    for (const auto &[bitDepth, row, expected] : grayRows({{16, {0x12, 0x34, 0xff, 0xfe}, {0x1234, 0xfffe}}})) {
         const Read got =
             read(makePng({.colorType = PNG_COLOR_TYPE_GRAY, .bitDepth = bitDepth}, int(expected.size()), 1, row));
-        EXPECT_EQ(got.picture.pixels.format(), bitDepth == 16 ? QImage::Format_Grayscale16 : QImage::Format_Grayscale8);
-        EXPECT_EQ(samplesOf(got.picture.pixels, int(expected.size())), expected);
-        EXPECT_EQ(got.info.colorModel, ColorModel::Gray);
-        EXPECT_EQ(got.picture.fileColorModel, ColorModel::Gray);
-        EXPECT_EQ(got.info.bitsPerChannel, bitDepth);
+        expectGray(got.info, got.picture, bitDepth, expected);
         EXPECT_FALSE(got.info.hasAlpha);
     }
 }

@@ -206,6 +206,16 @@ QByteArray makeTiff(const std::vector<TestTiff> &pages, const QString &scratchPa
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+std::vector<GrayRow> grayRows(const std::vector<GrayRow> &more)
+{
+    std::vector<GrayRow> rows = {{1, {0b01000000}, {0, 255}},
+                                 {2, {0b00011011}, {0, 85, 170, 255}},
+                                 {4, {0x0f, 0x50}, {0, 255, 85, 0}},
+                                 {8, {0, 9, 255}, {0, 9, 255}}};
+    rows.insert(rows.end(), more.begin(), more.end());
+    return rows;
+}
+
 QByteArray bigEndian(quint32 value)
 {
     QByteArray bytes(4, Qt::Uninitialized);

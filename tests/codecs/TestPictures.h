@@ -67,6 +67,17 @@ struct TestTiff
 
 QByteArray makeTiff(const std::vector<TestTiff> &pages, const QString &scratchPath);
 
+/// A stored row of grey samples, and what they are over the full range.
+struct GrayRow
+{
+    int bits;
+    std::vector<uint8_t> row;
+    std::vector<int> expected;
+};
+
+/// Rows of up to eight bits a sample, which PNG and TIFF pack alike, and `more`.
+std::vector<GrayRow> grayRows(const std::vector<GrayRow> &more);
+
 QByteArray bigEndian(quint32 value);
 /// With its length and check sum.
 QByteArray pngChunk(const QByteArray &type, const QByteArray &content);

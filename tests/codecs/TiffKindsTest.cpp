@@ -58,26 +58,14 @@ TEST_F(TiffKinds, EveryLayoutOfTheSamplesGivesTheSamePixels)
 
 TEST_F(TiffKinds, GrayOfEveryDepthIsScaledToTheFullRange)
 {
-    const struct
-    {
-        int bits;
-        std::vector<uint8_t> row;
-        std::vector<int> expected;
-    } cases[] = {{1, {0b01000000}, {0, 255}},
-                 {2, {0b00011011}, {0, 85, 170, 255}},
-                 {4, {0x0f, 0x50}, {0, 255, 85, 0}},
-                 {8, {0, 9, 255}, {0, 9, 255}},
-                 {12, {0x00, 0x0f, 0xff, 0x80, 0x00}, {0, 65535, 32776}},
-                 {16, bytesOf<uint16_t>({0x1234, 0xfffe}), {0x1234, 0xfffe}},
-                 {32, bytesOf<uint32_t>({0x12345678, 0xffffffff}), {0x1234, 0xffff}}};
-    for (const auto &[bits, row, expected] : cases) {
+    for (const auto &[bits, row, expected] :
+         grayRows({{12, {0x00, 0x0f, 0xff, 0x80, 0x00}, {0, 65535, 32776}},
+                   {16, bytesOf<uint16_t>({0x1234, 0xfffe}), {0x1234, 0xfffe}},
+                   {32, bytesOf<uint32_t>({0x12345678, 0xffffffff}), {0x1234, 0xffff}}})) {
         TestTiff gray = page(int(expected.size()), 1, 1, PHOTOMETRIC_MINISBLACK, row);
         gray.bits = bits;
         const Read black = read({gray});
-        EXPECT_EQ(black.picture.pixels.format(), bits > 8 ? QImage::Format_Grayscale16 : QImage::Format_Grayscale8);
-        EXPECT_EQ(samplesOf(black.picture.pixels, int(expected.size())), expected) << bits;
-        EXPECT_EQ(black.info.bitsPerChannel, bits);
-        EXPECT_EQ(black.info.colorModel, ColorModel::Gray);
+        expectGray(black.info, black.picture, bits, expected);
         gray.photometric = PHOTOMETRIC_MINISWHITE;
         std::vector<int> inverted = expected;
         for (int &value : inverted)
