@@ -6,6 +6,7 @@
 #include <linux/fs.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
+#include <sys/statvfs.h>
 #include <unistd.h>
 
 namespace hazelmark {
@@ -47,6 +48,14 @@ std::optional<FileAttributes> FileAttributes::ofPath(const QString &path)
     else if (attributes.isRegularFile || S_ISDIR(status.stx_mode))
         attributes.isImmutable = hasImmutableFlag(nativePath);
     return attributes;
+}
+
+std::optional<quint64> availableBytes(const QString &folder)
+{
+    struct statvfs volume = {};
+    if (::statvfs(QFile::encodeName(folder).constData(), &volume) != 0 || volume.f_blocks == 0)
+        return std::nullopt;
+    return quint64(volume.f_bavail) * volume.f_frsize;
 }
 
 } // namespace hazelmark

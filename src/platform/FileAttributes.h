@@ -19,4 +19,8 @@ struct FileAttributes
     static std::optional<FileAttributes> ofPath(const QString &path);
 };
 
+/// Bytes that the person may still write on the volume of `folder`. Absent when the folder is not there or the volume
+/// does not say. Asks the file system itself: the list of mounted volumes is not complete in every container.
+std::optional<quint64> availableBytes(const QString &folder);
+
 } // namespace hazelmark

@@ -2,6 +2,7 @@
 
 #include "ImageCatalog.h"
 #include "Theme.h"
+#include "UserSession.h"
 
 #include <QDir>
 #include <QFileDialog>
@@ -12,7 +13,6 @@
 #include <QPushButton>
 #include <QSplitter>
 #include <QStandardPaths>
-#include <QStorageInfo>
 #include <QToolButton>
 #include <QTreeView>
 #include <QUrl>
@@ -72,11 +72,12 @@ QList<QUrl> places()
         if (QFileInfo::exists(url.toLocalFile()) && !urls.contains(url))
             urls << url;
     }
-    // Cameras and cards, which are mounted for the person.
-    for (const QStorageInfo &volume : QStorageInfo::mountedVolumes()) {
-        const QString path = volume.rootPath();
-        if (path.startsWith(QLatin1String("/media/")) || path.startsWith(QLatin1String("/run/media/")))
-            urls << QUrl::fromLocalFile(path);
+    // Cameras and cards are mounted for the person there. To ask for all mounted volumes would wait for each of them,
+    // and a server that is gone never answers.
+    for (const QLatin1String media : {QLatin1String("/media/"), QLatin1String("/run/media/")}) {
+        const QDir folder(media + UserSession::current().loginName());
+        for (const QString &volume : folder.entryList(QDir::Dirs | QDir::NoDotAndDotDot))
+            urls << QUrl::fromLocalFile(folder.filePath(volume));
     }
     urls << QUrl(QStringLiteral("file:"));
     return urls;

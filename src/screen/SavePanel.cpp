@@ -1,6 +1,7 @@
 #include "SavePanel.h"
 
 #include "ApplicationDelegate.h"
+#include "FileAttributes.h"
 #include "FilePanelLook.h"
 #include "FloatSlider.h"
 #include "FormatString.h"
@@ -18,7 +19,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QStorageInfo>
 
 namespace hazelmark {
 
@@ -35,11 +35,11 @@ bool isJpeg(const QString &format)
 }
 
 /// Bytes that a picture of this size takes at the very least: a photo may take far more, and then the writer says so.
-qint64 leastRoom(QSize pixelSize, const QString &format)
+quint64 leastRoom(QSize pixelSize, const QString &format)
 {
-    constexpr qint64 kBmpBytesPerPixel = 3;
-    constexpr qint64 kPixelsPerByte = 32; // a quarter of a bit a pixel: no photo compresses better
-    const qint64 pixels = qint64(pixelSize.width()) * pixelSize.height();
+    constexpr quint64 kBmpBytesPerPixel = 3;
+    constexpr quint64 kPixelsPerByte = 32; // a quarter of a bit a pixel: no photo compresses better
+    const quint64 pixels = quint64(pixelSize.width()) * quint64(pixelSize.height());
     return format == QLatin1String("bmp") ? pixels * kBmpBytesPerPixel : pixels / kPixelsPerByte;
 }
 
@@ -269,8 +269,8 @@ std::optional<Failure> SavePanel::objection(const QString &path) const
     const Outcome<Done> possible = SafeFile::checkDestination(path, m_photo.path);
     if (!possible)
         return possible.failure();
-    const qint64 room = QStorageInfo(pathWithoutLastComponent(path)).bytesAvailable();
-    if (room >= 0 && room < leastRoom(m_photo.pixelSize, pathExtension(path)))
+    const std::optional<quint64> room = availableBytes(pathWithoutLastComponent(path));
+    if (room && *room < leastRoom(m_photo.pixelSize, pathExtension(path)))
         return Failure{Failure::Reason::DiskFull, path, {}};
     return std::nullopt;
 }

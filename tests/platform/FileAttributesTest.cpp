@@ -45,4 +45,14 @@ TEST(FileAttributes, AFolderAPipeAndADeviceAreNoRegularFilesAndNothingHasNone)
     EXPECT_FALSE(FileAttributes::ofPath(QString()));
 }
 
+TEST(FileAttributes, AVolumeSaysHowMuchRoomItHas)
+{
+    const QTemporaryDir folder;
+    const std::optional<quint64> room = availableBytes(folder.path());
+    ASSERT_TRUE(room);
+    EXPECT_GT(*room, 0U);
+    EXPECT_FALSE(availableBytes(QStringLiteral("/no/such/folder")));
+    EXPECT_FALSE(availableBytes(QStringLiteral("/proc"))) << "has no blocks of its own";
+}
+
 } // namespace hazelmark
