@@ -11,7 +11,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <utility>
 
 namespace hazelmark {
 
@@ -168,7 +167,7 @@ void FloatSlider::mouseMoveEvent(QMouseEvent *event)
     m_lastMove = event->position().x() - m_grip;
     if (!m_frame.isActive()) {
         m_frame.start(kFrameMilliseconds, Qt::PreciseTimer, this);
-        takeLastMove();
+        takeLastMoveIfIdle();
     }
 }
 
@@ -177,7 +176,7 @@ void FloatSlider::timerEvent(QTimerEvent *event)
     if (event->timerId() != m_frame.timerId())
         return QWidget::timerEvent(event);
     if (m_lastMove)
-        takeLastMove();
+        takeLastMoveIfIdle();
     else
         m_frame.stop();
 }
@@ -186,6 +185,12 @@ void FloatSlider::takeLastMove()
 {
     if (const std::optional<qreal> x = std::exchange(m_lastMove, std::nullopt))
         dragTo(*x);
+}
+
+void FloatSlider::takeLastMoveIfIdle()
+{
+    if (!m_isBusy || !m_isBusy())
+        takeLastMove();
 }
 
 void FloatSlider::mouseReleaseEvent(QMouseEvent *event)

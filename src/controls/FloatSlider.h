@@ -5,7 +5,9 @@
 #include <QBasicTimer>
 #include <QWidget>
 
+#include <functional>
 #include <optional>
+#include <utility>
 
 namespace hazelmark {
 
@@ -13,8 +15,9 @@ namespace hazelmark {
 /// technology) sends the action `valueChangedByUser`; `setValue` never does.
 ///
 /// The wheel acts only while the slider has the focus: a panel that is scrolled under the pointer changes nothing. Of a
-/// drag it takes one move a frame of the screen, and the last one: what an action starts need not be done for places
-/// that nobody sees, and a mouse that tells a thousand of them a second would only leave the picture behind.
+/// drag it takes one move a frame of the screen, none while what a move has started is still being done
+/// (`setBusyTest()`), and always the last one: a mouse tells a thousand places a second, and to show something for each
+/// of them would only leave the picture behind the pointer.
 class FloatSlider : public QWidget
 {
     Q_OBJECT
@@ -43,6 +46,9 @@ public:
     /// Sets the value as a person would, with the action when it changes.
     void setValueByUser(double value);
 
+    /// Says whether what an earlier move of a drag has started is still being done.
+    void setBusyTest(std::function<bool()> isBusy) { m_isBusy = std::move(isBusy); }
+
     QSize sizeHint() const override;
     QSize minimumSizeHint() const override;
 
@@ -66,6 +72,7 @@ private:
     QRectF barRect() const;
     void dragTo(qreal x);
     void takeLastMove();
+    void takeLastMoveIfIdle();
     void endDrag();
 
     double m_minValue = 0;
@@ -76,6 +83,7 @@ private:
     qreal m_grip = 0;                ///< from the knob's centre to where the pointer holds it
     QBasicTimer m_frame;             ///< runs for a frame from the move that was taken last
     std::optional<qreal> m_lastMove; ///< not taken yet
+    std::function<bool()> m_isBusy;
     CustomSliderCell m_cell{*this};
 };
 

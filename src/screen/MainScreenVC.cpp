@@ -133,6 +133,9 @@ void MainScreenVC::connectPanel()
     connect(panel, &SettingsPanel::brushValuesSet, this, &MainScreenVC::applyBrushValues);
     connect(panel, &SettingsPanel::effectChanged, this, &MainScreenVC::applyCustomEnhanceFilterOnPreviewImage);
     connect(panel, &SettingsPanel::processWanted, this, &MainScreenVC::btnProcessTapped);
+    panel->setBusyTest([self = QPointer(this)] {
+        return self && (self->m_previewRequests.pending() > 0 || self->m_previews.isBusy());
+    });
 }
 
 void MainScreenVC::connectWorkers()

@@ -44,6 +44,8 @@ public:
     /// The picture that previews are made from and the mask that goes with it; null for none. A render takes the pair
     /// that is set when it begins, not the one at the time of the request.
     void setSource(const PhotoImagePtr &resizedInputImage, const PhotoImagePtr &maskImage);
+    /// Whether something that was asked for has not arrived yet.
+    bool isBusy() const { return m_queue.pending() > 0; }
     /// Asks for a preview.
     void request(const CoreFilterObject &settings);
     /// Asks for the picture as it is; one that is replaced by another before its turn comes is left out.

@@ -87,6 +87,14 @@ void SettingsPanel::showTool(bool eraser)
     m_toolName->setText(lookup(eraser ? "ERASE" : "PAINT"));
 }
 
+void SettingsPanel::setBusyTest(const std::function<bool()> &isBusy)
+{
+    for (const SettingRow &row : settingsTable()) {
+        if (row.region != SettingRegion::Brush)
+            slider(row.setting)->setBusyTest(isBusy);
+    }
+}
+
 void SettingsPanel::setAllTextsForSliders()
 {
     for (const SettingRowView *row : m_rows) {

@@ -9,6 +9,7 @@
 #include <QWidget>
 
 #include <array>
+#include <functional>
 
 class QLabel;
 class QScrollArea;
@@ -58,6 +59,9 @@ public:
     void scrollToTop();
     void setUnfolded(bool unfolded);
     bool isUnfolded() const;
+
+    /// Says whether a preview is under way: the sliders that ask for one wait with the moves of a drag so long.
+    void setBusyTest(const std::function<bool()> &isBusy);
 
     /// Every field from its slider, as a whole number.
     void setAllTextsForSliders();

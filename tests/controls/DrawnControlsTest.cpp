@@ -82,7 +82,7 @@ TEST_F(FloatSliderTest, FollowsThePointerFromWhereItTookTheKnob)
     for (int x = 125; x < 1000; ++x)
         QTest::mouseMove(&m_slider, {x, -50});
     EXPECT_LT(m_action.size(), 100) << "no more than one a frame";
-    QTRY_COMPARE(m_slider.value(), 100);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_slider.value() == 100; }));
     const auto actions = m_action.size();
     QTest::mouseMove(&m_slider, {1100, -50});
     QTest::qWait(50);
@@ -93,6 +93,24 @@ TEST_F(FloatSliderTest, FollowsThePointerFromWhereItTookTheKnob)
     EXPECT_DOUBLE_EQ(m_slider.value(), 40) << "the last move counts, too";
     QTest::mouseMove(&m_slider, {30, 10});
     EXPECT_DOUBLE_EQ(m_slider.value(), 40);
+}
+
+TEST_F(FloatSliderTest, WaitsWithADragForWhatItHasStarted)
+{
+    bool isBusy = false;
+    m_slider.setBusyTest([&] { return isBusy; });
+    QTest::mousePress(&m_slider, Qt::LeftButton, {}, {110, 10});
+    isBusy = true;
+    QTest::mouseMove(&m_slider, {130, 10});
+    QTest::qWait(50);
+    EXPECT_DOUBLE_EQ(m_slider.value(), 50) << "where it was pressed";
+    QTest::mouseMove(&m_slider, {150, 10});
+    isBusy = false;
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_slider.value() == 70; }));
+    isBusy = true;
+    QTest::mouseMove(&m_slider, {170, 10});
+    QTest::mouseRelease(&m_slider, Qt::LeftButton, {}, {170, 10});
+    EXPECT_DOUBLE_EQ(m_slider.value(), 80) << "the last move counts, whatever is being done";
 }
 
 TEST_F(FloatSliderTest, StepsWithKeysAndWheel)

@@ -78,6 +78,28 @@ TEST_F(Previews, EveryRequestIsRenderedAndTheLastToFinishStays)
     EXPECT_EQ(shownBlur(), 40);
 }
 
+TEST_F(Previews, ADraggedSliderWaitsForTheOneBefore)
+{
+    openPhoto();
+    blur()->setValueByUser(10);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return shownBlur() == 10; }));
+    m_held = true;
+    const int before = m_rendered;
+    const int width = blur()->width();
+    QTest::mousePress(blur(), Qt::LeftButton, {}, {width / 2, 10});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_rendered == before + 1; }));
+    for (int x = width / 2; x < width; ++x) {
+        QTest::mouseMove(blur(), {x, 10});
+        QTest::qWait(2);
+    }
+    EXPECT_LT(blur()->value(), 60) << "where it was pressed";
+    m_held = false;
+    m_gate.open();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shownBlur() == 100; })) << "the pointer's place";
+    EXPECT_EQ(m_rendered, before + 2);
+    QTest::mouseRelease(blur(), Qt::LeftButton, {}, {width - 1, 10});
+}
+
 TEST_F(Previews, OneOfAPhotoThatIsNoLongerOpenIsDropped)
 {
     openPhoto();
