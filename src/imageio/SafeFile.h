@@ -34,8 +34,7 @@ public:
     /// has) and puts it in place.
     Outcome<Done> commit();
 
-    /// Makes the signals that end a program (interrupt, terminate, hang up) remove the temporary files first. For
-    /// programs that do not handle these signals themselves.
+    /// Makes the signals that end a program (interrupt, terminate, hang up) remove the temporary files first.
     static void removeTemporariesOnSignals();
 
 private:
