@@ -30,6 +30,7 @@ private:
     /// Blocks of up to 255 bytes that are read over in search of frames: some 64 MB. A file can be made to hold nothing
     /// but the smallest.
     static constexpr int kMaxSkippedBlocks = 250'000;
+    static constexpr qsizetype kMaxProfileSize = 16 << 20;
 
     static int read(GifFileType *gif, GifByteType *bytes, int count);
     Record nextFrame();
@@ -46,7 +47,14 @@ private:
     int m_transparentIndex = NO_TRANSPARENT_COLOR;
     bool m_hasHitEnd = false;
     int m_skippedBlocks = 0;
+    QByteArray m_iccProfile; ///< in an application block
 };
+
+/// The content of a block: its first byte counts the others.
+QByteArray bytesOf(const GifByteType *block)
+{
+    return QByteArray(reinterpret_cast<const char *>(block + 1), block[0]);
+}
 
 GifReader::GifReader(SourceFile &source)
     : m_source(source)
@@ -87,10 +95,14 @@ bool GifReader::readExtension()
     GraphicsControlBlock control;
     if (code == GRAPHICS_EXT_FUNC_CODE && block && DGifExtensionToGCB(block[0], block + 1, &control) == GIF_OK)
         m_transparentIndex = control.TransparentColor;
+    const bool isProfile =
+        code == APPLICATION_EXT_FUNC_CODE && block && bytesOf(block) == "ICCRGBG1012" && m_iccProfile.isEmpty();
     ++m_skippedBlocks;
     while (block) {
         if (++m_skippedBlocks > kMaxSkippedBlocks || DGifGetExtensionNext(m_gif, &block) != GIF_OK)
             return false;
+        if (isProfile && block && m_iccProfile.size() < kMaxProfileSize)
+            m_iccProfile += bytesOf(block);
     }
     return true;
 }
@@ -160,6 +172,7 @@ PictureInfo GifReader::info()
     const QSize size = canvasSize();
     info.frames = {size};
     info.hasAlpha = hasAlpha();
+    info.iccProfile = m_iccProfile;
     while (info.frames.size() < kMaxFrames && skipPixels() && nextFrame() == Record::Frame)
         info.frames.push_back(size);
     return info;
@@ -175,6 +188,7 @@ Outcome<Picture> GifReader::decode(QSize)
     if (picture.pixels.isNull())
         return m_source.failure(Failure::Reason::OutOfMemory);
     picture.pixels.fill(0);
+    picture.iccProfile = m_iccProfile;
     if (!readRows(picture.pixels, *colors))
         return failure();
     return picture;

@@ -144,6 +144,23 @@ TEST(ColorProfile, DescriptionIsTheProfilesOwn)
 
 using ProfiledFiles = FolderTest;
 
+TEST_F(ProfiledFiles, GifMayHaveOneInAnApplicationBlock)
+{
+    QByteArray file = encoded(makePicture(9, 7, QImage::Format_RGBX8888), optionsFor(WriteFormat::Gif));
+    const QByteArray profile = wideProfile(2.2);
+    ASSERT_GT(profile.size(), 255);
+    QByteArray block("\x21\xff\x0bICCRGBG1012", 14);
+    for (qsizetype at = 0; at < profile.size(); at += 255) {
+        const QByteArray part = profile.mid(at, 255);
+        block += char(part.size()) + part;
+    }
+    const int flags = file.at(10);
+    file.insert(13 + ((flags & 0x80) != 0 ? 3 << ((flags & 7) + 1) : 0), block + '\0');
+    const Read got = read(file);
+    EXPECT_EQ(got.info.iccProfile, profile);
+    EXPECT_EQ(got.picture.iccProfile, profile);
+}
+
 TEST_F(ProfiledFiles, GifAndBmpAreWrittenInSrgb)
 {
     QImage pixels(32, 32, QImage::Format_RGBX8888);
