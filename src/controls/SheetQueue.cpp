@@ -1,6 +1,7 @@
 #include "SheetQueue.h"
 
 #include <QDialog>
+#include <QEvent>
 #include <QWidget>
 
 #include <algorithm>
@@ -11,6 +12,7 @@ SheetQueue::SheetQueue(QWidget &window)
     : QObject(&window)
     , m_window(window)
 {
+    m_window.installEventFilter(this);
 }
 
 SheetQueue &SheetQueue::forWindow(QWidget &window)
@@ -46,6 +48,13 @@ void SheetQueue::showNext()
         connect(sheet, &QObject::destroyed, this, &SheetQueue::showNext, Qt::QueuedConnection);
         sheet->open();
     }
+}
+
+bool SheetQueue::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == &m_window && event->type() == QEvent::WindowActivate && m_current && m_current->isVisible())
+        QMetaObject::invokeMethod(m_current, &QWidget::activateWindow, Qt::QueuedConnection);
+    return QObject::eventFilter(watched, event);
 }
 
 SheetQueue::Hold::Hold(SheetQueue &queue)

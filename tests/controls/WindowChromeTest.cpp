@@ -15,6 +15,7 @@
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
+#include <QWindow>
 
 #include <gtest/gtest.h>
 
@@ -196,6 +197,11 @@ TEST(SheetQueueTest, ShowsOneSheetAfterTheOther)
     EXPECT_TRUE(first->isVisible() && first->windowModality() == Qt::WindowModal && first->parent() == &window);
     EXPECT_FALSE(second->isVisible());
     EXPECT_EQ(queue.waiting(), 3);
+    const auto isActive = [](const QWidget &widget) { return QGuiApplication::focusWindow() == widget.windowHandle(); };
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isActive(*first); }));
+    QSignalSpy moved(qGuiApp, &QGuiApplication::focusWindowChanged);
+    window.windowHandle()->requestActivate(); // as some desktops do when it is clicked
+    EXPECT_TRUE(QTest::qWaitFor([&] { return moved.size() > 1 && isActive(*first); })) << "the keyboard is the sheet's";
     delete gone;
     first->accept();
     EXPECT_TRUE(QTest::qWaitFor([&] { return queue.current() == second; }));
