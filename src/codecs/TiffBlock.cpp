@@ -15,9 +15,6 @@ constexpr quint16 kLong = 4;
 constexpr quint16 kSignedLong = 9; // some writers give offsets this type
 constexpr quint16 kDirectory = 13;
 
-/// Bytes of one value of each type; 0 for types that do not exist.
-constexpr std::array<quint8, 14> kTypeSizes = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4};
-
 } // namespace
 
 const TiffBlock::Entry *TiffBlock::Directory::find(quint16 tag) const
@@ -58,8 +55,8 @@ std::optional<TiffBlock::Directory> TiffBlock::directoryAt(quint32 offset) const
     for (qsizetype i = 0; i < count; ++i) {
         const qsizetype position = start + 2 + i * kEntrySize;
         Entry entry{position, number16(position), number16(position + 2), number32(position + 4), position + 8, 0, 0};
-        if (entry.type < kTypeSizes.size())
-            entry.statedSize = qint64(kTypeSizes[entry.type]) * entry.count;
+        if (entry.type <= kLastTiffType)
+            entry.statedSize = qint64(kTiffTypeSizes[entry.type]) * entry.count;
         if (entry.statedSize > kInlineSize)
             entry.valueOffset = number32(position + 8);
         if (entry.valueOffset + entry.statedSize <= m_bytes.size())
@@ -78,7 +75,7 @@ std::vector<quint32> TiffBlock::numbers(const Entry &entry) const
     const bool isLong = entry.type == kLong || entry.type == kSignedLong || entry.type == kDirectory;
     if (!isLong && entry.type != kShort && entry.type != kByte)
         return result;
-    const qsizetype step = kTypeSizes[entry.type];
+    const qsizetype step = kTiffTypeSizes[entry.type];
     for (qsizetype at = entry.valueOffset; at < entry.valueOffset + entry.valueSize; at += step)
         result.push_back(isLong ? number32(at) : entry.type == kShort ? number16(at) : quint8(m_bytes[at]));
     return result;

@@ -3,6 +3,7 @@
 #include <QByteArray>
 #include <QtEndian>
 
+#include <array>
 #include <cstdint>
 #include <map>
 
@@ -23,6 +24,11 @@ QByteArray tiffBytes(Number value, bool isBigEndian)
     isBigEndian ? qToBigEndian(value, bytes.data()) : qToLittleEndian(value, bytes.data());
     return bytes;
 }
+
+/// Bytes of one value of each type; 0 for types that do not exist. The last three only exist with 64-bit offsets.
+inline constexpr std::array<uint8_t, 19> kTiffTypeSizes = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4, 0, 0, 8, 8, 8};
+/// The last type that exists with 32-bit offsets, too.
+inline constexpr uint16_t kLastTiffType = 13;
 
 /// What follows the bytes begins at an even place, as directories and values have to.
 inline QByteArray evenlyLong(const QByteArray &bytes)

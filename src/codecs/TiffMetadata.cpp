@@ -10,7 +10,6 @@ namespace hazelmark {
 
 namespace {
 
-constexpr uint16_t kOrientation = 0x0112;
 constexpr uint16_t kUndefinedType = 7;
 constexpr qsizetype kMostEntries = 0xffff;
 
@@ -82,7 +81,7 @@ bool TiffMetadata::setTags(TIFF *tiff) const
         ok = TIFFSetField(tiff, TIFFTAG_XMLPACKET, uint32_t(m_xmp.size()), m_xmp.constData()) == 1;
     if (m_isBig && m_exif) {
         const auto directory = m_exif->directoryAt(m_exif->firstDirectoryOffset());
-        const TiffBlock::Entry *entry = directory ? directory->find(kOrientation) : nullptr;
+        const TiffBlock::Entry *entry = directory ? directory->find(TIFFTAG_ORIENTATION) : nullptr;
         const quint32 orientation = entry ? m_exif->number(*entry).value_or(0) : 0;
         if (orientation >= ORIENTATION_TOPLEFT && orientation <= ORIENTATION_LEFTBOT)
             ok = ok && TIFFSetField(tiff, TIFFTAG_ORIENTATION, uint16_t(orientation)) == 1;

@@ -4,7 +4,6 @@
 #include "TiffTags.h"
 
 #include <algorithm>
-#include <array>
 
 namespace hazelmark {
 
@@ -19,23 +18,7 @@ constexpr quint64 kMostEntries = 4096;
 /// Of the EXIF block.
 constexpr qsizetype kMostBytes = 1024 * 1024;
 
-constexpr char kIptcMarker = 0x1c;
-
 constexpr quint16 kLong = 4;
-
-/// Bytes of one value by its type; 0 for types that do not exist.
-qint64 sizeOfType(quint16 type)
-{
-    constexpr std::array kSizes = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8, 4, 0, 0, 8, 8, 8};
-    return type < kSizes.size() ? kSizes[type] : 0;
-}
-
-/// The types of 8-byte whole numbers have no place in a block.
-bool isOfBlocks(quint16 type)
-{
-    constexpr quint16 kLastOfBlocks = 13;
-    return type <= kLastOfBlocks;
-}
 
 class Converter
 {
@@ -56,7 +39,7 @@ public:
         const quint32 first = addDirectory(number<quint64>(m_header, 8), Level::First);
         if (first != 0)
             m_blocks.exif = m_block.replace(4, 4, tiffBytes(first, m_isBigEndian));
-        if (!m_blocks.iptc.startsWith(kIptcMarker))
+        if (!m_blocks.iptc.startsWith(kIptcRecordMarker))
             m_blocks.iptc.clear(); // of another byte order than its type pretends
         return m_blocks;
     }
@@ -87,7 +70,7 @@ private:
     {
         Entry entry{
             number<quint16>(directory, at), number<quint16>(directory, at + 2), number<quint64>(directory, at + 4), {}};
-        const qint64 unit = sizeOfType(entry.type);
+        const qint64 unit = entry.type < kTiffTypeSizes.size() ? kTiffTypeSizes[entry.type] : 0;
         if (unit == 0 || entry.count > quint64(kMaxBlockSize / unit))
             return entry;
         const qint64 size = qint64(entry.count) * unit;
@@ -135,7 +118,7 @@ private:
             takeDirectory(entry, Level::Second, entries);
         else if (level == Level::Second && entry.tag == tifftag::kInteroperabilityDirectory)
             takeDirectory(entry, Level::Third, entries);
-        else if (isOfBlocks(entry.type) && (!isFirst || m_isWanted(entry.tag)))
+        else if (entry.type <= kLastTiffType && (!isFirst || m_isWanted(entry.tag)))
             entries[entry.tag] = blockEntry(entry.tag, entry.type, quint32(entry.count), entry.value);
     }
 

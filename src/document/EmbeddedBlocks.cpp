@@ -34,8 +34,7 @@ QByteArray withoutExifLeadIn(const QByteArray &bytes)
 /// The IIM records in a run of image-resource blocks. Some writers store the records without such blocks.
 QByteArray iptcOfResources(const QString &path, const QByteArray &resources)
 {
-    constexpr char kRecordMarker = 0x1c;
-    if (resources.startsWith(kRecordMarker))
+    if (resources.startsWith(kIptcRecordMarker))
         return resources;
     QByteArray iptc;
     withExiv2(path, [&] {

@@ -14,6 +14,9 @@ struct EmbeddedBlocks
     QByteArray extendedXmp; ///< JPEG only: the part of the packet that did not fit into one segment
 };
 
+/// Every IIM record begins with it.
+inline constexpr char kIptcRecordMarker = 0x1c;
+
 /// Blocks larger than this are passed over.
 inline constexpr qint64 kMaxBlockSize = 64 * 1024 * 1024;
 

@@ -35,4 +35,11 @@ QString pathExtension(const QString &path)
     return dot <= 0 ? QStringLiteral("") : name.mid(dot + 1);
 }
 
+QString nameWithoutExtension(const QString &path)
+{
+    const QString name = lastPathComponent(path);
+    const qsizetype dot = name.lastIndexOf(QLatin1Char('.'));
+    return dot <= 0 ? name : name.left(dot);
+}
+
 } // namespace hazelmark

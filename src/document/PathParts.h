@@ -14,4 +14,7 @@ QString pathWithoutLastComponent(const QString &path);
 /// (".profile"), unlike QFileInfo::suffix().
 QString pathExtension(const QString &path);
 
+/// The last component without its extension and the dot before it.
+QString nameWithoutExtension(const QString &path);
+
 } // namespace hazelmark

@@ -1,5 +1,6 @@
 #include "TagSizes.h"
 
+#include "EmbeddedPictures.h"
 #include "TiffBlock.h"
 #include "TiffTags.h"
 
@@ -82,10 +83,10 @@ private:
 
     void takeOffsets(const QByteArray &bytes, const TiffBlock::Entry &entry)
     {
-        constexpr qint64 kMost = 64 * 4;
+        constexpr qint64 kMostBytes = 64 * 4;
         const QByteArray offsets = entry.statedSize <= TiffBlock::kInlineSize
                                        ? bytes.mid(entry.position + 8, 4)
-                                       : m_read(entry.valueOffset, std::min(entry.statedSize, kMost));
+                                       : m_read(entry.valueOffset, std::min(entry.statedSize, kMostBytes));
         for (qsizetype at = 0; at + 4 <= offsets.size(); at += 4)
             m_next.push_back(tiffNumber<quint32>(offsets, at, isBigEndian()));
     }
@@ -122,9 +123,7 @@ QByteArray withoutUnusualNote(const QByteArray &exif)
     std::optional<TiffBlock> block = TiffBlock::of(exif);
     if (!block)
         return exif;
-    const auto first = block->directoryAt(block->firstDirectoryOffset());
-    const TiffBlock::Entry *pointer = first ? first->find(tifftag::kExifDirectory) : nullptr;
-    const auto directory = block->directoryAt(pointer ? block->number(*pointer).value_or(0) : 0);
+    const auto directory = block->directoryAt(exifDirectory(*block));
     if (!directory)
         return exif;
     for (const TiffBlock::Entry &entry : directory->entries) {

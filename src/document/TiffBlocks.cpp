@@ -16,8 +16,6 @@ namespace {
 /// The metadata must lie within so many bytes from the start of the file; as many may be taken from behind that.
 constexpr qint64 kHeadSize = 1024 * 1024;
 
-constexpr char kIptcMarker = 0x1c;
-
 enum class Purpose { Carry, Show };
 
 bool isShown(quint16 tag)
@@ -59,7 +57,7 @@ public:
             else if (isWanted(entry.tag))
                 take(*source, entry);
         }
-        if (!blocks.iptc.startsWith(kIptcMarker))
+        if (!blocks.iptc.startsWith(kIptcRecordMarker))
             blocks.iptc.clear(); // of another byte order than its type pretends
         if (!m_entries.empty())
             blocks.exif = exifBlock();

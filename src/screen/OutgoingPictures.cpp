@@ -13,13 +13,6 @@ namespace hazelmark {
 
 namespace {
 
-QString baseName(const QString &photoPath)
-{
-    const QString name = lastPathComponent(photoPath);
-    const QString extension = pathExtension(photoPath);
-    return extension.isEmpty() ? name : name.chopped(extension.size() + 1);
-}
-
 /// Qt has none where the environment names one that does not exist.
 QString temporaryFolder()
 {
@@ -82,7 +75,8 @@ void OutgoingPictures::prepare(const PhotoImagePtr &image, const QString &photoP
         return;
     }
     const bool asJpeg = goesAsJpeg(image, photoPath);
-    const QString path = newPath(baseName(photoPath) + (asJpeg ? QStringLiteral(".jpg") : QStringLiteral(".png")));
+    const QString path =
+        newPath(nameWithoutExtension(photoPath) + (asJpeg ? QStringLiteral(".jpg") : QStringLiteral(".png")));
     if (path.isEmpty()) {
         ready({});
         return;

@@ -75,9 +75,7 @@ SavePanel::SavePanel(ApplicationDelegate &application, const Photo &photo, const
     makeOptions();
     arrange();
 
-    const QString name = lastPathComponent(photo.path);
-    const QString extension = pathExtension(photo.path);
-    showFileName(extension.isEmpty() ? name : name.chopped(extension.size() + 1));
+    showFileName(nameWithoutExtension(photo.path));
     // The quality is a JPEG's matter, and at first only for photos that are JPEG themselves.
     m_viewExportQuality->setVisible(isJpeg(formats.formats.first()));
     clearMessage();
