@@ -14,23 +14,48 @@ if(HAZELMARK_SANITIZE OR HAZELMARK_FUZZ)
   target_link_options(hazelmark_options INTERFACE -fsanitize=address,undefined)
 endif()
 
-# hazelmark_module(NAME SOURCES ... [PUBLIC ...] [PRIVATE ...])
+# hazelmark_precompiled(NAME HEADER LIBS ...)
+#
+# A target that compiles nothing but a header that many sources include, for other targets to use.
+set(precompiled_dir ${CMAKE_CURRENT_LIST_DIR}/precompiled)
+function(hazelmark_precompiled name header)
+  add_library(${name} STATIC EXCLUDE_FROM_ALL ${precompiled_dir}/Empty.cpp)
+  target_precompile_headers(${name} PRIVATE ${precompiled_dir}/${header})
+  target_link_libraries(${name} PRIVATE hazelmark_options ${ARGN})
+endfunction()
+hazelmark_precompiled(precompiled_core Core.h Qt6::Gui)
+hazelmark_precompiled(precompiled_widgets Widgets.h Qt6::Widgets)
+
+# hazelmark_module(NAME [WIDGETS] [MOC] SOURCES ... [PUBLIC ...] [PRIVATE ...])
 #
 # A static library of the sources in the calling folder. Its headers are found by name alone, and only by targets
-# that link it: the PUBLIC and PRIVATE lists are the arrows of the table in src/README.md.
+# that link it: the PUBLIC and PRIVATE lists are the arrows of the table in src/README.md. WIDGETS: it draws widgets.
+# MOC: it has classes with signals of their own.
 function(hazelmark_module name)
-  cmake_parse_arguments(arg "" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
+  cmake_parse_arguments(arg "WIDGETS;MOC" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
   add_library(${name} STATIC ${arg_SOURCES})
+  set_target_properties(${name} PROPERTIES AUTOMOC ${arg_MOC})
+  if(arg_WIDGETS)
+    target_precompile_headers(${name} REUSE_FROM precompiled_widgets)
+  else()
+    target_precompile_headers(${name} REUSE_FROM precompiled_core)
+  endif()
   target_include_directories(${name} PUBLIC ${CMAKE_CURRENT_SOURCE_DIR})
   target_link_libraries(${name} PUBLIC hazelmark_options ${arg_PUBLIC} PRIVATE ${arg_PRIVATE})
 endfunction()
 
-# hazelmark_test(NAME SOURCES ... LIBS ...)
+# hazelmark_test(NAME [WIDGETS] [MOC] SOURCES ... LIBS ...)
 #
-# One test program a module. Every case is a test of its own for CTest; windows open on the offscreen platform.
+# One test program a module, WIDGETS and MOC as for a module. Every case is a test of its own for CTest; windows open on the offscreen platform.
 function(hazelmark_test name)
-  cmake_parse_arguments(arg "" "" "SOURCES;LIBS" ${ARGN})
+  cmake_parse_arguments(arg "WIDGETS;MOC" "" "SOURCES;LIBS" ${ARGN})
   add_executable(${name} ${arg_SOURCES})
+  set_target_properties(${name} PROPERTIES AUTOMOC ${arg_MOC})
+  if(arg_WIDGETS)
+    target_precompile_headers(${name} REUSE_FROM precompiled_widget_tests)
+  else()
+    target_precompile_headers(${name} REUSE_FROM precompiled_tests)
+  endif()
   target_link_libraries(${name} PRIVATE hazelmark_options ${arg_LIBS} GTest::gmock GTest::gtest)
   gtest_discover_tests(
     ${name}
