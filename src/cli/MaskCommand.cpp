@@ -32,7 +32,7 @@ int runMask(const MaskRequest &request)
         return exitcode::kFailed;
     EncodeOptions options;
     options.format = *format;
-    const Outcome<Done> written = encodeSafely(mask, options, request.output, request.strokes);
+    const Outcome<Done> written = encodeSafely(mask, options, request.output, {{request.strokes}});
     if (!written)
         printError(written.failure().sentence());
     return written ? exitcode::kDone : exitcode::kFailed;

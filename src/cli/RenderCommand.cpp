@@ -36,7 +36,8 @@ std::optional<Failure> checkFiles(const RenderRequest &request)
         if (!header)
             return header.failure();
     }
-    const Outcome<Done> destination = SafeFile::checkDestination(request.output, request.photo);
+    const Outcome<Done> destination =
+        SafeFile::checkDestination(request.output, {{request.photo}, {request.mask}, {request.strokes}});
     return destination ? std::nullopt : std::optional(destination.failure());
 }
 
@@ -62,6 +63,7 @@ int runRender(const RenderRequest &request)
     const PhotoFile photo(QFileInfo(request.photo).absoluteFilePath());
     ExportWriter::Settings settings{photo, {}, {}};
     const ExportFormats formats = ExportFormats::forSource(photo.fileExtension());
+    settings.otherSources = {{request.mask}, {request.strokes}};
     settings.arrformatsSupportedByIM = formats.formats;
     settings.fileTypeToExportImage = formats.formFor(pathExtension(request.output));
     if (settings.fileTypeToExportImage.isNull()) {

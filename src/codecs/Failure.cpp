@@ -42,7 +42,9 @@ QString reasonText(Failure::Reason reason)
     case Reason::NotARegularFile:
         return QStringLiteral("it is not a regular file");
     case Reason::SameAsSource:
-        return QStringLiteral("it is the photo itself, which is never changed");
+        return QStringLiteral("it is a file that the picture is made from, which is never changed");
+    case Reason::SourceChanged:
+        return QStringLiteral("it has changed since it was opened");
     case Reason::DiskFull:
         return QStringLiteral("the disk is full");
     case Reason::WriteFailed:

@@ -24,7 +24,8 @@ struct Failure
         ReadOnly,
         Immutable,       ///< the file system's immutable flag is set
         NotARegularFile, ///< a device, a pipe, a socket
-        SameAsSource,    ///< writing would change the photo itself
+        SameAsSource,    ///< writing would change the photo itself, or another file that is read for the picture
+        SourceChanged,   ///< the photo is not as it was when it was opened
         DiskFull,
         WriteFailed,
         EncodeFailed,

@@ -47,6 +47,7 @@ RecordFields PhotoFile::fields() const
 
 void PhotoFile::readAttributes()
 {
+    m_identity = FileIdentity::ofPath(m_filePath); // before anything is read: a later change shows
     const std::optional<FileAttributes> attributes = FileAttributes::ofPath(m_filePath);
     m_fileSize = QString::number(attributes ? attributes->size : 0);
     if (!attributes) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FileIdentity.h"
 #include "RecordFields.h"
 
 #include <QDateTime>
@@ -40,12 +41,18 @@ public:
     /// purpose.
     static QString creationDateText(const QDateTime &created);
 
+    /// The file as it was when the record was made: whether it is still the same one is for the caller to compare.
+    /// Absent when there was none.
+    const std::optional<FileIdentity> &identity() const { return m_identity; }
+
     RecordFields fields() const;
 
     HAZELMARK_PHOTO_FILE_FIELDS(HAZELMARK_RECORD_FIELD)
 
 private:
     void readAttributes();
+
+    std::optional<FileIdentity> m_identity;
 };
 
 } // namespace hazelmark

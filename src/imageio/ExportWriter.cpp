@@ -5,7 +5,6 @@
 #include "FlippedImage.h"
 #include "ImageIoLog.h"
 #include "PropertyDictionary.h"
-#include "SafeFile.h"
 
 #include <algorithm>
 #include <cmath>
@@ -111,7 +110,9 @@ Outcome<Done> ExportWriter::write(int formatIndex, const QString &path, const Pi
     if (dict.contains(kQualityEntry))
         options.jpegQuality = int(std::lround(std::clamp(dict.value(kQualityEntry).toDouble(), 0.0, 1.0) * 100.0));
 
-    return encodeSafely(pixels.bitmap, options, path, source);
+    SourcePaths sources = m_settings.otherSources;
+    sources.push_back({source, m_settings.selectedImageFile.identity()});
+    return encodeSafely(pixels.bitmap, options, path, sources);
 }
 
 } // namespace hazelmark

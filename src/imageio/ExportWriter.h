@@ -2,6 +2,7 @@
 
 #include "Outcome.h"
 #include "PhotoFile.h"
+#include "SafeFile.h"
 #include "Utils.h"
 
 #include <QString>
@@ -16,11 +17,12 @@ class ExportWriter
 public:
     struct Settings
     {
-        PhotoFile selectedImageFile; ///< the source photo
+        PhotoFile selectedImageFile; ///< the source photo; its file must be as it was when the record was made
         QStringList arrformatsSupportedByIM;
         QString fileTypeToExportImage;    ///< extension of the chosen path, as typed; may be empty
         double sliderExportQuality = 1.0; ///< taken along, without effect on the file
         double backingScaleFactor = 1.0;  ///< of the main screen
+        SourcePaths otherSources = {};    ///< what else the picture is made from: mask, strokes
     };
 
     explicit ExportWriter(Settings settings);

@@ -120,21 +120,31 @@ Outcome<Done> checkFolder(const QByteArray &place, const QString &path)
 }
 
 Outcome<Done> checkExisting(const QByteArray &place, const struct stat &status, const QString &path,
-                            const QString &source)
+                            const SourcePaths &sources)
 {
     if (S_ISDIR(status.st_mode))
         return Failure{Reason::IsFolder, path, {}};
     if (!S_ISREG(status.st_mode))
         return Failure{Reason::NotARegularFile, path, {}};
-    struct stat photo;
-    if (::stat(QFile::encodeName(source).constData(), &photo) == 0 && photo.st_dev == status.st_dev &&
-        photo.st_ino == status.st_ino)
-        return Failure{Reason::SameAsSource, path, {}};
+    for (const SourcePath &source : sources) {
+        const std::optional<FileIdentity> identity = FileIdentity::ofPath(source.path);
+        if (identity && identity->isSameFileAs(FileIdentity(status)))
+            return Failure{Reason::SameAsSource, path, {}};
+    }
     const std::optional<FileAttributes> attributes = FileAttributes::ofPath(QFile::decodeName(place));
     if (attributes && attributes->isImmutable)
         return Failure{Reason::Immutable, path, {}};
     if (!(status.st_mode & kAnyWriteBit) || ::access(place.constData(), W_OK) != 0)
         return Failure{Reason::ReadOnly, path, {}};
+    return Done();
+}
+
+Outcome<Done> checkUnchanged(const SourcePaths &sources)
+{
+    for (const auto &[path, asOpened] : sources) {
+        if (asOpened && FileIdentity::ofPath(path) != asOpened)
+            return Failure{Reason::SourceChanged, path, {}};
+    }
     return Done();
 }
 
@@ -152,23 +162,23 @@ bool flushed(const QByteArray &path, int flags)
 
 } // namespace
 
-Outcome<Done> SafeFile::checkDestination(const QString &path, const QString &source)
+Outcome<Done> SafeFile::checkDestination(const QString &path, const SourcePaths &sources)
 {
     const std::optional<QByteArray> place = finalPlace(QFile::encodeName(path));
     if (!place || path.isEmpty())
         return Failure{Reason::NotARegularFile, path, {}};
     struct stat status;
     if (::stat(place->constData(), &status) == 0) {
-        const Outcome<Done> existing = checkExisting(*place, status, path, source);
+        const Outcome<Done> existing = checkExisting(*place, status, path, sources);
         if (!existing)
             return existing;
     }
     return checkFolder(*place, path);
 }
 
-Outcome<SafeFile> SafeFile::create(const QString &path, const QString &source)
+Outcome<SafeFile> SafeFile::create(const QString &path, const SourcePaths &sources)
 {
-    const Outcome<Done> allowed = checkDestination(path, source);
+    const Outcome<Done> allowed = checkDestination(path, sources);
     if (!allowed)
         return allowed.failure();
     QByteArray name = folderOf(*finalPlace(QFile::encodeName(path))) + "/.hazelmark-XXXXXX";
@@ -177,19 +187,19 @@ Outcome<SafeFile> SafeFile::create(const QString &path, const QString &source)
         return Failure::ofWriteError(errno, path);
     ::close(descriptor);
     temporaries.add(name);
-    return SafeFile(path, source, QFile::decodeName(name));
+    return SafeFile(path, sources, QFile::decodeName(name));
 }
 
-SafeFile::SafeFile(QString path, QString source, QString temporaryPath)
+SafeFile::SafeFile(QString path, SourcePaths sources, QString temporaryPath)
     : m_path(std::move(path))
-    , m_source(std::move(source))
+    , m_sources(std::move(sources))
     , m_temporaryPath(std::move(temporaryPath))
 {
 }
 
 SafeFile::SafeFile(SafeFile &&other) noexcept
     : m_path(std::move(other.m_path))
-    , m_source(std::move(other.m_source))
+    , m_sources(std::move(other.m_sources))
     , m_temporaryPath(std::exchange(other.m_temporaryPath, {}))
 {
 }
@@ -205,7 +215,7 @@ SafeFile::~SafeFile()
 
 Outcome<Done> SafeFile::commit()
 {
-    const Outcome<Done> allowed = checkDestination(m_path, m_source);
+    const Outcome<Done> allowed = checkDestination(m_path, m_sources);
     if (!allowed)
         return allowed;
     const QByteArray place = *finalPlace(QFile::encodeName(m_path));
@@ -213,8 +223,12 @@ Outcome<Done> SafeFile::commit()
     struct stat replaced;
     const bool replaces = ::stat(place.constData(), &replaced) == 0;
     const mode_t mode = replaces ? replaced.st_mode & 0777 : modeOfNewFiles();
-    if (!flushed(temporary, O_RDONLY) || ::chmod(temporary.constData(), mode) != 0 ||
-        ::rename(temporary.constData(), place.constData()) != 0)
+    if (!flushed(temporary, O_RDONLY) || ::chmod(temporary.constData(), mode) != 0)
+        return Failure::ofWriteError(errno, m_path);
+    const Outcome<Done> unchanged = checkUnchanged(m_sources);
+    if (!unchanged)
+        return unchanged;
+    if (::rename(temporary.constData(), place.constData()) != 0)
         return Failure::ofWriteError(errno, m_path);
     temporaries.remove(temporary);
     m_temporaryPath.clear();
@@ -225,9 +239,9 @@ Outcome<Done> SafeFile::commit()
 }
 
 Outcome<Done> encodeSafely(const QImage &pixels, const EncodeOptions &options, const QString &path,
-                           const QString &source)
+                           const SourcePaths &sources)
 {
-    Outcome<SafeFile> file = SafeFile::create(path, source);
+    Outcome<SafeFile> file = SafeFile::create(path, sources);
     if (!file)
         return file.failure();
     const Outcome<Done> encoded = encodePicture(pixels, options, file->temporaryPath());

@@ -44,6 +44,8 @@ inline QString refusalKey(Failure::Reason reason)
         return QStringLiteral("REFUSED_NOT_A_REGULAR_FILE");
     case Reason::SameAsSource:
         return QStringLiteral("REFUSED_SAME_AS_SOURCE");
+    case Reason::SourceChanged:
+        return QStringLiteral("REFUSED_SOURCE_CHANGED");
     case Reason::DiskFull:
         return QStringLiteral("REFUSED_DISK_FULL");
     case Reason::WriteFailed:

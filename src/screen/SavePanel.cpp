@@ -264,7 +264,7 @@ std::optional<Failure> SavePanel::objection(const QString &path) const
 {
     if (QFile::encodeName(lastPathComponent(path)).size() > kLongestName)
         return Failure{Failure::Reason::WriteFailed, path, {}};
-    const Outcome<Done> possible = SafeFile::checkDestination(path, m_photo.path);
+    const Outcome<Done> possible = SafeFile::checkDestination(path, {{m_photo.path}});
     if (!possible)
         return possible.failure();
     const std::optional<quint64> room = availableBytes(pathWithoutLastComponent(path));

@@ -24,6 +24,7 @@ TEST(PhotoFile, DescribesTheFileAndTheUprightPicture)
             EXPECT_EQ(photo.fileName(), path.section(QLatin1Char('/'), -1));
             EXPECT_EQ(photo.fileContainerFolderName(), path.section(QLatin1Char('/'), -2, -2));
             EXPECT_EQ(photo.fileSize(), QString::number(readBytes(path).size()));
+            EXPECT_EQ(photo.identity(), FileIdentity::ofPath(path));
             ASSERT_TRUE(photo.metaInfoDict());
             EXPECT_EQ(photo.metaInfoDict()->value(QStringLiteral("Orientation")).toInt(), orientation);
             EXPECT_EQ(photo.metaInfoDict()->value(QStringLiteral("PixelWidth")).toInt(), 40);

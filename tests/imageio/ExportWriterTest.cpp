@@ -104,6 +104,18 @@ TEST_F(Writer, AnExtensionThatTheListLacksFallsBackToJpgOrWritesNothing)
     }
 }
 
+TEST_F(Writer, APhotoThatChangedSinceItWasOpenedGivesNoFileAndALineInTheLog)
+{
+    const ExportWriter::Settings opened = settings();
+    const QString photo = opened.selectedImageFile.filePath();
+    writeBytes(m_folder, opened.selectedImageFile.fileName(), readBytes(photo) + "more");
+    const LogLines log;
+    ExportWriter(opened).saveDenoisedImageInDirectoryPath(
+        path("out.png"), PhotoImage::fromBitmap(noise(kUpright, QImage::Format_RGBX8888)));
+    EXPECT_TRUE(log.contains(qPrintable(photo + QStringLiteral(": it has changed since it was opened."))));
+    EXPECT_FALSE(QFile::exists(path("out.png")));
+}
+
 TEST_F(Writer, TheQualitySliderChangesNothing)
 {
     const PhotoImagePtr picture = PhotoImage::fromBitmap(noise(kUpright, QImage::Format_RGBX8888));

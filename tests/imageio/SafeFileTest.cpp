@@ -32,11 +32,11 @@ protected:
     void expectRefused(const QString &out, Reason reason)
     {
         const QStringList before = entries();
-        const auto checked = SafeFile::checkDestination(out, m_source);
+        const auto checked = SafeFile::checkDestination(out, m_sources);
         ASSERT_FALSE(bool(checked)) << out.toStdString();
         EXPECT_EQ(checked.failure().reason, reason) << checked.failure().sentence().toStdString();
         EXPECT_TRUE(checked.failure().sentence().contains(out));
-        EXPECT_FALSE(bool(SafeFile::create(out, m_source)));
+        EXPECT_FALSE(bool(SafeFile::create(out, m_sources)));
         EXPECT_EQ(entries(), before);
     }
 
@@ -48,7 +48,7 @@ protected:
     /// With the content, ready to be committed.
     SafeFile prepared(const QString &out, const QByteArray &content) const
     {
-        auto safe = SafeFile::create(out, m_source);
+        auto safe = SafeFile::create(out, m_sources);
         QFile temporary((*safe).temporaryPath());
         EXPECT_TRUE(temporary.open(QIODevice::WriteOnly));
         temporary.write(content);
@@ -58,6 +58,7 @@ protected:
 
     QTemporaryDir m_folder;
     QString m_source = file("photo.jpg", "the photo");
+    SourcePaths m_sources{{file("strokes.json", "[]")}, {m_source, FileIdentity::ofPath(m_source)}};
 };
 
 mode_t modeOf(const QString &path)
@@ -80,7 +81,7 @@ TEST_F(SafeFiles, ANewFileHasAnOrdinaryModeAndAReplacedOneKeepsIts)
     put(path("new.png"), "other");
     EXPECT_EQ(readBytes(path("new.png")), "other");
     EXPECT_EQ(modeOf(path("new.png")), 0604u);
-    EXPECT_EQ(entries().size(), 2);
+    EXPECT_EQ(entries().size(), 3);
 }
 
 TEST_F(SafeFiles, WithoutCommitNothingHasHappened)
@@ -88,7 +89,7 @@ TEST_F(SafeFiles, WithoutCommitNothingHasHappened)
     const QString out = file("out.png", "old");
     prepared(out, "half of the new o");
     EXPECT_EQ(readBytes(out), "old");
-    EXPECT_EQ(entries().size(), 2);
+    EXPECT_EQ(entries().size(), 3);
 }
 
 TEST_F(SafeFiles, LinksAreFollowedAndStay)
@@ -109,6 +110,7 @@ TEST_F(SafeFiles, WhatMustNotBeReplacedIsRefused)
     expectRefused(path("soft.jpg"), Reason::SameAsSource);
     ASSERT_EQ(::link(QFile::encodeName(m_source).constData(), QFile::encodeName(path("hard.jpg")).constData()), 0);
     expectRefused(path("hard.jpg"), Reason::SameAsSource);
+    expectRefused(path("strokes.json"), Reason::SameAsSource);
 
     ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("folder.png")));
     expectRefused(path("folder.png"), Reason::IsFolder);
@@ -139,16 +141,28 @@ TEST_F(SafeFiles, AFileThatBecameReadOnlyMeanwhileStays)
     EXPECT_EQ(readBytes(out), "old");
 }
 
+TEST_F(SafeFiles, NothingIsPutInPlaceOfAPhotoThatChangedMeanwhile)
+{
+    const QString out = file("out.png", "old");
+    SafeFile safe = prepared(out, "new");
+    file("photo.jpg", "another photo");
+    const auto committed = safe.commit();
+    ASSERT_FALSE(bool(committed));
+    EXPECT_EQ(committed.failure().reason, Reason::SourceChanged);
+    EXPECT_EQ(committed.failure().path, m_source);
+    EXPECT_EQ(readBytes(out), "old");
+}
+
 TEST_F(SafeFiles, WhatAnEncoderRefusesIsToldOfTheFileThatWasAskedFor)
 {
     const QString out = file("out.jpg", "old");
     EncodeOptions options;
     options.format = WriteFormat::Jpeg;
-    const auto written = encodeSafely(QImage(70000, 1, QImage::Format_RGBX8888), options, out, m_source);
+    const auto written = encodeSafely(QImage(70000, 1, QImage::Format_RGBX8888), options, out, m_sources);
     ASSERT_FALSE(bool(written));
     EXPECT_EQ(written.failure().path, out);
     EXPECT_EQ(readBytes(out), "old");
-    EXPECT_EQ(entries().size(), 2);
+    EXPECT_EQ(entries().size(), 3);
 }
 
 TEST_F(SafeFiles, ASignalRemovesTheTemporaryFile)
@@ -156,14 +170,14 @@ TEST_F(SafeFiles, ASignalRemovesTheTemporaryFile)
     const pid_t child = ::fork();
     if (child == 0) {
         SafeFile::removeTemporariesOnSignals();
-        auto safe = SafeFile::create(path("out.png"), m_source);
+        auto safe = SafeFile::create(path("out.png"), m_sources);
         ::raise(SIGTERM);
         ::_exit(0);
     }
     int status = 0;
     ASSERT_EQ(::waitpid(child, &status, 0), child);
     EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
-    EXPECT_EQ(entries(), QStringList(QStringLiteral("photo.jpg")));
+    EXPECT_EQ(entries().size(), 2);
 }
 
 } // namespace hazelmark
