@@ -80,7 +80,7 @@ void MainWinController::setUpWindow()
     // What the main screen made of the window's size in its own set-up ends here. Limits first: the frame keeps to
     // them.
     m_windowMain->setFrameSizeLimits({kMinimumWidth, kMinimumHeight}, visible.toSize());
-    m_windowMain->setFrame(frameForVisibleSize(visible).toRect());
+    m_windowMain->setFrame(frameForVisibleSize(visible).translated(Screen::mainScreen().origin()).toRect());
     m_windowMain->disconnect(this); // once the window's delegate, however often the view is changed
     connect(m_windowMain.get(), &TitlebarWindow::didResize, this, &MainWinController::windowDidResize);
     connect(m_windowMain.get(), &TitlebarWindow::didEnterFullScreen, this,

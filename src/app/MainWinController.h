@@ -41,8 +41,8 @@ public:
     QWidget *mainScreenView() const { return m_mainScreenView; }
 
     /// The main window's frame at its first set-up, from the size of the screen's visible frame, both in points. It
-    /// counts from the screen's top left corner: the visible frame's own origin is not added, and y is down, so that
-    /// the title strip is on the screen.
+    /// counts from the main screen's top left corner, wherever on the desktop that is: the visible frame's own origin
+    /// is not added, and y is down, so that the title strip is on the screen.
     static QRectF frameForVisibleSize(QSizeF visible);
 
 signals:

@@ -5,7 +5,6 @@
 #include "Theme.h"
 
 #include <QFontMetricsF>
-#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -90,12 +89,12 @@ void HighlightButton::highlight()
 
 bool HighlightButton::event(QEvent *event)
 {
-    if (event->type() == QEvent::Enter && QGuiApplication::applicationState() == Qt::ApplicationActive) {
-        setCursor(Qt::PointingHandCursor);
-        setButtonHighlighted();
-    } else if (event->type() == QEvent::Leave) {
-        setCursor(Qt::ArrowCursor);
-        setButtonDefault();
+    if (m_hover.follow(*event, *this)) {
+        setCursor(m_hover.isHovering() ? Qt::PointingHandCursor : Qt::ArrowCursor);
+        if (m_hover.isHovering())
+            setButtonHighlighted();
+        else
+            setButtonDefault();
     }
     return QAbstractButton::event(event);
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "HoverTracker.h"
+
 #include <QAbstractButton>
 #include <QPixmap>
 #include <QTimer>
@@ -54,6 +56,7 @@ private:
     bool m_highlighted = false;
     QColor m_background = Qt::transparent;
     QTimer m_endOfPress;
+    HoverTracker m_hover;
 };
 
 } // namespace hazelmark

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace hazelmark {
 
@@ -45,52 +46,66 @@ IMGButton::IMGButton(QWidget *parent)
     setCheckable(true);
     setCursor(Qt::PointingHandCursor);
     setFocusPolicy(Qt::TabFocus);
-    m_titleColors.fill(Qt::white);
-    m_titleColors[OnStateDis] = m_titleColors[OffStateDis] = kDisabledGray;
+    m_colors.fill(Qt::white);
+    m_colors[OnStateDis] = m_colors[OffStateDis] = kDisabledGray;
 }
 
-void IMGButton::setPieces(State state, const Pieces &pieces)
+void IMGButton::setImage(QString &image, const QString &name)
 {
-    m_pieces[state] = pieces;
+    image = name;
     updateGeometry();
     update();
 }
 
-void IMGButton::setImgOnState_En(const QString &name)
+void IMGButton::setEndCaps(const EndCaps &caps)
 {
-    m_pieces[OnState].end = name;
+    m_images[OffState].end = caps.off;
+    m_images[OffStateDwn].end = m_images[OffStateDis].end = caps.offDisabled;
+    m_images[OnState].end = caps.on;
+    m_images[OnStateDwn].end = m_images[OnStateDis].end = caps.onDisabled;
+    setImgMouseHover(caps.hover);
+    resize(sizeHint());
+}
+
+void IMGButton::setColor(State state, const QColor &color)
+{
+    m_colors[state] = color;
     update();
 }
 
-void IMGButton::setImgOffState_En(const QString &name)
+void IMGButton::setMarginLeft(int margin)
 {
-    m_pieces[OffState].end = name;
-    updateGeometry();
+    m_margins.setLeft(margin);
     update();
 }
 
-void IMGButton::setImgMouseHover(const QString &name)
+void IMGButton::setMarginRight(int margin)
 {
-    m_imgMouseHover = name;
+    m_margins.setRight(margin);
     update();
 }
 
-void IMGButton::setTitleColor(State state, const QColor &color)
+void IMGButton::setMarginTop(int margin)
 {
-    m_titleColors[state] = color;
+    m_margins.setTop(margin);
     update();
 }
 
-void IMGButton::setTitleMargins(const QMargins &margins)
+void IMGButton::setMarginBottom(int margin)
 {
-    m_margins = margins;
+    m_margins.setBottom(margin);
     update();
 }
 
-void IMGButton::setMultiLineMargins(int top, int bottom)
+void IMGButton::setMarginTopML(int margin)
 {
-    m_marginTopML = top;
-    m_marginBottomML = bottom;
+    m_marginTopML = margin;
+    update();
+}
+
+void IMGButton::setMarginBottomML(int margin)
+{
+    m_marginBottomML = margin;
     update();
 }
 
@@ -108,8 +123,8 @@ void IMGButton::setMakeBoldFont(bool bold)
 
 QSize IMGButton::sizeHint() const
 {
-    const Pieces &off = m_pieces[OffState];
-    QSizeF size;
+    const Pieces &off = m_images[OffState];
+    QSizeF size(0, 0);
     for (const QString &name : {off.start, off.middle, off.end}) {
         const QSizeF piece = ImageCatalog::naturalSize(name);
         if (!piece.isEmpty())
@@ -125,24 +140,16 @@ QSize IMGButton::sizeHint() const
 
 bool IMGButton::event(QEvent *event)
 {
+    if (m_hover.follow(*event, *this))
+        update();
     switch (event->type()) {
     case QEvent::Enter:
-        // Hovering is a thing of the application that the person works in.
-        if (QGuiApplication::applicationState() == Qt::ApplicationActive) {
-            m_mouseHover = true;
-            update();
-        }
-        break;
-    case QEvent::Leave:
-        m_mouseHover = false;
-        update();
+        // A sheet that opened in the middle of a press has taken its release.
+        if (!(QGuiApplication::mouseButtons() & Qt::LeftButton))
+            endPressWithoutRelease();
         break;
     case QEvent::Hide:
-        // No release will come.
-        if (m_mouseDown) {
-            m_mouseDown = false;
-            setEnabled(true);
-        }
+        endPressWithoutRelease();
         break;
     case QEvent::MouseButtonRelease:
         // The press has disabled the button, and disabled widgets are not told of a release.
@@ -155,6 +162,12 @@ bool IMGButton::event(QEvent *event)
         break;
     }
     return QAbstractButton::event(event);
+}
+
+void IMGButton::endPressWithoutRelease()
+{
+    if (std::exchange(m_mouseDown, false))
+        setEnabled(true);
 }
 
 void IMGButton::mousePressEvent(QMouseEvent *event)
@@ -192,12 +205,17 @@ void IMGButton::sendActionAndToggle()
 {
     const QPointer<IMGButton> self = this; // an action may end its button
     emit clicked(isChecked());
-    if (!self)
-        return;
+    if (self)
+        endClick();
+}
+
+void IMGButton::endClick()
+{
     setChecked(!isChecked());
     if (m_enableImmediately)
         setEnabled(true);
     update();
+    emit clickOver();
 }
 
 void IMGButton::keyPressEvent(QKeyEvent *event)
@@ -221,8 +239,7 @@ void IMGButton::keyReleaseEvent(QKeyEvent *event)
 void IMGButton::nextCheckState()
 {
     // Reached by assistive technology, before the action is sent: the state flips after it, as with the mouse.
-    QMetaObject::invokeMethod(
-        this, [this] { setChecked(!isChecked()); }, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(this, &IMGButton::endClick, Qt::QueuedConnection);
 }
 
 bool IMGButton::focusNextPrevChild(bool next)
@@ -238,13 +255,6 @@ IMGButton::State IMGButton::currentState() const
     if (m_mouseDown)
         return isChecked() ? OnStateDwn : OffStateDwn;
     return isChecked() ? OnState : OffState;
-}
-
-QColor IMGButton::currentTitleColor() const
-{
-    if (!isEnabled())
-        return m_titleColors[isChecked() ? OnStateDis : OffStateDis];
-    return m_titleColors[isChecked() ? OnState : OffState];
 }
 
 void IMGButton::drawPieces(QPainter &painter, const Pieces &pieces) const
@@ -263,9 +273,15 @@ void IMGButton::drawPieces(QPainter &painter, const Pieces &pieces) const
     draw(pieces.end, QRectF(bounds.width() - endWidth, 0, endWidth, bounds.height()));
 }
 
+QStringList IMGButton::titleParts() const
+{
+    return m_multiLineStr.isEmpty() ? QStringList(text()) : text().split(m_multiLineStr);
+}
+
 void IMGButton::breakTitle()
 {
-    const QStringList parts = m_mTitle.split(m_multiLineStr.isEmpty() ? QStringLiteral("\n") : m_multiLineStr);
+    m_mTitle = text();
+    const QStringList parts = titleParts();
     if (parts.size() < 2)
         return;
     const qsizetype firstLine = parts.size() / 2; // the middle, rounded down
@@ -303,43 +319,42 @@ const IMGButton::Layout &IMGButton::getAttributesForRect(const QRectF &rect, boo
 
 void IMGButton::drawTitle(QPainter &painter)
 {
-    if (text().isEmpty())
+    m_mTitle = text();
+    if (m_mTitle.isEmpty())
         return; // nothing to fit: most of these buttons are an image alone
     const QRectF bounds = rect();
-    painter.setPen(currentTitleColor());
-    const Layout &single = getAttributesForRect(bounds);
-    const auto draw = [&](const Layout &layout, const QString &title, QPointF offset) {
+    if (isEnabled())
+        painter.setPen(m_colors[isChecked() ? OnState : OffState]);
+    else
+        painter.setPen(m_colors[isChecked() ? OnStateDis : OffStateDis]);
+    const auto draw = [&](const Layout &layout, const QString &title, QPointF offset, int wrapping) {
         if (layout.measured.isEmpty())
             return; // none was made so far
         painter.setFont(layout.font);
-        painter.drawText(layout.rect.translated(offset), Qt::AlignHCenter | Qt::AlignTop | Qt::TextDontClip, title);
+        painter.drawText(layout.rect.translated(offset), Qt::AlignHCenter | Qt::AlignTop | Qt::TextDontClip | wrapping,
+                         title);
     };
-    const bool breaks =
-        text().contains(QLatin1Char('\n')) || (!m_multiLineStr.isEmpty() && text().split(m_multiLineStr).size() >= 2);
-    if (!breaks) {
-        draw(single, text(), {});
-        return;
-    }
+    const Layout &single = getAttributesForRect(bounds);
+    if (titleParts().size() < 2 && !text().contains(QLatin1Char('\n')))
+        return draw(single, text(), {}, 0);
     const Layout &two = getAttributesForRect(bounds, true);
     const QPointF offset = m_mouseDown ? QPointF(1, 1) : QPointF();
     const bool twoAreLarger =
         two.measured.width() * two.measured.height() > single.measured.width() * single.measured.height();
     if (twoAreLarger)
-        draw(two, m_mTitle, offset);
+        draw(two, m_mTitle, offset, Qt::TextWordWrap);
     else
-        draw(single, text(), offset);
+        draw(single, text(), offset, 0);
 }
 
 void IMGButton::paintEvent(QPaintEvent *)
 {
     QPainter painter(this);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    m_mTitle = text();
-    drawPieces(painter, m_pieces[currentState()]);
+    drawPieces(painter, m_images[currentState()]);
     drawTitle(painter);
-    if (m_mouseHover && !isChecked()) {
-        drawPieces(painter, {m_pieces[OnState].start, m_pieces[OnState].middle, m_imgMouseHover});
-        m_mTitle = text();
+    if (m_hover.isHovering() && !isChecked()) {
+        drawPieces(painter, {m_images[OnState].start, m_images[OnState].middle, m_imgMouseHover});
         drawTitle(painter);
     }
     drawFocusRing(painter, *this);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "HoverTracker.h"
+
 #include <QAbstractButton>
 #include <QColor>
 #include <QFont>
@@ -13,48 +15,96 @@ namespace hazelmark {
 /// into two lines.
 ///
 /// `text()` is the title, `isChecked()` the on state. A click sends `clicked` first and flips the state afterwards: a
-/// handler sees the state from before the click. While the mouse is held down the button is disabled and drawn so.
+/// handler sees the state from before the click, and what it sets is flipped, too. What is to stay is set on
+/// `clickOver`. While the mouse is held down the button is disabled and drawn so.
 class IMGButton : public QAbstractButton
 {
     Q_OBJECT
 
 public:
-    /// Names of the images of one state, each of which may be empty. Caps keep their own width; all three fill the
-    /// button's height.
-    struct Pieces
-    {
-        QString start;
-        QString middle;
-        QString end;
-    };
-    enum State { OnState, OnStateDwn, OnStateDis, OffState, OffStateDwn, OffStateDis };
-
     explicit IMGButton(QWidget *parent = nullptr);
 
-    const Pieces &pieces(State state) const { return m_pieces[state]; }
-    void setPieces(State state, const Pieces &pieces);
-    // The three names that most buttons get by with: a button of the size of its end cap shows that image alone.
-    QString imgOnState_En() const { return m_pieces[OnState].end; }
-    void setImgOnState_En(const QString &name);
-    QString imgOffState_En() const { return m_pieces[OffState].end; }
-    void setImgOffState_En(const QString &name);
+    // Names of images, each of which may be empty: start cap (St), middle (Md) and end cap (En) in the on and the off
+    // state, each enabled, held down (Dwn) and disabled (Dis). Caps keep their own width; all fill the button's height.
+    QString imgOnState_St() const { return m_images[OnState].start; }
+    void setImgOnState_St(const QString &name) { setImage(m_images[OnState].start, name); }
+    QString imgOnState_Md() const { return m_images[OnState].middle; }
+    void setImgOnState_Md(const QString &name) { setImage(m_images[OnState].middle, name); }
+    QString imgOnState_En() const { return m_images[OnState].end; }
+    void setImgOnState_En(const QString &name) { setImage(m_images[OnState].end, name); }
+    QString imgOnStateDwn_St() const { return m_images[OnStateDwn].start; }
+    void setImgOnStateDwn_St(const QString &name) { setImage(m_images[OnStateDwn].start, name); }
+    QString imgOnStateDwn_Md() const { return m_images[OnStateDwn].middle; }
+    void setImgOnStateDwn_Md(const QString &name) { setImage(m_images[OnStateDwn].middle, name); }
+    QString imgOnStateDwn_En() const { return m_images[OnStateDwn].end; }
+    void setImgOnStateDwn_En(const QString &name) { setImage(m_images[OnStateDwn].end, name); }
+    QString imgOnStateDis_St() const { return m_images[OnStateDis].start; }
+    void setImgOnStateDis_St(const QString &name) { setImage(m_images[OnStateDis].start, name); }
+    QString imgOnStateDis_Md() const { return m_images[OnStateDis].middle; }
+    void setImgOnStateDis_Md(const QString &name) { setImage(m_images[OnStateDis].middle, name); }
+    QString imgOnStateDis_En() const { return m_images[OnStateDis].end; }
+    void setImgOnStateDis_En(const QString &name) { setImage(m_images[OnStateDis].end, name); }
+    QString imgOffState_St() const { return m_images[OffState].start; }
+    void setImgOffState_St(const QString &name) { setImage(m_images[OffState].start, name); }
+    QString imgOffState_Md() const { return m_images[OffState].middle; }
+    void setImgOffState_Md(const QString &name) { setImage(m_images[OffState].middle, name); }
+    QString imgOffState_En() const { return m_images[OffState].end; }
+    void setImgOffState_En(const QString &name) { setImage(m_images[OffState].end, name); }
+    QString imgOffStateDwn_St() const { return m_images[OffStateDwn].start; }
+    void setImgOffStateDwn_St(const QString &name) { setImage(m_images[OffStateDwn].start, name); }
+    QString imgOffStateDwn_Md() const { return m_images[OffStateDwn].middle; }
+    void setImgOffStateDwn_Md(const QString &name) { setImage(m_images[OffStateDwn].middle, name); }
+    QString imgOffStateDwn_En() const { return m_images[OffStateDwn].end; }
+    void setImgOffStateDwn_En(const QString &name) { setImage(m_images[OffStateDwn].end, name); }
+    QString imgOffStateDis_St() const { return m_images[OffStateDis].start; }
+    void setImgOffStateDis_St(const QString &name) { setImage(m_images[OffStateDis].start, name); }
+    QString imgOffStateDis_Md() const { return m_images[OffStateDis].middle; }
+    void setImgOffStateDis_Md(const QString &name) { setImage(m_images[OffStateDis].middle, name); }
+    QString imgOffStateDis_En() const { return m_images[OffStateDis].end; }
+    void setImgOffStateDis_En(const QString &name) { setImage(m_images[OffStateDis].end, name); }
     /// Drawn as the end cap, over the button, while the pointer is over an off button.
     QString imgMouseHover() const { return m_imgMouseHover; }
-    void setImgMouseHover(const QString &name);
+    void setImgMouseHover(const QString &name) { setImage(m_imgMouseHover, name); }
     /// The counterpart of the hover image; not drawn.
     QString imgMouseOut() const { return m_imgMouseOut; }
     void setImgMouseOut(const QString &name) { m_imgMouseOut = name; }
 
-    /// The title's colour in OnState, OnStateDis, OffState or OffStateDis.
-    QColor titleColor(State state) const { return m_titleColors[state]; }
-    void setTitleColor(State state, const QColor &color);
+    /// The images of a button that is one picture, of the size of its end cap. The disabled ones are also shown while
+    /// the button is held down.
+    struct EndCaps
+    {
+        QString off;
+        QString offDisabled;
+        QString on;
+        QString onDisabled;
+        QString hover;
+    };
+    /// Sets them, and the button's size.
+    void setEndCaps(const EndCaps &caps);
 
-    /// Insets of the title in points; a title of two lines has a top and a bottom inset of its own.
-    QMargins titleMargins() const { return m_margins; }
-    void setTitleMargins(const QMargins &margins);
+    /// The title's colour.
+    QColor colorOnState() const { return m_colors[OnState]; }
+    void setColorOnState(const QColor &color) { setColor(OnState, color); }
+    QColor colorOnStateDis() const { return m_colors[OnStateDis]; }
+    void setColorOnStateDis(const QColor &color) { setColor(OnStateDis, color); }
+    QColor colorOffState() const { return m_colors[OffState]; }
+    void setColorOffState(const QColor &color) { setColor(OffState, color); }
+    QColor colorOffStateDis() const { return m_colors[OffStateDis]; }
+    void setColorOffStateDis(const QColor &color) { setColor(OffStateDis, color); }
+
+    /// Insets of the title in points; a title of two lines has a top and a bottom inset of its own (ML).
+    int marginLeft() const { return m_margins.left(); }
+    void setMarginLeft(int margin);
+    int marginRight() const { return m_margins.right(); }
+    void setMarginRight(int margin);
+    int marginTop() const { return m_margins.top(); }
+    void setMarginTop(int margin);
+    int marginBottom() const { return m_margins.bottom(); }
+    void setMarginBottom(int margin);
     int marginTopML() const { return m_marginTopML; }
+    void setMarginTopML(int margin);
     int marginBottomML() const { return m_marginBottomML; }
-    void setMultiLineMargins(int top, int bottom);
+    void setMarginBottomML(int margin);
     /// A hint for owners only: the title's content decides how it is laid out.
     bool isMultiLine() const { return m_isMultiLine; }
     void setIsMultiLine(bool multiLine) { m_isMultiLine = multiLine; }
@@ -82,6 +132,10 @@ public:
 
     QSize sizeHint() const override;
 
+signals:
+    /// The action was sent, the state has flipped, and the button is enabled again if it does that by itself.
+    void clickOver();
+
 protected:
     bool event(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
@@ -93,15 +147,28 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    enum State { OnState, OnStateDwn, OnStateDis, OffState, OffStateDwn, OffStateDis, StateCount };
+
+    struct Pieces
+    {
+        QString start;
+        QString middle;
+        QString end;
+    };
+
+    void setImage(QString &image, const QString &name);
+    void setColor(State state, const QColor &color);
     State currentState() const;
-    QColor currentTitleColor() const;
     void sendActionAndToggle();
+    void endClick();
+    void endPressWithoutRelease();
     void drawPieces(QPainter &painter, const Pieces &pieces) const;
     void drawTitle(QPainter &painter);
+    QStringList titleParts() const;
     void breakTitle();
 
-    std::array<Pieces, 6> m_pieces;
-    std::array<QColor, 6> m_titleColors;
+    std::array<Pieces, StateCount> m_images;
+    std::array<QColor, StateCount> m_colors;
     QString m_imgMouseHover;
     QString m_imgMouseOut;
     QMargins m_margins{5, 5, 5, 5};
@@ -114,7 +181,7 @@ private:
     bool m_makeBoldFont = false;
 
     bool m_mouseDown = false;
-    bool m_mouseHover = false;
+    HoverTracker m_hover;
     Layout m_singleLine;
     Layout m_twoLines;
 };

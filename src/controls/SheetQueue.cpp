@@ -37,7 +37,7 @@ void SheetQueue::present(QDialog *sheet)
 
 void SheetQueue::showNext()
 {
-    while (!m_current && m_holds == 0 && !m_waiting.empty()) {
+    while (!m_current && m_holds == 0 && m_window.isVisible() && !m_waiting.empty()) {
         QDialog *sheet = m_waiting.front();
         m_waiting.pop_front();
         if (!sheet)
@@ -52,6 +52,8 @@ void SheetQueue::showNext()
 
 bool SheetQueue::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched == &m_window && event->type() == QEvent::Show)
+        QMetaObject::invokeMethod(this, &SheetQueue::showNext, Qt::QueuedConnection);
     if (watched == &m_window && event->type() == QEvent::WindowActivate && m_current && m_current->isVisible())
         QMetaObject::invokeMethod(m_current, &QWidget::activateWindow, Qt::QueuedConnection);
     return QObject::eventFilter(watched, event);

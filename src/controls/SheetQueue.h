@@ -12,7 +12,8 @@ namespace hazelmark {
 
 /// The sheets of one window: dialogs that block that window alone and come one after the other, however many are due.
 /// Nothing waits for a sheet: its owner hears of the answer through the dialog's own signals. Where the desktop
-/// activates the window that a sheet blocks, the sheet takes the keyboard back.
+/// activates the window that a sheet blocks, the sheet takes the keyboard back. On a window that is closed no sheet is
+/// shown: it waits for the window to come back.
 class SheetQueue : public QObject
 {
     Q_OBJECT

@@ -3,6 +3,7 @@
 #include "Compositor.h"
 #include "FrameEdge.h"
 #include "IMGButton.h"
+#include "SheetQueue.h"
 #include "Theme.h"
 
 #include <QApplication>
@@ -61,9 +62,10 @@ void TitlebarWindow::makeButtons()
         setButtonImages(*button, name + QStringLiteral("-normal"), name + QStringLiteral("-press"),
                         name + QStringLiteral("-hover"));
         connect(button, &IMGButton::clicked, this, [this, action] { (m_actions.*action)(); });
-        // It pushes; its on state would only linger.
-        connect(
-            button, &IMGButton::toggled, button, [button] { button->setChecked(false); }, Qt::QueuedConnection);
+        // It pushes; its on state would only linger. What asks before the window closes leaves it on meanwhile.
+        connect(button, &IMGButton::clickOver, this, [this, button] {
+            button->setChecked(button == m_closeButton && SheetQueue::forWindow(*this).current());
+        });
         return button;
     };
     m_closeButton = make(QStringLiteral("close"), &Actions::close);
@@ -85,13 +87,7 @@ void TitlebarWindow::setActions(const Actions &actions)
 void TitlebarWindow::setButtonImages(IMGButton &button, const QString &normal, const QString &press,
                                      const QString &hover)
 {
-    // A button that is held down is disabled: the pressed look belongs to that state.
-    for (const auto state : {IMGButton::OnState, IMGButton::OnStateDwn, IMGButton::OnStateDis, IMGButton::OffStateDwn,
-                             IMGButton::OffStateDis})
-        button.setPieces(state, {{}, {}, press});
-    button.setPieces(IMGButton::OffState, {{}, {}, normal});
-    button.setImgMouseHover(hover);
-    button.resize(button.sizeHint());
+    button.setEndCaps({.off = normal, .offDisabled = press, .on = press, .onDisabled = press, .hover = hover});
 }
 
 void TitlebarWindow::setButtonNames(const QString &close, const QString &minimize, const QString &zoom,

@@ -20,6 +20,12 @@ QRectF Screen::visibleFrame() const
     return screen ? QRectF(screen->availableGeometry()) : QRectF();
 }
 
+QPointF Screen::origin() const
+{
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    return screen ? QPointF(screen->geometry().topLeft()) : QPointF();
+}
+
 double Screen::backingScale() const
 {
     const QScreen *screen = QGuiApplication::primaryScreen();

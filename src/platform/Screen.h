@@ -13,6 +13,8 @@ public:
 
     /// What panels and docks leave free, in points, y downwards. Empty without a window system.
     virtual QRectF visibleFrame() const;
+    /// Where its top left corner stands on the desktop, which may have several screens, in points.
+    virtual QPointF origin() const;
     /// Pixels per point, 1 or more.
     virtual double backingScale() const;
 };

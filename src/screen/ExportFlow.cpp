@@ -81,7 +81,10 @@ void ExportFlow::btnExportDenoisedImageTapped()
     m_savePanel = new SavePanel(m_application, {m_screen.imageUrl(), QSize(int(photo->width()), int(photo->height()))},
                                 m_formats, startFolder());
     connect(m_savePanel, &SavePanel::chosen, this, &ExportFlow::savePanelChose);
-    connect(m_savePanel, &QDialog::rejected, this, [this] { m_screen.setExportButtonOff(); });
+    connect(m_savePanel, &QDialog::rejected, this, [this] {
+        m_savePanel.clear();
+        m_screen.setExportButtonOff();
+    });
     SheetQueue::forWindow(m_window).present(m_savePanel);
 }
 
@@ -91,6 +94,7 @@ void ExportFlow::savePanelChose(const QString &path)
     m_fileTypeToExportImage = pathExtension(path);
     m_pathToExportImage = path;
     m_exportQuality = m_savePanel->sliderExportQuality()->value();
+    m_savePanel.clear();
     m_isExportingPhoto = true;
     NotificationCenter::defaultCenter().post(kNotificationSaveChnagesUnsaved);
     saveOutPutImage(path);

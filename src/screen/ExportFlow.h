@@ -86,8 +86,9 @@ public:
     const QStringList &arrformatsSupportedByIM() const { return m_formats.formats; }
     bool isExportingPhoto() const { return m_isExportingPhoto; }
     bool isSocialShareTapped() const { return m_isSocialShareTapped; }
+    bool isSharing() const { return m_isSocialShareTapped || m_sharePicker.isOpen(); } ///< up to the picker's end
     bool isExporting() const { return m_isExporting; } ///< a render for a file or for sharing is under way
-    SavePanel *savePanel() const;                      ///< null unless it is open
+    SavePanel *savePanel() const;                      ///< null unless it waits for an answer
     SharePicker &sharePicker() { return m_sharePicker; }
 
 signals:

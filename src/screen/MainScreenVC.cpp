@@ -5,8 +5,9 @@
 #include "BarProgressIndicator.h"
 #include "ColorWell.h"
 #include "FileDraggingView.h"
-#include "HighlightButton.h"
+#include "IMGButton.h"
 #include "NotificationNames.h"
+#include "OpenPanel.h"
 #include "PaintView.h"
 #include "PhotoFile.h"
 #include "PhotoImageView.h"
@@ -101,6 +102,8 @@ void MainScreenVC::connectControls()
     connect(m_view->btnAddPhotoOnPrompt, &QAbstractButton::clicked, this, &MainScreenVC::btnAddPhotoTapped);
     connect(m_view->btnExport, &QAbstractButton::clicked, this, &MainScreenVC::btnExportDenoisedImageTapped);
     connect(m_view->btnShareService, &QAbstractButton::clicked, this, &MainScreenVC::btnSocialShareImageTapped);
+    for (const IMGButton *button : {m_view->btnAddPhoto, m_view->btnExport, m_view->btnShareService})
+        connect(button, &IMGButton::clickOver, this, &MainScreenVC::updateStripButtons);
 }
 
 SettingsPanel &MainScreenVC::panel()
@@ -235,12 +238,22 @@ void MainScreenVC::setExportLocked(bool locked)
 void MainScreenVC::updateLocks()
 {
     const bool editable = hasPhoto() && !m_exportLocked;
-    m_view->btnAddPhoto->setEnabled(!m_exportLocked);
-    m_view->btnExport->setEnabled(editable);
-    m_view->btnShareService->setEnabled(editable);
+    updateStripButtons();
     panel().setEnabled(!m_exportLocked);
     m_view->paintView->setEnabled(!m_exportLocked);
     m_application.setIsUiDisabled(!editable);
+}
+
+/// What the three buttons allow, and what is open because of them: so long they are on.
+void MainScreenVC::updateStripButtons()
+{
+    const bool editable = hasPhoto() && !m_exportLocked;
+    m_view->btnAddPhoto->setEnabled(!m_exportLocked);
+    m_view->btnExport->setEnabled(editable);
+    m_view->btnShareService->setEnabled(editable);
+    m_view->btnAddPhoto->setChecked(m_window && OpenPanel::isOpen(*m_window));
+    m_view->btnExport->setChecked(m_exportFlow && m_exportFlow->savePanel());
+    m_view->btnShareService->setChecked(m_exportFlow && m_exportFlow->isSharing());
 }
 
 void MainScreenVC::updateUnsavedMark()

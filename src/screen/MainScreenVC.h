@@ -186,6 +186,7 @@ private:
     void checkPointerOverPhoto();
     void updateUnsavedMark();
     void updateLocks();
+    void updateStripButtons();
     void makeExportFlow();
     CoreFilterObject createPresetObjectFromSettingWithTitle(const QString &title) const override;
     void setExportButtonOff() override;

@@ -3,7 +3,7 @@
 
 #include "BarProgressIndicator.h"
 #include "ColorWell.h"
-#include "HighlightButton.h"
+#include "IMGButton.h"
 #include "SettingsPanel.h"
 #include "SummaryBar.h"
 #include "TitlebarWindow.h"
@@ -30,18 +30,21 @@ void MainScreenVC::makeExportFlow()
         updateUnsavedMark();
     });
     connect(&flow->sharePicker(), &SharePicker::shared, m_view->vwBottom, &SummaryBar::showMessage);
+    connect(&flow->sharePicker(), &SharePicker::closed, this, &MainScreenVC::updateStripButtons);
 }
 
 void MainScreenVC::btnExportDenoisedImageTapped()
 {
     if (m_exportFlow)
         m_exportFlow->btnExportDenoisedImageTapped();
+    updateStripButtons();
 }
 
 void MainScreenVC::btnSocialShareImageTapped()
 {
     if (m_exportFlow)
         m_exportFlow->btnSocialShareImageTapped();
+    updateStripButtons();
 }
 
 CoreFilterObject MainScreenVC::createPresetObjectFromSettingWithTitle(const QString &title) const

@@ -3,7 +3,7 @@
 
 #include "DrawTrackingView.h"
 #include "FloatSlider.h"
-#include "HighlightButton.h"
+#include "IMGButton.h"
 #include "PaintView.h"
 #include "SettingsPanel.h"
 #include "Utils.h"

@@ -4,7 +4,7 @@
 #include "ApplicationDelegate.h"
 #include "FormatString.h"
 #include "Geometry.h"
-#include "HighlightButton.h"
+#include "IMGButton.h"
 #include "OpenPanel.h"
 #include "PaintView.h"
 #include "PathParts.h"
@@ -42,8 +42,10 @@ void MainScreenVC::btnAddPhotoTapped()
 {
     if (m_exportLocked || !m_window)
         return;
-    OpenPanel::show(*m_window, m_application, m_lastFolder, this,
-                    [this](const QString &path) { openPanelFinished(path); });
+    OpenPanel::show(
+        *m_window, m_application, m_lastFolder, this, [this](const QString &path) { openPanelFinished(path); },
+        [this] { updateStripButtons(); });
+    updateStripButtons();
 }
 
 void MainScreenVC::openPanelFinished(const QString &path)

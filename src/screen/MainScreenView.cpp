@@ -4,7 +4,8 @@
 #include "BarProgressIndicator.h"
 #include "DrawTrackingView.h"
 #include "FileDraggingView.h"
-#include "HighlightButton.h"
+#include "IMGButton.h"
+#include "ImageButton.h"
 #include "ImageCatalog.h"
 #include "PaintView.h"
 #include "PhotoImageView.h"
@@ -27,7 +28,6 @@ namespace hazelmark {
 
 namespace {
 
-constexpr int kStripButtonPoints = 40;
 constexpr int kPromptIconPoints = 120;
 constexpr int kLoadingNoteHeight = 32;
 constexpr qreal kLoadingNoteRadius = 6;
@@ -58,14 +58,6 @@ protected:
     }
 };
 
-HighlightButton *stripButton(const QString &image, const char *name, QWidget *parent)
-{
-    auto *button = new HighlightButton(HighlightButton::kImageTag, image, image + QStringLiteral("-hover"), parent);
-    button->setObjectName(QLatin1String(name));
-    button->setFixedSize(kStripButtonPoints, kStripButtonPoints);
-    return button;
-}
-
 } // namespace
 
 MainScreenView::MainScreenView(ApplicationDelegate &application, QWidget *parent)
@@ -83,6 +75,7 @@ MainScreenView::MainScreenView(ApplicationDelegate &application, QWidget *parent
     makeTitleStrip();
     makePrompt();
     makePhotoArea();
+    makeRateUs();
     TitlebarWindow::setMovesWindow(*this);
     TitlebarWindow::setMovesWindow(*vwMainContainer);
     TitlebarWindow::setMovesWindow(*dropTarget);
@@ -101,9 +94,12 @@ void MainScreenView::makeTitleStrip()
     vwTopContainer->setObjectName(QStringLiteral("vwTopContainer"));
     theme::setGround(*vwTopContainer, theme::kStrip);
     TitlebarWindow::setMovesWindow(*vwTopContainer);
-    btnAddPhoto = stripButton(QStringLiteral("add"), "btnAddPhoto", vwTopContainer);
-    btnShareService = stripButton(QStringLiteral("share"), "btnShareService", vwTopContainer);
-    btnExport = stripButton(QStringLiteral("export"), "btnExport", vwTopContainer);
+    const auto button = [this](const char *name, const QString &image) {
+        return imageButton(name, image, image + QStringLiteral("_selected"), vwTopContainer);
+    };
+    btnAddPhoto = button("btnAddPhoto", QStringLiteral("add"));
+    btnShareService = button("btnShareService", QStringLiteral("share"));
+    btnExport = button("btnExport", QStringLiteral("export"));
     m_unsavedMark = new QLabel(vwTopContainer);
     m_unsavedMark->setObjectName(QStringLiteral("unsavedMark"));
     m_unsavedMark->hide();
@@ -155,6 +151,21 @@ void MainScreenView::makePhotoArea()
     progressBar->hide();
 }
 
+void MainScreenView::makeRateUs()
+{
+    auto *hidden = new QWidget(this);
+    hidden->hide();
+    const auto named = [](auto *control, const char *name) {
+        control->setObjectName(QLatin1String(name));
+        return control;
+    };
+    btnRateUs = named(new QPushButton(hidden), "btnRateUs");
+    lblRateusTitle = named(new QLabel(hidden), "lblRateusTitle");
+    lblRateusMsg = named(new QLabel(hidden), "lblRateusMsg");
+    btnYesOnRateus = named(new QPushButton(hidden), "btnYesOnRateus");
+    btnNoOnRateus = named(new QPushButton(hidden), "btnNoOnRateus");
+}
+
 void MainScreenView::setLocalizedStrings(ApplicationDelegate &application)
 {
     const auto text = [&](const char *key) { return application.getLocalizedStringForKey(QLatin1String(key)); };
@@ -168,14 +179,13 @@ void MainScreenView::setLocalizedStrings(ApplicationDelegate &application)
     name(btnExport, text("SAVE"));
     name(btnShareService, text("SHARE"));
     name(m_unsavedMark, text("UNSAVED_WORK"));
+    btnRateUs->setText(text("RATEUS_TITLE"));
+    lblRateusTitle->setText(text("RATEUS_TITLE"));
+    lblRateusMsg->setText(text("RATEUS_MSG"));
+    btnYesOnRateus->setText(text("YES"));
+    btnNoOnRateus->setText(text("NO"));
     imgvwAfterBokesh->setAccessibleName(text("PHOTO_AREA"));
     layOut();
-}
-
-void MainScreenView::setTitleStripInset(int inset)
-{
-    m_titleStripInset = inset;
-    layOutTitleStrip();
 }
 
 void MainScreenView::showAddPhotoLayout()
@@ -277,12 +287,11 @@ void MainScreenView::layOut()
 void MainScreenView::layOutTitleStrip()
 {
     vwTopContainer->setGeometry(0, 0, width(), theme::kTitleBarHeight);
-    const int top = (theme::kTitleBarHeight - kStripButtonPoints) / 2;
     // The three stand over the panel, the one that ends the work outermost.
     int right = width() - theme::kMargin + theme::kSpacing;
-    for (HighlightButton *button : {btnExport, btnShareService, btnAddPhoto}) {
-        right -= kStripButtonPoints;
-        button->move(right, top);
+    for (IMGButton *button : {btnExport, btnShareService, btnAddPhoto}) {
+        right -= button->width();
+        button->move(right, (theme::kTitleBarHeight - button->height()) / 2);
         right -= theme::kSpacing;
     }
     const QPixmap mark = ImageCatalog::imageNamed(

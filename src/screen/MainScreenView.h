@@ -12,7 +12,7 @@ class ApplicationDelegate;
 class BarProgressIndicator;
 class DrawTrackingView;
 class FileDraggingView;
-class HighlightButton;
+class IMGButton;
 class PaintView;
 class PhotoImageView;
 class SettingsPanel;
@@ -39,8 +39,6 @@ public:
 
     /// The texts that belong to the screen itself, in the interface language.
     void setLocalizedStrings(ApplicationDelegate &application);
-    /// What the window's own controls take of the title strip, from the left.
-    void setTitleStripInset(int inset);
 
     /// The main container as large as the whole view, with the hint; or left of the panel's place, with the photo.
     void showAddPhotoLayout();
@@ -75,9 +73,15 @@ public:
     PhotoImageView *imgvwAfterBokesh = nullptr;
     DrawTrackingView *drawTrackingView = nullptr;
     PaintView *paintView = nullptr;
-    HighlightButton *btnAddPhoto = nullptr;
-    HighlightButton *btnExport = nullptr;
-    HighlightButton *btnShareService = nullptr;
+    IMGButton *btnAddPhoto = nullptr;
+    IMGButton *btnExport = nullptr;
+    IMGButton *btnShareService = nullptr;
+    // Titled, and never shown: the prompt that a person sees has texts of its own.
+    QPushButton *btnRateUs = nullptr;
+    QLabel *lblRateusTitle = nullptr;
+    QLabel *lblRateusMsg = nullptr;
+    QPushButton *btnYesOnRateus = nullptr;
+    QPushButton *btnNoOnRateus = nullptr;
 
 protected:
     void resizeEvent(QResizeEvent *event) override;
@@ -87,6 +91,7 @@ private:
     void makeTitleStrip();
     void makePrompt();
     void makePhotoArea();
+    void makeRateUs();
     void layOut();
     void layOutTitleStrip();
     void layOutMainContainer();
@@ -97,7 +102,6 @@ private:
     QLabel *m_loadingNote = nullptr;
     bool m_besidePanel = false;
     bool m_photoShown = false;
-    int m_titleStripInset = 0;
     QRectF m_picture;
 };
 

@@ -9,15 +9,23 @@
 
 namespace hazelmark {
 
-void OpenPanel::show(QWidget &window, ApplicationDelegate &application, const QString &folder, QObject *context,
-                     Chosen chosen)
+namespace {
+const QString kName = QStringLiteral("openPanel");
+}
+
+bool OpenPanel::isOpen(const QWidget &window)
 {
-    const QString name = QStringLiteral("openPanel");
-    if (window.findChild<QFileDialog *>(name))
+    return window.findChild<QFileDialog *>(kName);
+}
+
+void OpenPanel::show(QWidget &window, ApplicationDelegate &application, const QString &folder, QObject *context,
+                     Chosen chosen, Finished finished)
+{
+    if (isOpen(window))
         return;
     const auto text = [&](const char *key) { return application.getLocalizedStringForKey(QLatin1String(key)); };
     auto *panel = new QFileDialog(&window, text("ADD_IMAGE"), folder.isEmpty() ? picturesFolder() : folder);
-    panel->setObjectName(name);
+    panel->setObjectName(kName);
     panel->setFileMode(QFileDialog::ExistingFile);
     panel->setOption(QFileDialog::HideNameFilterDetails);
     panel->setNameFilter(text("IMAGE_FILES") + QStringLiteral(" (") + ReadableTypes::fileNamePatterns() +
@@ -30,6 +38,10 @@ void OpenPanel::show(QWidget &window, ApplicationDelegate &application, const QS
         const QStringList files = panel->selectedFiles();
         if (!files.isEmpty())
             chosen(files.last());
+    });
+    QObject::connect(panel, &QDialog::finished, context, [panel, finished = std::move(finished)] {
+        panel->setObjectName(QString()); // it will be gone soon, and is not the one that is open any more
+        finished();
     });
     SheetQueue::forWindow(window).present(panel);
 }

@@ -17,11 +17,14 @@ class OpenPanel
 {
 public:
     using Chosen = std::function<void(const QString &path)>;
+    using Finished = std::function<void()>;
 
     /// Starts in `folder`, or where pictures are kept when that is empty. `chosen` is called, while `context` lives,
-    /// unless the person cancels. A panel that is up already stays the only one.
+    /// unless the person cancels, and `finished` then in either case. A panel that is up already stays the only one.
     static void show(QWidget &window, ApplicationDelegate &application, const QString &folder, QObject *context,
-                     Chosen chosen);
+                     Chosen chosen, Finished finished);
+    /// Whether the panel of `window` is up, or waits for its turn.
+    static bool isOpen(const QWidget &window);
 };
 
 } // namespace hazelmark

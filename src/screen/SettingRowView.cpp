@@ -35,6 +35,17 @@ double stepsOfKey(int key)
     }
 }
 
+/// "lblBrushSize" of the key "BRUSH_SIZE"; the other labels are named after their sliders.
+QString labelName(const SettingRow &row)
+{
+    QString name;
+    if (QLatin1String(row.labelKey).startsWith(QLatin1String("SLIDER_")))
+        return QStringLiteral("lbl") + QLatin1String(row.name);
+    for (const QString &word : QString::fromLatin1(row.labelKey).split(QLatin1Char('_')))
+        name += word.left(1) + word.mid(1).toLower();
+    return QStringLiteral("lbl") + name;
+}
+
 } // namespace
 
 SettingRowView::SettingRowView(const SettingRow &row, QWidget *parent)
@@ -45,7 +56,7 @@ SettingRowView::SettingRowView(const SettingRow &row, QWidget *parent)
     , m_slider(new FloatSlider)
 {
     const QString name = QLatin1String(row.name);
-    m_label->setObjectName(QStringLiteral("lbl") + name);
+    m_label->setObjectName(labelName(row));
     m_label->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred); // the panel's width is given
     m_field->setObjectName(QStringLiteral("txt") + name);
     m_field->setFixedSize(kFieldWidth, kFieldHeight);

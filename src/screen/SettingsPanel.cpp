@@ -6,6 +6,7 @@
 #include "FloatSlider.h"
 #include "FormatString.h"
 #include "HighlightButton.h"
+#include "IMGButton.h"
 #include "NumberText.h"
 #include "PhotoFile.h"
 #include "SettingRowView.h"
@@ -64,9 +65,9 @@ QLineEdit *SettingsPanel::field(Setting setting) const
 
 HighlightButton *SettingsPanel::resetButton(ResetTag tag) const
 {
-    for (const auto &[button, buttonTag] : m_resets) {
-        if (buttonTag == tag)
-            return button;
+    for (const Reset &reset : m_resets) {
+        if (reset.tag == tag)
+            return reset.button;
     }
     return nullptr;
 }
@@ -78,10 +79,7 @@ QString SettingsPanel::lookup(const char *key) const
 
 void SettingsPanel::showTool(bool eraser)
 {
-    m_btnPaint->setImgNormalState(eraser ? QStringLiteral("brush.png") : QStringLiteral("brush_selected.png"));
-    m_btnPaint->setImgSelectedState(eraser ? QStringLiteral("brush-hover") : QStringLiteral("brush_selected.png"));
-    m_btnEraser->setImgNormalState(eraser ? QStringLiteral("eraser_select.png") : QStringLiteral("eraser.png"));
-    m_btnEraser->setImgSelectedState(eraser ? QStringLiteral("eraser_select.png") : QStringLiteral("eraser-hover"));
+    m_toolIsEraser = eraser;
     m_btnPaint->setChecked(!eraser);
     m_btnEraser->setChecked(eraser);
     m_toolName->setText(lookup(eraser ? "ERASE" : "PAINT"));

@@ -23,6 +23,7 @@ class ColorWell;
 class DisclosureButton;
 class FloatSlider;
 class HighlightButton;
+class IMGButton;
 class SettingRowView;
 
 /// The settings on the right of the main screen: the switch between paint and erase, eighteen sliders with a numeric
@@ -45,10 +46,10 @@ public:
     FloatSlider *slider(Setting setting) const;
     QLineEdit *field(Setting setting) const;
     ColorWell *colorPickerVignette() const { return m_colorPickerVignette; }
-    HighlightButton *btnPaint() const { return m_btnPaint; }
-    HighlightButton *btnEraser() const { return m_btnEraser; }
+    IMGButton *btnPaint() const { return m_btnPaint; }
+    IMGButton *btnEraser() const { return m_btnEraser; }
     QScrollArea *scrollvwSettings() const { return m_scrollvwSettings; }
-    HighlightButton *resetButton(ResetTag tag) const;
+    HighlightButton *resetButton(ResetTag tag) const; ///< null for the tag that resets nothing
 
     /// The texts in the interface language; also colours the flat buttons again.
     void setLocalizedStrings();
@@ -112,8 +113,9 @@ private:
 
     ApplicationDelegate &m_application;
     std::array<SettingRowView *, kSettingCount> m_rows{};
-    HighlightButton *m_btnPaint = nullptr;
-    HighlightButton *m_btnEraser = nullptr;
+    IMGButton *m_btnPaint = nullptr;
+    IMGButton *m_btnEraser = nullptr;
+    bool m_toolIsEraser = false;
     QLabel *m_toolName = nullptr;
     QScrollArea *m_scrollvwSettings = nullptr;
     DisclosureButton *m_disclosure = nullptr;
@@ -122,7 +124,13 @@ private:
     QLabel *m_lblVignetteColor = nullptr;
     ColorWell *m_colorPickerVignette = nullptr;
     QList<std::pair<QLabel *, const char *>> m_headers; ///< with the keys of their titles
-    QList<std::pair<HighlightButton *, ResetTag>> m_resets;
+    struct Reset
+    {
+        HighlightButton *button;
+        ResetTag tag;
+        const QLabel *title; ///< of the group
+    };
+    QList<Reset> m_resets;
     QHash<QLineEdit *, QTimer *> m_textEntryDelays;
 };
 

@@ -6,6 +6,8 @@
 #include "DisclosureButton.h"
 #include "FloatSlider.h"
 #include "HighlightButton.h"
+#include "IMGButton.h"
+#include "ImageButton.h"
 #include "SettingRowView.h"
 #include "Theme.h"
 
@@ -47,7 +49,7 @@ SettingsPanel::SettingsPanel(ApplicationDelegate &application, QWidget *parent)
     : QWidget(parent)
     , m_application(application)
 {
-    setObjectName(QStringLiteral("vwRightContainer"));
+    setObjectName(QStringLiteral("vwSettingOptions"));
     setFixedWidth(kPanelWidthPoints);
     theme::setGround(*this, theme::kPanel);
 
@@ -60,7 +62,6 @@ SettingsPanel::SettingsPanel(ApplicationDelegate &application, QWidget *parent)
     for (const SettingRow &row : settingsTable())
         m_rows[static_cast<size_t>(row.setting)] = new SettingRowView(row, this);
     auto *document = new QWidget;
-    document->setObjectName(QStringLiteral("vwSettingOptions"));
     auto *documentLayout = new QVBoxLayout(document);
     documentLayout->setContentsMargins(theme::kMargin, theme::kMargin, theme::kMargin, theme::kMargin);
     documentLayout->setSpacing(kRowSpacing);
@@ -85,27 +86,22 @@ SettingsPanel::SettingsPanel(ApplicationDelegate &application, QWidget *parent)
 
     connectActions();
     setLocalizedStrings();
-    showTool(false);
     setUnfolded(false);
     setAllTextsForSliders();
 }
 
 void SettingsPanel::makeTools(QVBoxLayout *layout)
 {
-    m_btnPaint = new HighlightButton(HighlightButton::kImageTag, QStringLiteral("brush.png"), {}, this);
-    m_btnPaint->setObjectName(QStringLiteral("btnPaint"));
-    m_btnEraser = new HighlightButton(HighlightButton::kImageTag, QStringLiteral("eraser.png"), {}, this);
-    m_btnEraser->setObjectName(QStringLiteral("btnEraser"));
-    for (HighlightButton *button : {m_btnPaint, m_btnEraser}) {
-        button->setCheckable(true);
-        button->setAutoExclusive(true);
-    }
+    m_btnPaint = imageButton("btnPaint", QStringLiteral("brush"), QStringLiteral("brush_selected"), this);
+    m_btnEraser = imageButton("btnEraser", QStringLiteral("eraser"), QStringLiteral("eraser_select"), this);
     m_toolName = quietLabel();
     auto *tools = new QHBoxLayout;
-    tools->setContentsMargins(theme::kMargin, 0, theme::kMargin, 0);
-    tools->setSpacing(theme::kSpacing);
+    // The buttons have a margin of their own around what is seen of them.
+    tools->setContentsMargins(theme::kMargin - theme::kGrid, 0, theme::kMargin, 0);
+    tools->setSpacing(0);
     tools->addWidget(m_btnPaint);
     tools->addWidget(m_btnEraser);
+    tools->addSpacing(theme::kGrid);
     tools->addWidget(m_toolName, 1);
     auto *strip = new QWidget;
     strip->setFixedHeight(kToolStripHeight);
@@ -121,17 +117,18 @@ QWidget *SettingsPanel::makeHeader(const char *titleKey, ResetTag tag)
     title->setMinimumWidth(1);
     m_headers.append({title, titleKey});
 
-    auto *reset = new HighlightButton(HighlightButton::kFlatTag);
-    reset->setObjectName(QStringLiteral("btnReset%1").arg(tag));
-    reset->setFont(theme::systemFont(theme::kSmallTextSize));
-    reset->setFixedHeight(kResetHeight);
-    m_resets.append({reset, tag});
-
     auto *header = new QWidget;
     auto *layout = new QHBoxLayout(header);
     layout->setContentsMargins(0, 0, 0, theme::kGrid);
     layout->setSpacing(theme::kGrid);
     layout->addWidget(title, 1);
+    if (tag == kResetNothing)
+        return header;
+    auto *reset = new HighlightButton(HighlightButton::kFlatTag);
+    reset->setObjectName(QStringLiteral("btnReset%1").arg(tag));
+    reset->setFont(theme::systemFont(theme::kSmallTextSize));
+    reset->setFixedHeight(kResetHeight);
+    m_resets.append({reset, tag, title});
     layout->addWidget(reset, 0, Qt::AlignTop);
     return header;
 }
@@ -195,10 +192,14 @@ void SettingsPanel::connectActions()
         QLineEdit *field = this->field(setting);
         connect(field, &QLineEdit::textEdited, this, [this, field] { controlTextDidChange(field); });
     }
-    for (const auto &[button, tag] : std::as_const(m_resets))
-        connect(button, &QAbstractButton::clicked, this, [this, tag = tag] { btnResetSliderSettingsTapped(tag); });
-    connect(m_btnPaint, &QAbstractButton::clicked, this, [this] { emit segmentPaintEraseTapped(false); });
-    connect(m_btnEraser, &QAbstractButton::clicked, this, [this] { emit segmentPaintEraseTapped(true); });
+    for (const Reset &reset : std::as_const(m_resets))
+        connect(reset.button, &QAbstractButton::clicked, this,
+                [this, tag = reset.tag] { btnResetSliderSettingsTapped(tag); });
+    for (const bool eraser : {false, true}) {
+        IMGButton *button = eraser ? m_btnEraser : m_btnPaint;
+        connect(button, &IMGButton::clicked, this, [this, eraser] { emit segmentPaintEraseTapped(eraser); });
+        connect(button, &IMGButton::clickOver, this, [this] { showTool(m_toolIsEraser); });
+    }
     connect(m_colorPickerVignette, &ColorWell::colorChangedByUser, this, &SettingsPanel::vignetteColorChanged);
     connect(m_disclosure, &QAbstractButton::toggled, this, &SettingsPanel::setUnfolded);
 }
@@ -210,18 +211,17 @@ void SettingsPanel::setLocalizedStrings()
         row->setLocalizedStrings(m_application);
     for (const auto &[label, key] : std::as_const(m_headers))
         label->setText(lookup(key));
-    for (int i = 0; i < m_resets.size(); ++i) {
-        HighlightButton *reset = m_resets[i].first;
+    for (const auto &[reset, tag, title] : std::as_const(m_resets)) {
         reset->setText(lookup("RESET"));
         reset->setFixedWidth(reset->sizeHint().width() - theme::kMargin); // leaves the titles their room
         // Read out by itself a button has to say what it resets.
-        reset->setAccessibleName(m_headers[i].first->text() + QStringLiteral(": ") + lookup("RESET"));
+        reset->setAccessibleName(title->text() + QStringLiteral(": ") + lookup("RESET"));
     }
     m_btnPaint->setToolTip(lookup("PAINT"));
     m_btnPaint->setAccessibleName(lookup("PAINT"));
     m_btnEraser->setToolTip(lookup("ERASE"));
     m_btnEraser->setAccessibleName(lookup("ERASE"));
-    m_toolName->setText(lookup(m_btnEraser->isChecked() ? "ERASE" : "PAINT"));
+    showTool(m_toolIsEraser);
     m_lblVignetteColor->setText(lookup("VIGNETTE_COLOR"));
     m_colorPickerVignette->setAccessibleName(lookup("VIGNETTE_COLOR"));
     m_disclosure->setText(lookup("SLIDERS_WITHOUT_EFFECT"));
@@ -231,8 +231,8 @@ void SettingsPanel::setLocalizedStrings()
 
 void SettingsPanel::setButtonsHighlightColor()
 {
-    for (const auto &[button, tag] : std::as_const(m_resets))
-        button->setButtonDefault();
+    for (const Reset &reset : std::as_const(m_resets))
+        reset.button->setButtonDefault();
 }
 
 void SettingsPanel::setUnfolded(bool unfolded)

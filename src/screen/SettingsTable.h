@@ -34,7 +34,7 @@ enum class SettingRegion { Brush, Blur, InFocus };
 struct SettingRow
 {
     Setting setting;
-    const char *name;     ///< the slider is named "slider" + name, the field "txt" + name, the label "lbl" + name
+    const char *name;     ///< the slider is named "slider" + name, the field "txt" + name
     const char *labelKey; ///< the text beside the slider
     const char *nameKey;  ///< what assistive technology calls it
     double minValue;

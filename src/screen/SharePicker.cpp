@@ -94,7 +94,10 @@ void SharePicker::showSharingServicePickerWithImage(const PhotoImagePtr &image, 
     m_menu->setAttribute(Qt::WA_DeleteOnClose);
     addServices(m_image, photoPath);
     m_hold.emplace(SheetQueue::forWindow(m_window));
-    connect(m_menu, &QMenu::aboutToHide, this, [this] { m_hold.reset(); });
+    connect(m_menu, &QMenu::aboutToHide, this, [this] {
+        m_hold.reset();
+        QMetaObject::invokeMethod(this, &SharePicker::closed, Qt::QueuedConnection);
+    });
     // Below the button's right end, where it stays within the window.
     m_menu->popup(relativeTo.mapToGlobal(QPoint(relativeTo.width() - m_menu->sizeHint().width(), relativeTo.height())));
 }

@@ -35,6 +35,7 @@ public:
 
     /// The pop-up, while it is open.
     QMenu *menu() const { return m_menu; }
+    bool isOpen() const { return m_menu && m_menu->isVisible(); }
     const OutgoingPictures &outgoingPictures() const { return m_pictures; }
 
     /// The programs that can send a file by Bluetooth, with the arguments that come before the file; none when none is
@@ -42,6 +43,8 @@ public:
     static QStringList bluetoothSender();
 
 signals:
+    /// The pop-up is gone, whatever was chosen in it.
+    void closed();
     /// A service is done that opens nothing that would be seen; `text` says so.
     void shared(const QString &text);
 

@@ -5,13 +5,16 @@
 #include "FormatString.h"
 #include "ImageCatalog.h"
 #include "PageSlider.h"
+#include "Screen.h"
 #include "Theme.h"
 #include "UserDefaults.h"
 
 #include <QCheckBox>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMoveEvent>
 #include <QPushButton>
+#include <QScreen>
 #include <QShortcut>
 #include <QVBoxLayout>
 
@@ -67,6 +70,7 @@ TipsWindow::TipsWindow(ApplicationDelegate &application, QWidget *mainWindow)
     , m_btnNextpage(new QPushButton)
 {
     setObjectName(QStringLiteral("demoWin"));
+    mainWindow->installEventFilter(this);
     m_lblDemoMsg->setObjectName(QStringLiteral("lblDemoMsg"));
     for (int page = 0; page < static_cast<int>(kTips.size()); ++page)
         m_pageController->addPage(makePage(page));
@@ -166,7 +170,8 @@ void TipsWindow::addDemoWindow(QSize mainWindowSize)
                                                              kPictureSize, devicePixelRatioF()));
     m_pageController->setSelectedIndex(0);
     adjustSize();
-    move(qRound((mainWindowSize.width() - width()) * 0.5), qRound((mainWindowSize.height() - height()) * 0.5));
+    const QPointF place((mainWindowSize.width() - width()) * 0.5, (mainWindowSize.height() - height()) * 0.5);
+    move((Screen::mainScreen().origin() + place).toPoint());
     show();
     raise();
     activateWindow();
@@ -201,6 +206,22 @@ void TipsWindow::showPage(int page)
         formatString(lookup("TIP_PAGE"), {QString::number(page + 1), QString::number(m_pageController->count())}));
     m_btnBackPage->setEnabled(page > 0);
     m_btnNextpage->setEnabled(page + 1 < m_pageController->count());
+}
+
+bool TipsWindow::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Hide)
+        close();
+    if (event->type() == QEvent::Move && isVisible()) {
+        const auto *move = static_cast<QMoveEvent *>(event);
+        const QSize size = frameGeometry().size();
+        const QRect room = screen()->availableGeometry().marginsRemoved({0, 0, size.width(), size.height()});
+        const QPoint wanted = pos() + move->pos() - move->oldPos();
+        // Not off the screen, where a window that fills it would send it.
+        this->move(std::clamp(wanted.x(), room.left(), std::max(room.left(), room.right())),
+                   std::clamp(wanted.y(), room.top(), std::max(room.top(), room.bottom())));
+    }
+    return QWidget::eventFilter(watched, event);
 }
 
 void TipsWindow::keyPressEvent(QKeyEvent *event)

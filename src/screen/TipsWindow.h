@@ -13,7 +13,7 @@ class DotPageControl;
 class PageSlider;
 
 /// The paged help window over the main window: four pages with a picture and a few words each. There is one, which is
-/// shown and hidden; it blocks nothing, stays above the main window, and Esc closes it.
+/// shown and hidden; it blocks nothing, stays above the main window, moves and goes with it, and Esc closes it.
 class TipsWindow : public QWidget
 {
     Q_OBJECT
@@ -21,8 +21,8 @@ class TipsWindow : public QWidget
 public:
     TipsWindow(ApplicationDelegate &application, QWidget *mainWindow);
 
-    /// Shows the window, or brings it to the front. It is placed by the main window's size alone, wherever on the
-    /// screen that stands: over its middle when the main window stands in the screen's top left corner.
+    /// Shows the window, or brings it to the front. It is placed by the main window's size alone, wherever that stands:
+    /// over its middle when the main window stands in the main screen's top left corner.
     void addDemoWindow(QSize mainWindowSize);
     void setLocalizedStrings();
 
@@ -39,6 +39,7 @@ public:
     void btnLaunchAppTapped();
 
 protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
 
 private:

@@ -32,7 +32,10 @@ class FakeScreen : public Screen
 public:
     QRectF visibleFrame() const override { return m_visibleFrame; }
 
+    QPointF origin() const override { return m_origin; }
+
     QRectF m_visibleFrame{0, 24, 1600, 1000};
+    QPointF m_origin;
 };
 
 class FakeWorkspace : public Workspace

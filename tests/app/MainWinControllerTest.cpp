@@ -86,6 +86,13 @@ TEST_F(MainWinControllerTest, ASmallScreenLeavesTheMinimumInForce)
     EXPECT_EQ(controller->windowMain()->maximumFrameSize(), QSize(1024, 700));
 }
 
+TEST_F(MainWinControllerTest, TheFrameCountsFromTheMainScreensOwnOrigin)
+{
+    m_desktop.m_screen.m_visibleFrame = {1920, 224, 1600, 1000};
+    m_desktop.m_screen.m_origin = {1920, 200};
+    EXPECT_EQ(make()->windowMain()->frame(), QRect(2000, 250, 1440, 900));
+}
+
 TEST_F(MainWinControllerTest, ComingBackToTheMainScreenMakesNoSecondOne)
 {
     const auto controller = make();

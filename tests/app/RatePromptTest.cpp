@@ -52,6 +52,9 @@ TEST_F(RatePromptTest, IsDueOnEverySeventhLaunch)
     m_prompt.checkForRateupPopup();
     EXPECT_EQ(m_desktop.m_defaults.integer(kCount), 0);
     EXPECT_EQ(alert(), nullptr) << "not before its delay";
+    m_window.close();
+    EXPECT_FALSE(isUp()) << "on a window that is closed";
+    m_window.show();
     ASSERT_TRUE(isUp());
     EXPECT_EQ(alert()->messageText(), QStringLiteral("Rate Us"));
     m_prompt.showAlertForRateApp();

@@ -24,25 +24,17 @@ using namespace hazelmark;
 
 namespace {
 
+/// One of the main screen's buttons, with a title over it.
 IMGButton *textButton(const QString &title, bool on, bool enabled)
 {
     auto *button = new IMGButton;
-    const auto pieces = [](const char *state) {
-        const QString name = QStringLiteral("button-") + QLatin1String(state);
-        return IMGButton::Pieces{name + QStringLiteral("-start"), name + QStringLiteral("-middle"),
-                                 name + QStringLiteral("-end")};
-    };
-    button->setPieces(IMGButton::OnState, pieces("on"));
-    button->setPieces(IMGButton::OnStateDwn, pieces("on-down"));
-    button->setPieces(IMGButton::OnStateDis, pieces("on-disabled"));
-    button->setPieces(IMGButton::OffState, pieces("off"));
-    button->setPieces(IMGButton::OffStateDwn, pieces("off-down"));
-    button->setPieces(IMGButton::OffStateDis, pieces("off-disabled"));
-    button->setImgMouseHover(QStringLiteral("button-hover-end"));
+    const QString off = QStringLiteral("export"), disabled = QStringLiteral("-disabled");
+    const QString selected = off + QStringLiteral("_selected");
+    button->setEndCaps({off, off + disabled, selected, selected + disabled, QStringLiteral("button-hover")});
     button->setText(title);
     button->setChecked(on);
     button->setEnabled(enabled);
-    button->setFixedSize(120, 32);
+    button->setFixedSize(120, 40);
     return button;
 }
 
@@ -63,10 +55,10 @@ QWidget *iconWall()
     layout->setContentsMargins({});
     layout->setSpacing(theme::kGrid);
     for (const char *name :
-         {"add",           "export",      "share",     "brush",        "eraser",        "brush_selected",
-          "eraser_select", "brush-hover", "reset",     "chevron-down", "chevron-right", "chevron-left",
-          "mail",          "clipboard",   "open-with", "bluetooth",    "warning",       "info",
-          "unsaved",       "drop-hint",   "hazelmark"}) {
+         {"add",           "export",       "share",     "brush",        "eraser",        "brush_selected",
+          "eraser_select", "button-hover", "reset",     "chevron-down", "chevron-right", "chevron-left",
+          "mail",          "clipboard",    "open-with", "bluetooth",    "warning",       "info",
+          "unsaved",       "drop-hint",    "hazelmark"}) {
         const QString image = QString::fromLatin1(name);
         auto *button = new HighlightButton(HighlightButton::kImageTag, image, image);
         layout->addWidget(button);

@@ -245,54 +245,87 @@ void leave(QWidget &widget)
 
 } // namespace
 
-TEST(HighlightButtonTest, AFlatButtonTurnsLighterAndBoldUnderThePointer)
+class HighlightButtonTest : public testing::Test
+{
+protected:
+    void show(HighlightButton &button)
+    {
+        QCursor::setPos(0, 0);
+        button.setGeometry(200, 200, 100, 32);
+        button.show();
+        button.activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(&button));
+        drawn(button);
+        leave(button); // where the window opened the pointer may have been
+    }
+    /// How much of the title there is: bold letters are more.
+    static int ink(QWidget &button)
+    {
+        const QImage image = drawn(button);
+        int sum = 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                sum += image.pixelColor(x, y).red() > 160;
+        return sum;
+    }
+};
+
+TEST_F(HighlightButtonTest, AFlatButtonTurnsLighterAndBoldUnderThePointer)
 {
     HighlightButton button(HighlightButton::kFlatTag, QStringLiteral("reset"), QStringLiteral("reset-hover"));
-    button.resize(100, 32);
-    button.show();
-    button.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&button));
-    leave(button); // the pointer may stand where the window opened
+    button.setText(QStringLiteral("Reset"));
+    show(button);
     EXPECT_TRUE(button.image().isEmpty());
     EXPECT_EQ(button.backgroundColor(), QColor(55, 68, 170, 204));
     EXPECT_NEAR(drawn(button).pixelColor(50, 2).blue(), 170, 1); // stored premultiplied
+    EXPECT_EQ(drawn(button).pixelColor(0, 0).alpha(), 0) << "the corner is round";
+    const int resting = ink(button);
+    EXPECT_GT(resting, 0);
     enter(button);
     EXPECT_EQ(button.backgroundColor(), QColor(75, 78, 190, 204));
+    EXPECT_NEAR(drawn(button).pixelColor(50, 2).blue(), 190, 1);
+    EXPECT_GT(ink(button), resting * 11 / 10) << "not bold";
     EXPECT_EQ(button.cursor().shape(), Qt::PointingHandCursor);
     leave(button);
-    EXPECT_FALSE(button.isHighlighted());
+    EXPECT_EQ(ink(button), resting);
     EXPECT_EQ(button.cursor().shape(), Qt::ArrowCursor);
-    EXPECT_EQ(drawn(button).pixelColor(0, 0).alpha(), 0) << "the corner is round";
-}
-
-TEST(HighlightButtonTest, AnImageButtonSwapsItsImage)
-{
-    HighlightButton button(HighlightButton::kImageTag, QStringLiteral("brush"), QStringLiteral("brush-hover"));
+    button.hide();
     button.show();
-    button.activateWindow();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&button));
-    leave(button); // the pointer may stand where the window opened
-    EXPECT_EQ(button.sizeHint(), QSize(32, 32));
     enter(button);
-    EXPECT_EQ(button.image(), QStringLiteral("brush-hover"));
-    button.setImgNormalState(QStringLiteral("brush_selected.png"));
-    EXPECT_EQ(button.image(), QStringLiteral("brush-hover"));
-    leave(button);
-    EXPECT_EQ(button.image(), QStringLiteral("brush_selected.png"));
-    button.resize(32, 32);
-    EXPECT_EQ(drawn(button).pixelColor(16, 1).green() > 150, true) << "a name with a bitmap's extension is drawn";
+    EXPECT_EQ(ink(button), resting) << "it appeared under the pointer";
 }
 
-TEST(HighlightButtonTest, APressHighlightsForAMomentAndClicks)
+TEST_F(HighlightButtonTest, AnImageButtonSwapsItsImage)
+{
+    HighlightButton button(HighlightButton::kImageTag, QStringLiteral("reset"), QStringLiteral("reset-hover"));
+    EXPECT_EQ(button.sizeHint(), QSize(32, 32));
+    show(button);
+    enter(button);
+    EXPECT_EQ(button.image(), QStringLiteral("reset-hover"));
+    button.setImgNormalState(QStringLiteral("hazelmark.png"));
+    EXPECT_EQ(button.image(), QStringLiteral("reset-hover"));
+    const QImage hovered = drawn(button);
+    leave(button);
+    EXPECT_EQ(button.image(), QStringLiteral("hazelmark.png"));
+    EXPECT_NE(drawn(button), hovered);
+    EXPECT_GT(drawn(button).pixelColor(50, 16).alpha(), 0) << "a name with a bitmap's extension is drawn";
+}
+
+TEST_F(HighlightButtonTest, APressHighlightsForATenthOfASecondAndClicks)
 {
     HighlightButton button(HighlightButton::kFlatTag);
     button.setText(QStringLiteral("Reset"));
-    button.resize(100, 32);
-    button.show();
+    show(button);
+    const int resting = ink(button);
     QSignalSpy clicked(&button, &HighlightButton::clicked);
+    QElapsedTimer clock;
+    clock.start();
     QTest::mousePress(&button, Qt::LeftButton, {}, {5, 5});
-    EXPECT_TRUE(button.isHighlighted());
+    EXPECT_GT(ink(button), resting);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !button.isHighlighted(); }));
+    EXPECT_GE(clock.elapsed(), 95);
+    EXPECT_LT(clock.elapsed(), 1000);
+    EXPECT_EQ(ink(button), resting);
     QTest::mouseRelease(&button, Qt::LeftButton, {}, {5, 5});
     QTest::keyClick(&button, Qt::Key_Return);
     QTest::keyClick(&button, Qt::Key_Space);

@@ -212,7 +212,7 @@ TEST(SheetQueueTest, ShowsOneSheetAfterTheOther)
     EXPECT_EQ(order, QStringLiteral("123"));
 }
 
-TEST(SheetQueueTest, WaitsWhileItIsHeldAndGoesWithItsWindow)
+TEST(SheetQueueTest, WaitsWhileItIsHeldOrItsWindowClosedAndGoesWithIt)
 {
     auto window = std::make_unique<QWidget>();
     window->show();
@@ -222,7 +222,11 @@ TEST(SheetQueueTest, WaitsWhileItIsHeldAndGoesWithItsWindow)
     queue.present(sheet);
     QCoreApplication::processEvents();
     EXPECT_FALSE(sheet->isVisible());
+    window->close();
     hold.reset();
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(sheet->isVisible()) << "on a window that is closed";
+    window->show();
     EXPECT_TRUE(QTest::qWaitFor([&] { return sheet->isVisible(); }));
     hold = std::make_unique<SheetQueue::Hold>(queue);
     queue.present(new QDialog);

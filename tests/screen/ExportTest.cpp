@@ -4,12 +4,13 @@
 #include "BarProgressIndicator.h"
 #include "Decoder.h"
 #include "FloatSlider.h"
-#include "HighlightButton.h"
+#include "IMGButton.h"
 #include "NotificationNames.h"
 #include "PaintView.h"
 #include "RenderCommand.h"
 #include "SavePanel.h"
 #include "SettingsPanel.h"
+#include "SheetQueue.h"
 #include "SummaryBar.h"
 #include "UserDefaults.h"
 #include "Workspace.h"
@@ -158,6 +159,37 @@ TEST_F(Export, EverythingThatWouldDisturbItRests)
     EXPECT_EQ(m_screen->imageUrl(), before);
     EXPECT_TRUE(view().vwSettingOptions->isEnabled() && view().btnExport->isEnabled());
     EXPECT_FALSE(m_application.m_isExporting);
+}
+
+TEST_F(Export, TheButtonsAreOnAsLongAsWhatTheyOpenedIsOpen)
+{
+    openAndPaint();
+    SheetQueue &sheets = SheetQueue::forWindow(*m_window);
+    for (IMGButton *button : {view().btnExport, view().btnAddPhoto}) {
+        QTest::mouseClick(button, Qt::LeftButton);
+        ASSERT_TRUE(sheets.current());
+        EXPECT_TRUE(button->isChecked() && button->isEnabled());
+        sheets.current()->reject();
+        EXPECT_FALSE(button->isChecked());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !sheets.current(); }));
+    }
+    m_screen->setIsRunningAlgorithm(true);
+    QTest::mouseClick(view().btnExport, Qt::LeftButton);
+    EXPECT_FALSE(view().btnExport->isChecked() || sheets.current());
+    m_screen->setIsRunningAlgorithm(false);
+    QTest::mouseClick(view().btnShareService, Qt::LeftButton); // renders, and then asks
+    EXPECT_TRUE(view().btnShareService->isChecked());
+    EXPECT_FALSE(view().btnShareService->isEnabled()) << "the click's end gave it back during the render";
+    waitForTheEnd();
+    EXPECT_TRUE(view().btnShareService->isChecked() && view().btnShareService->isEnabled());
+    m_screen->exportFlow()->sharePicker().menu()->close();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !view().btnShareService->isChecked(); }));
+    post(kNotificationSavePhotoFromMenuTapped);
+    EXPECT_TRUE(view().btnExport->isChecked());
+    for (const char *name : {"btnRateUs", "lblRateusTitle", "lblRateusMsg", "btnYesOnRateus", "btnNoOnRateus"}) {
+        const auto *control = view().findChild<QWidget *>(QLatin1String(name));
+        EXPECT_TRUE(control && !control->isVisible()) << name;
+    }
 }
 
 TEST_F(Export, SharingOrAFailureIsNoExport)

@@ -2,7 +2,7 @@
 #include "ScreenFixture.h"
 
 #include "FloatSlider.h"
-#include "HighlightButton.h"
+#include "IMGButton.h"
 #include "NotificationNames.h"
 #include "PaintView.h"
 #include "PhotoFile.h"

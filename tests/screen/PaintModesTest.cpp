@@ -3,7 +3,7 @@
 
 #include "DrawTrackingView.h"
 #include "FloatSlider.h"
-#include "HighlightButton.h"
+#include "IMGButton.h"
 #include "NotificationNames.h"
 #include "PaintView.h"
 #include "SettingsPanel.h"
@@ -33,7 +33,7 @@ protected:
     PaintView *canvas() const { return m_screen->mainScreenView()->paintView; }
     void chooseEraser() { m_screen->segmentPaintEraseTapped(panel()->btnEraser()); }
     void chooseBrush() { m_screen->segmentPaintEraseTapped(panel()->btnPaint()); }
-    bool eraserIsHighlighted() const { return panel()->btnEraser()->image() == u"eraser_select.png"_qs; }
+    bool eraserIsHighlighted() const { return panel()->btnEraser()->isChecked(); }
 };
 
 TEST_F(PaintModes, WithoutAToolNothingHappens)

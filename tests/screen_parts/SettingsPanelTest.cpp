@@ -4,9 +4,11 @@
 #include "FakeApplication.h"
 #include "FloatSlider.h"
 #include "HighlightButton.h"
+#include "IMGButton.h"
 #include "NumberText.h"
 
 #include <QApplication>
+#include <QLabel>
 #include <QScrollArea>
 #include <QSignalSpy>
 #include <QTest>
@@ -75,6 +77,8 @@ TEST_F(SettingsPanelTest, HasEveryControlUnderItsName)
         EXPECT_FALSE(slider->accessibleName().isEmpty()) << name;
         EXPECT_EQ(field->text(), wholeNumberText(slider->value())) << name;
     }
+    for (const char *name : {"lblBlur", "lblBrushSize", "lblBrushHardness", "lblVignette"})
+        EXPECT_TRUE(m_panel.findChild<QLabel *>(QLatin1String(name))) << name;
     EXPECT_EQ(m_panel.width(), 250);
 }
 
@@ -255,11 +259,15 @@ TEST_F(SettingsPanelTest, EveryResetRestoresItsGroupAndAsksForAPreview)
          {Setting::InFocusBrightness, Setting::InFocusSharpness, Setting::InFocusClarity, Setting::InFocusVividness,
           Setting::InFocusWarmth}}};
     m_panel.setUnfolded(true);
+    EXPECT_EQ(m_panel.resetButton(SettingsPanel::kResetNothing), nullptr);
     for (const auto &[tag, group] : groups) {
         disturb();
         m_effect.clear();
         m_brush.clear();
-        QTest::mouseClick(m_panel.resetButton(tag), Qt::LeftButton);
+        if (HighlightButton *button = m_panel.resetButton(tag))
+            QTest::mouseClick(button, Qt::LeftButton);
+        else
+            m_panel.btnResetSliderSettingsTapped(tag); // it resets nothing, and has no button
         for (const SettingRow &row : settingsTable()) {
             const bool isReset = std::find(group.begin(), group.end(), row.setting) != group.end();
             EXPECT_EQ(value(row.setting), isReset ? initial.at(row.setting) : row.maxValue) << row.name << tag;
@@ -322,16 +330,19 @@ TEST_F(SettingsPanelTest, TheColourPanelBelongsToTheWell)
 TEST_F(SettingsPanelTest, TheToolButtonsSayWhichToolIsWanted)
 {
     QSignalSpy tapped(&m_panel, &SettingsPanel::segmentPaintEraseTapped);
+    const auto showsEraser = [this] {
+        EXPECT_NE(m_panel.btnEraser()->isChecked(), m_panel.btnPaint()->isChecked());
+        return m_panel.btnEraser()->isChecked();
+    };
     QTest::mouseClick(m_panel.btnEraser(), Qt::LeftButton);
-    QTest::mouseClick(m_panel.btnPaint(), Qt::LeftButton);
-    ASSERT_EQ(tapped.size(), 2);
-    EXPECT_TRUE(tapped[0][0].toBool());
-    EXPECT_FALSE(tapped[1][0].toBool());
-    m_panel.showTool(true);
-    EXPECT_EQ(m_panel.btnEraser()->imgNormalState(), QStringLiteral("eraser_select.png"));
-    EXPECT_EQ(m_panel.btnPaint()->imgNormalState(), QStringLiteral("brush.png"));
-    EXPECT_TRUE(m_panel.btnEraser()->isChecked());
-    EXPECT_FALSE(m_panel.btnPaint()->isChecked());
+    EXPECT_FALSE(showsEraser()) << "nobody has said so";
+    QObject::connect(&m_panel, &SettingsPanel::segmentPaintEraseTapped, &m_panel, &SettingsPanel::showTool);
+    for (const bool eraser : {true, true, false, false}) { // the tool in force stays on
+        QTest::mouseClick(eraser ? m_panel.btnEraser() : m_panel.btnPaint(), Qt::LeftButton);
+        EXPECT_EQ(tapped.back()[0].toBool(), eraser);
+        EXPECT_EQ(showsEraser(), eraser);
+    }
+    EXPECT_EQ(tapped.size(), 5);
 }
 
 TEST(NumberTextTest, ReadsTheNumberThatATextBeginsWith)

@@ -4,12 +4,14 @@
 #include "FakeApplication.h"
 #include "PageSlider.h"
 #include "ProcessWide.h"
+#include "Screen.h"
 #include "UserDefaults.h"
 
 #include <QApplication>
 #include <QCheckBox>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -28,7 +30,15 @@ protected:
         m_mainWindow.show();
     }
 
+    class ScreenToTheRight : public Screen
+    {
+    public:
+        QPointF origin() const override { return {70, 5}; }
+    };
+
     QTemporaryDir m_folder;
+    ScreenToTheRight m_screen;
+    ProcessWide<Screen>::Replacement m_replaceScreen{m_screen};
     UserDefaults m_defaults{m_folder.filePath(QStringLiteral("defaults.conf"))};
     ProcessWide<UserDefaults>::Replacement m_replacement{m_defaults};
     FakeApplication m_application;
@@ -42,8 +52,8 @@ TEST_F(TipsWindowTest, StandsWhereTheMainWindowsSizeSaysAndOpensOnce)
 {
     m_tips.addDemoWindow(m_mainWindow.size());
     ASSERT_TRUE(m_tips.isVisible());
-    EXPECT_EQ(m_tips.x(), qRound((1220 - m_tips.width()) * 0.5)) << "the main window's place does not count";
-    EXPECT_EQ(m_tips.y(), qRound((700 - m_tips.height()) * 0.5));
+    EXPECT_EQ(m_tips.x(), 70 + qRound((1220 - m_tips.width()) * 0.5)) << "the main window's place does not count";
+    EXPECT_EQ(m_tips.y(), 5 + qRound((700 - m_tips.height()) * 0.5));
     EXPECT_EQ(m_tips.parentWidget(), &m_mainWindow);
     EXPECT_FALSE(m_tips.isModal());
     m_tips.move(11, 12);
@@ -56,6 +66,20 @@ TEST_F(TipsWindowTest, StandsWhereTheMainWindowsSizeSaysAndOpensOnce)
     m_tips.addDemoWindow(m_mainWindow.size());
     EXPECT_TRUE(m_tips.isVisible());
     EXPECT_EQ(m_tips.pageController()->selectedIndex(), 0);
+}
+
+TEST_F(TipsWindowTest, GoesWithTheMainWindow)
+{
+    m_tips.addDemoWindow(m_mainWindow.size());
+    m_tips.move(150, 160);
+    m_mainWindow.setGeometry(220, 150, 1220, 700);
+    EXPECT_EQ(m_tips.pos(), QPoint(70, 110));
+    m_mainWindow.move(-2000, -2000);
+    EXPECT_EQ(m_tips.pos(), QPoint(0, 0)) << "but never off the screen";
+    m_mainWindow.move(5000, 5000);
+    EXPECT_LE(m_tips.frameGeometry().right(), m_tips.screen()->availableGeometry().right());
+    m_mainWindow.close();
+    EXPECT_FALSE(m_tips.isVisible());
 }
 
 TEST_F(TipsWindowTest, TurnsItsPages)
