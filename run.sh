@@ -3,8 +3,10 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 photo=${1:+$(realpath -- "$1")}
+[ -x build/release/bin/hazelmark ] ||
+    echo "Setting Hazelmark up: what it needs is installed and the program is built. This is done once and takes some minutes."
 scripts/install-packages.sh build run
-scripts/build.sh release
+scripts/build.sh release hazelmark hazelmark-cli examples
 
 if [ -z "${DISPLAY:-}" ] && [ -z "${WAYLAND_DISPLAY:-}" ]; then
     sample=build/release/share/hazelmark/examples

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the Debian packages that a task needs: install-packages.sh build|test|bench|run ...
+# Installs the Debian packages that a task needs: install-packages.sh build|test|bench|fuzz|run ...
 # Packages that are there already cost nothing; without root rights sudo is asked.
 set -euo pipefail
 
@@ -9,6 +9,7 @@ build=(ca-certificates g++ cmake ninja-build pkg-config
 run=(qt6-translations-l10n qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins qt6-wayland xdg-utils)
 test=(libgtest-dev libgmock-dev libimage-exiftool-perl clang-format python3
     dbus-daemon xvfb xauth openbox xdotool fonts-dejavu-core)
+fuzz=(clang libclang-rt-dev)
 bench=(libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev libjpeg-turbo-progs time xvfb)
 
 wanted=()
@@ -17,6 +18,7 @@ for task in "$@"; do
     build) wanted+=("${build[@]}") ;;
     run) wanted+=("${run[@]}") ;;
     test) wanted+=("${test[@]}") ;;
+    fuzz) wanted+=("${fuzz[@]}") ;;
     bench) wanted+=("${bench[@]}") ;;
     *)
         echo "install-packages.sh: unknown task '$task'" >&2

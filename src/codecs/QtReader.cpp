@@ -131,6 +131,8 @@ Outcome<Picture> QtReader::decode(QSize)
         return failure();
     if (const std::optional<Failure> tooLarge = m_source.checkSize(image.width(), image.height()))
         return *tooLarge;
+    if (image.size() != m_size) // whoever read the headers has laid itself out for that size
+        return m_source.failure(Failure::Reason::Damaged);
     Picture picture;
     picture.iccProfile = m_header.iccProfile.isEmpty() ? image.colorSpace().iccProfile() : m_header.iccProfile;
     if (!isGray(image))

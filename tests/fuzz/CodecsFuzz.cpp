@@ -21,6 +21,6 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
     if (picture->fileColorModel == ColorModel::Gray)
         (void)rgbProfileForGray(picture->iccProfile);
     else
-        (void)convertToSrgb(picture->pixels, picture->iccProfile);
+        (void)convertedToSrgb(picture->pixels, picture->iccProfile);
     return 0;
 }

@@ -1,0 +1,73 @@
+#include "SamplePhotos.h"
+#include "TestPictures.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <cstdio>
+
+using namespace hazelmark;
+
+namespace {
+
+std::vector<uint8_t> samples(int count)
+{
+    std::vector<uint8_t> values;
+    for (int i = 0; i < count; ++i)
+        values.push_back(uint8_t(i * 37));
+    return values;
+}
+
+bool write(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+}
+
+} // namespace
+
+/// write_seeds FOLDER: fills FOLDER/pictures and FOLDER/strokes with small files of every kind, from which the fuzzers
+/// begin. Ends with 1 when one could not be written.
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    if (application.arguments().size() != 2) {
+        std::fputs("write_seeds: the folder is missing\n", stderr);
+        return 2;
+    }
+    const QDir folder(application.arguments().at(1));
+    const QTemporaryDir scratch;
+    bool written = folder.mkpath(QStringLiteral("pictures")) && folder.mkpath(QStringLiteral("strokes"));
+    int count = 0;
+    const auto add = [&](const QByteArray &bytes) {
+        if (!bytes.isEmpty()) // a format that this machine's Qt cannot write
+            written &= write(folder.filePath(QStringLiteral("pictures/%1").arg(++count)), bytes);
+    };
+    for (const WriteFormat format :
+         {WriteFormat::Png, WriteFormat::Jpeg, WriteFormat::Bmp, WriteFormat::Tiff, WriteFormat::Gif})
+        add(readBytes(writePhoto(scratch, format, richMetadata())));
+    TestJpeg jpeg;
+    jpeg.isProgressive = true;
+    add(makeJpeg(jpeg, 16, 8, samples(16 * 8 * 3)));
+    jpeg.colors = TestJpeg::Colors::Ycck;
+    add(makeJpeg(jpeg, 16, 8, samples(16 * 8 * 4)));
+    TestPng png{3};
+    png.isInterlaced = true;
+    png.palette = QByteArray(768, '\x55');
+    png.transparency = QByteArray(16, '\x80');
+    add(makePng(png, 8, 8, samples(64)));
+    TestTiff tiff;
+    tiff.width = tiff.height = tiff.tileSide = 16;
+    tiff.compression = 5;
+    tiff.rows = samples(16 * 16 * 3);
+    add(makeTiff({tiff, tiff}, scratch.filePath(QStringLiteral("scratch.tif"))));
+    QImage picture(12, 9, QImage::Format_RGB888);
+    picture.fill(Qt::darkCyan);
+    for (const char *format : {"webp", "ppm", "xbm", "ico"})
+        add(savedByQt(picture, format));
+    written &= write(folder.filePath(QStringLiteral("strokes/1")),
+                     R"({"canvas": [100, 50], "steps": [["{0.2, 0.5}", "{0.8, 0.5}",)"
+                     R"( "0", "1", "0", "1", "40.8", "1", "false", "0.5", "4.08"]]})");
+    return written ? 0 : 1;
+}
