@@ -9,6 +9,6 @@ hidden=()
 for package in GTest benchmark OpenCV; do
     hidden+=("-DCMAKE_DISABLE_FIND_PACKAGE_$package=ON")
 done
-cmake --preset release -DBUILD_TESTING=OFF "${hidden[@]}" >/dev/null
+cmake --no-warn-unused-cli --preset release -DBUILD_TESTING=OFF "${hidden[@]}" >/dev/null
 env -u DISPLAY -u WAYLAND_DISPLAY ./run.sh
-cmake --preset release "${hidden[@]/%=ON/=OFF}" >/dev/null
+cmake --no-warn-unused-cli --preset release "${hidden[@]/%=ON/=OFF}" >/dev/null
