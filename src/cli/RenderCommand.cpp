@@ -20,8 +20,11 @@ int failed(const Failure &failure)
     return exitcode::kFailed;
 }
 
-void sayIfConverted(const ImageLoader::Loaded &loaded, const QString &path)
+/// What is not as the file's owner may expect it.
+void sayPeculiarities(const ImageLoader::Loaded &loaded, const QString &path)
 {
+    if (loaded.isPartlyDamaged)
+        printError(QStringLiteral("%1: a part of its picture data is damaged.").arg(path));
     if (loaded.convertedToSrgb)
         printError(QStringLiteral("%1: its colours have no RGB form and were converted to sRGB.").arg(path));
 }
@@ -53,6 +56,7 @@ PhotoImagePtr loadMask(const RenderRequest &request)
         printError(mask.failure().sentence());
         return nullptr;
     }
+    sayPeculiarities(*mask, request.mask);
     return Utils::sharedUtils().addBackgroundToImage(mask->photo, Qt::black);
 }
 
@@ -83,7 +87,7 @@ int runRender(const RenderRequest &request)
     const Outcome<ImageLoader::Loaded> rendered = job.run();
     if (!rendered)
         return failed(rendered.failure());
-    sayIfConverted(*rendered, request.photo);
+    sayPeculiarities(*rendered, request.photo);
     const Outcome<Done> saved = ExportWriter(settings).save(request.output, rendered->photo);
     return saved ? exitcode::kDone : failed(saved.failure());
 }

@@ -1,10 +1,12 @@
 #include "Decoder.h"
 
+#include "AvailableMemory.h"
 #include "PictureFormat.h"
 #include "SourceFile.h"
 
+#include <algorithm>
+#include <iterator>
 #include <new>
-#include <vector>
 
 namespace hazelmark {
 
@@ -16,46 +18,56 @@ constexpr const PictureFormat *kFormats[] = {&kJpegFormat, &kPngFormat, &kTiffFo
 
 const PictureFormat *formatOf(const SourceFile &source)
 {
-    for (const PictureFormat *format : kFormats) {
-        if (format->recognises(source.head()))
-            return format;
-    }
-    return nullptr;
+    return *std::find_if(std::begin(kFormats), std::end(kFormats),
+                         [&](const PictureFormat *format) { return format->recognises(source.head()); });
 }
 
-/// Opens the file, finds its format and runs `read` on both.
-template <typename T, typename Read>
-Outcome<T> withSource(const QString &path, const Read &read)
+QString inGigabytes(qint64 bytes)
 {
-    Outcome<std::unique_ptr<SourceFile>> source = SourceFile::open(path);
-    if (!source)
-        return source.failure();
-    const PictureFormat *format = formatOf(**source);
-    if (!format)
-        return (*source)->failure(Failure::Reason::NotAPicture);
-    try {
-        return read(*format, **source);
-    } catch (const std::bad_alloc &) {
-        return (*source)->failure(Failure::Reason::OutOfMemory);
-    }
+    return QString::number(double(bytes) / 1e9, 'f', 1) + QStringLiteral(" GB");
 }
 
 } // namespace
 
+std::optional<Failure> checkMemory(const SourceFile &source, const DecodeCost &cost)
+{
+    const qint64 needed = cost.bitmap + std::max(cost.working, cost.bitmap);
+    const qint64 available = availableMemory();
+    if (needed <= available)
+        return std::nullopt;
+    return source.failure(
+        Failure::Reason::OutOfMemory,
+        QStringLiteral("it takes %1, and %2 are free").arg(inGigabytes(needed), inGigabytes(available)));
+}
+
+Outcome<PictureInfo> readPictureInfo(SourceFile &source)
+try {
+    const PictureFormat *format = formatOf(source);
+    Outcome<PictureInfo> info = format->readInfo(source);
+    if (info) // exports are scaled to the last one's size
+        std::erase_if(info->frames, [&](QSize size) { return source.checkSize(size.width(), size.height()); });
+    return info;
+} catch (const std::bad_alloc &) {
+    return source.failure(Failure::Reason::OutOfMemory);
+}
+
+Outcome<Picture> decodePicture(SourceFile &source, QSize atLeast)
+try {
+    return formatOf(source)->decode(source, atLeast);
+} catch (const std::bad_alloc &) {
+    return source.failure(Failure::Reason::OutOfMemory);
+}
+
 Outcome<PictureInfo> readPictureInfo(const QString &path)
 {
-    return withSource<PictureInfo>(path, [](const PictureFormat &format, SourceFile &source) -> Outcome<PictureInfo> {
-        Outcome<PictureInfo> info = format.readInfo(source);
-        if (info) // exports are scaled to the last one's size
-            std::erase_if(info->frames, [&](QSize size) { return source.checkSize(size.width(), size.height()); });
-        return info;
-    });
+    const Outcome<std::unique_ptr<SourceFile>> source = SourceFile::open(path);
+    return source ? readPictureInfo(**source) : source.failure();
 }
 
 Outcome<Picture> decodePicture(const QString &path, QSize atLeast)
 {
-    return withSource<Picture>(
-        path, [atLeast](const PictureFormat &format, SourceFile &source) { return format.decode(source, atLeast); });
+    const Outcome<std::unique_ptr<SourceFile>> source = SourceFile::open(path);
+    return source ? decodePicture(**source, atLeast) : source.failure();
 }
 
 } // namespace hazelmark

@@ -22,6 +22,7 @@ public:
     /// Reads up to the first frame's pixels.
     std::optional<Failure> readHeader();
     PictureInfo info();
+    DecodeCost cost(QSize) const { return {qint64(canvasSize().width()) * canvasSize().height() * 4}; }
     Outcome<Picture> decode(QSize);
 
 private:
@@ -144,9 +145,14 @@ std::optional<Failure> GifReader::readHeader()
         return failure();
     if (m_gif->Image.Width <= 0 || m_gif->Image.Height <= 0)
         return m_source.failure(Failure::Reason::Damaged, QStringLiteral("a frame without pixels"));
-    if (const auto tooLarge = m_source.checkSize(m_gif->Image.Width, m_gif->Image.Height))
+    if (const auto tooLarge = m_source.checkSize(canvasSize().width(), canvasSize().height()))
         return tooLarge;
-    return m_source.checkSize(canvasSize().width(), canvasSize().height());
+    // All of a frame has to be unpacked, also what lies beside the canvas.
+    constexpr qint64 kAlwaysAllowed = 64 << 20;
+    const qint64 framePixels = qint64(m_gif->Image.Width) * m_gif->Image.Height;
+    if (framePixels > kAlwaysAllowed && framePixels / 4 > qint64(canvasSize().width()) * canvasSize().height())
+        return m_source.failure(Failure::Reason::Damaged, QStringLiteral("its frame is far larger than the picture"));
+    return std::nullopt;
 }
 
 /// Some files state no canvas.
@@ -187,7 +193,8 @@ Outcome<Picture> GifReader::decode(QSize)
     picture.pixels = makeLargeBitmap(canvasSize(), hasAlpha() ? QImage::Format_RGBA8888 : QImage::Format_RGBX8888);
     if (picture.pixels.isNull())
         return m_source.failure(Failure::Reason::OutOfMemory);
-    picture.pixels.fill(0);
+    if (hasAlpha()) // else every pixel is written
+        picture.pixels.fill(0);
     picture.iccProfile = m_iccProfile;
     if (!readRows(picture.pixels, *colors))
         return failure();

@@ -14,9 +14,12 @@ namespace {
 constexpr int kIccMarker = JPEG_APP0 + 2;
 constexpr unsigned kWholeSegment = 0xffff;
 
-/// Scans of a progressive file that are still believed. Each one costs a pass over the whole picture, so a small
-/// hostile file could otherwise keep a core busy for hours; real files have about ten.
-constexpr int kMaxScans = 500;
+/// Scans of a file that are still believed. Each one costs a pass over the whole picture, so a small hostile file could
+/// otherwise keep a core busy for hours. Real files have about ten, and so many are read of a picture of any size; of
+/// smaller pictures as many more as come to this number of pixels, some seconds' worth.
+constexpr qint64 kUsualScans = 20;
+constexpr qint64 kMaxScans = 500;
+constexpr qint64 kMaxScannedPixels = 1'000'000'000;
 
 /// Rows that are asked of the library at once; it hands back at most two MCU rows' worth.
 constexpr int kRowsPerCall = 16;
@@ -31,7 +34,7 @@ public:
         m_lib.err = &m_errors.manager;
         m_lib.client_data = &m_errors;
         m_isCreated = runGuarded(m_errors.jump, [this] { jpeg_create_decompress(&m_lib); });
-        m_progress.progress_monitor = &stopAtTooManyScans;
+        m_progress.progress_monitor = &watchScan;
         m_lib.progress = &m_progress;
     }
     ~JpegReader() { jpeg_destroy_decompress(&m_lib); }
@@ -40,17 +43,18 @@ public:
 
     std::optional<Failure> readHeader();
     PictureInfo info();
+    DecodeCost cost(QSize atLeast);
     Outcome<Picture> decode(QSize atLeast);
 
 private:
     ColorModel colorModel() const;
     QByteArray iccProfile();
     std::optional<QSizeF> dpi() const;
-    static void stopAtTooManyScans(j_common_ptr lib);
+    static void watchScan(j_common_ptr lib);
     void chooseScale(QSize atLeast);
     void readRows(uchar *bits, qsizetype stride);
     void readCmykRows(const CmykToSrgb &converter, uint8_t *cmyk, uchar *bits, qsizetype stride);
-    bool endsEarly();
+    bool lacksScans();
 
     SourceFile &m_source;
     jpeg_decompress_struct m_lib = {};
@@ -60,11 +64,16 @@ private:
     bool m_isCreated = false;
 };
 
-void JpegReader::stopAtTooManyScans(j_common_ptr lib)
+/// Called again and again while scans are read.
+void JpegReader::watchScan(j_common_ptr lib)
 {
     auto decompress = reinterpret_cast<j_decompress_ptr>(lib);
-    if (decompress->input_scan_number > kMaxScans)
+    auto *errors = static_cast<JpegErrors *>(lib->client_data);
+    const qint64 pixels = std::max(qint64(decompress->image_width) * decompress->image_height, qint64(1));
+    if (decompress->input_scan_number > std::clamp(kMaxScannedPixels / pixels, kUsualScans, kMaxScans))
         ERREXIT(decompress, JERR_BAD_PROGRESSION);
+    for (int i = 0; i < decompress->comps_in_scan; ++i)
+        errors->seenComponents |= 1u << decompress->cur_comp_info[i]->component_index;
 }
 
 std::optional<Failure> JpegReader::readHeader()
@@ -151,6 +160,21 @@ void JpegReader::chooseScale(QSize atLeast)
     }
 }
 
+/// The coefficients of a picture of several scans are kept until the last one has been read.
+DecodeCost JpegReader::cost(QSize atLeast)
+{
+    constexpr qint64 kBlockSize = DCTSIZE2 * sizeof(JCOEF);
+    chooseScale(atLeast);
+    const auto scaled = [this](JDIMENSION side) { return (qint64(side) + m_lib.scale_denom - 1) / m_lib.scale_denom; };
+    DecodeCost cost{scaled(m_lib.image_width) * scaled(m_lib.image_height) *
+                    (colorModel() == ColorModel::Gray ? 1 : 4)};
+    for (int i = 0; jpeg_has_multiple_scans(&m_lib) && i < m_lib.num_components; ++i) {
+        const jpeg_component_info &component = m_lib.comp_info[i];
+        cost.working += qint64(component.width_in_blocks) * component.height_in_blocks * kBlockSize;
+    }
+    return cost;
+}
+
 Outcome<Picture> JpegReader::decode(QSize atLeast)
 {
     Picture picture;
@@ -160,14 +184,9 @@ Outcome<Picture> JpegReader::decode(QSize atLeast)
     const bool isCmyk = picture.fileColorModel == ColorModel::Cmyk;
     m_lib.out_color_space = isGray ? JCS_GRAYSCALE : isCmyk ? JCS_CMYK : JCS_EXT_RGBX;
     chooseScale(atLeast);
-    bool isCutOff = false;
-    const bool isStarted = runGuarded(m_errors.jump, [&] {
-        jpeg_start_decompress(&m_lib);
-        isCutOff = endsEarly();
-    });
-    if (!isStarted)
+    if (!runGuarded(m_errors.jump, [&] { jpeg_start_decompress(&m_lib); }))
         return m_errors.failure();
-    if (isCutOff)
+    if (lacksScans())
         return m_source.failure(Failure::Reason::Truncated, QStringLiteral("the file ends before its last scan"));
 
     const QSize size(int(m_lib.output_width), int(m_lib.output_height));
@@ -191,13 +210,14 @@ Outcome<Picture> JpegReader::decode(QSize atLeast)
             readCmykRows(*converter, cmyk.data(), bits, stride);
         else
             readRows(bits, stride);
-        jpeg_finish_decompress(&m_lib);
     });
     if (!read)
         return m_errors.failure();
+    const bool isFinished = runGuarded(m_errors.jump, [&] { jpeg_finish_decompress(&m_lib); });
     // The arithmetic decoder takes missing data for zeros, which encoders may leave out: only a real end marker tells.
     if (m_lib.arith_code && m_input.hasEnded())
         return m_source.failure(Failure::Reason::Truncated);
+    picture.isPartlyDamaged = m_errors.isDamaged || !isFinished;
     return picture;
 }
 
@@ -227,18 +247,20 @@ void JpegReader::readCmykRows(const CmykToSrgb &converter, uint8_t *cmyk, uchar 
     }
 }
 
-/// Whether the file ended where another scan could have followed; to be asked when the library has started, which is
-/// when it has read all scans of a file that has several. One missing end marker after the last pixel is forgiven;
-/// where more scans could have refined the picture, it is only whole if every coefficient was there in full.
-bool JpegReader::endsEarly()
+/// Whether scans are missing at the end; to be asked when the library has started, which is when it has read all scans
+/// of a file that has several. One missing end marker after the last pixel is forgiven. Some programs leave the finest
+/// scans out and end such a file properly.
+bool JpegReader::lacksScans()
 {
-    if (!m_input.hasEnded() || !jpeg_has_multiple_scans(&m_lib))
+    if (!jpeg_has_multiple_scans(&m_lib))
         return false;
-    if (!m_lib.coef_bits)
+    if (m_errors.seenComponents != (1u << m_lib.num_components) - 1)
         return true;
-    for (int component = 0; component < m_lib.num_components; ++component) {
+    const bool isEnded = !m_input.hasEnded();
+    for (int component = 0; m_lib.coef_bits && component < m_lib.num_components; ++component) {
         const int *missingBits = m_lib.coef_bits[component];
-        if (std::any_of(missingBits, missingBits + DCTSIZE2, [](int bits) { return bits != 0; }))
+        if (std::any_of(missingBits, missingBits + DCTSIZE2,
+                        [isEnded](int bits) { return bits < 0 || (bits > 0 && !isEnded); }))
             return true;
     }
     return false;

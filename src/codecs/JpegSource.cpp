@@ -32,6 +32,29 @@ constexpr int kMaxMarkers = 10000;
     std::longjmp(errors->jump, 1);
 }
 
+/// Whether the marker has a place between the data of one scan and the next.
+bool mayFollowScan(int marker)
+{
+    constexpr int kNumberOfLines = 0xdc;
+    constexpr int kTables[] = {0xc4, 0xcc, 0xda, 0xdb, kNumberOfLines, 0xdd, 0xfe}; // DHT, DAC, SOS, DQT, DRI, COM
+    return (marker >= JPEG_RST0 && marker <= JPEG_EOI && marker != 0xd8) || (marker >= JPEG_APP0 && marker < 0xf0) ||
+           std::find(std::begin(kTables), std::end(kTables), marker) != std::end(kTables);
+}
+
+/// The data of a scan has come to an end before its last block.
+void takeMissingData(j_decompress_ptr lib, JpegErrors &errors)
+{
+    const bool isEnd = lib->unread_marker == JPEG_EOI;
+    const JDIMENSION missingRows = lib->total_iMCU_rows - 1 - std::min(lib->input_iMCU_row, lib->total_iMCU_rows - 1);
+    // Behind damage the data does not end where it should; an end without damage before it is the end of what there is.
+    errors.isCutOff = errors.input->hasEnded() || (isEnd && !errors.isDamaged && missingRows > 0);
+    if (errors.isCutOff)
+        leave(reinterpret_cast<j_common_ptr>(lib));
+    errors.isDamaged = true;
+    if (!mayFollowScan(lib->unread_marker))
+        lib->unread_marker = 0; // a part of the damage; the library goes on at the next marker
+}
+
 void warnOrLeave(j_common_ptr lib, int level)
 {
     constexpr int kMarkerTrace = 1;
@@ -41,20 +64,25 @@ void warnOrLeave(j_common_ptr lib, int level)
     if (level >= 0)
         return; // a trace message
     ++errors->manager.num_warnings;
+    auto *decompress = reinterpret_cast<j_decompress_ptr>(lib);
     switch (errors->manager.msg_code) {
     case JWRN_EXTRANEOUS_DATA: {
-        const bool isInPicture = reinterpret_cast<j_decompress_ptr>(lib)->input_scan_number > 0;
+        // Filler in place of an end marker is what a file that was not written to its end often holds.
         const int leftOver = errors->manager.msg_parm.i[0];
-        if (isInPicture && leftOver > kHarmlessLeftOver && !errors->input->isFillerBehind(leftOver))
-            leave(lib);
+        if (decompress->input_scan_number > 0 && leftOver > kHarmlessLeftOver &&
+            (errors->input->hasEnded() || !errors->input->isFillerBehind(leftOver)))
+            errors->isDamaged = true;
         return;
     }
     case JWRN_HIT_MARKER:
+    case JWRN_MUST_RESYNC:
+        takeMissingData(decompress, *errors);
+        return;
     case JWRN_HUFF_BAD_CODE:
     case JWRN_ARITH_BAD_CODE:
-    case JWRN_MUST_RESYNC:
     case JWRN_BOGUS_PROGRESSION:
-        leave(lib);
+        errors->isDamaged = true;
+        return;
     default:
         return;
     }
@@ -99,7 +127,7 @@ Failure JpegErrors::failure() const
     default:
         if (input && input->hasReadError())
             reason = Reason::NotReadable;
-        else if (input && input->hasEnded())
+        else if (isCutOff || (input && input->hasEnded()))
             reason = Reason::Truncated;
     }
     return source.failure(reason, QString::fromLatin1(message));

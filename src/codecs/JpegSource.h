@@ -15,8 +15,9 @@ namespace hazelmark {
 
 class JpegSource;
 
-/// The library's `client_data`. Takes its errors, and turns those of its warnings into errors that mean missing or
-/// damaged picture data: the library itself would fill the rest with grey and report success.
+/// The library's `client_data`. Takes its errors, and those of its warnings that mean missing or damaged picture data.
+/// Where the file is cut off, the warning becomes an error: the library itself would fill the rest with grey and report
+/// success. Damage in the middle is only noted: the picture comes to its end, as every viewer shows it.
 struct JpegErrors
 {
     explicit JpegErrors(SourceFile &source);
@@ -31,6 +32,9 @@ struct JpegErrors
     SourceFile &source;
     JpegSource *input = nullptr;
     int markerCount = 0; ///< in the header
+    bool isDamaged = false;
+    bool isCutOff = false;
+    unsigned seenComponents = 0; ///< a bit for each that a scan has had
     char message[JMSG_LENGTH_MAX] = {};
 };
 

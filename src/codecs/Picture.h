@@ -33,6 +33,9 @@ struct Picture
     ColorModel fileColorModel = ColorModel::Rgb; ///< what the file stores
     /// The file's colours had no RGB form (CMYK, Lab) and were converted; `iccProfile` is then empty.
     bool convertedToSrgb = false;
+    /// A part of the picture data is damaged, and the decoder has filled what it could not read (JPEG only; other files
+    /// with damaged data are refused).
+    bool isPartlyDamaged = false;
 };
 
 /// What is known of a picture file from its headers alone.

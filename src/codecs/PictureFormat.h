@@ -6,6 +6,13 @@
 
 namespace hazelmark {
 
+/// Bytes that decoding takes.
+struct DecodeCost
+{
+    qint64 bitmap;      ///< of the picture that is handed out
+    qint64 working = 0; ///< beside it, until the picture is there
+};
+
 /// One row of the table of decoders. The first row whose `recognises` accepts a file's first bytes reads it; a new
 /// format is a new file with such a row, and its line in Decoder.cpp.
 struct PictureFormat
@@ -16,8 +23,13 @@ struct PictureFormat
     Outcome<Picture> (*decode)(SourceFile &source, QSize atLeast);
 };
 
+/// Nothing when there is memory for it, and for a second bitmap of the kind: nothing can be done with a picture without
+/// one, be it only to turn it upright.
+std::optional<Failure> checkMemory(const SourceFile &source, const DecodeCost &cost);
+
 /// The row of a class that reads one file: made of the source; `readHeader()` tells why the file is refused if it is;
-/// `info()` and `decode(atLeast)` follow a header that was read.
+/// `info()`, or `cost(atLeast)` and `decode(atLeast)`, follow a header that was read. What the memory cannot hold is
+/// not decoded.
 template <typename Reader>
 constexpr PictureFormat formatReadBy(bool (*recognises)(const QByteArray &head))
 {
@@ -31,6 +43,8 @@ constexpr PictureFormat formatReadBy(bool (*recognises)(const QByteArray &head))
             [](SourceFile &source, QSize atLeast) -> Outcome<Picture> {
                 Reader reader(source);
                 if (const std::optional<Failure> failure = reader.readHeader())
+                    return *failure;
+                if (const std::optional<Failure> failure = checkMemory(source, reader.cost(atLeast)))
                     return *failure;
                 return reader.decode(atLeast);
             }};

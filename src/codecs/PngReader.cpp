@@ -6,7 +6,6 @@
 #include <QtEndian>
 
 #include <cstdio>
-#include <vector>
 
 #include <png.h>
 
@@ -39,6 +38,7 @@ public:
 
     std::optional<Failure> readHeader();
     PictureInfo info();
+    DecodeCost cost(QSize) const;
     Outcome<Picture> decode(QSize);
 
 private:
@@ -54,7 +54,7 @@ private:
     }
     QByteArray iccProfile() const;
     QImage::Format outputFormat() const;
-    void requestOutputFormat();
+    int requestOutputFormat();
 
     SourceFile &m_source;
     png_structp m_png = nullptr;
@@ -155,7 +155,8 @@ QImage::Format PngReader::outputFormat() const
     return isDeep ? QImage::Format_RGBX64 : QImage::Format_RGBX8888;
 }
 
-void PngReader::requestOutputFormat()
+/// How often every row is to be read until it is whole.
+int PngReader::requestOutputFormat()
 {
     constexpr png_uint_32 kOpaque = 0xffff;
     png_set_expand(m_png); // palette to RGB, grey to at least 8 bits, tRNS to alpha
@@ -165,8 +166,14 @@ void PngReader::requestOutputFormat()
         png_set_gray_to_rgb(m_png);
     if (!isGray() && !hasAlpha())
         png_set_filler(m_png, kOpaque, PNG_FILLER_AFTER);
-    png_set_interlace_handling(m_png);
+    const int passes = png_set_interlace_handling(m_png);
     png_read_update_info(m_png, m_info);
+    return passes;
+}
+
+DecodeCost PngReader::cost(QSize) const
+{
+    return {qint64(m_width) * m_height * QImage::toPixelFormat(outputFormat()).bitsPerPixel() / 8};
 }
 
 Outcome<Picture> PngReader::decode(QSize)
@@ -177,18 +184,20 @@ Outcome<Picture> PngReader::decode(QSize)
     picture.pixels = makeLargeBitmap(QSize(int(m_width), int(m_height)), outputFormat());
     if (picture.pixels.isNull())
         return m_source.failure(Failure::Reason::OutOfMemory);
-    if (!runGuarded(m_jump, [this] { requestOutputFormat(); }))
+    int passes = 1;
+    if (!runGuarded(m_jump, [&] { passes = requestOutputFormat(); }))
         return failure();
     const size_t rowBytes = png_get_rowbytes(m_png, m_info);
     if (rowBytes > size_t(picture.pixels.bytesPerLine()))
         return m_source.failure(Failure::Reason::UnsupportedFormat);
 
-    std::vector<png_bytep> rows(m_height);
     uchar *bits = picture.pixels.bits();
-    for (png_uint_32 y = 0; y < m_height; ++y)
-        rows[y] = bits + qsizetype(y) * picture.pixels.bytesPerLine();
+    const qsizetype stride = picture.pixels.bytesPerLine();
     const bool isRead = runGuarded(m_jump, [&] {
-        png_read_image(m_png, rows.data());
+        for (int pass = 0; pass < passes; ++pass) {
+            for (png_uint_32 y = 0; y < m_height; ++y)
+                png_read_row(m_png, bits + qsizetype(y) * stride, nullptr);
+        }
         png_read_end(m_png, nullptr); // the check sums behind the last row
     });
     if (!isRead)

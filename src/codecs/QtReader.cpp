@@ -36,6 +36,7 @@ public:
 
     std::optional<Failure> readHeader();
     PictureInfo info();
+    DecodeCost cost(QSize) const;
     Outcome<Picture> decode(QSize);
 
 private:
@@ -120,6 +121,15 @@ PictureInfo QtReader::info()
     info.dpi = m_header.dpi;
     info.frames = frameSizes();
     return info;
+}
+
+/// Some readers put a picture together from another one.
+DecodeCost QtReader::cost(QSize) const
+{
+    const QImage::Format format = m_reader.imageFormat();
+    const qint64 bits = format == QImage::Format_Invalid ? 32 : QImage::toPixelFormat(format).bitsPerPixel();
+    const qint64 bitmap = qint64(m_size.width()) * m_size.height() * std::max<qint64>(bits, 32) / 8;
+    return {bitmap, bitmap};
 }
 
 Outcome<Picture> QtReader::decode(QSize)

@@ -47,6 +47,24 @@ bool writeDirectory(FileSink &sink, const TiffEntries &entries, bool isBigEndian
            sink.write(place.constData(), size_t(place.size()));
 }
 
+/// Whether other programs take the entry in a file of this format. Of orientations and units that do not exist they
+/// refuse the whole file.
+bool isAcceptable(const TiffBlock &block, const TiffBlock::Entry &entry)
+{
+    const auto isBetween = [&](quint32 first, quint32 last) {
+        const quint32 number = block.number(entry).value_or(0);
+        return number >= first && number <= last;
+    };
+    switch (entry.tag) {
+    case TIFFTAG_ORIENTATION:
+        return isBetween(ORIENTATION_TOPLEFT, ORIENTATION_LEFTBOT);
+    case TIFFTAG_RESOLUTIONUNIT:
+        return isBetween(RESUNIT_NONE, RESUNIT_CENTIMETER);
+    default:
+        return entry.valueSize > 0 && !isTiffStorageTag(entry.tag) && !isTiffDataTag(entry.tag);
+    }
+}
+
 } // namespace
 
 TiffMetadata::TiffMetadata(const MetadataBlocks &blocks, bool isBig)
@@ -82,9 +100,8 @@ bool TiffMetadata::setTags(TIFF *tiff) const
     if (m_isBig && m_exif) {
         const auto directory = m_exif->directoryAt(m_exif->firstDirectoryOffset());
         const TiffBlock::Entry *entry = directory ? directory->find(TIFFTAG_ORIENTATION) : nullptr;
-        const quint32 orientation = entry ? m_exif->number(*entry).value_or(0) : 0;
-        if (orientation >= ORIENTATION_TOPLEFT && orientation <= ORIENTATION_LEFTBOT)
-            ok = ok && TIFFSetField(tiff, TIFFTAG_ORIENTATION, uint16_t(orientation)) == 1;
+        if (entry && isAcceptable(*m_exif, *entry))
+            ok = ok && TIFFSetField(tiff, TIFFTAG_ORIENTATION, uint16_t(*m_exif->number(*entry))) == 1;
     }
     return ok;
 }
@@ -100,7 +117,7 @@ bool TiffMetadata::join(FileSink &sink) const
     const auto directory = m_exif ? m_exif->directoryAt(m_exif->firstDirectoryOffset()) : std::nullopt;
     if (directory) {
         for (const TiffBlock::Entry &entry : directory->entries) {
-            if (entry.valueSize > 0 && !isTiffStorageTag(entry.tag) && !isTiffDataTag(entry.tag))
+            if (isAcceptable(*m_exif, entry))
                 entries[entry.tag] = m_exif->bytes().mid(entry.position, TiffBlock::kEntrySize);
         }
     }

@@ -36,6 +36,7 @@ public:
     /// Goes to the first page that is neither a reduced-resolution copy nor a mask.
     std::optional<Failure> readHeader();
     PictureInfo info();
+    DecodeCost cost(QSize) const;
     Outcome<Picture> decode(QSize);
 
 private:
@@ -153,6 +154,19 @@ PictureInfo TiffReader::info()
             info.frames.emplace_back(int(page.width), int(page.height));
     }
     return info;
+}
+
+/// One strip or tile as stored and unpacked, and the places of all of them.
+DecodeCost TiffReader::cost(QSize) const
+{
+    TIFF *tiff = m_tiff.get();
+    const int bits = QImage::toPixelFormat(m_layout.pixelFormat()).bitsPerPixel();
+    const bool isByRows = !m_layout.isTiled && !m_layout.needsLibraryConversion();
+    const tmsize_t piece = m_layout.isTiled ? TIFFTileSize(tiff)
+                           : isByRows       ? TIFFScanlineSize(tiff)
+                                            : TIFFStripSize(tiff);
+    const uint32_t pieces = m_layout.isTiled ? TIFFNumberOfTiles(tiff) : TIFFNumberOfStrips(tiff);
+    return {qint64(m_layout.width) * m_layout.height * bits / 8, 2 * piece + qint64(pieces) * 2 * 8};
 }
 
 Outcome<Picture> TiffReader::decode(QSize)

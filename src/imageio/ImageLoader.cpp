@@ -38,13 +38,12 @@ Outcome<ImageLoader::Loaded> decodeUpright(const QString &path, int orientation,
     Outcome<Picture> picture = decodePicture(path, turnsByAQuarter(orientation) ? size.transposed() : size);
     if (!picture)
         return picture.failure();
-    const bool converted = picture->convertedToSrgb;
     const QImage upright = FlippedImage::uprightFromEXIF(picture->pixels, orientation);
     picture->pixels = {};
     PhotoImagePtr photo = PhotoImage::fromBitmap(upright, picture->iccProfile);
     if (!size.isEmpty() && photo->pixelSize() != size)
         photo = Utils::sharedUtils().scaleImage(photo, size);
-    return ImageLoader::Loaded{photo, picture->fileColorModel, converted};
+    return ImageLoader::Loaded{photo, picture->fileColorModel, picture->convertedToSrgb, picture->isPartlyDamaged};
 }
 
 void reportNotLoaded(const Failure &failure)

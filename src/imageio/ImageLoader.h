@@ -18,6 +18,7 @@ public:
         PhotoImagePtr photo;
         ColorModel colorModel = ColorModel::Rgb; ///< of the file
         bool convertedToSrgb = false;            ///< the file's colours had no RGB form
+        bool isPartlyDamaged = false;            ///< the file does not hold the whole picture as it was
     };
 
     /// The photo in full size, upright, RGB, with a logical size equal to its pixel size. A failure is told on standard

@@ -232,6 +232,13 @@ TEST_F(CommandLineProgram, BadInputIsOneSentenceAndChangesNothing)
     const QByteArray whole = readBytes(picture("whole.jpg", m_image, WriteFormat::Jpeg));
     const QString half = writeBytes(m_folder, QStringLiteral("half.jpg"), whole.left(whole.size() / 2));
     expectFailure(half, m_black, out, half);
+    QByteArray damaged = whole;
+    damaged.replace(whole.size() / 2, 200, QByteArray(200, '\xff'));
+    const QString opened = writeBytes(m_folder, QStringLiteral("damaged.jpg"), damaged);
+    const Ended told = render(opened, m_black, path("told.png"));
+    EXPECT_EQ(told.exitCode, 0);
+    EXPECT_EQ(QString::fromUtf8(told.errors),
+              QStringLiteral("hazelmark-cli: %1: a part of its picture data is damaged.\n").arg(opened));
     expectFailure(m_photo, path("text.jpg"), out, path("text.jpg"));
     expectFailure(m_photo, half, out, half);
     expectFailure(m_photo, m_black, path("none/out.png"), path("none/out.png"));

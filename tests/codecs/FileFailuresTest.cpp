@@ -1,3 +1,4 @@
+#include "AvailableMemory.h"
 #include "TestFiles.h"
 #include "TestPictures.h"
 
@@ -139,10 +140,34 @@ TEST_F(FileFailures, LargeClaimWithoutDataFails)
     }
 }
 
-/// A row of gigabytes in a picture of few pixels is there to exhaust the memory.
-TEST_F(FileFailures, RowsFarLargerThanThePictureAreNotRead)
+/// What the memory cannot hold is refused by its headers alone, whatever follows them.
+TEST_F(FileFailures, PictureForWhichThereIsNoMemoryIsNotDecoded)
 {
-    EXPECT_EQ(reasonFor(tiffHeader(1000000, 1, 32, 60000)), Reason::Damaged);
+    constexpr int kSide = 1000;
+    constexpr qint64 kBitmap = qint64(kSide) * kSide * 4;
+    const QImage pixels = makePicture(kSide, kSide, QImage::Format_RGBX8888);
+    const std::vector<uint8_t> samples(kBitmap * 3 / 4, 99);
+    for (const auto &[file, needed] :
+         {std::pair(encoded(pixels, optionsFor(WriteFormat::Png)), 2 * kBitmap),
+          {encoded(pixels, optionsFor(WriteFormat::Jpeg)), 2 * kBitmap},
+          {makeJpeg({.isProgressive = true}, kSide, kSide, samples), kBitmap + 3 * 2 * kBitmap / 4},
+          {encoded(pixels, optionsFor(WriteFormat::Tiff)), 2 * kBitmap},
+          {encoded(pixels, optionsFor(WriteFormat::Gif)), 2 * kBitmap},
+          {encoded(pixels, optionsFor(WriteFormat::Bmp)), 2 * kBitmap},
+          {icoHeader(kSide), 2 * kBitmap}}) {
+        const QString path = write(QStringLiteral("picture"), file);
+        const auto reason = [&](qint64 memory) {
+            const MemoryCap cap(memory);
+            const auto picture = decodePicture(path);
+            return picture ? std::nullopt : std::optional(picture.failure().reason);
+        };
+        EXPECT_EQ(reason(needed * 99 / 100), Reason::OutOfMemory) << path.toStdString();
+        EXPECT_NE(reason(needed * 101 / 100 + 64 * 1024), Reason::OutOfMemory);
+        const MemoryCap cap(0);
+        EXPECT_TRUE(readPictureInfo(path)) << "headers alone take none";
+    }
+    // A row of gigabytes in a picture of few pixels is there to exhaust the memory.
+    EXPECT_EQ(reasonFor(tiffHeader(1000000, 1, 32, 60000)), Reason::OutOfMemory);
 }
 
 TEST(Failure, SentenceIsOneLineThatNamesTheFileAndTheReason)

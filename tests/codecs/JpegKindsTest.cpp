@@ -112,20 +112,52 @@ TEST_F(JpegKinds, ProfileOfSeveralSegmentsIsPutTogether)
     EXPECT_EQ(got.picture.iccProfile, profile);
 }
 
-TEST_F(JpegKinds, DamageIsToldFromEncodersHabits)
+/// Damage in the middle is told with the picture, a picture that is cut off is refused, and neither is mixed up with
+/// what some encoders leave in their files.
+TEST_F(JpegKinds, DamageIsToldFromCutsAndEncodersHabits)
 {
-    const QByteArray samples = noiseBytes(64 * 64 * 3, 3);
-    const QByteArray file = makeJpeg({}, 64, 64, {samples.begin(), samples.end()});
-    const QByteArray endMarker("\xff\xd9");
-    ASSERT_TRUE(file.endsWith(endMarker));
-    const QByteArray picture = file.left(file.size() - 2);
-    EXPECT_EQ(reasonFor(file + "trailing data of a maker's own"), std::nullopt);
-    EXPECT_EQ(reasonFor(picture), std::nullopt); // only the end marker is missing
-    EXPECT_EQ(reasonFor(picture + QByteArray(3, 'z') + endMarker), std::nullopt);
-    EXPECT_EQ(reasonFor(picture + QByteArray(5000, '\0') + endMarker), std::nullopt);
-    EXPECT_EQ(reasonFor(picture + QByteArray(5000, 'z') + endMarker), Failure::Reason::Damaged);
-    EXPECT_EQ(reasonFor(picture.left(picture.size() / 2) + endMarker), Failure::Reason::Damaged);
-    EXPECT_EQ(reasonFor(picture.left(picture.size() / 2)), Failure::Reason::Truncated);
+    enum Outcome { Whole, Damaged, CutOff };
+    const QByteArray end("\xff\xd9");
+    const QByteArray bytes = noiseBytes(64 * 64 * 3, 3);
+    const std::vector<uint8_t> samples(bytes.begin(), bytes.end());
+    const auto overwritten = [](QByteArray file, const QByteArray &part) {
+        return file.replace(file.size() / 2, part.size(), part);
+    };
+    for (const TestJpeg &kind : {TestJpeg{}, TestJpeg{.isProgressive = true}, TestJpeg{.restartInterval = 8},
+                                 TestJpeg{.isArithmetic = true}}) {
+        const QByteArray file = makeJpeg(kind, 64, 64, samples);
+        ASSERT_TRUE(file.endsWith(end));
+        const QByteArray picture = file.chopped(2);
+        const QByteArray half = picture.left(picture.size() / 2);
+        const bool isPlain = !kind.isProgressive && !kind.isArithmetic && kind.restartInterval == 0;
+        const struct
+        {
+            const char *what;
+            QByteArray file;
+            Outcome outcome;
+        } rows[] = {
+            {"trailing data", file + "of a maker's own", Whole},
+            {"some bytes too many", picture + QByteArray(3, 'z') + end, Whole},
+            {"padded with zeros", picture + QByteArray(5000, '\0') + end, Whole},
+            {"many bytes too many", picture + QByteArray(5000, 'z') + end, Damaged},
+            {"overwritten with ones", overwritten(file, QByteArray(200, '\xff')), Damaged},
+            {"overwritten with noise", overwritten(file, noiseBytes(300, 6)), Damaged},
+            {"nothing behind the first half", half, CutOff},
+            {"an end marker too early", half + end, kind.isArithmetic ? Whole : CutOff},
+            {"zeros for the second half", half + QByteArray(picture.size() / 2, '\0'), isPlain ? Damaged : CutOff},
+            {"no end marker", picture, kind.isArithmetic ? CutOff : Whole},
+        };
+        for (const auto &row : rows) {
+            const auto got = decodePicture(write(QStringLiteral("picture"), row.file));
+            const Outcome outcome = !got ? CutOff : got->isPartlyDamaged ? Damaged : Whole;
+            EXPECT_EQ(outcome, row.outcome) << row.what
+                                            << (kind.isProgressive  ? ", progressive"
+                                                : kind.isArithmetic ? ", arithmetic"
+                                                                    : "")
+                                            << " " << kind.restartInterval;
+            EXPECT_TRUE(got || got.failure().reason == Failure::Reason::Truncated) << row.what;
+        }
+    }
 }
 
 /// What several threads write in bands is, byte for byte, what one encoder writes with the same restart interval.

@@ -48,6 +48,8 @@ QByteArray valueOf(const TiffBlock &file, const TiffBlock::Directory &directory,
 
 } // namespace
 
+using WrittenTiff = FolderTest;
+
 class TiffMetadata : public FolderTest, public testing::WithParamInterface<std::tuple<bool, QImage::Format>>
 {
 };
@@ -85,6 +87,30 @@ TEST_P(TiffMetadata, JoinsTheFilesOwnDirectoryAndKeepsItsPlaces)
     ASSERT_TRUE(exif);
     EXPECT_EQ(valueOf(*file, *exif, 0x927c), "a note that speaks of offsets");
     EXPECT_EQ(file->bytes().indexOf("a note"), options.metadata.exif.indexOf("a note"));
+}
+
+/// The values that the format has no meaning for make other programs refuse the file.
+TEST_F(WrittenTiff, HasNoOrientationOrUnitThatDoesNotExist)
+{
+    const struct
+    {
+        uint16_t tag;
+        uint32_t value;
+        bool isWritten;
+    } rows[] = {{0x0112, 0, false}, {0x0112, 1, true}, {0x0112, 8, true}, {0x0112, 9, false},
+                {0x0128, 0, false}, {0x0128, 1, true}, {0x0128, 3, true}, {0x0128, 4, false}};
+    for (const auto &[tag, value, isWritten] : rows) {
+        EncodeOptions options = optionsFor(WriteFormat::Tiff);
+        options.metadata.exif =
+            QByteArray("II*\0\x08\0\0\0", 8) + tiffDirectory({{tag, entry(tag, kShort, 1, value, false)}}, false);
+        const auto file = TiffBlock::of(encoded(makePicture(8, 8, QImage::Format_RGBX8888), options));
+        ASSERT_TRUE(file);
+        const auto directory = file->directoryAt(file->firstDirectoryOffset());
+        ASSERT_TRUE(directory);
+        const TiffBlock::Entry *found = directory->find(tag);
+        EXPECT_EQ(found ? file->number(*found) : std::nullopt, isWritten ? std::optional(value) : std::nullopt)
+            << tag << " " << value;
+    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Forms, TiffMetadata,
