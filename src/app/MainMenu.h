@@ -5,7 +5,6 @@
 #include <QObject>
 
 class QAction;
-class QActionGroup;
 class QMenu;
 class QMenuBar;
 

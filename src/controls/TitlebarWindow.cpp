@@ -138,13 +138,6 @@ void TitlebarWindow::setTitleBarButtonMargins(int top, int left)
     layOut();
 }
 
-int TitlebarWindow::titleBarLeadingInset() const
-{
-    const bool hasMenuBar = m_menuBar && !m_menuBar->isNativeMenuBar();
-    const QRect last = hasMenuBar ? m_menuBar->geometry() : m_fullScreenButton->geometry();
-    return last.right() + 1 + theme::kMargin - frameRect().left();
-}
-
 void TitlebarWindow::setMovesWindow(QWidget &view, bool moves)
 {
     view.setProperty(kMovesWindow, moves);

@@ -48,8 +48,6 @@ public:
     void setTitleBarHeight(int height);
     /// The buttons stand in the strip's vertical middle, but `top` or more below its edge.
     void setTitleBarButtonMargins(int top, int left);
-    /// What buttons and menu bar take of the strip, from the left: the content places its own things right of it.
-    int titleBarLeadingInset() const;
 
     IMGButton *closeButton() const { return m_closeButton; }
     IMGButton *minimizeButton() const { return m_minimizeButton; }

@@ -266,7 +266,7 @@ void MainScreenView::paintEvent(QPaintEvent *event)
 
 QRect MainScreenView::mainContainerFrame(bool besidePanel) const
 {
-    const int right = besidePanel ? kPanelWidthPoints : 0;
+    const int right = besidePanel ? SettingsPanel::kPanelWidthPoints : 0;
     const int bottom = besidePanel ? SummaryBar::kHeightPoints : 0;
     return rect().adjusted(0, theme::kTitleBarHeight, -right, -bottom);
 }
@@ -276,11 +276,11 @@ void MainScreenView::layOut()
     layOutTitleStrip();
     vwMainContainer->setGeometry(mainContainerFrame(m_besidePanel));
     layOutMainContainer();
-    vwRightContainer->setGeometry(width() - kPanelWidthPoints, theme::kTitleBarHeight, kPanelWidthPoints,
-                                  height() - theme::kTitleBarHeight);
+    vwRightContainer->setGeometry(width() - SettingsPanel::kPanelWidthPoints, theme::kTitleBarHeight,
+                                  SettingsPanel::kPanelWidthPoints, height() - theme::kTitleBarHeight);
     if (vwSettingOptions)
         vwSettingOptions->setGeometry(vwRightContainer->rect());
-    vwBottom->setGeometry(0, height() - SummaryBar::kHeightPoints, width() - kPanelWidthPoints,
+    vwBottom->setGeometry(0, height() - SummaryBar::kHeightPoints, width() - SettingsPanel::kPanelWidthPoints,
                           SummaryBar::kHeightPoints);
 }
 

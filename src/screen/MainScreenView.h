@@ -27,7 +27,6 @@ class MainScreenView : public QWidget
     Q_OBJECT
 
 public:
-    static constexpr int kPanelWidthPoints = 250;
     /// Narrower and lower by this than the main container is the preview container.
     static constexpr int kPreviewInsetPoints = 40;
     static constexpr int kProgressHeightPoints = 3;

@@ -272,7 +272,7 @@ protected:
 
 TEST_F(HighlightButtonTest, AFlatButtonTurnsLighterAndBoldUnderThePointer)
 {
-    HighlightButton button(HighlightButton::kFlatTag, QStringLiteral("reset"), QStringLiteral("reset-hover"));
+    HighlightButton button(HighlightButton::kFlatTag, QStringLiteral("up"), QStringLiteral("file"));
     button.setText(QStringLiteral("Reset"));
     show(button);
     EXPECT_TRUE(button.image().isEmpty());
@@ -297,13 +297,13 @@ TEST_F(HighlightButtonTest, AFlatButtonTurnsLighterAndBoldUnderThePointer)
 
 TEST_F(HighlightButtonTest, AnImageButtonSwapsItsImage)
 {
-    HighlightButton button(HighlightButton::kImageTag, QStringLiteral("reset"), QStringLiteral("reset-hover"));
-    EXPECT_EQ(button.sizeHint(), QSize(32, 32));
+    HighlightButton button(HighlightButton::kImageTag, QStringLiteral("brush"), QStringLiteral("brush_selected"));
+    EXPECT_EQ(button.sizeHint(), QSize(40, 40));
     show(button);
     enter(button);
-    EXPECT_EQ(button.image(), QStringLiteral("reset-hover"));
+    EXPECT_EQ(button.image(), QStringLiteral("brush_selected"));
     button.setImgNormalState(QStringLiteral("hazelmark.png"));
-    EXPECT_EQ(button.image(), QStringLiteral("reset-hover"));
+    EXPECT_EQ(button.image(), QStringLiteral("brush_selected"));
     const QImage hovered = drawn(button);
     leave(button);
     EXPECT_EQ(button.image(), QStringLiteral("hazelmark.png"));

@@ -1,10 +1,9 @@
 // Draws every part of the main screen into a PNG file, for looking at:
 // LANG=de_DE.UTF-8 QT_QPA_PLATFORM=offscreen screen_parts_gallery FOLDER
 #include "AlertSheet.h"
+#include "AppDelegate.h"
 #include "ColorWell.h"
-#include "FakeApplication.h"
 #include "FloatSlider.h"
-#include "Localisation.h"
 #include "SavePanel.h"
 #include "SettingsPanel.h"
 #include "SummaryBar.h"
@@ -20,16 +19,6 @@
 using namespace hazelmark;
 
 namespace {
-
-/// With the real texts.
-class TranslatedApplication : public FakeApplication
-{
-public:
-    QString getLocalizedStringForKey(const QString &key) override { return m_texts.getLocalizedStringForKey(key); }
-
-private:
-    Localisation m_texts;
-};
 
 class Gallery
 {
@@ -115,7 +104,7 @@ private:
     }
 
     QString m_folder;
-    TranslatedApplication m_application;
+    AppDelegate m_application{nullptr}; // never launched: the texts are all that is asked for
 };
 
 } // namespace

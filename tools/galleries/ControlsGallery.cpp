@@ -55,10 +55,10 @@ QWidget *iconWall()
     layout->setContentsMargins({});
     layout->setSpacing(theme::kGrid);
     for (const char *name :
-         {"add",           "export",       "share",     "brush",        "eraser",        "brush_selected",
-          "eraser_select", "button-hover", "reset",     "chevron-down", "chevron-right", "chevron-left",
-          "mail",          "clipboard",    "open-with", "bluetooth",    "warning",       "info",
-          "unsaved",       "drop-hint",    "hazelmark"}) {
+         {"add",           "export",       "share",        "brush",         "eraser",       "brush_selected",
+          "eraser_select", "button-hover", "chevron-down", "chevron-right", "chevron-left", "mail",
+          "clipboard",     "open-with",    "bluetooth",    "warning",       "info",         "unsaved",
+          "drop-hint",     "hazelmark"}) {
         const QString image = QString::fromLatin1(name);
         auto *button = new HighlightButton(HighlightButton::kImageTag, image, image);
         layout->addWidget(button);
