@@ -139,11 +139,12 @@ void MainScreenView::makePhotoArea()
     imgvwBeforeBokesh->setObjectName(QStringLiteral("imgvwBeforeBokesh"));
     imgvwAfterBokesh = new PhotoImageView(vwPreviewContainer);
     imgvwAfterBokesh->setObjectName(QStringLiteral("imgvwAfterBokesh"));
-    drawTrackingView = new DrawTrackingView(vwPreviewContainer);
-    drawTrackingView->setObjectName(QStringLiteral("drawTrackingView"));
     paintView = new PaintView(vwPreviewContainer);
     paintView->setObjectName(QStringLiteral("paintView"));
     paintView->hide();
+    drawTrackingView = new DrawTrackingView(*paintView, vwPreviewContainer);
+    drawTrackingView->setObjectName(QStringLiteral("drawTrackingView"));
+    drawTrackingView->stackUnder(paintView);
     m_loadingNote = new LoadingNote(dropTarget);
     m_loadingNote->setObjectName(QStringLiteral("loadingNote"));
     progressBar = new BarProgressIndicator({}, theme::kBlueHighlight, Qt::transparent, 0, 1, 0, vwMainContainer);

@@ -9,6 +9,7 @@
 
 #include <QApplication>
 #include <QCursor>
+#include <QDialog>
 #include <QPointingDevice>
 #include <QTabletEvent>
 #include <QTest>
@@ -24,6 +25,7 @@ protected:
     {
         ProcessState::shared() = {false, true};
         window.setGeometry(50, 50, 500, 400);
+        tracking.stackUnder(&view);
         window.setStyleSheet(u"background: black"_qs);
         view.setFrame({50, 40, 400, 300});
         control.setColor({0, 1, 0, 1});
@@ -48,6 +50,15 @@ protected:
         QTest::qWait(130);
     }
 
+    bool pen(QEvent::Type type, QPointF at, double pressure = 0.5)
+    {
+        QTabletEvent event(type, QPointingDevice::primaryPointingDevice(), at, view.mapToGlobal(at), pressure, 0, 0, 0,
+                           0, 0, {}, type == QEvent::TabletMove ? Qt::NoButton : Qt::LeftButton,
+                           type == QEvent::TabletRelease ? Qt::NoButton : Qt::LeftButton);
+        QCoreApplication::sendEvent(&view, &event);
+        return event.isAccepted();
+    }
+
     int alphaAt(int x, int y) { return qAlpha(view.snapshot().pixel(x, y)); }
     std::size_t steps() const { return view.arrDrawedPoints()->size(); }
 
@@ -57,8 +68,8 @@ protected:
     }
 
     QWidget window;
-    DrawTrackingView tracking{&window};
     PaintView view{&window};
+    DrawTrackingView tracking{view, &window};
     PaintControl control{&view};
 };
 
@@ -96,13 +107,6 @@ TEST_F(Window, PenAndFingerPaintLikeTheMouse)
     int ended = 0;
     const auto token = count(kNotificationBurshDrawedRegionUpdated, ended);
     show();
-    const auto pen = [this](QEvent::Type type, QPointF at, double pressure) {
-        QTabletEvent event(type, QPointingDevice::primaryPointingDevice(), at, view.mapToGlobal(at), pressure, 0, 0, 0,
-                           0, 0, {}, type == QEvent::TabletMove ? Qt::NoButton : Qt::LeftButton,
-                           type == QEvent::TabletRelease ? Qt::NoButton : Qt::LeftButton);
-        QCoreApplication::sendEvent(&view, &event);
-        return event.isAccepted();
-    };
     EXPECT_FALSE(pen(QEvent::TabletMove, {50, 50}, 0));
     EXPECT_TRUE(pen(QEvent::TabletPress, {100.25, 100}, 0.1));
     EXPECT_TRUE(pen(QEvent::TabletMove, {150, 100}, 0.9));
@@ -219,6 +223,76 @@ TEST_F(Window, StackedViewsShownAndHiddenOnNoticeComeToRest)
     QTest::mouseRelease(window.windowHandle(), Qt::LeftButton, {}, {5, 100});
     QTest::qWait(130);
     EXPECT_FALSE(view.isVisible());
+}
+
+/// The main screen hides the canvas when it is told that the pointer left.
+TEST_F(Window, StrokesThatLeaveThePhotoGoOnWhateverDrawsThem)
+{
+    int ended = 0;
+    tracking.setGeometry(view.geometry());
+    const auto endToken = count(kNotificationBurshDrawedRegionUpdated, ended);
+    const auto outToken =
+        NotificationCenter::defaultCenter().addObserver(kNotificationMouseout, [&](const auto &) { view.hide(); });
+    show();
+    std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
+    const std::pair<const char *, std::function<void(int, QPoint)>> strokes[]{
+        {"pen",
+         [&](int phase, QPoint at) {
+             pen(phase == 0 ? QEvent::TabletPress : phase == 1 ? QEvent::TabletMove : QEvent::TabletRelease, at);
+         }},
+        {"finger",
+         [&](int phase, QPoint at) {
+             auto touch = QTest::touchEvent(&view, screen.get());
+             phase == 0 ? touch.press(1, at) : phase == 1 ? touch.move(1, at) : touch.release(1, at);
+         }},
+    };
+    for (const auto &[name, draw] : strokes) {
+        SCOPED_TRACE(name);
+        view.show();
+        ended = 0;
+        const std::size_t before = steps();
+        point({100, 100});
+        draw(0, {50, 60});
+        point({10, 10}); // the pointer goes along
+        draw(1, {-40, 60});
+        QTest::qWait(250); // both views have looked where it is
+        EXPECT_TRUE(view.isVisible());
+        EXPECT_EQ(ended, 0);
+        draw(1, {100, 60});
+        draw(2, {100, 60});
+        EXPECT_EQ(ended, 1);
+        EXPECT_EQ(steps(), before + 3);
+        EXPECT_TRUE(QTest::qWaitFor([this] { return !view.isVisible(); })) << "now that it is over";
+    }
+}
+
+TEST_F(Window, AStrokeWhoseEndCannotComeIsEndedWithWhatIsPainted)
+{
+    int ended = 0;
+    const auto token = count(kNotificationBurshDrawedRegionUpdated, ended);
+    show();
+    QDialog sheet(&window);
+    sheet.setWindowModality(Qt::WindowModal);
+    const std::pair<std::function<void()>, std::function<void()>> interruptions[]{
+        {[&] { view.hide(); }, [&] { view.show(); }},
+        {[&] { view.setEnabled(false); }, [&] { view.setEnabled(true); }},
+        {[&] { sheet.open(); }, [&] { sheet.close(); }},
+    };
+    int expected = 0;
+    for (const auto &[interrupt, resume] : interruptions) {
+        QTest::mousePress(&view, Qt::LeftButton, {}, {100, 150});
+        QTest::mouseMove(&view, {200, 150});
+        EXPECT_TRUE(view.isStrokeUnderWay());
+        const std::size_t before = steps();
+        interrupt();
+        EXPECT_EQ(ended, ++expected);
+        EXPECT_EQ(steps(), before);
+        resume();
+        QTest::mouseMove(&view, {300, 150});
+        QTest::mouseRelease(&view, Qt::LeftButton, {}, {300, 150});
+        EXPECT_EQ(ended, expected) << "once";
+        EXPECT_EQ(steps(), before);
+    }
 }
 
 TEST_F(Window, BlockedOrInactiveApplicationTakesNoPointer)

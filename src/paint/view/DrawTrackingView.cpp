@@ -2,19 +2,21 @@
 
 #include "NotificationCenter.h"
 #include "NotificationNames.h"
+#include "PaintView.h"
 #include "PointerTracker.h"
 
 #include <QEvent>
 
 namespace hazelmark {
 
-DrawTrackingView::DrawTrackingView(QWidget *parent)
+DrawTrackingView::DrawTrackingView(const PaintView &canvas, QWidget *parent)
     : QWidget(parent)
 {
     setAttribute(Qt::WA_AcceptTouchEvents);
     new PointerTracker(
         *this, [] { NotificationCenter::defaultCenter().post(kNotificationMouseIn); },
-        [] { NotificationCenter::defaultCenter().post(kNotificationMouseout); });
+        [] { NotificationCenter::defaultCenter().post(kNotificationMouseout); },
+        [&canvas] { return canvas.isStrokeUnderWay(); });
 }
 
 bool DrawTrackingView::event(QEvent *event)

@@ -32,7 +32,7 @@ PaintView::PaintView(QWidget *parent)
     QCoreApplication::setAttribute(Qt::AA_CompressHighFrequencyEvents, false);
     setAttribute(Qt::WA_AcceptTouchEvents);
     new PointerTracker(
-        *this, [this] { mouseEntered(); }, [this] { mouseExited(); });
+        *this, [this] { mouseEntered(); }, [this] { mouseExited(); }, [this] { return isStrokeUnderWay(); });
     followGeometry();
 }
 
@@ -122,18 +122,47 @@ bool PaintView::continueStroke(Stroke stroke, QPointF position)
 
 bool PaintView::endStroke(Stroke stroke)
 {
-    if (m_stroke != stroke)
+    if (stroke == Stroke::None || m_stroke != stroke)
         return false;
     m_stroke = Stroke::None;
     mouseUp();
     return true;
 }
 
+void PaintView::finishStroke()
+{
+    endStroke(m_stroke);
+}
+
+void PaintView::showEvent(QShowEvent *event)
+{
+    if (m_window != window()) {
+        if (m_window)
+            m_window->removeEventFilter(this);
+        m_window = window();
+        m_window->installEventFilter(this);
+    }
+    QWidget::showEvent(event);
+}
+
 void PaintView::hideEvent(QHideEvent *event)
 {
-    // The end of a stroke does not come to a hidden view.
-    m_stroke = Stroke::None;
+    finishStroke();
     QWidget::hideEvent(event);
+}
+
+void PaintView::changeEvent(QEvent *event)
+{
+    if (event->type() == QEvent::EnabledChange && !isEnabled())
+        finishStroke();
+    QWidget::changeEvent(event);
+}
+
+bool PaintView::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_window && event->type() == QEvent::WindowBlocked)
+        finishStroke();
+    return QWidget::eventFilter(watched, event);
 }
 
 void PaintView::mousePressEvent(QMouseEvent *event)

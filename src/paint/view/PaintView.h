@@ -3,6 +3,7 @@
 #include "PaintCanvas.h"
 
 #include <QImage>
+#include <QPointer>
 #include <QRectF>
 #include <QWidget>
 
@@ -14,8 +15,9 @@ namespace hazelmark {
 /// The canvas as a transparent view over the photo: shows the pixels, paints with the pointer, and owns its cursor, a
 /// circle as large as a stamp, green for paint and red for erase.
 ///
-/// The left button, a pen and one finger paint. Moves are not merged into fewer ones, so that paint reaches close to
-/// an edge, where the segment that leaves the view is skipped.
+/// The left button, a pen and one finger paint. A stroke ends where they are lifted, or when its end would not come
+/// here any more: the view is hidden or disabled, or a sheet blocks the window. Moves are not merged into fewer ones,
+/// so that paint reaches close to an edge, where the segment that leaves the view is skipped.
 ///
 /// Posts "notificationMouseIn" and "notificationMouseout" when the pointer comes and goes (see PointerTracker), and
 /// "notificationBurshDrawedRegionUpdated" at the end of each stroke.
@@ -39,6 +41,11 @@ public:
     /// one when painting and a red one when erasing. At the view's backing scale.
     QImage cursorImage() const;
 
+    /// Begun on this view and not ended yet, wherever the mouse, the pen or the finger is now.
+    bool isStrokeUnderWay() const { return m_stroke != Stroke::None; }
+    /// Ends the stroke that is under way, if there is one, with what is painted so far.
+    void finishStroke();
+
     // The pointer's coming and going, as the tracker tells of them.
     void mouseEntered();
     void mouseExited();
@@ -49,10 +56,13 @@ public:
 
 protected:
     bool event(QEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
     void moveEvent(QMoveEvent *event) override;
+    void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
+    void changeEvent(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
@@ -76,6 +86,7 @@ private:
     Stroke m_stroke = Stroke::None;
     int m_finger = 0;
     QTimer *m_mouseTimer = nullptr;
+    QPointer<QWidget> m_window;
 
     /// What the cursor that is set was made of.
     struct CursorKey

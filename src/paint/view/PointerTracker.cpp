@@ -15,11 +15,12 @@ namespace {
 constexpr std::chrono::milliseconds kPollInterval{100};
 }
 
-PointerTracker::PointerTracker(QWidget &area, Handler entered, Handler exited)
+PointerTracker::PointerTracker(QWidget &area, Handler entered, Handler exited, Test isStrokeUnderWay)
     : QObject(&area)
     , m_area(area)
     , m_entered(std::move(entered))
     , m_exited(std::move(exited))
+    , m_isStrokeUnderWay(std::move(isStrokeUnderWay))
 {
     area.installEventFilter(this);
     m_poll.setInterval(kPollInterval);
@@ -79,7 +80,7 @@ void PointerTracker::areaHidden()
 
 void PointerTracker::check()
 {
-    if (!m_area.isVisible() || QGuiApplication::mouseButtons() != Qt::NoButton)
+    if (!m_area.isVisible() || QGuiApplication::mouseButtons() != Qt::NoButton || m_isStrokeUnderWay())
         return;
     const bool inside = isPointerInside();
     if (inside && m_state != State::Inside && ProcessState::shared().isAppActive) {

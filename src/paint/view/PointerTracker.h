@@ -14,8 +14,8 @@ namespace hazelmark {
 ///
 /// By the pointer's place alone, whichever widgets lie on top: the main screen shows and hides stacked widgets when
 /// it is told, and Qt's own enter and leave events would answer each of these with the next one, without end. Nothing
-/// is told from within such an event, nor while a button is held, nor of a hidden widget. A pointer that comes while
-/// the application is not active is told of once it is.
+/// is told from within such an event, nor while a button is held or a stroke is under way, nor of a hidden widget. A
+/// pointer that comes while the application is not active is told of once it is.
 ///
 /// A widget that is shown counts as having the pointer over it until the pointer moves somewhere else; one that has
 /// it there is told so.
@@ -23,8 +23,10 @@ class PointerTracker : public QObject
 {
 public:
     using Handler = std::function<void()>;
+    using Test = std::function<bool()>;
 
-    PointerTracker(QWidget &area, Handler entered, Handler exited);
+    /// `isStrokeUnderWay`: a pen and a finger hold no button.
+    PointerTracker(QWidget &area, Handler entered, Handler exited, Test isStrokeUnderWay);
 
     /// Where the pointer is now, seen from the area; also true of a place that other widgets cover.
     bool isPointerInside() const;
@@ -45,6 +47,7 @@ private:
     QWidget &m_area;
     Handler m_entered;
     Handler m_exited;
+    Test m_isStrokeUnderWay;
     State m_state = State::Outside;
     QPoint m_placeWhenShown;
     /// Not every move comes here: others may lie on top.
