@@ -51,6 +51,8 @@ public:
     /// not write (those of an older preset form), so a record that comes back keeps its title, date and favourite
     /// flag, and its numbers are empty.
     static CoreFilterObject initWithCoder(const QVariantMap &archive);
+
+    bool operator==(const CoreFilterObject &) const = default;
 };
 
 } // namespace hazelmark

@@ -4,6 +4,7 @@
 #include "ApplicationDelegate.h"
 #include "Bundle.h"
 #include "FileAttributes.h"
+#include "FileIdentity.h"
 #include "FilePanelLook.h"
 #include "FloatSlider.h"
 #include "FormatString.h"
@@ -27,6 +28,19 @@ namespace {
 constexpr std::chrono::milliseconds kAfterExport{200};
 constexpr std::chrono::milliseconds kProgressInterval{33};
 const QString kAnsweredVersion = QStringLiteral("appVersion");
+
+enum class PhotoState { Unchanged, Missing, Changed, Locked };
+
+/// Waits for the disk. Locked matters to sharing alone.
+PhotoState stateOf(const PhotoFile &photo, bool forSharing)
+{
+    const QString &path = photo.filePath();
+    if (!ExportFlow::checkForFileAvailabilityAtFilePath(path))
+        return PhotoState::Missing;
+    if (FileIdentity::ofPath(path) != photo.identity())
+        return PhotoState::Changed;
+    return forSharing && ExportFlow::checkForLockedFile(path) ? PhotoState::Locked : PhotoState::Unchanged;
+}
 
 } // namespace
 
@@ -52,6 +66,7 @@ ExportFlow::ExportFlow(ExportScreen &screen, ApplicationDelegate &application, Q
 ExportFlow::~ExportFlow()
 {
     delete m_savePanel;
+    m_queue.finish(); // an export that was asked for is made
 }
 
 SavePanel *ExportFlow::savePanel() const
@@ -77,6 +92,40 @@ void ExportFlow::btnExportDenoisedImageTapped()
         m_screen.setExportButtonOff();
         return;
     }
+    whenPhotoIsFit(Asked::ToSave, [this] { showSavePanel(); });
+}
+
+/// Asks the disk whether the photo is still the one that was opened: strokes belong to the pixels that they were
+/// painted on. Only then the export goes on; otherwise an alert says why not.
+void ExportFlow::whenPhotoIsFit(Asked asked, std::function<void()> then)
+{
+    if (m_asked != Asked::Nothing)
+        return;
+    m_asked = asked;
+    const bool forSharing = asked == Asked::ToShare;
+    const std::shared_ptr<PhotoFile> photo = m_application.selectedImageFile();
+    m_queue.run([photo, forSharing] { return stateOf(*photo, forSharing); },
+                [this, photo, forSharing, then = std::move(then)](PhotoState state) {
+                    m_asked = Asked::Nothing;
+                    const bool isOpen = photo == m_application.selectedImageFile();
+                    if (isOpen && state == PhotoState::Unchanged)
+                        then();
+                    emit openChanged();
+                    if (!isOpen || state == PhotoState::Unchanged)
+                        return;
+                    const char *title = forSharing ? "ERROR_CANT_SHARE_IMAGE" : "ERROR_CANT_EXPORT_IMAGE";
+                    if (state == PhotoState::Missing)
+                        showCannot(title, lookup("ERROR_PHOTO_NOT_AVAILABLE"));
+                    else if (state == PhotoState::Locked)
+                        showCannot(title, lookup("ERROR_ACCESS_DENIED_SOURCE"));
+                    else
+                        showCannot(title, formatString(lookup("REFUSED_SOURCE_CHANGED"), {photo->fileName()}));
+                });
+}
+
+void ExportFlow::showSavePanel()
+{
+    const std::shared_ptr<PhotoFile> photo = m_application.selectedImageFile();
     m_formats = ExportFormats::forSource(photo->fileExtension());
     m_savePanel = new SavePanel(m_application, {m_screen.imageUrl(), QSize(int(photo->width()), int(photo->height()))},
                                 m_formats, startFolder());
@@ -146,6 +195,8 @@ void ExportFlow::completeExport(const Result &result, const QString &path)
 {
     m_progressPoll.stop();
     m_isExporting = false;
+    if (!m_isSocialShareTapped)
+        m_isOutputWritten = result.written;
     m_screen.setExportLocked(false);
     m_screen.setIsRunningAlgorithm(false);
     emit progressChanged(0);
@@ -167,7 +218,7 @@ void ExportFlow::scheduleRatePrompt()
 
 void ExportFlow::openOutputFolder()
 {
-    if (!m_pathToExportImage.isEmpty())
+    if (m_isOutputWritten)
         Workspace::sharedWorkspace().openFile(m_pathToExportImage);
 }
 
@@ -190,11 +241,11 @@ void ExportFlow::btnSocialShareImageTapped()
     m_screen.closeColorPanel();
     if (m_screen.isRunningAlgorithm() || m_isExporting || !m_application.selectedImageFile())
         return;
-    const QString path = m_screen.imageUrl();
-    if (!checkForFileAvailabilityAtFilePath(path))
-        return showCannotShare("ERROR_PHOTO_NOT_AVAILABLE");
-    if (checkForLockedFile(path))
-        return showCannotShare("ERROR_ACCESS_DENIED_SOURCE");
+    whenPhotoIsFit(Asked::ToShare, [this] { share(); });
+}
+
+void ExportFlow::share()
+{
     NotificationCenter::defaultCenter().post(kNotificationSaveChnagesUnsaved);
     if (const PhotoImagePtr last = m_screen.lastExportedImage()) {
         showSharingServicePickerWithImage(last);
@@ -205,10 +256,10 @@ void ExportFlow::btnSocialShareImageTapped()
     saveOutPutImage(QString());
 }
 
-void ExportFlow::showCannotShare(const char *messageKey)
+void ExportFlow::showCannot(const char *titleKey, const QString &message)
 {
-    AlertSheet::showAlertWithTitle(m_window, m_application, lookup("ERROR_CANT_SHARE_IMAGE"),
-                                   formatString(QStringLiteral("\n %@"), {lookup(messageKey)}));
+    AlertSheet::showAlertWithTitle(m_window, m_application, lookup(titleKey),
+                                   formatString(QStringLiteral("\n %@"), {message}));
 }
 
 void ExportFlow::showSharingServicePickerWithImage(const PhotoImagePtr &image)

@@ -45,7 +45,7 @@ public:
 /// Saving and sharing, from the button to the file: save panel, full-resolution render and writing off the main
 /// thread, and what follows. Everything that an export needs goes along when it starts. Main thread only.
 ///
-/// When it is destroyed a running export is waited for: its file is there whole, or not at all.
+/// When it is destroyed an export that was started is waited for.
 class ExportFlow : public QObject
 {
     Q_OBJECT
@@ -74,7 +74,7 @@ public:
     /// Starts the render. An empty path, for sharing, writes no file.
     void saveOutPutImage(const QString &path);
     void showSharingServicePickerWithImage(const PhotoImagePtr &image);
-    /// Opens the written file itself in its viewer. Nothing was written yet: nothing is opened.
+    /// Opens the written file itself in its viewer. Nothing was written there by the last export: nothing is opened.
     void openOutputFolder();
 
     static bool checkForFileAvailabilityAtFilePath(const QString &path);
@@ -86,12 +86,17 @@ public:
     const QStringList &arrformatsSupportedByIM() const { return m_formats.formats; }
     bool isExportingPhoto() const { return m_isExportingPhoto; }
     bool isSocialShareTapped() const { return m_isSocialShareTapped; }
-    bool isSharing() const { return m_isSocialShareTapped || m_sharePicker.isOpen(); } ///< up to the picker's end
+    /// Up to the panel's answer.
+    bool isSaving() const { return m_asked == Asked::ToSave || !m_savePanel.isNull(); }
+    /// Up to the picker's end.
+    bool isSharing() const { return m_asked == Asked::ToShare || m_isSocialShareTapped || m_sharePicker.isOpen(); }
     bool isExporting() const { return m_isExporting; } ///< a render for a file or for sharing is under way
     SavePanel *savePanel() const;                      ///< null unless it waits for an answer
     SharePicker &sharePicker() { return m_sharePicker; }
 
 signals:
+    /// A panel has opened, or will not.
+    void openChanged();
     /// `path`: of the file that will be written; empty when the render is for sharing.
     void exportStarted(const QString &path);
     /// The share of tiles really done, 0 to 1; 0 again at the end.
@@ -108,10 +113,15 @@ private:
 
     QString lookup(const char *key) const;
     QString startFolder() const;
+    enum class Asked { Nothing, ToSave, ToShare };
+
+    void whenPhotoIsFit(Asked asked, std::function<void()> then);
+    void showSavePanel();
     void savePanelChose(const QString &path);
+    void share();
     void completeExport(const Result &result, const QString &path);
     void scheduleRatePrompt();
-    void showCannotShare(const char *messageKey);
+    void showCannot(const char *titleKey, const QString &message);
 
     ExportScreen &m_screen;
     ApplicationDelegate &m_application;
@@ -127,6 +137,8 @@ private:
     bool m_isExportingPhoto = false;
     bool m_isSocialShareTapped = false;
     bool m_isExporting = false;
+    Asked m_asked = Asked::Nothing; ///< while it is found out whether the photo is still the same
+    bool m_isOutputWritten = false; ///< a whole file of the last export stands at `m_pathToExportImage`
     std::shared_ptr<std::atomic<double>> m_progress; ///< written by the render
     QTimer m_progressPoll;
     WorkQueue m_queue{1}; ///< last, so that its thread is over before anything else goes

@@ -143,17 +143,8 @@ void MainScreenVC::connectPanel()
 
 void MainScreenVC::connectWorkers()
 {
-    connect(&m_opener, &PhotoOpener::admitted, this, [this](const PhotoOpener::Knocked &knocked) {
-        m_knocked = knocked;
-        openPhotoAtPath(knocked.record->filePath());
-        m_knocked = {};
-    });
-    connect(&m_opener, &PhotoOpener::refused, this, &MainScreenVC::showRefusal);
-    connect(&m_opener, &PhotoOpener::opened, this, &MainScreenVC::takePhoto);
-    connect(&m_opener, &PhotoOpener::failed, this, [this](const Failure &failure) {
-        endLoading();
-        showRefusal(failure);
-    });
+    connect(&m_opener, &PhotoOpener::opened, this, &MainScreenVC::photoOpened);
+    connect(&m_opener, &PhotoOpener::refused, this, &MainScreenVC::photoRefused);
     connect(&m_previews, &PreviewRunner::inputDrawn, this, [this](const QImage &shown) {
         m_view->imgvwBeforeBokesh->setImage(shown);
         m_view->imgvwAfterBokesh->setImage(shown);
@@ -221,15 +212,20 @@ void MainScreenVC::addDemoWindow()
 void MainScreenVC::setLastExportedImage(const PhotoImagePtr &image)
 {
     m_lastExportedImage = image;
-    m_isResultWritten = m_isResultWritten && image;
     updateUnsavedMark();
 }
 
 void MainScreenVC::setExportLocked(bool locked)
 {
+    if (locked) {
+        finishPainting();
+        m_focusBeforeExport = m_window->focusWidget();
+    }
     m_exportLocked = locked;
     m_application.setIsExporting(locked);
     updateLocks();
+    if (!locked)
+        returnFocus(m_focusBeforeExport);
     // A photo that came meanwhile waits for the export's completion, too: the result is not that photo's.
     if (!locked && m_arrived)
         QMetaObject::invokeMethod(this, &MainScreenVC::takeArrivedPhoto, Qt::QueuedConnection);
@@ -252,13 +248,30 @@ void MainScreenVC::updateStripButtons()
     m_view->btnExport->setEnabled(editable);
     m_view->btnShareService->setEnabled(editable);
     m_view->btnAddPhoto->setChecked(m_window && OpenPanel::isOpen(*m_window));
-    m_view->btnExport->setChecked(m_exportFlow && m_exportFlow->savePanel());
+    m_view->btnExport->setChecked(m_exportFlow && m_exportFlow->isSaving());
     m_view->btnShareService->setChecked(m_exportFlow && m_exportFlow->isSharing());
+}
+
+/// Controls that are disabled or hidden hand the focus on, in the end to the button that closes the window.
+void MainScreenVC::returnFocus(const QPointer<QWidget> &before)
+{
+    QWidget *now = m_view->window()->focusWidget();
+    if (before && before->isEnabled() && before->isVisible())
+        before->setFocus();
+    else if (now && now != before)
+        now->clearFocus();
+}
+
+MainScreenVC::Edits MainScreenVC::edits() const
+{
+    Edits edits{createPresetObjectFromSettingWithTitle(QString()), m_arrDrawedPoints, m_arrDrawedPoints->size()};
+    edits.settings.dateString.clear();
+    return edits;
 }
 
 void MainScreenVC::updateUnsavedMark()
 {
-    m_view->setUnsavedMarkVisible(hasPhoto() && !m_isResultWritten && !m_arrDrawedPoints->empty());
+    m_view->setUnsavedMarkVisible(hasPhoto() && !m_arrDrawedPoints->empty() && m_writtenEdits != edits());
 }
 
 void MainScreenVC::showAlertWithTitle(const QString &title, const QString &andMessage)

@@ -13,8 +13,8 @@
 #include <QObject>
 #include <QPointer>
 
-#include <functional>
 #include <memory>
+#include <optional>
 #include <vector>
 
 namespace hazelmark {
@@ -75,10 +75,11 @@ public:
     /// Opens a photo that was dropped, or given on the command line. Ignored when the result was exported and has not
     /// changed since.
     void photoDraggedWithPath(const QString &path);
-    /// Takes the file at `path` for the open photo, as soon as its picture is there, if its headers say that it is one;
-    /// otherwise the photo before stays. Answers yes in every case: what callers do afterwards
-    /// (`whenPictureIsThere()`) is done either way.
+    /// Takes the photo at `path` for the open one if it is whole, and waits for its pixels; otherwise the photo before
+    /// stays. Answers yes in every case: what callers do afterwards is done either way.
     bool isValidImage(const QString &path);
+    /// The same with a photo that is there already.
+    bool isValidImage(const OpenedPhoto &photo);
     void resizeImageToFitContainer(const PhotoImagePtr &image);
     void selectedImageChanged();
     void showHideRightMenu();
@@ -162,6 +163,15 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    /// What was done to the photo. A redraw of the strokes at another size changes nothing of it.
+    struct Edits
+    {
+        CoreFilterObject settings;
+        std::shared_ptr<PaintStepList> steps;
+        std::size_t stepCount = 0;
+        bool operator==(const Edits &) const = default;
+    };
+
     bool isPainting() const { return m_toolType == kToolPaint || m_toolType == kToolErase; }
     QString text(const char *key) const;
 
@@ -171,19 +181,22 @@ private:
     void connectPanel();
 
     void openPhotoAtPath(const QString &path);
-    void whenPictureIsThere(std::function<void()> then);
-    void takePhoto(const OpenedPhoto &photo);
+    void photoOpened(const OpenedPhoto &photo);
+    void photoRefused(const Failure &failure);
     void takeArrivedPhoto();
-    void endLoading();
+    void returnFocus(const QPointer<QWidget> &before);
     void showRefusal(const Failure &failure);
     PhotoOpener::Sizes wantedSizes() const;
 
+    void takeMask();
+    void finishPainting();
     void clearCanvas();
     void applyBrushHardness();
     void applyBrushValues();
     void setArrowCursor();
     void showToolInForce();
     void checkPointerOverPhoto();
+    Edits edits() const;
     void updateUnsavedMark();
     void updateLocks();
     void updateStripButtons();
@@ -206,6 +219,7 @@ private:
     PhotoImagePtr m_inputImage;
     QString m_imageUrl;
     QString m_imageType; ///< of `m_imageUrl`: its extension, or what its content is where the name does not tell
+    bool m_isPartlyDamaged = false;
     PhotoImagePtr m_resizedInputImage;
     PhotoImagePtr m_fittedImage; ///< what `m_resizedInputImage` was made from
     PhotoImagePtr m_maskImage;
@@ -214,7 +228,7 @@ private:
     PhotoImagePtr m_maskGreenImageWithCustomPaint;
     PhotoImagePtr m_maskImageWithCustomPaint;
     PhotoImagePtr m_lastExportedImage;
-    bool m_isResultWritten = false; ///< into a file, which sharing does not do
+    std::optional<Edits> m_writtenEdits; ///< of the result that was written last, into a file
     std::shared_ptr<PaintStepList> m_arrDrawedPoints;
     qint32 m_toolType = kToolNone;
     qint32 m_menuSelectedIndex = -1;
@@ -222,9 +236,8 @@ private:
     bool m_isResizingWindow = false;
     bool m_isExportingWithAddingNewImage = false;
     bool m_exportLocked = false;
+    QPointer<QWidget> m_focusBeforeExport;
 
-    PhotoOpener::Knocked m_knocked; ///< what was read at the door, for `isValidImage()` to ask for
-    std::function<void()> m_whenPictureIsThere;
     std::unique_ptr<OpenedPhoto> m_arrived; ///< a picture that came during an export
     QString m_lastFolder;
 

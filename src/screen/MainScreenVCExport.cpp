@@ -25,11 +25,12 @@ void MainScreenVC::makeExportFlow()
         m_view->progressBar->hide();
         if (writtenPath.isEmpty())
             return m_view->vwBottom->clearExport();
-        m_isResultWritten = true;
+        m_writtenEdits = edits();
         m_view->vwBottom->showExported(writtenPath);
         updateUnsavedMark();
     });
     connect(&flow->sharePicker(), &SharePicker::shared, m_view->vwBottom, &SummaryBar::showMessage);
+    connect(flow, &ExportFlow::openChanged, this, &MainScreenVC::updateStripButtons);
     connect(&flow->sharePicker(), &SharePicker::closed, this, &MainScreenVC::updateStripButtons);
 }
 

@@ -9,11 +9,9 @@
 #include "Utils.h"
 
 #include <QCursor>
-#include <QGuiApplication>
 #include <QLineEdit>
 #include <QTimer>
 
-#include <algorithm>
 #include <chrono>
 #include <cmath>
 
@@ -30,23 +28,6 @@ constexpr auto kDiameterDelay = 500ms;
 QString truncated(double value)
 {
     return QString::number(static_cast<int>(value));
-}
-
-/// The canvas over opaque black, as addBackgroundToImage() makes it. What stays of a premultiplied colour over black is
-/// the colour as it is stored. Null for a null canvas.
-PhotoImagePtr overBlack(const QImage &canvas)
-{
-    if (canvas.isNull())
-        return nullptr;
-    Q_ASSERT(canvas.format() == QImage::Format_RGBA8888_Premultiplied);
-    QImage opaque(canvas.size(), QImage::Format_RGBX8888);
-    constexpr quint32 kOpaque = Q_BYTE_ORDER == Q_LITTLE_ENDIAN ? 0xff000000U : 0x000000ffU;
-    for (int y = 0; y < canvas.height(); ++y) {
-        const auto *from = reinterpret_cast<const quint32 *>(canvas.constScanLine(y));
-        auto *to = reinterpret_cast<quint32 *>(opaque.scanLine(y));
-        std::transform(from, from + canvas.width(), to, [](quint32 pixel) { return pixel | kOpaque; });
-    }
-    return PhotoImage::fromBitmap(opaque);
 }
 
 } // namespace
@@ -141,7 +122,7 @@ void MainScreenVC::checkPointerOverPhoto()
     const QPointF pointer = m_view->vwPreviewContainer->mapFromGlobal(QPointF(QCursor::pos()));
     if (m_view->photoFrame().contains(pointer))
         mousemoveInsideImageRegion();
-    else if (QGuiApplication::mouseButtons() == Qt::NoButton)
+    else if (!m_view->paintView->isStrokeUnderWay())
         mousemoveOutFromImageRegion();
 }
 
@@ -202,6 +183,28 @@ void MainScreenVC::drawPaintCustomAlfterDelay()
     QTimer::singleShot(kDiameterDelay, this, &MainScreenVC::hadleSliderBrushDiameter);
 }
 
+/// In any other tool state the mask that is there is kept.
+void MainScreenVC::takeMask()
+{
+    if (!isPainting())
+        return;
+    const QImage canvas = m_view->paintView->snapshot();
+    // A slider that is dragged asks again and again over the same strokes.
+    if (!m_maskImage || canvas.cacheKey() != m_maskCanvasKey) {
+        const PhotoImagePtr picture = canvas.isNull() ? nullptr : PhotoImage::fromBitmap(canvas);
+        m_maskImage = Utils::sharedUtils().addBackgroundToImage(picture, Qt::black);
+    }
+    m_maskCanvasKey = canvas.cacheKey();
+}
+
+/// All the green that is seen goes into the export: a stroke that is under way, and one whose preview is still to come.
+void MainScreenVC::finishPainting()
+{
+    m_view->paintView->finishStroke();
+    if (!m_view->paintView->arrDrawedPoints()->empty())
+        takeMask();
+}
+
 void MainScreenVC::btnProcessTapped()
 {
     m_previewRequests.run([this] { applyeffectOnPreviewInBackground(); }, [] {});
@@ -216,13 +219,7 @@ void MainScreenVC::applyeffectOnPreviewInBackground()
 void MainScreenVC::applyCustomEnhanceFilterOnPreviewImage()
 {
     setLastExportedImage(nullptr);
-    if (isPainting()) {
-        const QImage canvas = m_view->paintView->snapshot();
-        // A slider that is dragged asks again and again over the same strokes.
-        if (!m_maskImage || canvas.cacheKey() != m_maskCanvasKey)
-            m_maskImage = overBlack(canvas);
-        m_maskCanvasKey = canvas.cacheKey();
-    }
+    takeMask();
     if (!m_resizedInputImage || (!m_maskImage && !m_overlayImage))
         return;
     m_previews.setSource(m_resizedInputImage, m_maskImage);

@@ -55,67 +55,57 @@ void MainScreenVC::openPanelFinished(const QString &path)
     if (isInTrash(path))
         showAlertWithTitle(text("ERROR_CANT_PROCESS"), {});
     else
-        m_opener.knock(path);
+        openPhotoAtPath(path);
 }
 
 void MainScreenVC::photoDraggedWithPath(const QString &path)
 {
-    if (m_lastExportedImage || m_exportLocked)
-        return;
-    m_opener.knock(path);
+    if (!m_lastExportedImage && !m_exportLocked)
+        openPhotoAtPath(path);
 }
 
-/// What is done with a file that passed the door, whichever way it came.
+/// The way in, for every way in which a photo comes. Nothing is touched before it is whole.
 void MainScreenVC::openPhotoAtPath(const QString &path)
 {
-    if (m_exportLocked || !isValidImage(path))
-        return;
-    whenPictureIsThere([this] {
-        panel().resetAllSlidersAndTextfields();
-        resizeImageToFitContainer(m_inputImage);
-        selectedImageChanged();
-        showDemoWindowFirsttime();
-    });
+    m_opener.open(path, wantedSizes(), m_previews.colors());
+    m_view->showLoading(formatString(text("LOADING"), {lastPathComponent(path)}));
 }
 
-bool MainScreenVC::isValidImage(const QString &path)
-{
-    PhotoOpener::Knocked photo = m_knocked;
-    if (!photo.record || photo.record->filePath() != path) {
-        photo.record = std::make_shared<PhotoFile>(path);
-        photo.type = photo.record->fileExtension();
-    }
-    if (photo.record->width() > 0 && photo.record->height() > 0) {
-        m_opener.load(photo, wantedSizes(), m_previews.colors());
-        m_view->showLoading(formatString(text("LOADING"), {photo.record->fileName()}));
-    }
-    return true;
-}
-
-void MainScreenVC::whenPictureIsThere(std::function<void()> then)
-{
-    m_whenPictureIsThere = std::move(then);
-    if (!m_opener.isLoading())
-        endLoading();
-}
-
-void MainScreenVC::endLoading()
+void MainScreenVC::photoOpened(const OpenedPhoto &photo)
 {
     m_view->showLoading({});
-    if (const auto then = std::exchange(m_whenPictureIsThere, nullptr))
-        then();
-}
-
-/// The second half of `isValidImage()`.
-void MainScreenVC::takePhoto(const OpenedPhoto &photo)
-{
     if (m_exportLocked) {
         m_arrived = std::make_unique<OpenedPhoto>(photo);
         return;
     }
+    const QPointer<QWidget> focus = m_view->window()->focusWidget();
+    if (isValidImage(photo)) {
+        panel().resetAllSlidersAndTextfields();
+        resizeImageToFitContainer(m_inputImage);
+        selectedImageChanged();
+        showDemoWindowFirsttime();
+    }
+    returnFocus(focus);
+}
+
+void MainScreenVC::takeArrivedPhoto()
+{
+    if (const auto arrived = std::exchange(m_arrived, nullptr))
+        photoOpened(*arrived);
+}
+
+bool MainScreenVC::isValidImage(const QString &path)
+{
+    const Outcome<OpenedPhoto> photo = m_opener.read(path, wantedSizes(), m_previews.colors());
+    return !photo || isValidImage(*photo);
+}
+
+bool MainScreenVC::isValidImage(const OpenedPhoto &photo)
+{
     m_previews.startPhoto();
     m_imageUrl = photo.record->filePath();
     m_imageType = photo.type;
+    m_isPartlyDamaged = photo.isPartlyDamaged;
     m_inputImage = photo.inputImage;
     m_lastFolder = QFileInfo(m_imageUrl).path();
     m_application.setSelectedImageFile(photo.record);
@@ -124,13 +114,14 @@ void MainScreenVC::takePhoto(const OpenedPhoto &photo)
     m_view->imgvwAfterBokesh->setImage(photo.firstSight);
     m_view->vwDragging->hide();
     setupRightSettingOptionWithSelectionIndex(kToolPaint);
-    endLoading();
+    return true;
 }
 
-void MainScreenVC::takeArrivedPhoto()
+void MainScreenVC::photoRefused(const Failure &failure)
 {
-    if (const auto arrived = std::exchange(m_arrived, nullptr))
-        takePhoto(*arrived);
+    if (!m_opener.isLoading())
+        m_view->showLoading({});
+    showRefusal(failure);
 }
 
 void MainScreenVC::showRefusal(const Failure &failure)
@@ -224,6 +215,8 @@ void MainScreenVC::btnResetTapped()
 void MainScreenVC::setupBottomSummaryInfo()
 {
     m_view->vwBottom->setupBottomSummaryInfo(m_imageUrl);
+    if (m_isPartlyDamaged)
+        m_view->vwBottom->showPartlyDamaged();
 }
 
 } // namespace hazelmark

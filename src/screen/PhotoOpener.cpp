@@ -2,13 +2,12 @@
 
 #include "Decoder.h"
 #include "Geometry.h"
-#include "ImageLoader.h"
 #include "PhotoFile.h"
 #include "ReadableTypes.h"
 #include "Utils.h"
 
+#include <limits>
 #include <new>
-#include <optional>
 
 namespace hazelmark {
 
@@ -26,27 +25,35 @@ QImage sightOf(const PhotoImagePtr &photo, QSize room, const DisplayColors &colo
     return scaled ? colors.shown(scaled->bitmap(), scaled->iccProfile()) : QImage();
 }
 
-/// The whole of what the loader's thread does for one photo. Nothing when nobody waits for it any more.
-std::optional<Outcome<OpenedPhoto>> openPhoto(const PhotoOpener::Steps &steps, const PhotoOpener::Knocked &knocked,
-                                              const PhotoOpener::Sizes &sizes, const DisplayColors &colors,
-                                              const std::function<bool()> &isWanted)
+/// A photo from its file to what is shown of it.
+Outcome<OpenedPhoto> readPhoto(const PhotoOpener::Steps &steps, const QString &path, const PhotoOpener::Sizes &sizes,
+                               const DisplayColors &colors)
 {
-    if (!isWanted())
-        return std::nullopt;
-    const PhotoOpener::Record &record = knocked.record;
     try {
-        Outcome<PhotoImagePtr> photo = steps.load(record->filePath(), sizes.screen);
-        if (!photo)
-            return photo.failure();
-        (*photo)->bitmap();
-        // From now on it measures what the file's picture does, so that it is fitted without the rounding of a reduced
-        // size.
-        (*photo)->setSize(QSizeF(double(record->width()), double(record->height())));
-        if (!isWanted())
-            return std::nullopt;
-        return OpenedPhoto{record, knocked.type, *photo, sightOf(*photo, sizes.firstSight, colors)};
+        const Outcome<QByteArray> format = steps.inspect(path);
+        if (!format)
+            return format.failure();
+
+        OpenedPhoto photo;
+        photo.record = steps.readRecord(path);
+        const QSizeF size(double(photo.record->width()), double(photo.record->height()));
+        if (size.isEmpty())
+            return Failure{Failure::Reason::Damaged, path, {}};
+        const QString extension = photo.record->fileExtension();
+        photo.type = ReadableTypes::contains(extension) ? extension : QString::fromLatin1(*format);
+
+        const Outcome<ImageLoader::Loaded> loaded = steps.load(path, sizes.screen);
+        if (!loaded)
+            return loaded.failure();
+        photo.isPartlyDamaged = loaded->isPartlyDamaged;
+        photo.inputImage = loaded->photo;
+        photo.inputImage->bitmap();
+        // It measures what the file's picture does, so that it is fitted without the rounding of a reduced size.
+        photo.inputImage->setSize(size);
+        photo.firstSight = sightOf(photo.inputImage, sizes.firstSight, colors);
+        return photo;
     } catch (const std::bad_alloc &) {
-        return Failure{Failure::Reason::OutOfMemory, record->filePath(), {}};
+        return Failure{Failure::Reason::OutOfMemory, path, {}};
     }
 }
 
@@ -62,12 +69,7 @@ PhotoOpener::Steps PhotoOpener::Steps::real()
             return info->format;
         },
         [](const QString &path) { return std::make_shared<PhotoFile>(path); },
-        [](const QString &path, QSize bound) -> Outcome<PhotoImagePtr> {
-            const Outcome<ImageLoader::Loaded> loaded = ImageLoader::loadReduced(path, bound);
-            if (!loaded)
-                return loaded.failure();
-            return loaded->photo;
-        },
+        [](const QString &path, QSize bound) { return ImageLoader::loadReduced(path, bound); },
     };
 }
 
@@ -77,51 +79,53 @@ PhotoOpener::PhotoOpener(Steps steps, QObject *parent)
 {
 }
 
-PhotoOpener::PhotoOpener(QObject *parent)
-    : PhotoOpener(Steps::real(), parent)
-{
-}
-
 PhotoOpener::~PhotoOpener()
 {
-    *m_wanted = 0;
+    *m_oldestWanted = std::numeric_limits<Request>::max();
 }
 
-void PhotoOpener::knock(const QString &path)
+Outcome<OpenedPhoto> PhotoOpener::read(const QString &path, const Sizes &sizes, const DisplayColors &colors) const
 {
-    m_door.run(
-        [steps = m_steps, path]() -> Outcome<Knocked> {
-            const Outcome<QByteArray> format = steps.inspect(path);
-            if (!format)
-                return format.failure();
-            const Record record = steps.readRecord(path);
-            const bool named = ReadableTypes::contains(record->fileExtension());
-            return Knocked{record, named ? record->fileExtension() : QString::fromLatin1(*format)};
+    return readPhoto(m_steps, path, sizes, colors);
+}
+
+void PhotoOpener::open(const QString &path, const Sizes &sizes, const DisplayColors &colors)
+{
+    const Request request = ++m_lastRequest;
+    m_requests[request];
+    m_queue.run(
+        [steps = m_steps, path, sizes, colors, oldestWanted = m_oldestWanted,
+         request]() -> std::optional<Outcome<OpenedPhoto>> {
+            if (request < *oldestWanted)
+                return std::nullopt;
+            return readPhoto(steps, path, sizes, colors);
         },
-        [this](const Outcome<Knocked> &knocked) {
-            if (knocked)
-                emit admitted(*knocked);
-            else
-                emit refused(knocked.failure());
-        });
+        [this, request](const std::optional<Outcome<OpenedPhoto>> &photo) {
+            if (photo)
+                settle(request, *photo);
+        },
+        int(request)); // the latest first: once it is whole, those before it need not be read
 }
 
-void PhotoOpener::load(const Knocked &knocked, const Sizes &sizes, const DisplayColors &colors)
+void PhotoOpener::settle(Request request, const Outcome<OpenedPhoto> &photo)
 {
-    const quint64 request = ++m_requests;
-    m_loading = request;
-    *m_wanted = request;
-    m_loader.run([steps = m_steps, knocked, sizes, colors, wanted = m_wanted,
-                  request] { return openPhoto(steps, knocked, sizes, colors, [&] { return *wanted == request; }); },
-                 [this, request](const std::optional<Outcome<OpenedPhoto>> &photo) {
-                     if (request != m_loading || !photo)
-                         return;
-                     m_loading = 0;
-                     if (*photo)
-                         emit opened(**photo);
-                     else
-                         emit failed(photo->failure());
-                 });
+    const auto place = m_requests.find(request);
+    if (!photo) {
+        if (place != m_requests.end())
+            m_requests.erase(place);
+    } else if (place != m_requests.end()) {
+        place->second = *photo;
+        m_requests.erase(m_requests.begin(), place);
+        *m_oldestWanted = request;
+    }
+    const bool nothingLater = !m_requests.empty() && m_requests.rbegin()->second;
+    if (nothingLater) {
+        const OpenedPhoto whole = *m_requests.rbegin()->second;
+        m_requests.clear();
+        emit opened(whole);
+    }
+    if (!photo)
+        emit refused(photo.failure());
 }
 
 } // namespace hazelmark

@@ -2,6 +2,7 @@
 
 #include "DisplayColors.h"
 #include "Failure.h"
+#include "ImageLoader.h"
 #include "Outcome.h"
 #include "PhotoImage.h"
 #include "WorkQueue.h"
@@ -13,13 +14,15 @@
 
 #include <atomic>
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
 
 namespace hazelmark {
 
 class PhotoFile;
 
-/// A photo as far as the screen needs it.
+/// A photo that was read to its end, as far as the screen needs it.
 struct OpenedPhoto
 {
     std::shared_ptr<PhotoFile> record;
@@ -29,24 +32,17 @@ struct OpenedPhoto
     PhotoImagePtr inputImage;
     /// What the person sees first: the photo at about the size at which it will stand on the screen, in its colours.
     QImage firstSight;
+    bool isPartlyDamaged = false; ///< a part of the picture could not be read
 };
 
-/// Brings photos from disk to the screen in two steps, neither of which the main thread waits for: at the door the
-/// headers are read, and what is no picture goes no further; then the picture is decoded, turned upright and reduced to
-/// what the screen can show. Main thread only.
+/// Brings photos from disk to where the screen can show them: whole, or not at all. The main thread waits for none of
+/// it. Main thread only.
 class PhotoOpener : public QObject
 {
     Q_OBJECT
 
 public:
     using Record = std::shared_ptr<PhotoFile>;
-
-    /// What the headers of a file say.
-    struct Knocked
-    {
-        Record record;
-        QString type; ///< see OpenedPhoto
-    };
 
     /// The three things that take time; they run off the main thread.
     struct Steps
@@ -55,7 +51,7 @@ public:
         std::function<Outcome<QByteArray>(const QString &path)> inspect;
         std::function<Record(const QString &path)> readRecord;
         /// The upright photo, no larger than `bound` pixels.
-        std::function<Outcome<PhotoImagePtr>(const QString &path, QSize bound)> load;
+        std::function<Outcome<ImageLoader::Loaded>(const QString &path, QSize bound)> load;
 
         static Steps real();
     };
@@ -68,32 +64,32 @@ public:
     };
 
     explicit PhotoOpener(Steps steps, QObject *parent = nullptr);
-    explicit PhotoOpener(QObject *parent = nullptr);
     ~PhotoOpener() override;
 
-    /// Looks at the file; `admitted` or `refused` follows. Files are answered in the order in which they came.
-    void knock(const QString &path);
-    /// Reads the picture; `opened` or `failed` follows, unless a later picture was asked for meanwhile.
-    void load(const Knocked &knocked, const Sizes &sizes, const DisplayColors &colors);
+    /// Reads the photo; `opened` or `refused` follows. Of photos that are asked for while others are still read the
+    /// last one that is whole is opened, wherever another breaks; those before it are left out.
+    void open(const QString &path, const Sizes &sizes, const DisplayColors &colors);
+    /// The same on the thread of the caller, who waits for it.
+    Outcome<OpenedPhoto> read(const QString &path, const Sizes &sizes, const DisplayColors &colors) const;
 
-    bool isLoading() const { return m_loading != 0; }
+    bool isLoading() const { return !m_requests.empty(); }
 
 signals:
-    /// The content is that of a picture.
-    void admitted(const hazelmark::PhotoOpener::Knocked &knocked);
-    void refused(const Failure &failure);
     void opened(const OpenedPhoto &photo);
-    /// The headers read, the pixels do not.
-    void failed(const Failure &failure);
+    void refused(const Failure &failure);
 
 private:
+    using Request = quint64;
+
+    void settle(Request request, const Outcome<OpenedPhoto> &photo);
+
     Steps m_steps;
-    quint64 m_requests = 0;
-    quint64 m_loading = 0; ///< the request whose picture is awaited; 0 for none
-    std::shared_ptr<std::atomic<quint64>> m_wanted = std::make_shared<std::atomic<quint64>>(0);
-    WorkQueue m_door{1};
-    /// Two threads: a picture that nobody waits for any more must not hold up the one that somebody does.
-    WorkQueue m_loader{2};
+    Request m_lastRequest = 0;
+    /// In the order in which they came: what is still read, and a photo that is whole but waits for what came later.
+    std::map<Request, std::optional<OpenedPhoto>> m_requests;
+    std::shared_ptr<std::atomic<Request>> m_oldestWanted = std::make_shared<std::atomic<Request>>(0);
+    /// Two threads: a photo that takes long must not hold up the one that somebody asks for meanwhile.
+    WorkQueue m_queue{2};
 };
 
 } // namespace hazelmark

@@ -4,6 +4,7 @@
 #include "ElidedLabel.h"
 #include "FileAttributes.h"
 #include "FormatString.h"
+#include "ImageCatalog.h"
 #include "PathParts.h"
 #include "Theme.h"
 
@@ -13,11 +14,17 @@
 
 namespace hazelmark {
 
+namespace {
+constexpr double kIconPoints = 16;
+}
+
 SummaryBar::SummaryBar(ApplicationDelegate &application, QWidget *parent)
     : QWidget(parent)
     , m_application(application)
     , m_txtFilePath(new ElidedLabel(theme::kText))
     , m_txtPhotoSize(new QLabel)
+    , m_noticeIcon(new QLabel)
+    , m_notice(new QLabel)
     , m_exportText(new ElidedLabel(theme::kQuietText, Qt::AlignRight))
 {
     setObjectName(QStringLiteral("vwBottom"));
@@ -27,12 +34,21 @@ SummaryBar::SummaryBar(ApplicationDelegate &application, QWidget *parent)
     setFixedHeight(kHeightPoints);
     theme::setGround(*this, theme::kStrip);
     theme::setTextColor(*m_txtPhotoSize, theme::kQuietText);
+    m_notice->setObjectName(QStringLiteral("txtNotice"));
+    theme::setTextColor(*m_notice, theme::kText);
+    m_noticeIcon->setPixmap(
+        ImageCatalog::imageNamed(QStringLiteral("warning"), {kIconPoints, kIconPoints}, devicePixelRatioF()));
 
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(theme::kMargin, 0, theme::kMargin, 0);
     layout->setSpacing(theme::kMargin);
     layout->addWidget(m_txtFilePath);
     layout->addWidget(m_txtPhotoSize);
+    auto *notice = new QHBoxLayout;
+    notice->setSpacing(theme::kSpacing);
+    notice->addWidget(m_noticeIcon);
+    notice->addWidget(m_notice);
+    layout->addLayout(notice);
     layout->addStretch(1);
     layout->addWidget(m_exportText);
 }
@@ -53,6 +69,7 @@ void SummaryBar::setupBottomSummaryInfo(const QString &path)
     const std::optional<FileAttributes> attributes = FileAttributes::ofPath(path);
     m_txtPhotoSize->setText(photoSizeText(attributes ? static_cast<double>(attributes->size) : 0));
     m_txtFilePath->setText(lastPathComponent(path));
+    setNotice({});
     clearExport();
     show();
 }
@@ -61,6 +78,18 @@ void SummaryBar::setExportText(const char *key, const QString &path)
 {
     m_exportText->setText(
         formatString(m_application.getLocalizedStringForKey(QLatin1String(key)), {lastPathComponent(path)}));
+}
+
+void SummaryBar::setNotice(const QString &text)
+{
+    m_notice->setText(text);
+    m_notice->setVisible(!text.isEmpty());
+    m_noticeIcon->setVisible(!text.isEmpty());
+}
+
+void SummaryBar::showPartlyDamaged()
+{
+    setNotice(m_application.getLocalizedStringForKey(QStringLiteral("PHOTO_PARTLY_DAMAGED")));
 }
 
 void SummaryBar::showExporting(const QString &path)
@@ -96,6 +125,11 @@ QString SummaryBar::txtPhotoSize() const
 QString SummaryBar::exportText() const
 {
     return m_exportText->text();
+}
+
+QString SummaryBar::notice() const
+{
+    return m_notice->text();
 }
 
 } // namespace hazelmark

@@ -9,7 +9,8 @@ namespace hazelmark {
 class ApplicationDelegate;
 class ElidedLabel;
 
-/// The strip below the photo: the open photo's name and file size, and beside them what became of the last export.
+/// The strip below the photo: the open photo's name and file size, whether it is damaged, and beside them what became
+/// of the last export.
 class SummaryBar : public QWidget
 {
     Q_OBJECT
@@ -25,6 +26,9 @@ public:
     /// MB.
     static QString photoSizeText(double bytes);
 
+    /// Says, until the next photo, that a part of the picture could not be read.
+    void showPartlyDamaged();
+
     void showExporting(const QString &path);
     void showExported(const QString &path);
     void showMessage(const QString &text);
@@ -33,13 +37,18 @@ public:
     QString txtFilePath() const;
     QString txtPhotoSize() const;
     QString exportText() const;
+    /// What is said of the photo itself; empty when nothing is.
+    QString notice() const;
 
 private:
+    void setNotice(const QString &text);
     void setExportText(const char *key, const QString &path);
 
     ApplicationDelegate &m_application;
     ElidedLabel *m_txtFilePath;
     QLabel *m_txtPhotoSize;
+    QLabel *m_noticeIcon;
+    QLabel *m_notice;
     ElidedLabel *m_exportText;
 };
 

@@ -14,10 +14,15 @@ WorkQueue::~WorkQueue()
     m_pool.waitForDone(); // results that were posted meanwhile end with this object
 }
 
-void WorkQueue::start(std::function<void()> task)
+void WorkQueue::finish()
+{
+    m_pool.waitForDone();
+}
+
+void WorkQueue::start(std::function<void()> task, int priority)
 {
     ++m_pending;
-    m_pool.start(std::move(task));
+    m_pool.start(std::move(task), priority);
 }
 
 void WorkQueue::deliver(std::function<void()> done)

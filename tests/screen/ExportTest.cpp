@@ -58,8 +58,9 @@ protected:
     void save(const QString &path)
     {
         post(kNotificationSavePhotoFromMenuTapped);
-        SavePanel *panel = m_screen->exportFlow()->savePanel();
-        ASSERT_TRUE(panel && panel->isVisible());
+        ExportFlow *flow = m_screen->exportFlow();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return flow->savePanel() && flow->savePanel()->isVisible(); }));
+        SavePanel *panel = flow->savePanel();
         panel->nameField()->setText(path);
         QTest::mouseClick(panel->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Save), Qt::LeftButton);
         ASSERT_TRUE(m_screen->exportFlow()->isExporting());
@@ -99,9 +100,36 @@ TEST_F(Export, WritesWhatThePreviewShowed)
     EXPECT_TRUE(m_screen->lastExportedImage());
     EXPECT_TRUE(QTest::qWaitFor([&] { return m_workspace.m_opened.contains(path); }));
 
-    stroke({0.45, 0.7}, {0.55, 0.7});
+    // A redraw changes nothing of it, a stroke does.
+    resizeWindow({1000, 700});
+    post(kNotificationWindowEndResizing);
     waitForPreviews(2);
-    EXPECT_TRUE(isMarked());
+    EXPECT_FALSE(isMarked());
+    stroke({0.45, 0.7}, {0.55, 0.7});
+    EXPECT_TRUE(QTest::qWaitFor([&] { return isMarked(); }));
+}
+
+TEST_F(Export, LeavesTheFocusWhereItWas)
+{
+    openAndPaint();
+    FloatSlider *slider = view().vwSettingOptions->slider(Setting::BlurAmount);
+    for (QWidget *before : {static_cast<QWidget *>(slider), static_cast<QWidget *>(view().btnExport)}) {
+        before->setFocus();
+        save(m_folder.filePath(before->objectName() + QStringLiteral(".png")));
+        EXPECT_FALSE(before->hasFocus());
+        waitForTheEnd();
+        EXPECT_EQ(m_window->focusWidget(), before);
+    }
+}
+
+TEST_F(Export, HoldsTheStrokeThatIsUnderWay)
+{
+    openAndPaint();
+    stroke({0.2, 0.8}, {0.8, 0.8}, false);
+    m_screen->exportFlow()->saveOutPutImage({});
+    const QImage mask = m_screen->maskImage()->bitmap();
+    EXPECT_GT(mask.pixelColor(mask.width() / 2, mask.height() * 4 / 5).green(), 200);
+    waitForTheEnd();
 }
 
 TEST_F(Export, TheCommandLineMakesTheSameFile)
@@ -167,7 +195,7 @@ TEST_F(Export, TheButtonsAreOnAsLongAsWhatTheyOpenedIsOpen)
     SheetQueue &sheets = SheetQueue::forWindow(*m_window);
     for (IMGButton *button : {view().btnExport, view().btnAddPhoto}) {
         QTest::mouseClick(button, Qt::LeftButton);
-        ASSERT_TRUE(sheets.current());
+        ASSERT_TRUE(QTest::qWaitFor([&] { return sheets.current() != nullptr; }));
         EXPECT_TRUE(button->isChecked() && button->isEnabled());
         sheets.current()->reject();
         EXPECT_FALSE(button->isChecked());
@@ -179,6 +207,7 @@ TEST_F(Export, TheButtonsAreOnAsLongAsWhatTheyOpenedIsOpen)
     m_screen->setIsRunningAlgorithm(false);
     QTest::mouseClick(view().btnShareService, Qt::LeftButton); // renders, and then asks
     EXPECT_TRUE(view().btnShareService->isChecked());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_screen->exportFlow()->isExporting(); }));
     EXPECT_FALSE(view().btnShareService->isEnabled()) << "the click's end gave it back during the render";
     waitForTheEnd();
     EXPECT_TRUE(view().btnShareService->isChecked() && view().btnShareService->isEnabled());
@@ -214,8 +243,7 @@ TEST_F(Export, SharingOrAFailureIsNoExport)
     waitForPreviews(2);
     m_screen->setLastExportedImage(nullptr);
     QTest::mouseClick(view().btnShareService, Qt::LeftButton);
-    waitForTheEnd();
-    ASSERT_TRUE(m_screen->exportFlow()->sharePicker().menu());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_screen->exportFlow()->sharePicker().menu() != nullptr; }));
     EXPECT_TRUE(isMarked());
     EXPECT_TRUE(sheetText().isEmpty());
 }

@@ -11,6 +11,7 @@
 #include "SheetQueue.h"
 #include "SummaryBar.h"
 
+#include <QFile>
 #include <QFileDialog>
 #include <QLabel>
 #include <QPushButton>
@@ -35,6 +36,13 @@ protected:
         EXPECT_FALSE(view->vwBottom->isVisible());
         EXPECT_FALSE(view->vwPreviewContainer->isVisible());
         EXPECT_TRUE(view->vwDragging->isVisible());
+    }
+
+    static QByteArray contentOf(const QString &path)
+    {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
     }
 
     /// Makes loading wait at `m_gate`, photo by photo.
@@ -114,27 +122,49 @@ TEST_F(Opening, APhotoThatIsReplacedWhileItLoadsNeverShows)
     EXPECT_EQ(shownAt({0.5, 0.5}), QColor(Qt::blue));
 }
 
-TEST_F(Opening, OfSeveralDroppedPhotosTheLastGoodOneIsOpenAtTheEnd)
+/// What is dropped at once (whole, cut off, no picture at all), and which of them is open at the end: 0 for the photo
+/// before.
+class Drops : public Opening, public testing::WithParamInterface<std::pair<const char *, int>>
+{
+};
+
+TEST_P(Drops, TheLastWholePhotoIsOpenAtTheEndWhereverAnotherBreaks)
 {
     start();
-    const QString good = photo(u"good.png"_qs, {30, 20});
-    m_screen->photoDraggedWithPath(photo(u"before.png"_qs, {30, 20}));
-    m_screen->photoDraggedWithPath(good);
-    m_screen->photoDraggedWithPath(file(u"broken.png"_qs, "no picture"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !sheetText().isEmpty() && m_screen->imageUrl() == good; }));
-    EXPECT_TRUE(sheetText().contains(u"broken.png"_qs));
+    open(photo(u"before.png"_qs, {30, 20}));
+    const auto [kinds, expected] = GetParam();
+    const QByteArray whole = contentOf(photo(u"whole.png"_qs, {300, 200}));
+    QStringList paths{m_screen->imageUrl()};
+    for (const char kind : std::string_view(kinds)) {
+        paths << file(QString::number(paths.size()) + u".png"_qs, kind == 'w'   ? whole
+                                                                  : kind == 'c' ? whole.first(whole.size() / 3)
+                                                                                : QByteArray("words"));
+    }
+    for (const QString &path : paths.mid(1))
+        m_screen->photoDraggedWithPath(path);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !m_screen->isLoading(); }));
+    EXPECT_EQ(m_screen->imageUrl(), paths[expected]);
+    EXPECT_EQ(m_application.m_file->filePath(), paths[expected]);
 }
 
-TEST_F(Opening, WhatIsNoPictureIsRefusedAtTheDoorWithASentenceAndCostsNobodyTheirPainting)
+INSTANTIATE_TEST_SUITE_P(Orders, Drops,
+                         testing::Values(std::pair("wwn", 2), std::pair("wc", 1), std::pair("cw", 2),
+                                         std::pair("wcnc", 1), std::pair("ccc", 0), std::pair("wwwwc", 4)),
+                         [](const auto &info) { return std::string(info.param.first); });
+
+TEST_F(Opening, ABrokenFileIsRefusedWithASentenceAndCostsNobodyTheirPainting)
 {
     start();
     const QString before = photo(u"before.png"_qs, {300, 200});
     open(before);
     stroke({0.3, 0.5}, {0.6, 0.5});
     m_screen->panel().slider(Setting::BlurAmount)->setValue(10);
+    m_screen->segmentPaintEraseTapped(m_screen->panel().btnEraser());
+    const QByteArray png = contentOf(before);
     for (const auto &[name, content, key] :
          {std::tuple(u"text.jpg"_qs, QByteArray("just words"), u"REFUSED_NOT_A_PICTURE"_qs),
-          std::tuple(u"nothing.jpg"_qs, QByteArray(), u"REFUSED_EMPTY"_qs)}) {
+          std::tuple(u"nothing.jpg"_qs, QByteArray(), u"REFUSED_EMPTY"_qs),
+          std::tuple(u"cut.png"_qs, png.first(png.size() / 3), u"REFUSED_TRUNCATED"_qs)}) {
         m_screen->photoDraggedWithPath(file(name, content));
         ASSERT_TRUE(QTest::qWaitFor([&] { return !sheetText().isEmpty(); }));
         EXPECT_EQ(sheetText(), u"ERROR_CANT_OPEN %@|"_qs + key + u' ' + name);
@@ -142,41 +172,40 @@ TEST_F(Opening, WhatIsNoPictureIsRefusedAtTheDoorWithASentenceAndCostsNobodyThei
         ASSERT_TRUE(QTest::qWaitFor([&] { return sheetText().isEmpty(); }));
     }
     EXPECT_EQ(m_screen->imageUrl(), before);
+    EXPECT_EQ(m_application.m_file->filePath(), before);
     EXPECT_GT(paintAt({0.4, 0.5}), 200);
     EXPECT_EQ(m_screen->panel().slider(Setting::BlurAmount)->value(), 10);
+    EXPECT_EQ(m_screen->toolType(), MainScreenVC::kToolErase);
+    EXPECT_FALSE(m_screen->isLoading());
+
+    // Whoever asks for the photo himself gets a yes in every case, and this one too is then left as it is.
+    EXPECT_TRUE(m_screen->isValidImage(m_folder.filePath(u"cut.png"_qs)));
+    EXPECT_EQ(m_screen->imageUrl(), before);
+    EXPECT_GT(paintAt({0.4, 0.5}), 200);
+    EXPECT_TRUE(m_screen->isValidImage(photo(u"whole.png"_qs, {300, 200})));
+    EXPECT_TRUE(m_screen->imageUrl().endsWith(u"whole.png"_qs));
 }
 
-TEST_F(Opening, APhotoWhosePixelsDoNotReadLeavesTheOneBeforeAndSetsTheSlidersBack)
+TEST_F(Opening, OfAPhotoThatIsDamagedInTheMiddleTheBarSaysSo)
 {
-    m_work.open.load = [real = m_work.open.load](const QString &path, QSize bound) -> Outcome<PhotoImagePtr> {
-        if (path.endsWith(u"damaged.png"_qs))
-            return Failure{Failure::Reason::Damaged, path, {}};
-        return real(path, bound);
+    m_work.open.load = [real = m_work.open.load](const QString &path, QSize bound) {
+        auto loaded = real(path, bound);
+        loaded->isPartlyDamaged = path.endsWith(u"damaged.png"_qs);
+        return loaded;
     };
     start();
-    const QString before = photo(u"before.png"_qs, {300, 200});
-    open(before);
-    m_screen->panel().slider(Setting::BlurAmount)->setValue(10);
-    m_screen->photoDraggedWithPath(photo(u"damaged.png"_qs, {300, 200}));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !sheetText().isEmpty(); }));
-    EXPECT_EQ(sheetText(), u"ERROR_CANT_OPEN %@|REFUSED_DAMAGED damaged.png"_qs);
-    EXPECT_EQ(m_screen->imageUrl(), before);
-    EXPECT_EQ(m_application.m_file->filePath(), before);
-    EXPECT_FALSE(m_screen->isLoading());
-    EXPECT_EQ(m_screen->toolType(), MainScreenVC::kToolPaint);
-    EXPECT_EQ(m_screen->panel().slider(Setting::BlurAmount)->value(), 60);
+    const SummaryBar *bar = m_screen->mainScreenView()->vwBottom;
+    open(photo(u"damaged.png"_qs, {300, 200}));
+    EXPECT_EQ(bar->notice(), u"PHOTO_PARTLY_DAMAGED %@"_qs);
+    open(photo(u"whole.png"_qs, {300, 200}));
+    EXPECT_EQ(bar->notice(), QString());
 }
 
 TEST_F(Opening, WhenTheVeryFirstOpeningFailsThereIsStillNoPhoto)
 {
-    m_work.open.load = [](const QString &path, QSize) -> Outcome<PhotoImagePtr> {
-        return Failure{Failure::Reason::Truncated, path, {}};
-    };
     start();
-    m_screen->photoDraggedWithPath(photo(u"a.png"_qs, {30, 20}));
+    m_screen->photoDraggedWithPath(file(u"no-size.png"_qs, "?"));
     ASSERT_TRUE(QTest::qWaitFor([&] { return !sheetText().isEmpty(); }));
-    expectNoPhoto();
-    EXPECT_TRUE(m_screen->isValidImage(file(u"no-size.png"_qs, "?"))) << "the answer is always yes";
     expectNoPhoto();
 }
 

@@ -100,6 +100,12 @@ protected:
         m_ended = std::make_unique<QSignalSpy>(m_flow.get(), &ExportFlow::exportEnded);
     }
     QString out(const char *name) const { return m_folder.filePath(QStringLiteral("out/") + QLatin1String(name)); }
+    void openPanel()
+    {
+        m_flow->btnExportDenoisedImageTapped();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return m_flow->savePanel() && m_flow->savePanel()->isVisible(); }));
+    }
+    AlertSheet *alert() { return qobject_cast<AlertSheet *>(SheetQueue::forWindow(m_window).current()); }
     void chooseInPanel(const QString &path)
     {
         SavePanel *panel = m_flow->savePanel();
@@ -110,7 +116,7 @@ protected:
     }
     void exportTo(const QString &path)
     {
-        m_flow->btnExportDenoisedImageTapped();
+        openPanel();
         chooseInPanel(path);
         ASSERT_TRUE(m_ended->size() > 0 || m_ended->wait());
         m_ended->clear();
@@ -150,7 +156,7 @@ TEST_F(ExportFlowTest, WritesTheFileAndOpensIt)
     m_screen.m_settings.vignetteAmount = 0.1f;
     QSignalSpy progress(m_flow.get(), &ExportFlow::progressChanged);
 
-    m_flow->btnExportDenoisedImageTapped();
+    openPanel();
     EXPECT_EQ(m_flow->arrformatsSupportedByIM().first(), QStringLiteral("png"));
     EXPECT_EQ(m_flow->savePanel()->nameField()->text(), QStringLiteral("photo.png"));
     EXPECT_EQ(m_screen.m_buttonOff, 0);
@@ -182,7 +188,7 @@ TEST_F(ExportFlowTest, WritesTheFileAndOpensIt)
 TEST_F(ExportFlowTest, ThePhotosFolderIsLeftForTheLastExports)
 {
     exportTo(out("a.png"));
-    m_flow->btnExportDenoisedImageTapped();
+    openPanel();
     EXPECT_EQ(m_flow->savePanel()->directory().absolutePath(), m_folder.filePath(QStringLiteral("out")));
 }
 
@@ -200,6 +206,7 @@ TEST_F(ExportFlowTest, RestsWhileARenderRuns)
 TEST_F(ExportFlowTest, ASecondTapOpensNoSecondPanel)
 {
     m_flow->btnExportDenoisedImageTapped();
+    openPanel();
     SavePanel *first = m_flow->savePanel();
     m_flow->btnExportDenoisedImageTapped();
     EXPECT_EQ(m_flow->savePanel(), first);
@@ -219,7 +226,7 @@ TEST_F(ExportFlowTest, TakesAlongWhatItNeedsWhenItStarts)
     };
     makeFlow(work);
     QSignalSpy started(m_flow.get(), &ExportFlow::exportStarted);
-    m_flow->btnExportDenoisedImageTapped();
+    openPanel();
     chooseInPanel(out("a.png"));
     ASSERT_EQ(started.size(), 1);
     // A preview clears the busy flag; what rests, rests on the export's own lock.
@@ -248,7 +255,7 @@ TEST_F(ExportFlowTest, AWriteThatFailsIsInTheLogAndNowhereElse)
         return Failure{Failure::Reason::DiskFull, path, {}};
     };
     makeFlow(work);
-    m_flow->btnExportDenoisedImageTapped();
+    openPanel();
     m_flow->savePanel()->nameField()->setText(out("a.png"));
     QTest::mouseClick(m_flow->savePanel()->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Save),
                       Qt::LeftButton);
@@ -257,7 +264,7 @@ TEST_F(ExportFlowTest, AWriteThatFailsIsInTheLogAndNowhereElse)
     ASSERT_TRUE(m_ended->wait());
     EXPECT_NE(testing::internal::GetCapturedStderr().find("a.png"), std::string::npos);
     EXPECT_EQ(writtenPath(), QString());
-    EXPECT_TRUE(opens(out("a.png"))) << "the completion goes its way";
+    EXPECT_FALSE(opens(out("a.png"))) << "an old file is not shown for the new one";
     old.seek(0);
     EXPECT_EQ(old.readAll(), before);
     EXPECT_EQ(SheetQueue::forWindow(m_window).waiting(), 0);
@@ -265,7 +272,7 @@ TEST_F(ExportFlowTest, AWriteThatFailsIsInTheLogAndNowhereElse)
 
 TEST_F(ExportFlowTest, APhotoThatIsGoneEndsTheExportWithoutAFile)
 {
-    m_flow->btnExportDenoisedImageTapped();
+    openPanel();
     QFile::remove(m_screen.m_imageUrl);
     chooseInPanel(out("a.png"));
     ASSERT_TRUE(m_ended->wait());
@@ -286,7 +293,7 @@ TEST_F(ExportFlowTest, ClosingWaitsForTheFile)
         return job.run();
     };
     makeFlow(work);
-    m_flow->btnExportDenoisedImageTapped();
+    openPanel();
     chooseInPanel(out("a.png"));
     m_flow.reset();
     EXPECT_TRUE(decodePicture(out("a.png"))) << "whole, since it had begun";
@@ -305,6 +312,7 @@ TEST_F(ExportFlowTest, AsksForARatingUntilThisVersionWasAnswered)
 TEST_F(ExportFlowTest, SharesWithoutAFileAndASecondTimeWithoutARender)
 {
     m_flow->btnSocialShareImageTapped();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_flow->isExporting(); }));
     EXPECT_TRUE(m_flow->isSocialShareTapped() && m_flow->isExportingPhoto());
     ASSERT_TRUE(m_ended->wait());
     EXPECT_TRUE(pickerIsOpen());
@@ -314,7 +322,7 @@ TEST_F(ExportFlowTest, SharesWithoutAFileAndASecondTimeWithoutARender)
     m_flow->sharePicker().menu()->close();
     m_ended->clear();
     m_flow->btnSocialShareImageTapped();
-    EXPECT_TRUE(pickerIsOpen()) << "at once";
+    EXPECT_TRUE(QTest::qWaitFor([&] { return pickerIsOpen(); }));
     EXPECT_FALSE(m_flow->isExporting());
     // Nothing was written so far, so there is nothing to open; an empty path never is.
     QTest::qWait(300);
@@ -332,13 +340,46 @@ TEST_F(ExportFlowTest, AShareOpensTheExportBeforeIt)
     EXPECT_TRUE(opens(out("a.png")));
 }
 
-TEST_F(ExportFlowTest, AMissingPhotoIsNotShared)
+/// Strokes belong to the pixels that they were painted on.
+TEST_F(ExportFlowTest, APhotoThatIsNoLongerTheOneThatWasOpenedIsNeitherExportedNorShared)
 {
-    QFile::remove(m_screen.m_imageUrl);
-    m_flow->btnSocialShareImageTapped();
-    const auto *alert = qobject_cast<AlertSheet *>(SheetQueue::forWindow(m_window).current());
-    ASSERT_NE(alert, nullptr);
-    EXPECT_EQ(alert->messageText(), QStringLiteral("ERROR_CANT_SHARE_IMAGE<%@>"));
-    EXPECT_EQ(alert->informativeText(), QStringLiteral("\n ERROR_PHOTO_NOT_AVAILABLE<%@>"));
-    EXPECT_FALSE(m_flow->isExporting() || m_flow->isSocialShareTapped());
+    const QString path = m_screen.m_imageUrl;
+    const QByteArray content = [&] {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        return file.readAll();
+    }();
+    const auto put = [](const QString &path, const QByteArray &bytes) {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size());
+    };
+    const QString changed = QStringLiteral("\n REFUSED_SOURCE_CHANGED<photo.png>");
+    const QString gone = QStringLiteral("\n ERROR_PHOTO_NOT_AVAILABLE<%@>");
+    const std::tuple<const char *, std::function<void()>, QString> changes[]{
+        {"rewritten, as long as before", [&] { put(path, content); }, changed},
+        {"replaced by another",
+         [&] {
+             put(path + QStringLiteral("~"), content);
+             QFile::remove(path);
+             QFile::rename(path + QStringLiteral("~"), path);
+         },
+         changed},
+        {"gone", [&] { QFile::remove(path); }, gone},
+    };
+    for (const auto &[what, change, message] : changes) {
+        SCOPED_TRACE(what);
+        openPhoto(QStringLiteral("photo.png"));
+        QTest::qWait(15); // the file system's clock
+        change();
+        for (const bool sharing : {false, true}) {
+            sharing ? m_flow->btnSocialShareImageTapped() : m_flow->btnExportDenoisedImageTapped();
+            ASSERT_TRUE(QTest::qWaitFor([&] { return alert() != nullptr; }));
+            EXPECT_EQ(alert()->messageText(),
+                      QLatin1String(sharing ? "ERROR_CANT_SHARE_IMAGE<%@>" : "ERROR_CANT_EXPORT_IMAGE<%@>"));
+            EXPECT_EQ(alert()->informativeText(), message);
+            EXPECT_FALSE(m_flow->isSaving() || m_flow->isSharing() || m_flow->isExporting());
+            alert()->accept();
+            ASSERT_TRUE(QTest::qWaitFor([&] { return alert() == nullptr; }));
+        }
+    }
 }
