@@ -43,38 +43,6 @@ bool areRowsCutOff(const SourceFile &source, qint64 offset, qint64 stride, qint6
     return offset > source.size() || (rows > 0 && stride > (source.size() - offset) / rows);
 }
 
-/// Whether a run-length-encoded bitmap's data ends before all rows are done or an end marker is met.
-bool isRunDataCutOff(SourceFile &source, qint64 offset, bool has4Bits, qint64 height)
-{
-    constexpr qint64 kPieceSize = 1024 * 1024;
-    constexpr int kLongestUnit = 2 + 256;
-    constexpr quint8 kEndOfLine = 0;
-    constexpr quint8 kEndOfBitmap = 1;
-    constexpr quint8 kDelta = 2;
-    qint64 row = 0;
-    while (true) {
-        const Fields data(source.bytesAt(offset, kPieceSize));
-        const bool isLastPiece = data.size() < kPieceSize; // also of a file that got shorter meanwhile
-        qsizetype at = 0;
-        while (at + (isLastPiece ? 2 : kLongestUnit) <= data.size()) {
-            const quint8 count = data.at8(at);
-            const quint8 code = data.at8(at + 1);
-            at += 2;
-            if (count != 0)
-                continue; // a run of one value
-            if (code == kEndOfBitmap || (code == kEndOfLine && ++row >= height))
-                return false;
-            if (code == kDelta)
-                at += 2;
-            else if (code > kDelta)
-                at += has4Bits ? (code + 3) / 4 * 2 : (code + 1) / 2 * 2; // literal values, padded to 16 bits
-        }
-        if (isLastPiece)
-            return row + 1 < height || at > data.size();
-        offset += at;
-    }
-}
-
 FileHeader readBmp(SourceFile &source)
 {
     constexpr quint32 kOldHeaderSize = 12;
@@ -99,7 +67,7 @@ FileHeader readBmp(SourceFile &source)
         header.frames = {QSize(int(width), int(height))};
     const quint32 compression = fields.at32(30);
     if (compression == Run8 || compression == Run4)
-        header.isCutOff = isRunDataCutOff(source, dataOffset, compression == Run4, height);
+        header.isCutOff = dataOffset + qint64(fields.at32(34)) > source.size(); // the size is a must for these
     else if (compression == Plain || compression == BitFields || compression == AlphaBitFields)
         header.isCutOff =
             areRowsCutOff(source, dataOffset, bmpStride(std::max<qint64>(width, 0), fields.at16(28)), height);
@@ -137,15 +105,6 @@ FileHeader readIcon(SourceFile &source)
     }
     std::erase_if(header.frames, [](QSize size) { return size.isEmpty(); });
     header.isOfAnotherKind = header.frames.empty();
-    return header;
-}
-
-/// A piece of C source text with an array in braces.
-FileHeader readXbm(SourceFile &source)
-{
-    constexpr qint64 kTailSize = 64;
-    FileHeader header;
-    header.isCutOff = !source.bytesAt(std::max<qint64>(0, source.size() - kTailSize), kTailSize).contains('}');
     return header;
 }
 
@@ -195,8 +154,6 @@ FileHeader readFileHeader(SourceFile &source, const QByteArray &format)
         return readIcon(source);
     if (format == "webp")
         return readWebP(source);
-    if (format == "xbm")
-        return readXbm(source);
     return {};
 }
 

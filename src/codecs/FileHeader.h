@@ -21,7 +21,7 @@ struct FileHeader
     bool isOfAnotherKind = false; ///< Qt has taken the file for what it is not
 };
 
-/// BMP, ICO and CUR, WebP, XBM by their Qt format names; for other formats nothing is known.
+/// BMP, ICO and CUR, WebP by their Qt format names; for other formats nothing is known.
 FileHeader readFileHeader(SourceFile &source, const QByteArray &format);
 
 } // namespace hazelmark

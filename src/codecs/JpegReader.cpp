@@ -54,6 +54,7 @@ private:
     void chooseScale(QSize atLeast);
     void readRows(uchar *bits, qsizetype stride);
     void readCmykRows(const CmykToSrgb &converter, uint8_t *cmyk, uchar *bits, qsizetype stride);
+    qint64 blockCount() const;
     bool lacksScans();
 
     SourceFile &m_source;
@@ -160,6 +161,15 @@ void JpegReader::chooseScale(QSize atLeast)
     }
 }
 
+/// Of all components.
+qint64 JpegReader::blockCount() const
+{
+    qint64 count = 0;
+    for (int i = 0; i < m_lib.num_components; ++i)
+        count += qint64(m_lib.comp_info[i].width_in_blocks) * m_lib.comp_info[i].height_in_blocks;
+    return count;
+}
+
 /// The coefficients of a picture of several scans are kept until the last one has been read.
 DecodeCost JpegReader::cost(QSize atLeast)
 {
@@ -168,15 +178,16 @@ DecodeCost JpegReader::cost(QSize atLeast)
     const auto scaled = [this](JDIMENSION side) { return (qint64(side) + m_lib.scale_denom - 1) / m_lib.scale_denom; };
     DecodeCost cost{scaled(m_lib.image_width) * scaled(m_lib.image_height) *
                     (colorModel() == ColorModel::Gray ? 1 : 4)};
-    for (int i = 0; jpeg_has_multiple_scans(&m_lib) && i < m_lib.num_components; ++i) {
-        const jpeg_component_info &component = m_lib.comp_info[i];
-        cost.working += qint64(component.width_in_blocks) * component.height_in_blocks * kBlockSize;
-    }
+    if (jpeg_has_multiple_scans(&m_lib))
+        cost.working = blockCount() * kBlockSize;
     return cost;
 }
 
 Outcome<Picture> JpegReader::decode(QSize atLeast)
 {
+    // A block takes a bit at least, save where an arithmetic coder has nothing new to say.
+    if (!m_lib.arith_code && blockCount() / 8 > m_source.size())
+        return m_source.failure(Failure::Reason::Truncated, QStringLiteral("the file is far too short for its size"));
     Picture picture;
     picture.fileColorModel = colorModel();
     const QByteArray profile = iccProfile();

@@ -13,6 +13,9 @@ namespace hazelmark {
 /// More pixels than this are refused before anything is allocated.
 inline constexpr qint64 kMaxPixels = 1'000'000'000;
 
+/// Pixels along one side; no photo has more, and a row of one pixel takes a decoder as long as one of a hundred.
+inline constexpr qint64 kMaxPictureSide = 1'000'000;
+
 /// Pictures of one file that are listed; a hostile file may hold millions.
 inline constexpr size_t kMaxFrames = 10000;
 

@@ -18,9 +18,9 @@ namespace {
 constexpr int kAllocationLimitMegabytes = 8192;
 
 /// Not pictures of pixels (svg, pdf); recognised by so little that any file of zeros is taken for one (wbmp); read
-/// upside down (tga); animations through a library that nobody keeps any more (mng); or read by decoders of our own,
-/// which have found that the file is none.
-constexpr const char *kRefusedFormats[] = {"svg",  "svgz", "pdf", "wbmp", "tga",  "mng",
+/// upside down (tga); filled with white where the data ends (xbm); animations through a library that nobody keeps any
+/// more (mng); or read by decoders of our own, which have found that the file is none.
+constexpr const char *kRefusedFormats[] = {"svg",  "svgz", "pdf", "wbmp", "tga",  "xbm", "mng",
                                            "jpeg", "jpg",  "png", "tif",  "tiff", "gif"};
 
 bool isRefused(const QByteArray &format)

@@ -53,6 +53,8 @@ std::optional<Failure> SourceFile::checkSize(qint64 width, qint64 height) const
     // Divided rather than multiplied: a hostile header may state any two numbers.
     if (width > kMaxPixels / height)
         return failure(Failure::Reason::TooLarge, QStringLiteral("%1 x %2 pixels").arg(width).arg(height));
+    if (std::max(width, height) > kMaxPictureSide)
+        return failure(Failure::Reason::UnsupportedFormat, QStringLiteral("%1 x %2 pixels").arg(width).arg(height));
     return std::nullopt;
 }
 

@@ -33,7 +33,8 @@ public:
 
     Failure failure(Failure::Reason reason, const QString &detail = {}) const { return {reason, m_path, detail}; }
 
-    /// Nothing when a picture of this size may be decoded: both sides positive and no more than kMaxPixels.
+    /// Nothing when a picture of this size may be decoded: both sides positive, and no more than kMaxPictureSide
+    /// and kMaxPixels.
     std::optional<Failure> checkSize(qint64 width, qint64 height) const;
 
 private:

@@ -48,7 +48,8 @@ private:
     bool readThroughLibrary();
     bool readSamples();
     bool readStrips();
-    bool isWorthReading(tmsize_t size) const;
+    double unpackedSize() const;
+    bool isWanted(int plane) const;
     bool readTiles();
     void place(const uint8_t *packed, int plane, int x, int y, int count);
     template <typename Sample>
@@ -177,6 +178,9 @@ Outcome<Picture> TiffReader::decode(QSize)
         return m_source.failure(Failure::Reason::Truncated, QStringLiteral("its colour profile is missing"));
     if (!TIFFIsCODECConfigured(m_layout.compression))
         return m_source.failure(Failure::Reason::UnsupportedFormat, QStringLiteral("its compression"));
+    constexpr double kAlwaysAllowed = 1 << 30;
+    if (unpackedSize() > std::max(kAlwaysAllowed, 16.0 * double(cost({}).bitmap)))
+        return m_source.failure(Failure::Reason::Damaged, QStringLiteral("it unpacks to far more than the picture"));
     m_picture.fileColorModel = m_layout.colorModel();
     m_picture.iccProfile = iccProfile();
     m_picture.pixels = makeLargeBitmap(QSize(int(m_layout.width), int(m_layout.height)), m_layout.pixelFormat());
@@ -220,11 +224,23 @@ bool TiffReader::readSamples()
     return m_layout.isDeep() ? finishRows<uint16_t>() : finishRows<uint8_t>();
 }
 
-/// A row or tile of so many bytes: one that is far larger than the picture is only there to exhaust the memory.
-bool TiffReader::isWorthReading(tmsize_t size) const
+/// Whether anything of the samples that are stored in this plane (or beside each other) goes into the bitmap.
+bool TiffReader::isWanted(int plane) const
 {
-    constexpr tmsize_t kAlwaysAllowed = 64 << 20;
-    return size <= kAlwaysAllowed || size / 16 <= m_picture.pixels.sizeInBytes();
+    return !m_layout.isPlanar || plane < m_layout.colorSamples() ||
+           (m_layout.hasAlpha() && plane == m_layout.alphaSample);
+}
+
+/// Bytes of all rows or tiles that are read. A row of samples that nobody asks for, or a tile that is far larger than
+/// the picture, is only there to take time and memory. (No whole number: a hostile header may state any sizes.)
+double TiffReader::unpackedSize() const
+{
+    TIFF *tiff = m_tiff.get();
+    const double planes = m_layout.isPlanar ? m_layout.colorSamples() + 1 : 1;
+    if (!m_layout.isTiled)
+        return planes * double(TIFFScanlineSize(tiff)) * m_layout.height;
+    const double tiles = double(TIFFNumberOfTiles(tiff)) / (m_layout.isPlanar ? m_layout.samplesPerPixel : 1);
+    return planes * double(TIFFTileSize(tiff)) * tiles;
 }
 
 bool TiffReader::readStrips()
@@ -232,11 +248,11 @@ bool TiffReader::readStrips()
     const int planes = m_layout.isPlanar ? m_layout.samplesPerPixel : 1;
     const int64_t samplesPerRow = int64_t(m_layout.width) * (m_layout.isPlanar ? 1 : m_layout.samplesPerPixel);
     const tmsize_t rowSize = TIFFScanlineSize(m_tiff.get());
-    if (rowSize <= 0 || rowSize < (samplesPerRow * m_layout.bitsPerSample + 7) / 8 || !isWorthReading(rowSize))
+    if (rowSize <= 0 || rowSize < (samplesPerRow * m_layout.bitsPerSample + 7) / 8)
         return false;
     std::vector<uint8_t> row(static_cast<size_t>(rowSize));
     for (int plane = 0; plane < planes; ++plane) {
-        for (uint32_t y = 0; y < m_layout.height; ++y) {
+        for (uint32_t y = 0; isWanted(plane) && y < m_layout.height; ++y) {
             if (TIFFReadScanline(m_tiff.get(), row.data(), y, uint16_t(plane)) != 1 || m_tiff.hasError())
                 return false;
             place(row.data(), plane, 0, int(y), int(m_layout.width));
@@ -255,12 +271,12 @@ bool TiffReader::readTiles()
     const tmsize_t rowSize = TIFFTileRowSize(m_tiff.get());
     const int64_t samplesPerRow = int64_t(tileWidth) * (m_layout.isPlanar ? 1 : m_layout.samplesPerPixel);
     if (tileWidth == 0 || tileHeight == 0 || rowSize < (samplesPerRow * m_layout.bitsPerSample + 7) / 8 ||
-        tileSize / tileHeight < rowSize || !isWorthReading(tileSize))
+        tileSize / tileHeight < rowSize)
         return false;
     std::vector<uint8_t> tile(static_cast<size_t>(tileSize));
     const int planes = m_layout.isPlanar ? m_layout.samplesPerPixel : 1;
     for (int plane = 0; plane < planes; ++plane) {
-        for (int64_t y = 0; y < m_layout.height; y += tileHeight) {
+        for (int64_t y = 0; isWanted(plane) && y < m_layout.height; y += tileHeight) {
             for (int64_t x = 0; x < m_layout.width; x += tileWidth) {
                 if (TIFFReadTile(m_tiff.get(), tile.data(), uint32_t(x), uint32_t(y), 0, uint16_t(plane)) != tileSize ||
                     m_tiff.hasError())

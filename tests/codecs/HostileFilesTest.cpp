@@ -1,4 +1,3 @@
-#include "FileHeader.h"
 #include "TestFiles.h"
 #include "TestPictures.h"
 
@@ -82,7 +81,6 @@ std::vector<HostileCase> hostileCases()
         {"Icon", icon},
         {"Pgm", [] { return saved(QImage::Format_Grayscale8, "pgm"); }},
         {"Ppm", [] { return saved(kRgb, "ppm"); }},
-        {"Xbm", [] { return saved(QImage::Format_Mono, "xbm"); }, 3},
     };
 }
 
@@ -145,19 +143,5 @@ TEST_P(HostileFiles, FlippedBytesNeverCrash)
 
 INSTANTIATE_TEST_SUITE_P(Kinds, HostileFiles, testing::ValuesIn(hostileCases()),
                          [](const auto &info) { return info.param.name; });
-
-using ShrinkingFiles = FolderTest;
-
-/// Another program may cut the file between any two reads.
-TEST_F(ShrinkingFiles, RunLengthBmpThatGetsShorterWhileItIsReadIsCutOff)
-{
-    QByteArray file = "BM" + littleEndian(0) + littleEndian(0) + littleEndian(54) + littleEndian(40) + littleEndian(9) +
-                      littleEndian(9) + littleEndian(1, 2) + littleEndian(8, 2) + littleEndian(1);
-    const QString path = write(QStringLiteral("bmp"), file + QByteArray(4000, '\x01'));
-    const auto source = SourceFile::open(path);
-    ASSERT_TRUE(source);
-    ASSERT_TRUE(QFile::resize(path, 60));
-    EXPECT_TRUE(readFileHeader(**source, "bmp").isCutOff);
-}
 
 } // namespace hazelmark

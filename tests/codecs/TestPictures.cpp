@@ -223,6 +223,11 @@ QByteArray bigEndian(quint32 value)
     return bytes;
 }
 
+QByteArray deflated(const QByteArray &bytes)
+{
+    return qCompress(bytes, 9).mid(4); // without Qt's length in front
+}
+
 QByteArray pngChunk(const QByteArray &type, const QByteArray &content)
 {
     const QByteArray both = type + content;

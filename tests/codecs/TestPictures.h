@@ -79,6 +79,8 @@ struct GrayRow
 std::vector<GrayRow> grayRows(const std::vector<GrayRow> &more);
 
 QByteArray bigEndian(quint32 value);
+/// As a zlib stream.
+QByteArray deflated(const QByteArray &bytes);
 /// With its length and check sum.
 QByteArray pngChunk(const QByteArray &type, const QByteArray &content);
 /// An entry of a little-endian directory.

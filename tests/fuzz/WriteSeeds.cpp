@@ -64,7 +64,7 @@ int main(int argc, char **argv)
     add(makeTiff({tiff, tiff}, scratch.filePath(QStringLiteral("scratch.tif"))));
     QImage picture(12, 9, QImage::Format_RGB888);
     picture.fill(Qt::darkCyan);
-    for (const char *format : {"webp", "ppm", "xbm", "ico"})
+    for (const char *format : {"webp", "ppm", "ico"})
         add(savedByQt(picture, format));
     written &= write(folder.filePath(QStringLiteral("strokes/1")),
                      R"({"canvas": [100, 50], "steps": [["{0.2, 0.5}", "{0.8, 0.5}",)"
