@@ -4,11 +4,15 @@
 #include "LargeMemory.h"
 #include "LcmsHandles.h"
 #include "ParallelFor.h"
+#include "PictureSearch.h"
+
+#include <QtEndian>
 
 #include <algorithm>
 #include <array>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 #include <new>
 #include <vector>
 
@@ -104,6 +108,80 @@ void setDescription(cmsHPROFILE profile, const char *text)
     cmsMLUfree(name);
 }
 
+/// Tags without which colours cannot be converted, or look otherwise.
+bool isIndispensable(const QByteArray &tag)
+{
+    static const QList<QByteArray> kTags{"rXYZ", "gXYZ", "bXYZ", "rTRC", "gTRC", "bTRC", "kTRC", "wtpt",
+                                         "chad", "A2B0", "A2B1", "A2B2", "B2A0", "B2A1", "B2A2", "D2B0",
+                                         "D2B1", "D2B2", "D2B3", "B2D0", "B2D1", "B2D2", "B2D3", "cicp"};
+    return kTags.contains(tag);
+}
+
+QByteArray bigEndian32(qsizetype value)
+{
+    QByteArray bytes(4, Qt::Uninitialized);
+    qToBigEndian(quint32(value), bytes.data());
+    return bytes;
+}
+
+struct ProfileTag
+{
+    QByteArray name;
+    qsizetype place;
+    QByteArray data;
+};
+
+constexpr qsizetype kProfileHeader = 128;
+constexpr qsizetype kTagEntry = 12;
+
+/// Behind its header a profile has a table of its tags: the name, the place and the size of each. Empty when the bytes
+/// are no profile.
+std::vector<ProfileTag> profileTags(const QByteArray &profile)
+{
+    constexpr qsizetype kMostTags = 1000;
+    const auto number = [&](qsizetype at) { return qsizetype(qFromBigEndian<quint32>(profile.constData() + at)); };
+    const qsizetype count = profile.size() < kProfileHeader + 4 ? 0 : number(kProfileHeader);
+    const qsizetype tableEnd = kProfileHeader + 4 + count * kTagEntry;
+    std::vector<ProfileTag> tags;
+    if (count > kMostTags || tableEnd > profile.size())
+        return tags;
+    for (qsizetype at = kProfileHeader + 4; at < tableEnd; at += kTagEntry)
+        tags.push_back({profile.mid(at, 4), number(at + 4), profile.mid(number(at + 4), number(at + 8))});
+    return tags;
+}
+
+bool holdsPicture(const ProfileTag &tag)
+{
+    return hazelmark::holdsPicture(tag.data, isIndispensable(tag.name) ? SearchIn::Numbers : SearchIn::Mixture);
+}
+
+/// Whether there is a picture between or behind the tags.
+bool hasPictureBeside(const std::vector<ProfileTag> &tags, QByteArray profile)
+{
+    for (const ProfileTag &tag : tags)
+        profile.replace(tag.place, tag.data.size(), QByteArray(tag.data.size(), '\0'));
+    return hazelmark::holdsPicture(profile, SearchIn::Mixture);
+}
+
+QByteArray profileOf(const QByteArray &header, const std::vector<ProfileTag> &tags)
+{
+    constexpr qsizetype kIdPlace = 84; // a digest of the whole
+    constexpr qsizetype kIdSize = 16;
+    QByteArray table = bigEndian32(qsizetype(tags.size()));
+    QByteArray values;
+    std::map<QByteArray, qsizetype> places; // tags may share their values
+    const qsizetype start = kProfileHeader + 4 + qsizetype(tags.size()) * kTagEntry;
+    for (const ProfileTag &tag : tags) {
+        const auto [place, isNew] = places.try_emplace(tag.data, start + values.size());
+        if (isNew)
+            values += tag.data.leftJustified((tag.data.size() + 3) / 4 * 4, '\0');
+        table += tag.name + bigEndian32(place->second) + bigEndian32(tag.data.size());
+    }
+    QByteArray made = header + table + values;
+    made.replace(0, 4, bigEndian32(made.size()));
+    return made.replace(kIdPlace, kIdSize, QByteArray(kIdSize, '\0')); // not computed
+}
+
 } // namespace
 
 QByteArray rgbProfileForGray(const QByteArray &grayProfile)
@@ -129,6 +207,23 @@ QByteArray rgbProfileForGray(const QByteArray &grayProfile)
         cmsWriteTag(rgb.get(), cmsSigMediaWhitePointTag, white);
     setDescription(rgb.get(), "RGB with a grey picture's tone curve");
     return savedProfile(rgb.get());
+}
+
+QByteArray profileWithoutPictures(const QByteArray &iccProfile)
+{
+    std::vector<ProfileTag> tags = profileTags(iccProfile);
+    if (tags.empty())
+        return holdsPicture(iccProfile, SearchIn::Numbers) ? QByteArray() : iccProfile;
+    const auto isOf = [](const ProfileTag &tag) { return holdsPicture(tag); };
+    if (std::none_of(tags.begin(), tags.end(), isOf) && !hasPictureBeside(tags, iccProfile))
+        return iccProfile;
+    const bool isUsable = std::none_of(tags.begin(), tags.end(),
+                                       [&](const ProfileTag &tag) { return isIndispensable(tag.name) && isOf(tag); });
+    std::erase_if(tags, isOf);
+    const QByteArray harmless = isUsable ? profileOf(iccProfile.left(kProfileHeader), tags) : QByteArray();
+    qCInfo(lcCodecs) << "Not carried of the colour profile:" << iccProfile.size() - harmless.size()
+                     << "bytes with a picture";
+    return harmless;
 }
 
 QString profileDescription(const QByteArray &iccProfile)

@@ -19,6 +19,10 @@ QByteArray rgbProfileForGray(const QByteArray &grayProfile);
 /// The name that the profile gives itself, in English where it has several; empty when it has none.
 QString profileDescription(const QByteArray &iccProfile);
 
+/// The profile as it is put into a file: byte for byte, unless a picture is found in it. Then the private tag that
+/// holds it goes, and what no tag refers to is zeroed; empty when it is in a tag that the profile cannot be without.
+QByteArray profileWithoutPictures(const QByteArray &iccProfile);
+
 /// `pixels` (RGBX8888, RGBA8888, RGBX64 or RGBA64; straight alpha, which stays) from the RGB profile in sRGB. Pixels
 /// that are sRGB already, or whose profile cannot be used, come back as they are. Throws std::bad_alloc.
 QImage convertedToSrgb(const QImage &pixels, const QByteArray &iccProfile);

@@ -1,5 +1,6 @@
 #include "Encoder.h"
 
+#include "ColorProfile.h"
 #include "FileSink.h"
 #include "PictureEncoders.h"
 #include "PixelFormats.h"
@@ -40,7 +41,9 @@ Outcome<Done> encodePicture(const QImage &pixels, const EncodeOptions &options, 
         Outcome<std::unique_ptr<FileSink>> sink = FileSink::open(path);
         if (!sink)
             return sink.failure();
-        const Outcome<Done> encoded = encodeTo(**sink, prepared, options);
+        EncodeOptions harmless = options;
+        harmless.metadata.iccProfile = profileWithoutPictures(options.metadata.iccProfile);
+        const Outcome<Done> encoded = encodeTo(**sink, prepared, harmless);
         if (!encoded)
             return encoded;
         return (*sink)->finish();

@@ -23,8 +23,8 @@ struct EncodeOptions
 ///
 /// JPEG and BMP lay transparent pictures on white; PNG and TIFF keep alpha and 16 bits; GIF keeps one-bit alpha and a
 /// palette of its own, dithered. GIF and BMP hold no profile: their pixels are converted to sRGB from
-/// `options.metadata.iccProfile`. A TIFF file takes over the EXIF block's tags as its own, but for those that say how
-/// pixels are stored.
+/// `options.metadata.iccProfile`. A picture inside the profile is not written (profileWithoutPictures()). A TIFF file
+/// takes over the EXIF block's tags as its own, but for those that say how pixels are stored.
 Outcome<Done> encodePicture(const QImage &pixels, const EncodeOptions &options, const QString &path);
 
 } // namespace hazelmark

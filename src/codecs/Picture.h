@@ -4,6 +4,7 @@
 #include <QImage>
 #include <QSize>
 #include <QSizeF>
+#include <QString>
 
 #include <optional>
 #include <vector>
@@ -55,6 +56,20 @@ struct PictureInfo
     std::optional<QSizeF> dpi; ///< only where the file states an absolute resolution
 };
 
+/// A text that a PNG file holds under one of the keywords that are registered for it.
+struct PngText
+{
+    QByteArray keyword;
+    QString text;
+    QByteArray language;       ///< of the text, as a tag; empty where the file names none
+    QString translatedKeyword; ///< in that language
+
+    bool operator==(const PngText &) const = default;
+};
+
+/// "Title", "Author" and so on.
+bool isRegisteredKeyword(const QByteArray &keyword);
+
 /// Metadata as the bytes that a file embeds.
 struct MetadataBlocks
 {
@@ -63,6 +78,7 @@ struct MetadataBlocks
     QByteArray xmp;  ///< the packet, UTF-8
     QByteArray iccProfile;
     std::optional<QSizeF> dpi;
+    std::vector<PngText> texts; ///< of PNG files alone
 };
 
 } // namespace hazelmark

@@ -91,6 +91,18 @@ bool repeatsItself(const QImage &pixels)
     return double(withSearch) < kWorthwhile * double(withRuns);
 }
 
+/// Texts of Latin-1 in the old form, which every program reads; others in the form for UTF-8.
+PngChunk textChunk(const PngText &text)
+{
+    const QByteArray latin1 = text.text.toLatin1();
+    const bool isPlain = text.language.isEmpty() && text.translatedKeyword.isEmpty() &&
+                         QString::fromLatin1(latin1) == text.text && !latin1.contains('\0');
+    if (isPlain)
+        return {"tEXt", text.keyword + '\0' + latin1};
+    return {"iTXt", text.keyword + QByteArray(3, '\0') + text.language + '\0' + text.translatedKeyword.toUtf8() + '\0' +
+                        text.text.toUtf8()};
+}
+
 /// The chunks are made here rather than by the library, which would refuse profiles that it finds fault with.
 std::vector<PngChunk> metadataChunks(const MetadataBlocks &metadata)
 {
@@ -108,8 +120,22 @@ std::vector<PngChunk> metadataChunks(const MetadataBlocks &metadata)
         chunks.push_back({"zTXt", QByteArray("Raw profile type iptc", 22) + kDeflateMethod +
                                       deflateZlib(rawProfileText(metadata.iptc))});
     }
+    for (const PngText &text : metadata.texts)
+        chunks.push_back(textChunk(text));
     return chunks;
 }
+
+} // namespace
+
+bool isRegisteredKeyword(const QByteArray &keyword)
+{
+    static const QList<QByteArray> keywords{"Title",         "Author",   "Description", "Copyright",
+                                            "Creation Time", "Software", "Disclaimer",  "Warning",
+                                            "Source",        "Comment",  "Collection"};
+    return keywords.contains(keyword);
+}
+
+namespace {
 
 class PngWriter
 {

@@ -96,9 +96,12 @@ void TiffBlock::setNumber(const Entry &entry, quint32 value)
     put32(entry.position + 8, value);
 }
 
-void TiffBlock::endChainAt(const Directory &directory)
+void TiffBlock::keepEntries(const Directory &directory, const std::vector<Entry> &kept)
 {
-    put32(directory.nextPosition(), 0);
+    QByteArray bytes = tiffBytes(quint16(kept.size()), m_isBigEndian);
+    for (const Entry &entry : kept)
+        bytes += m_bytes.mid(entry.position, kEntrySize);
+    m_bytes.replace(directory.offset, directory.size(), bytes.leftJustified(directory.size(), '\0'));
 }
 
 void TiffBlock::wipe(qsizetype from, qsizetype to)

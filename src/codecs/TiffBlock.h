@@ -59,8 +59,8 @@ public:
 
     /// Makes the entry one of a single long.
     void setNumber(const Entry &entry, quint32 value);
-    /// Lets nothing follow the directory.
-    void endChainAt(const Directory &directory);
+    /// Lets the directory have these of its entries alone, and nothing follow it.
+    void keepEntries(const Directory &directory, const std::vector<Entry> &kept);
     void wipe(qsizetype from, qsizetype to);
 
 private:

@@ -13,7 +13,7 @@ constexpr std::array<uint16_t, 39> kStorageTags = {
     0x0143, 0x014c, 0x014d, 0x014e, 0x0150, 0x0152, 0x0153, 0x0154, 0x0155, 0x0211, 0x0212, 0x0213, 0x0214,
 };
 
-constexpr std::array<uint16_t, 23> kDataTags = {
+constexpr std::array<uint16_t, 35> kDataTags = {
     0x0111, 0x0117,                                                 // strips
     0x0120, 0x0121,                                                 // free space
     0x0144, 0x0145,                                                 // tiles
@@ -22,8 +22,12 @@ constexpr std::array<uint16_t, 23> kDataTags = {
     0x0200, 0x0201, 0x0202, 0x0203, 0x0205, 0x0206, 0x0207, 0x0208, // JPEG data of the old kind
     0x0209,                                                         //
     0x02bc, 0x83bb, 0x8649, 0x8773,                                 // XMP, IPTC, image resources, colour profile
-    0x935c,                                                         // the layers of an editor
-    0xc68c,                                                         // the raw file that this one was made of
+    0x0190, 0x022f,                                                 // shared data of fax pages, rows of strips
+    0x501b,                                                         // a thumbnail of the old desktop kind
+    0x935c, 0xc660,                                                 // the layers of editors
+    0xbcc0, 0xbcc1, 0xbcc2, 0xbcc3,                                 // JPEG XR data
+    0xc634, 0xc68c,                                                 // a maker's private data, the original raw file
+    0xcd2d, 0xcd40, 0xcd41,                                         // gain maps, the manifest of an editing history
 };
 
 } // namespace

@@ -19,8 +19,9 @@ inline constexpr uint16_t kInteroperabilityDirectory = 0xa005;
 /// and what the samples mean.
 bool isTiffStorageTag(uint16_t tag);
 
-/// Tags that hold or lead to picture data, and those that hold metadata in a form that is carried in another way (XMP,
-/// IPTC, image resources, the colour profile).
+/// Tags that hold or lead to picture data (pictures, previews, layers, gain maps, private data, manifests with
+/// thumbnails), and those that hold metadata in a form that is carried in another way (XMP, IPTC, image resources, the
+/// colour profile).
 bool isTiffDataTag(uint16_t tag);
 
 } // namespace hazelmark

@@ -1,7 +1,9 @@
 #include "CarriedExif.h"
 
-#include "EmbeddedPictures.h"
-#include "Exiv2Session.h"
+#include "ExifDirectories.h"
+#include "ExifFilter.h"
+#include "ExifValues.h"
+#include "PictureSearch.h"
 #include "TiffTags.h"
 
 #include <algorithm>
@@ -48,16 +50,18 @@ bool isOfPicture(const Exiv2::Exifdatum &datum)
     return contains(kPictureGroups, datum.groupName());
 }
 
-/// What is left out of every carried block, but for the thumbnail, which is there in most.
-bool isData(const Exiv2::Exifdatum &datum)
+/// Values of maker's notes that are or lead to pictures.
+bool isPreview(const Exiv2::Exifdatum &datum)
 {
     const std::string group = datum.groupName();
-    if (group == "Image")
-        return isTiffDataTag(datum.tag());
-    const bool isOfMakerNote = group != "Photo" && group != "GPSInfo" && group != "Iop";
+    if (group == "Image" || group == "Photo" || group == "GPSInfo" || group == "Iop")
+        return false;
     if (contains(kMinoltaStyleGroups, group) && contains(kMinoltaStylePreviewTags, datum.tag()))
         return true;
-    return isOfMakerNote && contains(kPreviewTags, datum.tagName());
+    constexpr long kLeastPicture = 24;
+    return contains(kPreviewTags, datum.tagName()) ||
+           (datum.size() >= kLeastPicture && !isOfPicture(datum) &&
+            holdsPicture(rawBytes(datum.value(), Exiv2::littleEndian), SearchIn::Numbers));
 }
 
 /// Tags that the library makes up while it reads, and would write as real ones.
@@ -81,8 +85,9 @@ Exiv2::ExifData carriedTags(const PhotoMetadata &metadata, QSize size)
     const bool isOfTiff = metadata.blocks.exif.isEmpty();
     Exiv2::ExifData carried;
     for (const Exiv2::Exifdatum &datum : metadata.exif) {
-        const bool isStorage = isOfTiff && datum.groupName() == "Image" && isTiffStorageTag(datum.tag());
-        if (!isOfPicture(datum) && !isData(datum) && !isMadeUp(datum) && !isStorage)
+        const bool isOfFile =
+            datum.groupName() == "Image" && (isTiffDataTag(datum.tag()) || (isOfTiff && isTiffStorageTag(datum.tag())));
+        if (!isOfPicture(datum) && !isPreview(datum) && !isMadeUp(datum) && !isOfFile)
             carried.add(datum);
     }
     correctNumber(carried, "Exif.Photo.PixelXDimension", size.width());
@@ -92,17 +97,37 @@ Exiv2::ExifData carriedTags(const PhotoMetadata &metadata, QSize size)
     return carried;
 }
 
+QByteArray bytesOf(Exiv2::MemIo &io)
+{
+    return QByteArray(reinterpret_cast<const char *>(io.mmap()), qsizetype(io.size()));
+}
+
+QByteArray harmless(const QByteArray &encoded, LeftOut &leftOut)
+{
+    std::optional<TiffBlock> block = TiffBlock::of(encoded);
+    if (!block)
+        return {};
+    keepHarmless(*block, leftOut);
+    return block->bytes();
+}
+
 /// The tags as a block. When it does not fit into a JPEG file, the library drops what is largest, which it says in the
 /// log.
-QByteArray encoded(const Exiv2::ExifData &exif, Exiv2::ByteOrder byteOrder, bool forJpeg)
+QByteArray encoded(const Exiv2::ExifData &exif, Exiv2::ByteOrder byteOrder, bool forJpeg, LeftOut &leftOut)
 {
     Exiv2::MemIo io;
     Exiv2::TiffParser::encode(io, nullptr, 0, byteOrder, exif, {}, {});
-    if (!forJpeg || io.size() <= size_t(kMaxJpegBlock))
-        return QByteArray(reinterpret_cast<const char *>(io.mmap()), qsizetype(io.size()));
+    const QByteArray whole = harmless(bytesOf(io), leftOut);
+    if (!forJpeg || whole.size() <= kMaxJpegBlock)
+        return whole;
+    Exiv2::ExifData again;
+    Exiv2::ExifParser::decode(again, reinterpret_cast<const Exiv2::byte *>(whole.constData()), uint32_t(whole.size()));
     Exiv2::Blob blob;
-    Exiv2::ExifParser::encode(blob, byteOrder, exif);
-    return QByteArray(reinterpret_cast<const char *>(blob.data()), qsizetype(blob.size()));
+    Exiv2::ExifParser::encode(blob, byteOrder, again);
+    const QByteArray fitting(reinterpret_cast<const char *>(blob.data()), qsizetype(blob.size()));
+    leftOut.add(QStringLiteral("EXIF tags that do not fit into a JPEG file"), whole.size() - fitting.size());
+    LeftOut known;
+    return harmless(fitting, known);
 }
 
 void correctNumber(TiffBlock &block, quint32 directoryOffset, quint16 tag, int value)
@@ -123,40 +148,27 @@ void correctSizes(TiffBlock &block, QSize size)
     correctNumber(block, exif, kPixelYDimension, size.height());
 }
 
-bool canChangeInPlace(const PhotoMetadata &metadata, bool forJpeg)
+/// The block has lost its pictures already. Where tags have to go from the middle of a maker's note, it is made anew.
+bool isCarriedInPlace(const PhotoMetadata &metadata, bool forJpeg)
 {
     const qsizetype size = metadata.blocks.exif.size();
     return size > 0 && (!forJpeg || size <= kMaxJpegBlock) &&
-           std::none_of(metadata.exif.begin(), metadata.exif.end(), isData);
-}
-
-void changeInPlace(TiffBlock &block, const PhotoMetadata &metadata, QSize size)
-{
-    removeThumbnail(block);
-    // A maker's note may refer to any place in the block.
-    const bool hasNote = metadata.exif.findKey(Exiv2::ExifKey("Exif.Photo.MakerNote")) != metadata.exif.end();
-    if (!hasNote)
-        wipeUnreferenced(block);
-    correctSizes(block, size);
+           std::none_of(metadata.exif.begin(), metadata.exif.end(), isPreview);
 }
 
 } // namespace
 
-QByteArray carriedExif(const PhotoMetadata &metadata, QSize size, bool forJpeg)
+QByteArray carriedExif(const PhotoMetadata &metadata, QSize size, bool forJpeg, LeftOut &leftOut)
 {
     if (metadata.exif.empty())
         return {};
-    const bool inPlace = canChangeInPlace(metadata, forJpeg);
-    std::optional<TiffBlock> block = TiffBlock::of(
-        inPlace ? metadata.blocks.exif : encoded(carriedTags(metadata, size), metadata.byteOrder, forJpeg));
+    std::optional<TiffBlock> block =
+        TiffBlock::of(isCarriedInPlace(metadata, forJpeg)
+                          ? metadata.blocks.exif
+                          : encoded(carriedTags(metadata, size), metadata.byteOrder, forJpeg, leftOut));
     if (!block)
         return {};
-    if (inPlace)
-        changeInPlace(*block, metadata, size);
-    if (!wipeEmbeddedPictures(*block)) {
-        qCWarning(lcDocument) << "The EXIF block is left out: it is made to be searched for ever";
-        return {};
-    }
+    correctSizes(*block, size);
     return block->bytes();
 }
 

@@ -3,8 +3,11 @@
 #include "CarriedExif.h"
 #include "Decoder.h"
 #include "Exiv2Session.h"
+#include "IptcRecords.h"
 #include "PhotoMetadata.h"
-#include "XmpFilter.h"
+#include "PictureSearch.h"
+
+#include <QStringList>
 
 #include <algorithm>
 
@@ -12,37 +15,16 @@ namespace hazelmark {
 
 namespace {
 
-/// Data sets with a reduced picture (2:200 to 2:202), and the records that carry the object itself (7 to 9).
-bool isPicture(const Exiv2::Iptcdatum &datum)
+std::vector<PngText> carriedTexts(std::vector<PngText> texts, LeftOut &leftOut)
 {
-    constexpr uint16_t kFirstObjectRecord = 7;
-    return datum.record() >= kFirstObjectRecord ||
-           (datum.record() == Exiv2::IptcDataSets::application2 && datum.tag() >= 200 && datum.tag() <= 202);
-}
-
-QByteArray carriedIptc(const PhotoMetadata &metadata)
-{
-    if (metadata.iptc.empty())
-        return {};
-    if (std::none_of(metadata.iptc.begin(), metadata.iptc.end(), isPicture))
-        return metadata.blocks.iptc;
-    Exiv2::IptcData carried;
-    for (const Exiv2::Iptcdatum &datum : metadata.iptc) {
-        if (!isPicture(datum))
-            carried.add(datum);
-    }
-    const Exiv2::DataBuf bytes = Exiv2::IptcParser::encode(carried);
-    return QByteArray(reinterpret_cast<const char *>(bytes.pData_), bytes.size_);
-}
-
-QByteArray carriedXmp(const QString &path, const EmbeddedBlocks &blocks, QSize size)
-{
-    if (blocks.xmp.isEmpty())
-        return {};
-    const std::optional<QByteArray> xmp = filteredXmp(blocks.xmp, blocks.extendedXmp, size);
-    if (!xmp)
-        qCWarning(lcDocument).noquote() << path + QStringLiteral(": XMP packet left out: not well-formed");
-    return xmp.value_or(QByteArray());
+    std::erase_if(texts, [&](const PngText &text) {
+        const QByteArray all = text.text.toUtf8() + ' ' + text.translatedKeyword.toUtf8() + ' ' + text.language;
+        const bool isPicture = holdsPicture(all);
+        if (isPicture)
+            leftOut.add(QStringLiteral("PNG text with a picture"), all.size());
+        return isPicture;
+    });
+    return texts;
 }
 
 } // namespace
@@ -57,10 +39,18 @@ MetadataBlocks carriedMetadata(const QString &sourcePath, QSize size, WriteForma
     carried.dpi = info->dpi;
     if (format == WriteFormat::Gif || format == WriteFormat::Bmp)
         return carried;
-    const PhotoMetadata metadata = readMetadataToCarry(sourcePath, info->format);
-    withExiv2(sourcePath, [&] { carried.exif = carriedExif(metadata, size, format == WriteFormat::Jpeg); });
-    withExiv2(sourcePath, [&] { carried.iptc = carriedIptc(metadata); });
-    carried.xmp = carriedXmp(sourcePath, metadata.blocks, size);
+    PhotoMetadata metadata = readMetadataToCarry(sourcePath, info->format, size);
+    LeftOut &leftOut = metadata.leftOut;
+    withExiv2(sourcePath,
+              [&] { carried.exif = carriedExif(metadata, size, format == WriteFormat::Jpeg, metadata.leftOut); });
+    carried.iptc = carriedIptc(metadata.blocks.iptc, leftOut);
+    carried.xmp = metadata.xmp ? metadata.xmp->carried : QByteArray();
+    if (format == WriteFormat::Png)
+        carried.texts = carriedTexts(metadata.blocks.texts, leftOut);
+    if (metadata.xmp)
+        leftOut.add(metadata.xmp->leftOut);
+    if (const QString text = leftOut.text(); !text.isEmpty())
+        qCInfo(lcDocument).noquote() << sourcePath + QStringLiteral(": not carried: ") + text;
     return carried;
 }
 

@@ -226,6 +226,10 @@ private:
         if (keywordEnd < 0)
             return;
         const QByteArray keyword = data.left(keywordEnd);
+        if (isRegisteredKeyword(keyword)) {
+            takeRegistered(type, keyword, data.mid(keywordEnd + 1));
+            return;
+        }
         const QByteArray kind = keyword.startsWith("Raw profile type ") ? keyword.mid(17).toLower() : QByteArray();
         if (kind.isEmpty() && keyword != "XML:com.adobe.xmp")
             return;
@@ -234,6 +238,24 @@ private:
             m_blocks.xmp = text;
         else
             takeRawProfile(kind, rawProfile(text));
+    }
+
+    void takeRegistered(const QByteArray &type, const QByteArray &keyword, const QByteArray &data)
+    {
+        constexpr size_t kMostTexts = 1000;
+        const QByteArray content = textOf(type, data);
+        if (content.isEmpty() || m_blocks.texts.size() >= kMostTexts)
+            return;
+        PngText text{keyword, {}, {}, {}};
+        if (type == "iTXt") {
+            text.text = QString::fromUtf8(content);
+            const qsizetype languageEnd = data.indexOf('\0', 2);
+            text.language = data.mid(2, languageEnd - 2);
+            text.translatedKeyword = QString::fromUtf8(data.constData() + languageEnd + 1);
+        } else {
+            text.text = QString::fromLatin1(content);
+        }
+        m_blocks.texts.push_back(text);
     }
 
     /// All the texts together are given room for one: each could be a thousandth of its content.

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "Picture.h"
+
 #include <QByteArray>
 #include <QString>
 
@@ -12,6 +14,7 @@ struct EmbeddedBlocks
     QByteArray iptc;        ///< IIM records
     QByteArray xmp;         ///< the packet
     QByteArray extendedXmp; ///< JPEG only: the part of the packet that did not fit into one segment
+    std::vector<PngText> texts;
 };
 
 /// Every IIM record begins with it.

@@ -1,5 +1,6 @@
 #include "PhotoMetadata.h"
 
+#include "ExifFilter.h"
 #include "Exiv2Session.h"
 #include "TagSizes.h"
 #include "TiffBlocks.h"
@@ -12,13 +13,6 @@
 namespace hazelmark {
 
 namespace {
-
-/// Larger packets are carried, but not searched for the few properties of interest: a packet of some hundred kilobytes
-/// takes the time of a few frames, one of a hundred megabytes gigabytes of memory.
-constexpr qsizetype kMaxParsedXmp = 512 * 1024;
-
-/// The library compares each record with all before it.
-constexpr qsizetype kMaxParsedIptc = 128 * 1024;
 
 const Exiv2::byte *bytesOf(const QByteArray &block)
 {
@@ -37,36 +31,50 @@ void eraseNote(Exiv2::ExifData &exif)
         exif.erase(note);
 }
 
-PhotoMetadata parseBlocks(const QString &path, const EmbeddedBlocks &blocks)
+/// What is not carried is taken out of the block before it is parsed: a maker's note may be read at wrong places.
+void parseExif(const QString &path, PhotoMetadata &metadata)
+{
+    QByteArray &block = metadata.blocks.exif;
+    if (block.isEmpty())
+        return;
+    std::optional<TiffBlock> filtered = hasPlausibleTags(block) ? TiffBlock::of(block) : std::nullopt;
+    if (!filtered) {
+        metadata.leftOut.add(QStringLiteral("EXIF block that makes no sense"), block.size());
+        block.clear();
+        return;
+    }
+    keepHarmless(*filtered, metadata.leftOut);
+    block = filtered->bytes();
+    withExiv2(path, [&] {
+        const QByteArray exif = withoutUnusualNote(block);
+        const auto order = Exiv2::ExifParser::decode(metadata.exif, bytesOf(exif), uint32_t(exif.size()));
+        if (exif != block)
+            eraseNote(metadata.exif);
+        if (order != Exiv2::invalidByteOrder)
+            metadata.byteOrder = order;
+    });
+}
+
+void parseXmp(PhotoMetadata &metadata, QSize size)
+{
+    // Some writers put a zero byte behind the packet.
+    QByteArray packet = metadata.blocks.xmp;
+    while (packet.endsWith('\0'))
+        packet.chop(1);
+    if (packet.isEmpty())
+        return;
+    metadata.xmp = readXmp(packet, metadata.blocks.extendedXmp, size);
+    if (!metadata.xmp)
+        metadata.leftOut.add(QStringLiteral("XMP packet that is not well-formed, or has too many parts"),
+                             packet.size());
+}
+
+PhotoMetadata parseBlocks(const QString &path, const EmbeddedBlocks &blocks, QSize size)
 {
     PhotoMetadata metadata;
     metadata.blocks = blocks;
-    if (!hasPlausibleTags(blocks.exif))
-        metadata.blocks.exif.clear();
-    if (metadata.blocks.exif != blocks.exif) {
-        qCWarning(lcDocument).noquote() << path + QStringLiteral(": EXIF block left out: its tags share their values");
-    } else if (!blocks.exif.isEmpty()) {
-        withExiv2(path, [&] {
-            const QByteArray exif = withoutUnusualNote(blocks.exif);
-            const auto order = Exiv2::ExifParser::decode(metadata.exif, bytesOf(exif), uint32_t(exif.size()));
-            if (exif != blocks.exif)
-                eraseNote(metadata.exif);
-            if (order != Exiv2::invalidByteOrder)
-                metadata.byteOrder = order;
-        });
-    }
-    if (!blocks.iptc.isEmpty() && blocks.iptc.size() <= kMaxParsedIptc) {
-        withExiv2(path, [&] {
-            if (Exiv2::IptcParser::decode(metadata.iptc, bytesOf(blocks.iptc), uint32_t(blocks.iptc.size())) != 0)
-                qCWarning(lcDocument).noquote() << path + QStringLiteral(": IPTC records left out");
-        });
-    }
-    if (!blocks.xmp.isEmpty() && blocks.xmp.size() <= kMaxParsedXmp) {
-        withExiv2(path, [&] {
-            if (Exiv2::XmpParser::decode(metadata.xmp, blocks.xmp.toStdString()) != 0)
-                qCWarning(lcDocument).noquote() << path + QStringLiteral(": XMP packet left out");
-        });
-    }
+    parseExif(path, metadata);
+    parseXmp(metadata, size);
     return metadata;
 }
 
@@ -76,7 +84,7 @@ bool isPlausible(const QString &path)
     return file.open(QIODevice::ReadOnly) && hasPlausibleTags(file);
 }
 
-PhotoMetadata parseFile(const QString &path, const EmbeddedBlocks &blocks)
+PhotoMetadata parseFile(const QString &path, const EmbeddedBlocks &blocks, QSize size)
 {
     PhotoMetadata metadata;
     metadata.blocks = blocks;
@@ -88,37 +96,37 @@ PhotoMetadata parseFile(const QString &path, const EmbeddedBlocks &blocks)
         const auto image = Exiv2::ImageFactory::open(name);
         image->readMetadata();
         metadata.exif = image->exifData();
-        metadata.iptc = image->iptcData();
-        metadata.xmp = image->xmpData();
         if (image->byteOrder() != Exiv2::invalidByteOrder)
             metadata.byteOrder = image->byteOrder();
         if (metadata.blocks.xmp.isEmpty())
             metadata.blocks.xmp = QByteArray::fromStdString(image->xmpPacket());
         if (metadata.blocks.iptc.isEmpty())
-            metadata.blocks.iptc = bytesOf(Exiv2::IptcParser::encode(metadata.iptc));
+            metadata.blocks.iptc = bytesOf(Exiv2::IptcParser::encode(image->iptcData()));
     });
+    parseXmp(metadata, size);
     return metadata;
 }
 
 } // namespace
 
-PhotoMetadata readPhotoMetadata(const QString &path, const QByteArray &format)
+PhotoMetadata readPhotoMetadata(const QString &path, const QByteArray &format, QSize size)
 {
     if (format == "tiff")
-        return parseBlocks(path, readTiffBlocksToShow(path));
-    return hasEmbeddedBlocks(format) ? parseBlocks(path, readEmbeddedBlocks(path, format)) : parseFile(path, {});
+        return parseBlocks(path, readTiffBlocksToShow(path), size);
+    return hasEmbeddedBlocks(format) ? parseBlocks(path, readEmbeddedBlocks(path, format), size)
+                                     : parseFile(path, {}, size);
 }
 
-PhotoMetadata readMetadataToCarry(const QString &path, const QByteArray &format)
+PhotoMetadata readMetadataToCarry(const QString &path, const QByteArray &format, QSize size)
 {
     if (format != "tiff")
-        return readPhotoMetadata(path, format);
+        return readPhotoMetadata(path, format, size);
     const EmbeddedBlocks blocks = readTiffBlocks(path);
     if (!blocks.exif.isEmpty())
-        return parseBlocks(path, blocks);
+        return parseBlocks(path, blocks, size);
     if (isPlausible(path))
-        return parseFile(path, blocks);
-    PhotoMetadata metadata = parseBlocks(path, readTiffBlocksToShow(path));
+        return parseFile(path, blocks, size);
+    PhotoMetadata metadata = parseBlocks(path, readTiffBlocksToShow(path), size);
     metadata.blocks.exif.clear(); // it says how the file stores its pixels
     return metadata;
 }

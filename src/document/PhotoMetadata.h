@@ -1,28 +1,31 @@
 #pragma once
 
 #include "EmbeddedBlocks.h"
+#include "LeftOut.h"
+#include "XmpPacket.h"
 
 #include <exiv2/exiv2.hpp>
 
 namespace hazelmark {
 
-/// A photo's metadata as Exiv2 has parsed it.
+/// A photo's metadata, parsed.
 struct PhotoMetadata
 {
     Exiv2::ExifData exif;
-    Exiv2::IptcData iptc;
-    Exiv2::XmpData xmp;
     Exiv2::ByteOrder byteOrder = Exiv2::littleEndian; ///< of the EXIF values
-    EmbeddedBlocks blocks; ///< the bytes; without `exif` where the EXIF tags could not be had as a block
+    /// The bytes: `exif` without what is not carried, and empty where the tags could not be had as a block.
+    EmbeddedBlocks blocks;
+    std::optional<XmpPacket> xmp; ///< nothing where there is no packet, or none that can be read
+    LeftOut leftOut;              ///< of the EXIF block, and whole blocks that make no sense
 };
 
-/// Reads the metadata of the file at `path`, of the format that PictureInfo names: from its blocks where they are known
-/// here (see hasEmbeddedBlocks()), else as far as Exiv2 reads the file. What cannot be parsed is left out with a
-/// warning, each block for itself.
-PhotoMetadata readPhotoMetadata(const QString &path, const QByteArray &format);
+/// Reads the metadata of the file at `path`, of the format that PictureInfo names, with a first picture of `size`
+/// pixels as stored: from its blocks where they are known here (see hasEmbeddedBlocks()), else as far as Exiv2 reads
+/// the file. What cannot be parsed is left out with a warning, each block for itself.
+PhotoMetadata readPhotoMetadata(const QString &path, const QByteArray &format, QSize size);
 
 /// The same with a TIFF file's metadata as blocks where it can be had so: without the tags that say how the file stores
 /// its pixels.
-PhotoMetadata readMetadataToCarry(const QString &path, const QByteArray &format);
+PhotoMetadata readMetadataToCarry(const QString &path, const QByteArray &format, QSize size);
 
 } // namespace hazelmark

@@ -5,6 +5,7 @@
 #include "ExifValues.h"
 #include "Exiv2Session.h"
 #include "IptcNames.h"
+#include "IptcRecords.h"
 #include "ObjectText.h"
 #include "PhotoMetadata.h"
 
@@ -39,6 +40,11 @@ constexpr std::array kTiffTags = {"DocumentName",
                                   "TransferFunction",
                                   "PhotometricInterpretation"};
 
+constexpr QLatin1String kXmp("http://ns.adobe.com/xap/1.0/");
+constexpr QLatin1String kDublinCore("http://purl.org/dc/elements/1.1/");
+constexpr QLatin1String kAuxiliary("http://ns.adobe.com/exif/1.0/aux/");
+constexpr QLatin1String kMicrosoftPhoto("http://ns.microsoft.com/photo/1.0/");
+
 QString colorModelName(ColorModel model)
 {
     switch (model) {
@@ -62,7 +68,7 @@ public:
     DictionaryBuilder(const QString &path, const PictureInfo &info)
         : m_path(path)
         , m_info(info)
-        , m_metadata(readPhotoMetadata(path, info.format))
+        , m_metadata(readPhotoMetadata(path, info.format, info.frames.front()))
     {
     }
 
@@ -71,7 +77,8 @@ public:
         takeHeader();
         withExiv2(m_path, [this] { takeExifTags(); });
         withExiv2(m_path, [this] { takeOrientation(); });
-        withExiv2(m_path, [this] { takeIptc(); });
+        takeIptc();
+        takePngTexts();
         withExiv2(m_path, [this] { takeRating(); });
         withExiv2(m_path, [this] { takeAuxiliary(); });
         takeResolution();
@@ -80,6 +87,7 @@ public:
         insertGroup(kGpsGroup, m_gps);
         insertGroup(kIptcGroup, m_iptc);
         insertGroup(kExifAuxGroup, m_aux);
+        insertGroup(kPngGroup, m_png);
         return m_top;
     }
 
@@ -172,10 +180,9 @@ private:
     void takeIptc()
     {
         QMap<QString, QVariantList> lists;
-        for (const Exiv2::Iptcdatum &datum : m_metadata.iptc) {
-            const bool isApplicationRecord = datum.record() == Exiv2::IptcDataSets::application2;
-            const IptcName *name = isApplicationRecord ? iptcName(datum.tag()) : nullptr;
-            const QString text = name ? metadataText(rawBytes(datum.value(), Exiv2::bigEndian)) : QString();
+        for (const IptcRecord &record : iptcRecords(m_metadata.blocks.iptc)) {
+            const IptcName *name = record.record == IptcRecord::kApplication ? iptcName(record.dataSet) : nullptr;
+            const QString text = name ? metadataText(record.value.toByteArray()) : QString();
             if (text.isEmpty())
                 continue;
             const QString key = QLatin1String(name->key);
@@ -192,27 +199,30 @@ private:
 
     void takeXmpKeywords()
     {
-        const auto subject = m_metadata.xmp.findKey(Exiv2::XmpKey("Xmp.dc.subject"));
-        if (subject == m_metadata.xmp.end())
-            return;
         QVariantList keywords;
-        for (long i = 0; i < subject->count(); ++i)
-            keywords += metadataText(QByteArray::fromStdString(subject->toString(i)));
+        for (const QString &keyword : xmpValues(kDublinCore, "subject"))
+            keywords += metadataText(keyword.toUtf8());
         if (!keywords.isEmpty())
             m_iptc.insert(QStringLiteral("Keywords"), keywords);
+    }
+
+    void takePngTexts()
+    {
+        for (const PngText &text : m_metadata.blocks.texts)
+            insert(m_png, QString::fromLatin1(text.keyword), text.text);
     }
 
     /// Stars: 0 to 5, or -1 for a rejected picture. XMP comes first: it is what editors keep up to date, while cameras
     /// write a 0 into the EXIF tag.
     void takeRating()
     {
-        QVariant rating = xmpNumber("Xmp.xmp.Rating");
+        QVariant rating = xmpNumber(kXmp, "Rating");
         if (!rating.isValid())
             rating = exifNumber("Exif.Image.Rating");
         if (!rating.isValid())
             rating = starsOfPercent(exifNumber("Exif.Image.RatingPercent"));
         if (!rating.isValid())
-            rating = starsOfPercent(xmpNumber("Xmp.MicrosoftPhoto.Rating"));
+            rating = starsOfPercent(xmpNumber(kMicrosoftPhoto, "Rating"));
         insert(m_exif, QStringLiteral("Rating"), rating);
     }
 
@@ -222,14 +232,15 @@ private:
         return found == m_metadata.exif.end() ? QVariant() : exifObject(found->value());
     }
 
-    QVariant xmpNumber(const char *key) const
+    QStringList xmpValues(QLatin1String space, const char *name) const
     {
-        const auto found = m_metadata.xmp.findKey(Exiv2::XmpKey(key));
-        if (found == m_metadata.xmp.end())
-            return {};
+        return m_metadata.xmp ? m_metadata.xmp->values.value({space, QLatin1String(name)}) : QStringList();
+    }
+
+    QVariant xmpNumber(QLatin1String space, const char *name) const
+    {
         bool isNumber = false;
-        const QByteArray text = QByteArray::fromStdString(found->toString()).trimmed();
-        const double value = text.toDouble(&isNumber);
+        const double value = xmpValues(space, name).value(0).trimmed().toDouble(&isNumber);
         if (!isNumber || !std::isfinite(value))
             return {};
         return value == integerValue(value) ? QVariant(qlonglong(value)) : QVariant(value);
@@ -258,17 +269,14 @@ private:
             insert(m_aux, QLatin1String(to), m_exif.value(QLatin1String(from)));
 
         static constexpr std::array<std::array<const char *, 2>, 5> kXmpSources = {{
-            {"Xmp.aux.Lens", "LensModel"},
-            {"Xmp.aux.SerialNumber", "SerialNumber"},
-            {"Xmp.aux.OwnerName", "OwnerName"},
-            {"Xmp.aux.Firmware", "Firmware"},
-            {"Xmp.aux.LensSerialNumber", "LensSerialNumber"},
+            {"Lens", "LensModel"},
+            {"SerialNumber", "SerialNumber"},
+            {"OwnerName", "OwnerName"},
+            {"Firmware", "Firmware"},
+            {"LensSerialNumber", "LensSerialNumber"},
         }};
         for (const auto &[from, to] : kXmpSources) {
-            const auto found = m_metadata.xmp.findKey(Exiv2::XmpKey(from));
-            if (found == m_metadata.xmp.end())
-                continue;
-            const QString text = metadataText(QByteArray::fromStdString(found->toString()));
+            const QString text = metadataText(xmpValues(kAuxiliary, from).value(0).toUtf8());
             if (!text.isEmpty())
                 insert(m_aux, QLatin1String(to), text);
         }
@@ -319,6 +327,7 @@ private:
     QVariantMap m_gps;
     QVariantMap m_iptc;
     QVariantMap m_aux;
+    QVariantMap m_png;
 };
 
 } // namespace

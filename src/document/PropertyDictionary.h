@@ -15,6 +15,7 @@ inline constexpr QLatin1String kTiffGroup("{TIFF}");
 inline constexpr QLatin1String kGpsGroup("{GPS}");
 inline constexpr QLatin1String kIptcGroup("{IPTC}");
 inline constexpr QLatin1String kExifAuxGroup("{ExifAux}");
+inline constexpr QLatin1String kPngGroup("{PNG}"); ///< texts, by the keywords that are registered for PNG files
 
 /// The image-property dictionary of the first picture in the file at `path`; absent when the file is no picture that
 /// can be read. Metadata that makes no sense is left out with a warning.

@@ -1,6 +1,6 @@
 #include "TagSizes.h"
 
-#include "EmbeddedPictures.h"
+#include "ExifDirectories.h"
 #include "TiffBlock.h"
 #include "TiffTags.h"
 
@@ -24,9 +24,10 @@ template <typename Read>
 class TagWalk
 {
 public:
-    TagWalk(const Read &read, qint64 size)
+    TagWalk(const Read &read, qint64 size, qint64 mostXmp)
         : m_read(read)
         , m_size(size)
+        , m_mostXmp(mostXmp)
         , m_header(read(0, TiffBlock::kHeaderSize))
     {
     }
@@ -55,7 +56,6 @@ public:
 
 private:
     static constexpr qint64 kMost = qint64(1) << 30;
-    static constexpr qint64 kMostXmp = 512 * 1024; ///< a packet takes a hundred times its size while it is parsed
 
     void takeDirectory(quint32 offset)
     {
@@ -75,7 +75,7 @@ private:
             const qint64 size = std::max<qint64>(entry.statedSize, entry.count); // types that do not exist: bytes
             if (entry.valueOffset + size > m_size)
                 continue;
-            m_sum += entry.tag == tifftag::kXmp && size > kMostXmp ? kMost + 1 : size;
+            m_sum += entry.tag == tifftag::kXmp && size > m_mostXmp ? kMost + 1 : size;
             if (leadsToDirectories(entry.tag))
                 takeOffsets(bytes, entry);
         }
@@ -95,6 +95,7 @@ private:
 
     const Read &m_read;
     const qint64 m_size;
+    const qint64 m_mostXmp;
     const QByteArray m_header;
     std::vector<quint32> m_next;
     std::set<quint32> m_seen;
@@ -106,13 +107,14 @@ private:
 bool hasPlausibleTags(const QByteArray &exif)
 {
     const auto read = [&](qint64 offset, qint64 count) { return exif.mid(offset, count); };
-    return TagWalk(read, exif.size()).isPlausible();
+    return TagWalk(read, exif.size(), exif.size()).isPlausible(); // a packet is taken out before
 }
 
 bool hasPlausibleTags(QFile &tiff)
 {
     const auto read = [&](qint64 offset, qint64 count) { return tiff.seek(offset) ? tiff.read(count) : QByteArray(); };
-    return TagWalk(read, tiff.size()).isPlausible();
+    constexpr qint64 kMostXmp = 32 * 1024; // the time for a packet grows with the square of its size
+    return TagWalk(read, tiff.size(), kMostXmp).isPlausible();
 }
 
 QByteArray withoutUnusualNote(const QByteArray &exif)

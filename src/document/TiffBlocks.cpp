@@ -1,7 +1,7 @@
 #include "TiffBlocks.h"
 
 #include "BigTiffBlocks.h"
-#include "EmbeddedPictures.h"
+#include "ExifDirectories.h"
 #include "TiffTags.h"
 
 #include <QFile>

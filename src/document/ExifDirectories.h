@@ -20,13 +20,8 @@ quint32 exifDirectory(const TiffBlock &block);
 /// The block's header, these directories and the values that their tags refer to, in ascending order.
 std::vector<BlockRange> usedRanges(const TiffBlock &block);
 
-/// Zeroes every JPEG stream in an EXIF block, wherever it lies: previews in maker's notes that nobody here understands,
-/// or thumbnails that an editor has only cut off. Nothing else in the block changes or moves. False when the block has
-/// been made so that the search would take for ever: it is not to be trusted then.
-[[nodiscard]] bool wipeEmbeddedPictures(TiffBlock &block);
-
-/// Takes the directories behind the first one (the thumbnail's) off the block and zeroes their pictures.
-void removeThumbnail(TiffBlock &block);
+/// Zeroes what of the range none of those uses, which are in ascending order.
+void wipeUnused(TiffBlock &block, const std::vector<BlockRange> &used, BlockRange range);
 
 /// Zeroes what none of the block's directories refers to. Not for blocks with a maker's note, which may refer to more.
 void wipeUnreferenced(TiffBlock &block);

@@ -1,0 +1,332 @@
+#include "PictureSearch.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+
+#include <zlib.h>
+
+namespace hazelmark {
+
+namespace {
+
+/// Of encodings in each other.
+constexpr int kMostNested = 4;
+
+/// Fewer letters than this are no picture that shows anything.
+constexpr qsizetype kLeastLetters = 64;
+
+/// Bytes that the search may unpack or decode, over what is searched itself.
+constexpr qsizetype kRoom = 64 * 1024 * 1024;
+constexpr qsizetype kRoomPerByte = 64;
+
+constexpr int8_t kNone = -1;
+constexpr int8_t kSlash = 63;
+
+constexpr std::array<int8_t, 256> base64Values()
+{
+    std::array<int8_t, 256> values{};
+    for (int8_t &value : values)
+        value = kNone;
+    for (int i = 0; i < 26; ++i) {
+        values[size_t('A' + i)] = int8_t(i);
+        values[size_t('a' + i)] = int8_t(26 + i);
+    }
+    for (int i = 0; i < 10; ++i)
+        values[size_t('0' + i)] = int8_t(52 + i);
+    values['+'] = values['-'] = 62; // the second of each is the URL-safe one
+    values['/'] = values['_'] = kSlash;
+    return values;
+}
+
+constexpr std::array<int8_t, 256> hexValues()
+{
+    std::array<int8_t, 256> values{};
+    for (int8_t &value : values)
+        value = kNone;
+    for (int i = 0; i < 10; ++i)
+        values[size_t('0' + i)] = int8_t(i);
+    for (int i = 0; i < 6; ++i)
+        values[size_t('A' + i)] = values[size_t('a' + i)] = int8_t(10 + i);
+    return values;
+}
+
+/// Letters of an encoding as the numbers that they stand for, with nothing between them.
+struct Letters
+{
+    QByteArray values;
+    std::vector<qsizetype> starts; ///< where in `values` longer runs begin with a slash
+};
+
+class Unzip
+{
+public:
+    Unzip() = default;
+    ~Unzip() { inflateEnd(&m_zlib); }
+    Unzip(const Unzip &) = delete;
+    Unzip &operator=(const Unzip &) = delete;
+
+    struct Content
+    {
+        QByteArray bytes; ///< as much as could be had, also of a damaged stream
+        qsizetype taken;  ///< bytes of the stream
+        bool isWhole;
+    };
+
+    Content unpacked(QByteArrayView stream, qsizetype limit)
+    {
+        m_isReady = m_isReady || inflateInit2(&m_zlib, kAnyHeader) == Z_OK;
+        if (!m_isReady || inflateReset(&m_zlib) != Z_OK)
+            return {{}, 0, false};
+        m_zlib.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(stream.data()));
+        m_zlib.avail_in = uInt(std::min<qsizetype>(stream.size(), 1 << 30));
+        QByteArray bytes;
+        int status = Z_OK;
+        for (qsizetype step = 256; status == Z_OK && bytes.size() < limit;
+             step = std::min<qsizetype>(2 * step, 1 << 20)) {
+            const qsizetype filled = bytes.size();
+            bytes.resize(filled + step);
+            m_zlib.next_out = reinterpret_cast<Bytef *>(bytes.data() + filled);
+            m_zlib.avail_out = uInt(step);
+            status = inflate(&m_zlib, Z_NO_FLUSH);
+            bytes.resize(bytes.size() - qsizetype(m_zlib.avail_out));
+        }
+        return {bytes, qsizetype(m_zlib.total_in), status == Z_STREAM_END};
+    }
+
+private:
+    static constexpr int kAnyHeader = 15 + 32; // zlib or gzip, the largest window
+    z_stream m_zlib = {};
+    bool m_isReady = false;
+};
+
+class Search
+{
+public:
+    explicit Search(qsizetype size)
+        : m_room(kRoom + size * kRoomPerByte)
+    {
+    }
+
+    std::vector<FoundPicture> all(QByteArrayView bytes, SearchIn where)
+    {
+        std::vector<FoundPicture> found = plainPicturesIn(bytes, where);
+        if (!found.empty() && where != SearchIn::Mixture)
+            return found;
+        addPacked(bytes, where, found);
+        if (!found.empty() && where != SearchIn::Mixture)
+            return found;
+        addSpelt(bytes, where, found);
+        return found;
+    }
+
+private:
+    bool holds(const QByteArray &bytes, bool isTextLikely)
+    {
+        if (bytes.size() < kLeastPicture || m_nested >= kMostNested)
+            return false;
+        m_room -= bytes.size();
+        if (m_room < 0)
+            return true; // made to be searched for ever
+        ++m_nested;
+        // What is decoded by mistake is noise, in which two bytes say nothing.
+        std::vector<FoundPicture> found = plainPicturesIn(bytes, isTextLikely ? SearchIn::Numbers : SearchIn::Value);
+        if (found.empty())
+            addPacked(bytes, SearchIn::Value, found);
+        if (found.empty() && isMostlyLetters(bytes))
+            addSpelt(bytes, SearchIn::Value, found);
+        --m_nested;
+        return !found.empty();
+    }
+
+    static bool isMostlyLetters(const QByteArray &bytes)
+    {
+        static constexpr std::array kValues = base64Values();
+        const auto letters = std::count_if(bytes.begin(), bytes.end(), [](char c) { return kValues[quint8(c)] >= 0; });
+        return letters >= bytes.size() / 2;
+    }
+
+    // Packed
+
+    static bool beginsStream(QByteArrayView bytes, qsizetype at)
+    {
+        if (at + 2 > bytes.size())
+            return false;
+        const int first = quint8(bytes[at]);
+        const int second = quint8(bytes[at + 1]);
+        const bool isZlib = (first & 15) == 8 && first >> 4 <= 7 && (first * 256 + second) % 31 == 0 && !(second & 32);
+        return isZlib || (first == 0x1f && second == 0x8b);
+    }
+
+    void addPacked(QByteArrayView bytes, SearchIn where, std::vector<FoundPicture> &found)
+    {
+        const std::vector<FoundPicture> plain = found;
+        auto next = plain.begin();
+        for (qsizetype at = 0; at + kLeastPicture <= bytes.size(); ++at) {
+            while (next != plain.end() && next->to <= at)
+                ++next;
+            if (!beginsStream(bytes, at) || (next != plain.end() && next->from <= at))
+                continue;
+            const Unzip::Content content = m_unzip.unpacked(bytes.sliced(at), m_room + 1);
+            if (!holds(content.bytes, false))
+                continue;
+            const bool endsThere = where == SearchIn::Mixture && content.isWhole;
+            found.push_back({at, endsThere ? at + content.taken : bytes.size(), "packed picture"});
+            if (!endsThere)
+                break;
+            at += content.taken - 1;
+        }
+        std::sort(found.begin(), found.end(), [](const auto &a, const auto &b) { return a.from < b.from; });
+    }
+
+    // Spelt in letters
+
+    void addSpelt(QByteArrayView bytes, SearchIn where, std::vector<FoundPicture> &found)
+    {
+        if (!isInBase64(bytes) && !isInHex(bytes))
+            return;
+        // Where in a mixture the letters begin is not known for sure.
+        const qsizetype from = where == SearchIn::Mixture ? firstLongRun(bytes) : 0;
+        while (!found.empty() && found.back().from >= from)
+            found.pop_back();
+        if (!found.empty())
+            found.back().to = std::min(found.back().to, from);
+        found.push_back({from, bytes.size(), "picture in letters"});
+    }
+
+    static qsizetype firstLongRun(QByteArrayView bytes)
+    {
+        static constexpr std::array kValues = base64Values();
+        constexpr int kLong = 16;
+        int length = 0;
+        for (qsizetype at = 0; at < bytes.size(); ++at) {
+            const bool isIgnored = bytes[at] == 0 || bytes[at] == '\n' || bytes[at] == '\r' || bytes[at] == ' ';
+            length = kValues[quint8(bytes[at])] >= 0 ? length + 1 : isIgnored ? length : 0;
+            if (length == kLong)
+                return std::max<qsizetype>(at - 4 * kLong, 0);
+        }
+        return 0;
+    }
+
+    bool isInBase64(QByteArrayView bytes)
+    {
+        static constexpr std::array kValues = base64Values();
+        const QByteArray plain = withoutEscapes(bytes);
+        const Letters letters = lettersOf(plain, kValues);
+        if (letters.values.size() < kLeastLetters)
+            return false;
+        for (qsizetype shift = 0; shift < 4; ++shift) {
+            if (holds(fromBase64(letters.values, shift), true))
+                return true;
+        }
+        return std::any_of(letters.starts.begin(), letters.starts.end(),
+                           [&](qsizetype start) { return isJpegXlFrom(letters.values, start); });
+    }
+
+    bool isInHex(QByteArrayView bytes)
+    {
+        static constexpr std::array kValues = hexValues();
+        QByteArray plain = bytes.toByteArray();
+        plain.replace("0x", " ").replace("0X", " ");
+        const Letters digits = lettersOf(plain, kValues);
+        if (digits.values.size() < kLeastLetters)
+            return false;
+        for (qsizetype shift = 0; shift < 2; ++shift) {
+            QByteArray decoded;
+            decoded.reserve(digits.values.size() / 2);
+            for (qsizetype at = shift; at + 2 <= digits.values.size(); at += 2)
+                decoded += char(digits.values[at] << 4 | digits.values[at + 1]);
+            if (holds(decoded, true) || (shift == 0 && holds(decoded.left(kJpegXlStart), false)))
+                return true;
+        }
+        return false;
+    }
+
+    /// Addresses escape the three letters that mean something else in them.
+    static QByteArray withoutEscapes(QByteArrayView bytes)
+    {
+        QByteArray plain = bytes.toByteArray();
+        if (plain.contains('%')) {
+            for (const auto &[escape, letter] : {std::pair("%2B", "+"), {"%2b", "+"}, {"%2F", "/"}, {"%2f", "/"}})
+                plain.replace(escape, letter);
+            plain.replace("%3D", "").replace("%3d", "").replace("%0A", "").replace("%0D", "");
+        }
+        return plain;
+    }
+
+    static Letters lettersOf(const QByteArray &bytes, const std::array<int8_t, 256> &values)
+    {
+        Letters letters;
+        letters.values.reserve(bytes.size());
+        size_t sureStarts = 0; // behind them there are letters enough
+        const auto endRun = [&] {
+            while (letters.starts.size() > sureStarts && letters.values.size() - letters.starts.back() < kLeastLetters)
+                letters.starts.pop_back();
+            sureStarts = letters.starts.size();
+        };
+        bool isNew = true;
+        for (const char c : bytes) {
+            const int8_t value = values[quint8(c)];
+            if (value < 0) {
+                isNew = isNew || c != 0; // every other byte of UTF-16 text
+                if (c != 0 && c != '\\' && !(c >= '\t' && c <= '\r') && c != ' ')
+                    endRun();
+                continue;
+            }
+            if (isNew && value == kSlash)
+                letters.starts.push_back(letters.values.size());
+            isNew = false;
+            letters.values += char(value);
+        }
+        endRun();
+        return letters;
+    }
+
+    static QByteArray fromBase64(const QByteArray &values, qsizetype from, qsizetype most = -1)
+    {
+        const qsizetype end = most < 0 ? values.size() : std::min(values.size(), from + most);
+        QByteArray decoded;
+        decoded.reserve((end - from) / 4 * 3);
+        for (qsizetype at = from; at + 4 <= end; at += 4) {
+            const int bits = values[at] << 18 | values[at + 1] << 12 | values[at + 2] << 6 | values[at + 3];
+            decoded += char(bits >> 16);
+            decoded += char(bits >> 8);
+            decoded += char(bits);
+        }
+        return decoded;
+    }
+
+    /// Its two bytes say nothing in the middle of letters, but where a run begins. Words begin with them, too ("/wo"),
+    /// which have no digits and few capitals.
+    static bool isJpegXlFrom(const QByteArray &values, qsizetype start)
+    {
+        if (start + kLeastLetters > values.size() || values[start + 1] != 'w' - 'a' + 26)
+            return false;
+        const QByteArray run = values.mid(start, 4 * kLeastLetters);
+        const auto capitals = std::count_if(run.begin(), run.end(), [](char value) { return value < 26; });
+        const auto digits = std::count_if(run.begin(), run.end(), [](char value) { return value >= 52 && value < 62; });
+        return capitals > run.size() / 5 && digits > run.size() / 20 &&
+               !plainPicturesIn(fromBase64(values, start, kJpegXlStart), SearchIn::Value).empty();
+    }
+
+    static constexpr qsizetype kLeastPicture = 24;
+    static constexpr qsizetype kJpegXlStart = 256;
+
+    qsizetype m_room;
+    int m_nested = 0;
+    Unzip m_unzip;
+};
+
+} // namespace
+
+std::vector<FoundPicture> picturesIn(QByteArrayView bytes, SearchIn where)
+{
+    return Search(bytes.size()).all(bytes, where);
+}
+
+bool holdsPicture(QByteArrayView bytes, SearchIn where)
+{
+    return !picturesIn(bytes, where).empty();
+}
+
+} // namespace hazelmark
