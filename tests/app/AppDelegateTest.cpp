@@ -1,6 +1,8 @@
+// The application from its launch to its end: menus, notifications, and what the closing of a window means.
 #include "AppDelegate.h"
 #include "AboutDialog.h"
 #include "Fakes.h"
+#include "IMGButton.h"
 #include "MainMenu.h"
 #include "NotificationNames.h"
 #include "PhotoFile.h"
@@ -10,57 +12,47 @@
 
 #include <QApplication>
 #include <QCheckBox>
-#include <QDialog>
 #include <QLabel>
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
 #include <QTest>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 using namespace hazelmark;
+using namespace Qt::StringLiterals;
 
 namespace {
 
 class AppDelegateTest : public testing::Test
 {
 protected:
-    AppDelegateTest()
-        : m_delegate([this](ApplicationDelegate &delegate) {
-            m_wasActiveAtTheScreen = delegate.isAppActive();
-            m_textAtTheScreen = delegate.getLocalizedStringForKey(QStringLiteral("SAVE"));
-            return std::make_unique<FakeScreenController>();
-        })
-    {
-        m_delegate.setTerminate([this] { ++m_terminated; });
-    }
     ~AppDelegateTest() override { QGuiApplication::setQuitOnLastWindowClosed(true); }
 
-    void launch() { m_delegate.applicationDidFinishLaunching(); }
+    void launch()
+    {
+        m_delegate.setTerminate([this] { ++m_terminated; });
+        m_delegate.applicationDidFinishLaunching();
+    }
     MainMenu &menu() { return *m_delegate.mainMenu(); }
     TitlebarWindow &window() { return *m_delegate.myWindowController()->windowMain(); }
-    static void closeAndSettle(QWidget &widget)
+    static QString titles(const QMenu &menu)
     {
-        widget.close();
-        QCoreApplication::processEvents();
+        QStringList titles(menu.title());
+        for (const QAction *action : menu.actions())
+            titles << (action->isEnabled() ? action->text() : u'(' + action->text() + u')');
+        return titles.join(u'|');
     }
 
     FakeDesktop m_desktop;
-    bool m_wasActiveAtTheScreen = false;
-    QString m_textAtTheScreen;
+    QString m_atTheScreen; ///< what the main screen finds when it is made
     int m_terminated = 0;
-    AppDelegate m_delegate;
+    AppDelegate m_delegate{[this](ApplicationDelegate &delegate) {
+        m_atTheScreen = delegate.getLocalizedStringForKey(u"SAVE"_s) + (delegate.isAppActive() ? u", active"_s : u""_s);
+        return std::make_unique<FakeScreenController>();
+    }};
 };
-
-QStringList titles(const QMenu &menu)
-{
-    QStringList titles;
-    for (const QAction *action : menu.actions())
-        titles.append(action->isVisible() ? action->text() : QStringLiteral("hidden"));
-    return titles;
-}
 
 } // namespace
 
@@ -69,95 +61,71 @@ TEST_F(AppDelegateTest, LaunchesActiveWithTheMainScreenAndItsTexts)
     m_desktop.observe({kNotificationSetupHeader});
     EXPECT_FALSE(m_delegate.isAppActive());
     launch();
-    EXPECT_TRUE(m_wasActiveAtTheScreen);
-    EXPECT_EQ(m_textAtTheScreen, QStringLiteral("Save"));
+    EXPECT_EQ(m_atTheScreen, u"Save, active"_s);
     EXPECT_TRUE(window().isVisible());
     EXPECT_EQ(m_desktop.m_posted.size(), 1);
     EXPECT_EQ(m_delegate.arrOurApps().size(), 3);
     EXPECT_FALSE(m_delegate.windowPromotion()->isVisible());
-    EXPECT_EQ(m_desktop.m_defaults.integer(QStringLiteral("appOpenedCount")), 1);
-    MainWinController *controller = m_delegate.myWindowController();
+    EXPECT_EQ(m_desktop.m_defaults.integer(u"appOpenedCount"_s), 1);
+    EXPECT_EQ(window().closeButton()->toolTip(), m_delegate.getLocalizedStringForKey(u"CLOSE_WINDOW"_s));
+    const TitlebarWindow *first = &window();
     m_delegate.openMainWindow();
-    EXPECT_EQ(m_delegate.myWindowController(), controller) << "the window is made once";
+    EXPECT_EQ(&window(), first) << "the window is made once";
     EXPECT_FALSE(QGuiApplication::quitOnLastWindowClosed());
-}
-
-TEST_F(AppDelegateTest, TitlesItsMenus)
-{
-    launch();
-    EXPECT_EQ(menu().menuFile->title(), QStringLiteral("File"));
-    EXPECT_EQ(titles(*menu().menuFile), (QStringList{QStringLiteral("Open…"),
-                                                     QStringLiteral("Close"),
-                                                     {},
-                                                     QStringLiteral("Save"),
-                                                     QStringLiteral("Save As…"),
-                                                     {},
-                                                     QStringLiteral("Quit Hazelmark")}));
-    EXPECT_EQ(titles(*menu().menuLanguage).mid(2),
-              (QStringList{QStringLiteral("English"), QStringLiteral("Français"), QStringLiteral("Deutsch"),
-                           QStringLiteral("中文"), QStringLiteral("日本語")}));
-    EXPECT_FALSE(menu().menuLanguage->actions().first()->isEnabled());
-    EXPECT_EQ(menu().btnHelpApp->text(), QStringLiteral("Hazelmark Help"));
-    EXPECT_EQ(menu().btnAboutApp->text(), QStringLiteral("About Hazelmark"));
-    EXPECT_EQ(menu().btnRecommendedApps->text(), QStringLiteral("Recommended applications :-"));
-    EXPECT_EQ(titles(*menu().menuHelp).mid(5, 3),
-              (QStringList{QStringLiteral("GIMP"), QStringLiteral("darktable"), QStringLiteral("digiKam")}));
-    ASSERT_TRUE(menu().btnStorePage);
-    EXPECT_EQ(menu().btnStorePage->text(), QStringLiteral("Hazelmark in the Software Centre"));
-    EXPECT_TRUE(QTest::qWaitFor([this] { return menu().menuBar()->width() > 100; })) << "room for its titles";
-    EXPECT_EQ(menu().menuBar()->window(), &window());
+    window().closeNow();
 }
 
 TEST_F(AppDelegateTest, TitlesItsMenusInTheSystemsLanguage)
 {
-    m_desktop.m_session.m_languages = {QStringLiteral("de-DE")};
+    m_desktop.m_session.m_languages = {u"de-DE"_s};
     launch();
-    EXPECT_EQ(menu().menuFile->title(), QStringLiteral("Datei"));
-    EXPECT_EQ(menu().btnAboutApp->text(), QStringLiteral("Über Hazelmark"));
+    const auto all = [this] {
+        return titles(*menu().menuFile) + u'\n' + titles(*menu().menuLanguage) + u'\n' + titles(*menu().menuHelp);
+    };
+    const QString german =
+        u"Datei|Öffnen …|Schließen||(Speichern)|(Speichern unter …)||Beenden Hazelmark\n"
+        "Sprache|(Die Texte folgen der Sprache des Systems)||English|Français|Deutsch|中文|日本語\n"
+        "Hilfe|Tipps zeigen|Hazelmark Hilfe|Hazelmark in der Softwareverwaltung||(Empfohlene Programme :-)|GIMP|darktable|digiKam||Über Hazelmark"_s;
+    EXPECT_EQ(all(), german);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return menu().menuBar()->width() > 100; })) << "room for its titles";
+    EXPECT_EQ(menu().menuBar()->window(), &window());
     m_desktop.observe({kNotificationUpdateLanguage});
     menu().menuLanguage->actions().last()->trigger();
     EXPECT_EQ(m_desktop.m_posted, QStringList(kNotificationUpdateLanguage));
-    EXPECT_EQ(m_delegate.localisation().languageSettingsDict()->value(QStringLiteral("SAVE")).toString(),
-              QStringLiteral("保存"));
-    EXPECT_EQ(m_delegate.getLocalizedStringForKey(QStringLiteral("FILE")), QStringLiteral("Datei"));
-    EXPECT_EQ(menu().menuFile->title(), QStringLiteral("Datei"));
+    EXPECT_EQ(m_delegate.localisation().languageSettingsDict()->value(u"SAVE"_s).toString(), u"保存"_s);
+    EXPECT_EQ(m_delegate.getLocalizedStringForKey(u"FILE"_s), u"Datei"_s);
+    EXPECT_EQ(all(), german);
 }
 
-TEST_F(AppDelegateTest, MenuItemsPostTheirNotifications)
+TEST_F(AppDelegateTest, MenuItemsPostTheirNotificationsWhileTheyMakeSense)
 {
     launch();
-    m_delegate.setSelectedImageFile(std::make_shared<PhotoFile>(QStringLiteral("/photo.jpg")));
-    m_desktop.observe({kNotificationOpenPhotoFromMenuTapped, kNotificationClosePhotoFromMenuTapped,
-                       kNotificationSavePhotoFromMenuTapped, kNotificationShowTipsFromMenuTapped});
-    for (QAction *item :
-         {menu().btnOpenOnMenu, menu().btnDeleteOnMenu, menu().btnSaveOnMenu, menu().btnSaveAsOnMenu, menu().btnTips})
-        item->trigger();
-    EXPECT_EQ(m_desktop.m_posted,
-              (QStringList{kNotificationOpenPhotoFromMenuTapped, kNotificationClosePhotoFromMenuTapped,
-                           kNotificationSavePhotoFromMenuTapped, kNotificationSavePhotoFromMenuTapped,
-                           kNotificationShowTipsFromMenuTapped}));
-    EXPECT_TRUE(m_desktop.m_lastUserInfo.isEmpty());
-}
-
-TEST_F(AppDelegateTest, ItemsThatMakeNoSenseAreDisabled)
-{
-    launch();
-    const auto enabled = [this] {
-        QString state;
-        for (const QAction *item : {menu().btnOpenOnMenu, menu().btnDeleteOnMenu, menu().btnSaveOnMenu,
-                                    menu().btnSaveAsOnMenu, menu().btnQuitApp})
-            state += QLatin1Char(item->isEnabled() ? '1' : '0');
-        return state;
+    const std::pair<QAction *, QString> items[] = {{menu().btnOpenOnMenu, kNotificationOpenPhotoFromMenuTapped},
+                                                   {menu().btnDeleteOnMenu, kNotificationClosePhotoFromMenuTapped},
+                                                   {menu().btnSaveOnMenu, kNotificationSavePhotoFromMenuTapped},
+                                                   {menu().btnSaveAsOnMenu, kNotificationSavePhotoFromMenuTapped},
+                                                   {menu().btnTips, kNotificationShowTipsFromMenuTapped}};
+    struct State
+    {
+        bool hasPhoto, isUiDisabled, isExporting;
+        const char *posting; ///< of the items
     };
-    m_delegate.setIsUiDisabled(true);
-    EXPECT_EQ(enabled(), QStringLiteral("11001")) << "no photo";
-    m_delegate.setSelectedImageFile(std::make_shared<PhotoFile>(QStringLiteral("/photo.jpg")));
-    m_delegate.setIsUiDisabled(false);
-    EXPECT_EQ(enabled(), QStringLiteral("11111"));
-    m_delegate.setIsExporting(true);
-    EXPECT_EQ(enabled(), QStringLiteral("01001"));
-    m_delegate.setIsExporting(false);
-    EXPECT_EQ(enabled(), QStringLiteral("11111"));
+    for (const State &state : {State{false, true, false, "11001"},
+                               {true, true, false, "11001"},
+                               {true, false, false, "11111"},
+                               {true, false, true, "01001"}}) {
+        m_delegate.setSelectedImageFile(state.hasPhoto ? std::make_shared<PhotoFile>(u"/photo.jpg"_s) : nullptr);
+        m_delegate.setIsUiDisabled(state.isUiDisabled);
+        m_delegate.setIsExporting(state.isExporting);
+        std::string posting;
+        for (const auto &[item, notification] : items) {
+            m_desktop.observe({notification});
+            item->trigger();
+            posting += m_desktop.m_posted == QStringList(notification) ? '1' : '0';
+        }
+        EXPECT_EQ(posting, state.posting);
+    }
+    EXPECT_TRUE(m_desktop.m_lastUserInfo.isEmpty());
 }
 
 TEST_F(AppDelegateTest, OpensLinksByTag)
@@ -168,79 +136,73 @@ TEST_F(AppDelegateTest, OpensLinksByTag)
     menu().menuHelp->actions().at(5)->trigger();
     for (const int tag : {0, 5, 8, -1})
         m_delegate.helpMenuItemTapped(tag);
-    ASSERT_EQ(m_desktop.m_workspace.m_opened.size(), 4U);
-    EXPECT_TRUE(m_desktop.m_workspace.m_opened[0].toLocalFile().endsWith(QLatin1String("/manual/index.html")));
-    EXPECT_EQ(m_desktop.m_workspace.m_opened[1].scheme(), QStringLiteral("appstream"));
-    EXPECT_EQ(m_desktop.m_workspace.m_opened[2].toString(), QStringLiteral("appstream:org.gimp.GIMP"));
-    EXPECT_EQ(m_desktop.m_workspace.m_opened[3], m_desktop.m_workspace.m_opened[0]);
+    QStringList opened;
+    for (const QUrl &url : m_desktop.m_workspace.m_opened)
+        opened << (url.isLocalFile() ? url.fileName() : url.toString());
+    EXPECT_EQ(opened, QStringList({u"index.html"_s, u"appstream:org.hazelmark.Hazelmark"_s,
+                                   u"appstream:org.gimp.GIMP"_s, u"index.html"_s}));
 }
 
 TEST_F(AppDelegateTest, OnlyTheMainWindowsClosingEndsTheProcess)
 {
-    m_desktop.m_defaults.setBoolean(QStringLiteral("notShowPromotionWindow"), true);
+    m_desktop.m_defaults.setBoolean(u"notShowPromotionWindow"_s, true);
     launch();
     QDialog dialog(&window());
-    dialog.show();
-    closeAndSettle(dialog);
     QMenu popup;
-    popup.show();
-    closeAndSettle(popup);
-    EXPECT_EQ(m_terminated, 0);
+    for (QWidget *widget : std::initializer_list<QWidget *>{&dialog, &popup}) {
+        widget->show();
+        widget->close();
+    }
     window().setActions({.close = [] {}, .minimize = {}, .zoom = {}, .fullScreen = {}});
-    closeAndSettle(window());
+    window().close();
+    QCoreApplication::processEvents();
     EXPECT_TRUE(window().isVisible());
     EXPECT_EQ(m_terminated, 0) << "the window refused to close";
     window().closeNow();
     EXPECT_EQ(m_terminated, 0) << "the hook does not wait, and is not waited for";
     QCoreApplication::processEvents();
     EXPECT_EQ(m_terminated, 1);
-}
-
-TEST_F(AppDelegateTest, ThePromotionWindowIsTheLastOne)
-{
-    launch();
-    window().closeNow();
-    QCoreApplication::processEvents();
-    EXPECT_EQ(m_terminated, 0);
-    PromotionWindow &promotion = *m_delegate.windowPromotion();
-    EXPECT_TRUE(promotion.isVisible() && promotion.isRotating());
-    closeAndSettle(promotion);
-    EXPECT_EQ(m_terminated, 1);
-    EXPECT_FALSE(m_desktop.m_defaults.boolean(QStringLiteral("notShowPromotionWindow")));
-}
-
-TEST_F(AppDelegateTest, ThePromotionWindowCanBeSwitchedOff)
-{
-    launch();
-    window().closeNow();
-    QCoreApplication::processEvents();
-    PromotionWindow &promotion = *m_delegate.windowPromotion();
-    promotion.btnCheckDontShow()->click();
-    QTest::mouseClick(promotion.btnQuitAppPromotion(), Qt::LeftButton);
-    EXPECT_EQ(m_terminated, 1);
-    EXPECT_TRUE(m_desktop.m_defaults.boolean(QStringLiteral("notShowPromotionWindow")));
-}
-
-TEST_F(AppDelegateTest, QuitEndsTheProcessAtOnce)
-{
-    launch();
     menu().btnQuitApp->trigger();
-    EXPECT_EQ(m_terminated, 1);
+    EXPECT_EQ(m_terminated, 2);
+}
+
+TEST_F(AppDelegateTest, ThePromotionWindowIsTheLastOneAndCanBeSwitchedOff)
+{
+    launch();
+    PromotionWindow &promotion = *m_delegate.windowPromotion();
+    for (const bool byItsButton : {false, true}) {
+        promotion.btnCheckDontShow()->setChecked(byItsButton);
+        m_terminated = 0;
+        window().show();
+        window().closeNow();
+        QCoreApplication::processEvents();
+        EXPECT_EQ(m_terminated, 0);
+        EXPECT_TRUE(promotion.isVisible() && promotion.isRotating());
+        if (byItsButton)
+            promotion.btnQuitAppPromotion()->click();
+        else
+            promotion.close();
+        QCoreApplication::processEvents();
+        EXPECT_EQ(m_terminated, 1);
+        EXPECT_EQ(m_desktop.m_defaults.boolean(u"notShowPromotionWindow"_s), byItsButton);
+    }
 }
 
 TEST_F(AppDelegateTest, KnowsWhetherItIsInFront)
 {
     launch();
     QWidget &view = *m_delegate.myWindowController()->viewController()->view();
-    view.setCursor(Qt::BlankCursor);
     QCursor::setPos(view.mapToGlobal(view.rect().center()));
-    QGuiApplication::setOverrideCursor(Qt::CrossCursor);
-    m_delegate.applicationWillResignActive();
-    EXPECT_FALSE(m_delegate.isAppActive());
-    EXPECT_FALSE(QGuiApplication::overrideCursor());
-    EXPECT_EQ(view.cursor().shape(), Qt::ArrowCursor);
-    m_delegate.applicationDidBecomeActive();
-    EXPECT_TRUE(m_delegate.isAppActive());
+    for (const auto &[before, after] :
+         {std::pair{Qt::BlankCursor, Qt::ArrowCursor}, {Qt::IBeamCursor, Qt::IBeamCursor}}) {
+        view.setCursor(before);
+        QGuiApplication::setOverrideCursor(Qt::CrossCursor);
+        m_delegate.applicationWillResignActive();
+        EXPECT_FALSE(m_delegate.isAppActive() || QGuiApplication::overrideCursor());
+        EXPECT_EQ(view.cursor().shape(), after);
+        m_delegate.applicationDidBecomeActive();
+        EXPECT_TRUE(m_delegate.isAppActive());
+    }
 }
 
 TEST_F(AppDelegateTest, AboutIsASheetThatNamesTheVersion)
@@ -252,8 +214,7 @@ TEST_F(AppDelegateTest, AboutIsASheetThatNamesTheVersion)
     QStringList texts;
     for (const QLabel *label : sheet->findChildren<QLabel *>())
         texts.append(label->text());
-    EXPECT_TRUE(texts.contains(QStringLiteral("Version ") +
-                               Bundle::infoDictionary().value(QStringLiteral("CFBundleVersion")).toString()));
-    EXPECT_FALSE(texts.contains(QStringLiteral("(null)")));
+    EXPECT_TRUE(texts.contains(u"Version "_s + Bundle::infoDictionary().value(u"CFBundleVersion"_s).toString()));
+    EXPECT_FALSE(texts.contains(u"(null)"_s));
     sheet->accept();
 }

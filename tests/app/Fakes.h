@@ -1,7 +1,6 @@
 #pragma once
 
 #include "Bundle.h"
-#include "Compositor.h"
 #include "NotificationCenter.h"
 #include "ProcessState.h"
 #include "ProcessWide.h"
@@ -14,33 +13,28 @@
 #include <QTemporaryDir>
 #include <QWidget>
 
-#include <map>
 #include <vector>
 
 namespace hazelmark {
 
-class FakeUserSession : public UserSession
+struct FakeUserSession : UserSession
 {
-public:
     QStringList preferredLanguages() const override { return m_languages; }
 
     QStringList m_languages{QStringLiteral("en")};
 };
 
-class FakeScreen : public Screen
+struct FakeScreen : Screen
 {
-public:
     QRectF visibleFrame() const override { return m_visibleFrame; }
-
     QPointF origin() const override { return m_origin; }
 
     QRectF m_visibleFrame{0, 24, 1600, 1000};
     QPointF m_origin;
 };
 
-class FakeWorkspace : public Workspace
+struct FakeWorkspace : Workspace
 {
-public:
     void openUrl(const QUrl &url, Completion completion) override
     {
         m_opened.push_back(url);
@@ -52,9 +46,8 @@ public:
     bool m_succeeds = true;
 };
 
-class FakeScreenController : public ViewController
+struct FakeScreenController : ViewController
 {
-public:
     QWidget *view() override { return m_view; }
 
     QWidget *m_view = new QWidget; ///< the window owns it once it is shown in one
@@ -64,9 +57,11 @@ public:
 class FakeDesktop
 {
 public:
-    /// Counts the posts of each name of `names`.
+    /// Notes the posts of `names` from here on, and of no other.
     void observe(const QStringList &names)
     {
+        m_tokens.clear();
+        m_posted.clear();
         for (const QString &name : names) {
             m_tokens.push_back(m_center.addObserver(name, [this, name](const QVariantMap &userInfo) {
                 m_posted.append(name);

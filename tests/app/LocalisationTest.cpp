@@ -1,30 +1,35 @@
+// Looking texts up, the tables and links that the program is delivered with, and both against the sources.
 #include "Localisation.h"
 #include "Fakes.h"
 #include "LinkTable.h"
+#include "PropertyList.h"
+#include "RefusalKey.h"
 
 #include <QDir>
-#include <QFile>
+#include <QDirIterator>
+#include <QRegularExpression>
 
 #include <gtest/gtest.h>
 
 using namespace hazelmark;
+using namespace Qt::StringLiterals;
 
 namespace {
 
 class LocalisationTest : public testing::Test
 {
 protected:
-    void write(const QString &name, const QByteArray &entries)
+    /// `texts`: key, text, key, text, ...
+    void write(const QString &name, const QStringList &texts)
     {
         QFile file(m_folder.filePath(name));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write("<plist version=\"1.0\"><dict>" + entries + "</dict></plist>");
+        QString entries;
+        for (qsizetype i = 0; i < texts.size(); ++i)
+            entries += (i % 2 ? u"<string>%1</string>"_s : u"<key>%1</key>"_s).arg(texts[i]);
+        file.write(u"<plist><dict>%1</dict></plist>"_s.arg(entries).toUtf8());
     }
-    void writeTable(const char *code, const QByteArray &text)
-    {
-        write(QStringLiteral("BS_%1.plist").arg(QLatin1String(code)), "<key>SAVE</key><string>" + text + "</string>");
-    }
-    QString lookup(const char *key) { return m_texts.getLocalizedStringForKey(QString::fromLatin1(key)); }
+    static QString save(Localisation &texts) { return texts.getLocalizedStringForKey(u"SAVE"_s); }
 
     QTemporaryDir m_folder;
     Bundle m_bundle{m_folder.path()};
@@ -34,94 +39,158 @@ protected:
     Localisation m_texts;
 };
 
-struct LanguageCase
+QVariantMap table(const QString &name)
 {
-    const char *preferred;
-    const char *table;
-};
+    return readPropertyList(Bundle::mainBundle().pathForResource(name, u"plist"_s)).value_or(QVariantMap());
+}
 
-class LanguageChoiceTest : public LocalisationTest, public testing::WithParamInterface<LanguageCase>
+QStringList placeholders(const QString &text)
 {
-};
+    static const QRegularExpression kPlaceholder(u"\\{[0-4]\\}|DONOT_TRANSLATE_[A-Z]+_VALUE"_s);
+    QStringList found;
+    for (auto match = kPlaceholder.globalMatch(text); match.hasNext();)
+        found.append(match.next().captured());
+    found.sort();
+    return found;
+}
+
+/// The keys that the sources look up: the literals in lookups, and in the two modules with texts every literal that is
+/// written as keys of several words are.
+QSet<QString> keysOfTheSources()
+{
+    static const QRegularExpression kLookup(
+        u"(?:getLocalizedString(?:ForKey)?|lookup)\\(\\s*(?:QStringLiteral\\(|u)?\"([A-Z0-9_]+)\""_s);
+    static const QRegularExpression kKey(u"\"([A-Z][A-Z0-9]*(?:_[A-Z0-9]+)+)\""_s);
+    static const QRegularExpression kNoKey(u"^(XDG|DBUS|QT|WAYLAND|DONOT_TRANSLATE)_|^WINDOW_OBJECT$"_s);
+    QSet<QString> keys;
+    const QString root = QStringLiteral(HAZELMARK_SOURCE_DIR "/src/");
+    QDirIterator files(root, {u"*.cpp"_s, u"*.h"_s}, QDir::Files, QDirIterator::Subdirectories);
+    while (files.hasNext()) {
+        QFile file(files.next());
+        EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+        const QString text = QString::fromUtf8(file.readAll());
+        const bool hasTexts = file.fileName().contains(u"/src/app/"_s) || file.fileName().contains(u"/src/screen/"_s);
+        for (const QRegularExpression &expression : {kLookup, hasTexts ? kKey : kLookup}) {
+            for (auto match = expression.globalMatch(text); match.hasNext();)
+                keys.insert(match.next().captured(1));
+        }
+    }
+    return keys.removeIf([](const QString &key) { return key.contains(kNoKey); }), keys;
+}
 
 } // namespace
 
-TEST_P(LanguageChoiceTest, FollowsTheFirstPreferredLanguage)
+TEST_F(LocalisationTest, FollowsTheFirstPreferredLanguage)
 {
     for (const char *code : {"en", "fr", "de", "zh"})
-        writeTable(code, code);
-    m_session.m_languages = {QString::fromLatin1(GetParam().preferred), QStringLiteral("fr")};
-    EXPECT_EQ(lookup("SAVE"), QLatin1String(GetParam().table));
+        write(u"BS_%1.plist"_s.arg(QLatin1String(code)), {u"SAVE"_s, QLatin1String(code)});
+    const std::pair<const char *, const char *> languages[] = {{"en", "en"},         {"fr-CA", "fr"}, {"de-DE", "de"},
+                                                               {"zh-Hans-CN", "zh"}, {"it-IT", "en"}, {"", "en"},
+                                                               {"../x", "en"}};
+    for (const auto &[preferred, code] : languages) {
+        m_session.m_languages = {QLatin1String(preferred), u"fr"_s};
+        Localisation texts;
+        EXPECT_EQ(save(texts), QLatin1String(code)) << preferred;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Languages, LanguageChoiceTest,
-                         testing::Values(LanguageCase{"en", "en"}, LanguageCase{"fr-CA", "fr"},
-                                         LanguageCase{"de-DE", "de"}, LanguageCase{"zh-Hans-CN", "zh"},
-                                         LanguageCase{"it-IT", "en"}, LanguageCase{"", "en"},
-                                         LanguageCase{"../x", "en"}));
 
 TEST_F(LocalisationTest, PlaceholdersBecomeSpecifiers)
 {
-    write(QStringLiteral("BS_en.plist"),
-          "<key>A</key><string>{1} of {0} and {4}, not {5}; 100 %</string>"
-          "<key>B</key><string>DONOT_TRANSLATE_INTEGER_VALUE x DONOT_TRANSLATE_STRING_VALUE</string>"
-          "<key>C</key><string></string>");
-    EXPECT_EQ(lookup("A"), QStringLiteral("%@ of %@ and %@, not {5}; 100 %"));
-    EXPECT_EQ(lookup("B"), QStringLiteral("%d x %@"));
-    EXPECT_EQ(lookup("C"), QString());
-    EXPECT_EQ(lookup("D"), QStringLiteral("(null)"));
-    EXPECT_EQ(m_texts.getLocalizedString(QStringLiteral("B"), QStringLiteral("old")), lookup("B"));
+    const std::pair<QString, QString> texts[] = {
+        {u"{1} of {0}, {2}, {3} and {4}, not {5}; 100 %"_s, u"%@ of %@, %@, %@ and %@, not {5}; 100 %"_s},
+        {u"DONOT_TRANSLATE_INTEGER_VALUE x DONOT_TRANSLATE_STRING_VALUE"_s, u"%d x %@"_s},
+        {u""_s, u""_s}};
+    for (const auto &[text, format] : texts) {
+        write(u"BS_en.plist"_s, {u"SAVE"_s, text});
+        Localisation localisation;
+        EXPECT_EQ(save(localisation), format);
+        EXPECT_EQ(localisation.getLocalizedString(u"SAVE"_s, u"old"_s), format);
+        EXPECT_EQ(localisation.getLocalizedStringForKey(u"NONE"_s), u"(null)"_s);
+    }
 }
 
-TEST_F(LocalisationTest, ATableThatIsMissingOrBrokenIsTriedAgain)
+TEST_F(LocalisationTest, ATableThatIsMissingOrBrokenIsTriedAgainAndAGoodOneKept)
 {
-    EXPECT_EQ(lookup("SAVE"), QStringLiteral("(null)"));
-    write(QStringLiteral("BS_en.plist"), "<key>SAVE</key>");
-    EXPECT_EQ(lookup("SAVE"), QStringLiteral("(null)"));
+    EXPECT_EQ(save(m_texts), u"(null)"_s);
+    write(u"BS_en.plist"_s, {u"SAVE"_s});
+    EXPECT_EQ(save(m_texts), u"(null)"_s);
     EXPECT_FALSE(m_texts.dictLanguageTokens());
-    writeTable("en", "Save");
-    EXPECT_EQ(lookup("SAVE"), QStringLiteral("Save"));
-    writeTable("en", "changed");
-    EXPECT_EQ(lookup("SAVE"), QStringLiteral("Save")) << "the table is kept for the life of the process";
-}
-
-TEST_F(LocalisationTest, TheLanguageMenuLoadsATableThatNoLookupReads)
-{
-    writeTable("en", "Save");
-    for (const char *name : {"EN", "FR", "DE", "JA"}) {
-        write(QStringLiteral("Hazelmark_%1.plist").arg(QLatin1String(name)),
-              QByteArray("<key>SAVE</key><string>") + name + "</string>");
+    for (const QString &text : {u"Save"_s, u"changed"_s}) {
+        write(u"BS_en.plist"_s, {u"SAVE"_s, text});
+        EXPECT_EQ(save(m_texts), u"Save"_s);
     }
-    const auto picked = [&] {
-        return m_texts.languageSettingsDict() ? m_texts.languageSettingsDict()->value(QStringLiteral("SAVE")).toString()
-                                              : QStringLiteral("absent");
-    };
-    EXPECT_EQ(picked(), QStringLiteral("absent"));
-    const std::pair<int, const char *> tags[] = {{0, "EN"}, {1, "FR"},     {2, "DE"}, {4, "JA"},
-                                                 {9, "EN"}, {3, "absent"}, {-1, "EN"}};
-    for (const auto &[tag, table] : tags) {
+    for (const QString &name : {u"EN"_s, u"FR"_s, u"DE"_s, u"JA"_s})
+        write(u"Hazelmark_%1.plist"_s.arg(name), {u"SAVE"_s, name});
+    EXPECT_FALSE(m_texts.languageSettingsDict());
+    const std::pair<int, QString> tags[] = {{0, u"EN"_s}, {1, u"FR"_s},  {2, u"DE"_s}, {4, u"JA"_s},
+                                            {5, u"EN"_s}, {-1, u"EN"_s}, {3, u""_s}};
+    for (const auto &[tag, picked] : tags) {
         m_texts.loadLanguageSettings(tag);
-        EXPECT_EQ(picked(), QLatin1String(table)) << tag;
-        EXPECT_EQ(lookup("SAVE"), QStringLiteral("Save"));
+        EXPECT_EQ(m_texts.languageSettingsDict().value_or(QVariantMap()).value(u"SAVE"_s).toString(), picked) << tag;
+        EXPECT_EQ(save(m_texts), u"Save"_s) << "no lookup reads it";
     }
+    EXPECT_FALSE(m_texts.languageSettingsDict()) << "the last one is missing";
 }
 
 TEST_F(LocalisationTest, LinksLeadToPagesAndToFilesOfTheProgramOnly)
 {
-    const auto entry = [](const char *tag, const char *address) {
-        return QByteArray("<key>") + tag + "</key><dict><key>name</key><string>N" + tag +
-               "</string><key>address</key><string>" + address + "</string></dict>";
-    };
-    ASSERT_TRUE(QDir(m_folder.path()).mkpath(QStringLiteral("manual/index.html")));
-    write(QStringLiteral("Links.plist"),
-          entry("0", "manual/index.html") + entry("1", "") + entry("2", "appstream:org.example.App") +
-              entry("3", "https://example.org/x") + entry("4", "file:///etc/passwd") + entry("5", "manual/none.html") +
-              entry("6", "../outside") + entry("8", "https://example.org"));
+    ASSERT_TRUE(QDir(m_folder.path()).mkpath(u"manual/index.html"_s));
+    const char *addresses[] = {
+        "manual/index.html", "",           "appstream:org.example.App", "https://example.org/x", "file:///etc/passwd",
+        "manual/none.html",  "../outside", "http://example.org",        "https://example.org"};
+    QString links;
+    for (int tag = 0; tag < 9; ++tag)
+        links +=
+            u"<key>%1</key><dict><key>name</key><string>N%1</string><key>address</key><string>%2</string></dict>"_s.arg(
+                QString::number(tag), QLatin1String(addresses[tag]));
+    QFile file(m_folder.filePath(u"Links.plist"_s));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+    file.write(u"<plist><dict>%1</dict></plist>"_s.arg(links).toUtf8());
+    file.close();
+    const LinkTable table;
+    EXPECT_EQ(table.address(0), QUrl::fromLocalFile(m_folder.filePath(u"manual/index.html"_s)));
+    for (const int tag : {2, 3, 7}) {
+        EXPECT_EQ(table.address(tag), QUrl(QLatin1String(addresses[tag])));
+        EXPECT_EQ(table.name(tag), u"N%1"_s.arg(tag));
+    }
+    for (const int tag : {1, 4, 5, 6, 8, -1})
+        EXPECT_TRUE(table.address(tag).isEmpty()) << tag;
+}
+
+TEST(StringTablesTest, HoldWhatTheSourcesLookUpInEveryLanguage)
+{
+    const QVariantMap english = table(u"BS_en"_s);
+    const QSet<QString> keys = keysOfTheSources();
+    ASSERT_GT(keys.size(), 30) << "the sources were not found";
+    for (const QString &key : keys)
+        EXPECT_TRUE(english.contains(key)) << qPrintable(key);
+    for (int reason = 0; reason <= static_cast<int>(Failure::Reason::EncodeFailed); ++reason)
+        EXPECT_EQ(placeholders(english.value(refusalKey(static_cast<Failure::Reason>(reason))).toString()),
+                  QStringList(u"{0}"_s))
+            << reason;
+    for (const char *name : {"BS_en", "BS_fr", "BS_de", "BS_zh", "BS_ja", "Hazelmark_EN", "Hazelmark_FR",
+                             "Hazelmark_DE", "Hazelmark_CN", "Hazelmark_JA"}) {
+        const QVariantMap texts = table(QLatin1String(name));
+        EXPECT_EQ(texts.keys(), english.keys()) << name;
+        int same = 0;
+        for (auto entry = texts.begin(); entry != texts.end(); ++entry) {
+            const QString text = entry->toString(), original = english.value(entry.key()).toString();
+            same += text == original;
+            EXPECT_EQ(placeholders(text), placeholders(original)) << name << qPrintable(entry.key());
+            // A lookup hands the text on as a format: nothing but the placeholders may look like a specifier.
+            EXPECT_FALSE(text.trimmed().isEmpty() || text.contains("%@"_L1) || text.contains("%d"_L1))
+                << name << qPrintable(entry.key());
+        }
+        const bool isEnglish = QLatin1String(name).endsWith("EN"_L1, Qt::CaseInsensitive);
+        EXPECT_TRUE(isEnglish || same < 10) << name; // "Format", "Photo", "OK" are words of several languages
+    }
+}
+
+TEST(StringTablesTest, TheLinksThatAreDeliveredLeadSomewhere)
+{
     const LinkTable links;
-    EXPECT_EQ(links.address(0), QUrl::fromLocalFile(m_folder.filePath(QStringLiteral("manual/index.html"))));
-    EXPECT_EQ(links.address(2), QUrl(QStringLiteral("appstream:org.example.App")));
-    EXPECT_EQ(links.address(3), QUrl(QStringLiteral("https://example.org/x")));
-    EXPECT_EQ(links.name(3), QStringLiteral("N3"));
-    for (const int tag : {1, 4, 5, 6, 7, 8, -1})
-        EXPECT_TRUE(links.address(tag).isEmpty()) << tag;
+    EXPECT_TRUE(QFile::exists(links.address(LinkTable::kHomePageTag).toLocalFile()));
+    EXPECT_EQ(links.address(LinkTable::kStorePageTag).toString(), u"appstream:org.hazelmark.Hazelmark"_s);
+    for (const int tag : {1, 3, 4, 5, 6, 7})
+        EXPECT_TRUE(links.address(tag).isEmpty() || !links.name(tag).isEmpty()) << tag;
 }

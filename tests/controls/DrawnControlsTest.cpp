@@ -1,6 +1,9 @@
+// Slider, progress bar, highlight button, page dots and the image view that fills its place.
 #include "BarProgressIndicator.h"
+#include "DotPageControl.h"
 #include "FloatSlider.h"
 #include "HighlightButton.h"
+#include "ScaleToFillImageView.h"
 #include "Theme.h"
 
 #include <QAccessible>
@@ -29,12 +32,14 @@ QImage drawn(QWidget &widget)
     return image;
 }
 
-/// How many pixels of row `y` have exactly this colour.
-int count(const QImage &image, int y, const QColor &color)
+/// How many pixels `isCounted` says yes to.
+template <typename Test>
+int count(const QImage &image, Test isCounted)
 {
     int number = 0;
-    for (int x = 0; x < image.width(); ++x)
-        number += image.pixelColor(x, y) == color;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            number += isCounted(image.pixelColor(x, y));
     return number;
 }
 
@@ -42,6 +47,18 @@ void wheel(QWidget &widget, int angle)
 {
     QWheelEvent event(QPointF(5, 5), widget.mapToGlobal(QPointF(5, 5)), {}, {0, angle}, Qt::NoButton, {},
                       Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
+void enter(QWidget &widget)
+{
+    QEnterEvent event(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
+    QCoreApplication::sendEvent(&widget, &event);
+}
+
+void leave(QWidget &widget)
+{
+    QEvent event(QEvent::Leave);
     QCoreApplication::sendEvent(&widget, &event);
 }
 
@@ -61,16 +78,38 @@ protected:
 
 } // namespace
 
-TEST_F(FloatSliderTest, OnlyAPersonsChangeSendsTheAction)
+TEST_F(FloatSliderTest, OnlyAPersonsChangeSendsTheActionAndTheRangeHolds)
 {
     m_slider.setValue(12.5);
     m_slider.setRange(20, 100);
     EXPECT_DOUBLE_EQ(m_slider.value(), 20);
+    m_slider.setRange(0, 100);
+    constexpr double kInfinity = std::numeric_limits<double>::infinity();
+    for (const auto &[given, kept] : {std::pair{-5.0, 0.0},
+                                      {1e9, 100.0},
+                                      {kInfinity, 100.0},
+                                      {-kInfinity, 0.0},
+                                      {std::numeric_limits<double>::quiet_NaN(), 0.0}}) {
+        m_slider.setValue(given);
+        EXPECT_EQ(m_slider.value(), kept) << given;
+    }
+    m_slider.setAccessibleName(QStringLiteral("Blur amount"));
+    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&m_slider);
+    ASSERT_TRUE(interface && interface->valueInterface());
+    EXPECT_EQ(interface->role(), QAccessible::Slider);
+    EXPECT_EQ(interface->text(QAccessible::Name), QStringLiteral("Blur amount"));
+    EXPECT_EQ(interface->valueInterface()->maximumValue().toDouble(), 100);
     EXPECT_TRUE(m_action.isEmpty());
+    interface->valueInterface()->setCurrentValue(33.0);
     QTest::mouseClick(&m_slider, Qt::LeftButton, {}, {110, 10});
-    EXPECT_DOUBLE_EQ(m_slider.value(), 60);
-    ASSERT_EQ(m_action.size(), 1);
-    EXPECT_DOUBLE_EQ(m_action[0][0].toDouble(), 60);
+    ASSERT_EQ(m_action.size(), 2);
+    EXPECT_DOUBLE_EQ(m_action[0][0].toDouble(), 33);
+    EXPECT_DOUBLE_EQ(m_action[1][0].toDouble(), 50);
+    m_slider.setRange(5, 5);
+    EXPECT_EQ(m_slider.fraction(), 0);
+    m_slider.setRange(9, 3);
+    EXPECT_EQ(m_slider.maxValue(), 9);
+    drawn(m_slider);
 }
 
 TEST_F(FloatSliderTest, FollowsThePointerFromWhereItTookTheKnob)
@@ -142,24 +181,6 @@ TEST_F(FloatSliderTest, StepsWithKeysAndWheel)
     EXPECT_DOUBLE_EQ(m_slider.value(), 0.03);
 }
 
-TEST_F(FloatSliderTest, KeepsToItsRangeWhateverItIsGiven)
-{
-    constexpr double kInfinity = std::numeric_limits<double>::infinity();
-    for (const auto &[given, kept] : {std::pair{-5.0, 0.0},
-                                      {1e9, 100.0},
-                                      {kInfinity, 100.0},
-                                      {-kInfinity, 0.0},
-                                      {std::numeric_limits<double>::quiet_NaN(), 0.0}}) {
-        m_slider.setValue(given);
-        EXPECT_EQ(m_slider.value(), kept) << given;
-    }
-    m_slider.setRange(5, 5);
-    EXPECT_EQ(m_slider.fraction(), 0);
-    m_slider.setRange(9, 3);
-    EXPECT_EQ(m_slider.maxValue(), 9);
-    drawn(m_slider);
-}
-
 TEST_F(FloatSliderTest, DrawsAGrayTrackAndAGreenPart)
 {
     constexpr int kTrackTop = 8; // 5 rows in the middle of 21
@@ -173,77 +194,40 @@ TEST_F(FloatSliderTest, DrawsAGrayTrackAndAGreenPart)
     EXPECT_EQ(empty.pixelColor(216, kTrackTop).alpha(), 0);
     m_slider.setValue(100);
     const QImage full = drawn(m_slider);
-    int first = -1, last = -1;
-    for (int x = 0; x < full.width(); ++x) {
-        if (full.pixelColor(x, kTrackTop) == kSliderGreen) {
-            first = first < 0 ? x : first;
-            last = x;
-        }
+    // 8 points shorter than the view, 5 high, and no knob in the topmost row of the track but at the end.
+    for (const auto &[x, y, isGreen] : {std::tuple{3, 8, false},
+                                        {4, 8, true},
+                                        {215, 8, true},
+                                        {216, 8, false},
+                                        {20, 7, false},
+                                        {20, 12, true},
+                                        {20, 13, false},
+                                        {210, 10, true},
+                                        {210, 5, true}})
+        EXPECT_EQ(full.pixelColor(x, y) == kSliderGreen, isGreen) << x << ' ' << y;
+}
+
+TEST(BarProgressIndicatorTest, FillsWholePointsOfTheMaximum)
+{
+    for (const auto &[minimum, maximum, value, done] : {std::tuple{0.0, 100.0, 50.0, 150},
+                                                        {50, 100, 50, 150},
+                                                        {0, 100, 0, 0},
+                                                        {0, 100, 100, 301},
+                                                        {0, 100, 130, 301},
+                                                        {0, 100, -3, 0},
+                                                        {0, 0, 1, 0}}) {
+        BarProgressIndicator bar({0, 0, 301, 3}, Qt::blue, Qt::red, minimum, maximum, value);
+        const auto columns = [&](const QColor &color) {
+            return count(drawn(bar), [&](const QColor &c) { return c == color; }) / 3.0;
+        };
+        EXPECT_EQ(columns(Qt::blue), done) << value;
+        EXPECT_EQ(columns(Qt::red), 301 - done) << value;
+        bar.setEmptyColor(Qt::transparent);
+        EXPECT_EQ(columns(Qt::transparent), 301 - done) << value;
     }
-    EXPECT_EQ(first, 4);
-    EXPECT_EQ(last - first + 1, 220 - 8);
-    EXPECT_EQ(full.pixelColor(20, kTrackTop - 1).alpha(), 0) << "the track is 5 points high";
-    EXPECT_EQ(full.pixelColor(20, kTrackTop + 4), kSliderGreen);
-    EXPECT_EQ(full.pixelColor(20, kTrackTop + 5).alpha(), 0);
-    EXPECT_EQ(full.pixelColor(210, 10), kSliderGreen);
-    EXPECT_EQ(full.pixelColor(210, 5), kSliderGreen) << "the knob stands above the track";
 }
-
-TEST_F(FloatSliderTest, IsReadAndChangedByAssistiveTechnology)
-{
-    m_slider.setAccessibleName(QStringLiteral("Blur amount"));
-    QAccessibleInterface *interface = QAccessible::queryAccessibleInterface(&m_slider);
-    ASSERT_TRUE(interface && interface->valueInterface());
-    EXPECT_EQ(interface->role(), QAccessible::Slider);
-    EXPECT_EQ(interface->text(QAccessible::Name), QStringLiteral("Blur amount"));
-    interface->valueInterface()->setCurrentValue(33.0);
-    EXPECT_DOUBLE_EQ(m_slider.value(), 33);
-    EXPECT_EQ(m_action.size(), 1);
-    EXPECT_EQ(interface->valueInterface()->maximumValue().toDouble(), 100);
-}
-
-struct ProgressCase
-{
-    double minimum, maximum, value;
-    int done;
-};
-
-class BarProgressIndicatorTest : public testing::TestWithParam<ProgressCase>
-{
-};
-
-TEST_P(BarProgressIndicatorTest, FillsWholePointsOfTheMaximum)
-{
-    const auto &[minimum, maximum, value, done] = GetParam();
-    BarProgressIndicator bar({0, 0, 301, 3}, Qt::blue, Qt::red, minimum, maximum, value);
-    const QImage image = drawn(bar);
-    EXPECT_EQ(count(image, 0, Qt::blue), done);
-    EXPECT_EQ(count(image, 2, Qt::red), 301 - done);
-    bar.setEmptyColor(Qt::transparent);
-    EXPECT_EQ(count(drawn(bar), 1, Qt::transparent), 301 - done);
-}
-
-INSTANTIATE_TEST_SUITE_P(Values, BarProgressIndicatorTest,
-                         testing::Values(ProgressCase{0, 100, 50, 150}, ProgressCase{50, 100, 50, 150},
-                                         ProgressCase{0, 100, 0, 0}, ProgressCase{0, 100, 100, 301},
-                                         ProgressCase{0, 100, 130, 301}, ProgressCase{0, 100, -3, 0},
-                                         ProgressCase{0, 0, 1, 0}));
 
 namespace {
-
-void enter(QWidget &widget)
-{
-    QEnterEvent event(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
-    QCoreApplication::sendEvent(&widget, &event);
-}
-
-void leave(QWidget &widget)
-{
-    QEvent event(QEvent::Leave);
-    QCoreApplication::sendEvent(&widget, &event);
-}
-
-} // namespace
 
 class HighlightButtonTest : public testing::Test
 {
@@ -261,14 +245,11 @@ protected:
     /// How much of the title there is: bold letters are more.
     static int ink(QWidget &button)
     {
-        const QImage image = drawn(button);
-        int sum = 0;
-        for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x)
-                sum += image.pixelColor(x, y).red() > 160;
-        return sum;
+        return count(drawn(button), [](const QColor &color) { return color.red() > 160; });
     }
 };
+
+} // namespace
 
 TEST_F(HighlightButtonTest, AFlatButtonTurnsLighterAndBoldUnderThePointer)
 {
@@ -303,7 +284,6 @@ TEST_F(HighlightButtonTest, AnImageButtonSwapsItsImage)
     enter(button);
     EXPECT_EQ(button.image(), QStringLiteral("brush_selected"));
     button.setImgNormalState(QStringLiteral("hazelmark.png"));
-    EXPECT_EQ(button.image(), QStringLiteral("brush_selected"));
     const QImage hovered = drawn(button);
     leave(button);
     EXPECT_EQ(button.image(), QStringLiteral("hazelmark.png"));
@@ -333,4 +313,46 @@ TEST_F(HighlightButtonTest, APressHighlightsForATenthOfASecondAndClicks)
     button.setEnabled(false);
     QTest::mouseClick(&button, Qt::LeftButton, {}, {5, 5});
     EXPECT_EQ(clicked.size(), 3);
+}
+
+TEST(DotPageControlTest, OnlyAPersonsChoiceIsSent)
+{
+    DotPageControl control;
+    control.setDotSize(25, 5);
+    control.setNumberOfPages(3);
+    EXPECT_EQ(control.sizeHint(), QSize(95, 35));
+    control.resize(control.sizeHint());
+    control.show();
+    QSignalSpy selected(&control, &DotPageControl::pageSelected);
+    control.setCurrentPage(7);
+    EXPECT_EQ(control.currentPage(), 2);
+    EXPECT_TRUE(selected.isEmpty());
+    QTest::mouseClick(&control, Qt::LeftButton, {}, {48, 17});
+    EXPECT_EQ(control.currentPage(), 1);
+    QTest::keyClick(&control, Qt::Key_Left);
+    QTest::keyClick(&control, Qt::Key_Left); // no page there
+    ASSERT_EQ(selected.size(), 2);
+    EXPECT_EQ(selected[0][0].toInt(), 1);
+    EXPECT_EQ(selected[1][0].toInt(), 0);
+    control.setNumberOfPages(0);
+    EXPECT_EQ(control.currentPage(), 0);
+    QTest::mouseClick(&control, Qt::LeftButton, {}, {48, 17});
+    EXPECT_EQ(selected.size(), 2);
+}
+
+TEST(ScaleToFillImageViewTest, CoversTheViewWithoutDistortion)
+{
+    QImage picture(200, 100, QImage::Format_RGB32); // red | green | blue, of 50, 100 and 50 columns
+    for (int x = 0; x < 200; ++x)
+        for (int y = 0; y < 100; ++y)
+            picture.setPixelColor(x, y, x < 50 ? Qt::red : x < 150 ? Qt::green : Qt::blue);
+    ScaleToFillImageView view;
+    view.setImage(QPixmap::fromImage(picture));
+    for (const auto &[width, x, color] :
+         {std::tuple{100, 2, Qt::green}, {100, 97, Qt::green}, {400, 90, Qt::red}, {400, 110, Qt::green}}) {
+        view.resize(width, 100);
+        EXPECT_EQ(view.grab().toImage().pixelColor(x, 50), QColor(color)) << width << ' ' << x;
+    }
+    view.setImage({});
+    view.grab();
 }
