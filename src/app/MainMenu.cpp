@@ -36,7 +36,6 @@ MainMenu::MainMenu(const LinkTable &links)
     makeFileMenu();
     makeLanguageMenu();
     makeHelpMenu(links);
-    setAvailable(false, false);
 }
 
 void MainMenu::makeFileMenu()
