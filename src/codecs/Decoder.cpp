@@ -27,8 +27,8 @@ QString inGigabytes(qint64 bytes)
     return QString::number(double(bytes) / 1e9, 'f', 1) + QStringLiteral(" GB");
 }
 
-} // namespace
-
+/// Nothing when there is memory for it, and for a second bitmap of the kind: nothing can be done with a picture without
+/// one, be it only to turn it upright.
 std::optional<Failure> checkMemory(const SourceFile &source, const DecodeCost &cost)
 {
     const qint64 needed = cost.bitmap + std::max(cost.working, cost.bitmap);
@@ -40,22 +40,57 @@ std::optional<Failure> checkMemory(const SourceFile &source, const DecodeCost &c
         QStringLiteral("it takes %1, and %2 are free").arg(inGigabytes(needed), inGigabytes(available)));
 }
 
-Outcome<PictureInfo> readPictureInfo(SourceFile &source)
+} // namespace
+
+Decoder::Decoder(SourceFile &source, std::unique_ptr<PictureReader> reader)
+    : m_source(&source)
+    , m_reader(std::move(reader))
+{
+}
+
+Decoder::Decoder(Decoder &&) noexcept = default;
+Decoder &Decoder::operator=(Decoder &&) noexcept = default;
+Decoder::~Decoder() = default;
+
+Outcome<Decoder> Decoder::open(SourceFile &source)
 try {
-    const PictureFormat *format = formatOf(source);
-    Outcome<PictureInfo> info = format->readInfo(source);
-    if (info) // exports are scaled to the last one's size
-        std::erase_if(info->frames, [&](QSize size) { return source.checkSize(size.width(), size.height()); });
-    return info;
+    std::unique_ptr<PictureReader> reader = formatOf(source)->makeReader(source);
+    if (const std::optional<Failure> failure = reader->readHeader())
+        return *failure;
+    return Decoder(source, std::move(reader));
 } catch (const std::bad_alloc &) {
     return source.failure(Failure::Reason::OutOfMemory);
 }
 
-Outcome<Picture> decodePicture(SourceFile &source, QSize atLeast)
+Outcome<PictureInfo> Decoder::info()
 try {
-    return formatOf(source)->decode(source, atLeast);
+    PictureInfo info = m_reader->info();
+    // Exports are scaled to the last one's size.
+    std::erase_if(info.frames, [&](QSize size) { return m_source->checkSize(size.width(), size.height()); });
+    return info;
 } catch (const std::bad_alloc &) {
-    return source.failure(Failure::Reason::OutOfMemory);
+    return m_source->failure(Failure::Reason::OutOfMemory);
+}
+
+Outcome<Picture> Decoder::decode(QSize atLeast)
+try {
+    if (const std::optional<Failure> failure = checkMemory(*m_source, m_reader->cost(atLeast)))
+        return *failure;
+    return m_reader->decode(atLeast);
+} catch (const std::bad_alloc &) {
+    return m_source->failure(Failure::Reason::OutOfMemory);
+}
+
+Outcome<PictureInfo> readPictureInfo(SourceFile &source)
+{
+    Outcome<Decoder> decoder = Decoder::open(source);
+    return decoder ? decoder->info() : decoder.failure();
+}
+
+Outcome<Picture> decodePicture(SourceFile &source, QSize atLeast)
+{
+    Outcome<Decoder> decoder = Decoder::open(source);
+    return decoder ? decoder->decode(atLeast) : decoder.failure();
 }
 
 Outcome<PictureInfo> readPictureInfo(const QString &path)

@@ -1,5 +1,6 @@
 #include "LargeMemory.h"
 #include "PictureFormat.h"
+#include "SourceCursor.h"
 
 #include <algorithm>
 
@@ -11,19 +12,19 @@ namespace {
 
 /// The first frame of a GIF file on its canvas. Read with giflib rather than through Qt, which hands back what it has
 /// got of a cut-off file.
-class GifReader
+class GifReader : public PictureReader
 {
 public:
     explicit GifReader(SourceFile &source);
-    ~GifReader();
+    ~GifReader() override;
     GifReader(const GifReader &) = delete;
     GifReader &operator=(const GifReader &) = delete;
 
     /// Reads up to the first frame's pixels.
-    std::optional<Failure> readHeader();
-    PictureInfo info();
-    DecodeCost cost(QSize) const { return {qint64(canvasSize().width()) * canvasSize().height() * 4}; }
-    Outcome<Picture> decode(QSize);
+    std::optional<Failure> readHeader() override;
+    PictureInfo info() override;
+    DecodeCost cost(QSize) override { return {qint64(canvasSize().width()) * canvasSize().height() * 4}; }
+    Outcome<Picture> decode(QSize) override;
 
 private:
     enum class Record { Frame, End, Broken };
@@ -43,6 +44,7 @@ private:
     bool readRows(QImage &canvas, const ColorMapObject &colors);
 
     SourceFile &m_source;
+    SourceCursor m_cursor{m_source};
     GifFileType *m_gif = nullptr;
     int m_openError = 0;
     int m_transparentIndex = NO_TRANSPARENT_COLOR;
@@ -60,7 +62,6 @@ QByteArray bytesOf(const GifByteType *block)
 GifReader::GifReader(SourceFile &source)
     : m_source(source)
 {
-    source.device().seek(0);
     m_gif = DGifOpen(this, &read, &m_openError);
 }
 
@@ -74,7 +75,7 @@ GifReader::~GifReader()
 int GifReader::read(GifFileType *gif, GifByteType *bytes, int count)
 {
     auto *self = static_cast<GifReader *>(gif->UserData);
-    const qint64 got = self->m_source.device().read(reinterpret_cast<char *>(bytes), count);
+    const qint64 got = self->m_cursor.read(reinterpret_cast<char *>(bytes), count);
     if (got < count)
         self->m_hasHitEnd = true;
     return int(std::max<qint64>(got, 0));
@@ -179,7 +180,9 @@ PictureInfo GifReader::info()
     info.frames = {size};
     info.hasAlpha = hasAlpha();
     info.iccProfile = m_iccProfile;
-    while (info.frames.size() < kMaxFrames && skipPixels() && nextFrame() == Record::Frame)
+    GifReader rest(m_source); // this one stays at the first frame's pixels
+    const bool isReadable = !rest.readHeader();
+    while (isReadable && info.frames.size() < kMaxFrames && rest.skipPixels() && rest.nextFrame() == Record::Frame)
         info.frames.push_back(size);
     return info;
 }

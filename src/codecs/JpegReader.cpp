@@ -24,7 +24,7 @@ constexpr qint64 kMaxScannedPixels = 1'000'000'000;
 /// Rows that are asked of the library at once; it hands back at most two MCU rows' worth.
 constexpr int kRowsPerCall = 16;
 
-class JpegReader
+class JpegReader : public PictureReader
 {
 public:
     explicit JpegReader(SourceFile &source)
@@ -37,14 +37,14 @@ public:
         m_progress.progress_monitor = &watchScan;
         m_lib.progress = &m_progress;
     }
-    ~JpegReader() { jpeg_destroy_decompress(&m_lib); }
+    ~JpegReader() override { jpeg_destroy_decompress(&m_lib); }
     JpegReader(const JpegReader &) = delete;
     JpegReader &operator=(const JpegReader &) = delete;
 
-    std::optional<Failure> readHeader();
-    PictureInfo info();
-    DecodeCost cost(QSize atLeast);
-    Outcome<Picture> decode(QSize atLeast);
+    std::optional<Failure> readHeader() override;
+    PictureInfo info() override;
+    DecodeCost cost(QSize atLeast) override;
+    Outcome<Picture> decode(QSize atLeast) override;
 
 private:
     ColorModel colorModel() const;
@@ -79,7 +79,7 @@ void JpegReader::watchScan(j_common_ptr lib)
 
 std::optional<Failure> JpegReader::readHeader()
 {
-    if (!m_isCreated || !m_source.device().seek(0))
+    if (!m_isCreated)
         return m_errors.failure();
     m_input.attach(m_lib);
     const bool read = runGuarded(m_errors.jump, [this] {
@@ -260,21 +260,24 @@ void JpegReader::readCmykRows(const CmykToSrgb &converter, uint8_t *cmyk, uchar 
 
 /// Whether scans are missing at the end; to be asked when the library has started, which is when it has read all scans
 /// of a file that has several. One missing end marker after the last pixel is forgiven. Some programs leave the finest
-/// scans out and end such a file properly.
+/// scans out and end such a file properly; where all of a frequency is missing, that is no longer the whole picture.
 bool JpegReader::lacksScans()
 {
     if (!jpeg_has_multiple_scans(&m_lib))
         return false;
     if (m_errors.seenComponents != (1u << m_lib.num_components) - 1)
         return true;
-    const bool isEnded = !m_input.hasEnded();
-    for (int component = 0; m_lib.coef_bits && component < m_lib.num_components; ++component) {
-        const int *missingBits = m_lib.coef_bits[component];
-        if (std::any_of(missingBits, missingBits + DCTSIZE2,
-                        [isEnded](int bits) { return bits < 0 || (bits > 0 && !isEnded); }))
-            return true;
-    }
-    return false;
+    const auto isAny = [this](auto predicate) {
+        for (int component = 0; m_lib.coef_bits && component < m_lib.num_components; ++component) {
+            const int *missingBits = m_lib.coef_bits[component];
+            if (std::any_of(missingBits, missingBits + DCTSIZE2, predicate))
+                return true;
+        }
+        return false;
+    };
+    const bool lacksFrequencies = isAny([](int bits) { return bits < 0; });
+    m_errors.isDamaged = m_errors.isDamaged || lacksFrequencies;
+    return m_input.hasEnded() && (lacksFrequencies || isAny([](int bits) { return bits != 0; }));
 }
 
 bool isJpeg(const QByteArray &head)

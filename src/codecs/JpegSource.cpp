@@ -148,11 +148,12 @@ JpegSource::JpegSource(SourceFile &source, JpegErrors &errors)
 boolean JpegSource::fill(j_decompress_ptr lib)
 {
     JpegSource *self = static_cast<JpegErrors *>(lib->client_data)->input;
-    qint64 count = self->m_source.device().read(reinterpret_cast<char *>(self->m_buffer.data()), kBufferSize);
+    qint64 count = self->m_source.read(self->m_position, reinterpret_cast<char *>(self->m_buffer.data()), kBufferSize);
     if (count < 0) {
         self->m_hasReadError = true;
         ERREXIT(lib, JERR_FILE_READ);
     }
+    self->m_position += count;
     if (count == 0) {
         self->m_hasEnded = true;
         self->m_buffer[0] = 0xff;
@@ -178,24 +179,19 @@ void JpegSource::skip(j_decompress_ptr lib, long count)
         self->m_manager.bytes_in_buffer -= size_t(count);
         return;
     }
-    QFile &file = self->m_source.device();
-    const qint64 beyond = count - qint64(self->m_manager.bytes_in_buffer);
+    self->m_position += count - qint64(self->m_manager.bytes_in_buffer);
     self->m_manager.bytes_in_buffer = 0;
-    // Beyond the end the next fill() finds nothing to read.
-    file.seek(std::min(file.pos() + beyond, self->m_source.size()));
 }
 
 bool JpegSource::isFillerBehind(int count) const
 {
-    const qint64 restoredPosition = m_source.device().pos();
-    const qint64 end = restoredPosition - qint64(m_manager.bytes_in_buffer);
+    const qint64 end = m_position - qint64(m_manager.bytes_in_buffer);
     bool isFiller = true;
     for (qint64 at = end - count; isFiller && at < end; at += kBufferSize) { // the whole could be gigabytes
         const QByteArray bytes = m_source.bytesAt(at, std::min(kBufferSize, end - at));
         isFiller = !bytes.isEmpty() &&
                    std::all_of(bytes.begin(), bytes.end(), [](char byte) { return byte == 0 || byte == char(0xff); });
     }
-    m_source.device().seek(restoredPosition);
     return isFiller;
 }
 

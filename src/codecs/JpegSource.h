@@ -63,6 +63,7 @@ private:
 
     jpeg_source_mgr m_manager = {};
     SourceFile &m_source;
+    qint64 m_position = 0; ///< in the file, behind what is in the buffer
     std::vector<JOCTET> m_buffer;
     bool m_hasEnded = false;
     bool m_hasReadError = false;

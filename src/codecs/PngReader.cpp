@@ -1,6 +1,7 @@
 #include "Guarded.h"
 #include "LargeMemory.h"
 #include "PictureFormat.h"
+#include "SourceCursor.h"
 #include "ZlibStream.h"
 
 #include <QtEndian>
@@ -21,7 +22,7 @@ constexpr int kRawChunkCount = 7;
 /// Reads of the library before the picture data: each chunk takes three, and one a kilobyte where it is passed over.
 constexpr int kMaxHeaderReads = 64 * 1024;
 
-class PngReader
+class PngReader : public PictureReader
 {
 public:
     explicit PngReader(SourceFile &source)
@@ -32,14 +33,14 @@ public:
         if (m_info)
             png_set_error_fn(m_png, this, &leave, &ignoreWarning);
     }
-    ~PngReader() { png_destroy_read_struct(&m_png, &m_info, nullptr); }
+    ~PngReader() override { png_destroy_read_struct(&m_png, &m_info, nullptr); }
     PngReader(const PngReader &) = delete;
     PngReader &operator=(const PngReader &) = delete;
 
-    std::optional<Failure> readHeader();
-    PictureInfo info();
-    DecodeCost cost(QSize) const;
-    Outcome<Picture> decode(QSize);
+    std::optional<Failure> readHeader() override;
+    PictureInfo info() override;
+    DecodeCost cost(QSize) override;
+    Outcome<Picture> decode(QSize) override;
 
 private:
     [[noreturn]] static void leave(png_structp png, png_const_charp message);
@@ -57,6 +58,7 @@ private:
     int requestOutputFormat();
 
     SourceFile &m_source;
+    SourceCursor m_cursor{m_source};
     png_structp m_png = nullptr;
     png_infop m_info = nullptr;
     std::jmp_buf m_jump;
@@ -82,7 +84,7 @@ void PngReader::read(png_structp png, png_bytep bytes, size_t count)
     auto *self = static_cast<PngReader *>(png_get_io_ptr(png));
     if (self->m_isInHeader && ++self->m_headerReads > kMaxHeaderReads)
         png_error(png, "its header is too long");
-    const qint64 got = self->m_source.device().read(reinterpret_cast<char *>(bytes), qint64(count));
+    const qint64 got = self->m_cursor.read(reinterpret_cast<char *>(bytes), qint64(count));
     if (got == qint64(count))
         return;
     self->m_reason = got < 0 ? Failure::Reason::NotReadable : Failure::Reason::Truncated;
@@ -93,8 +95,6 @@ std::optional<Failure> PngReader::readHeader()
 {
     if (!m_info)
         return m_source.failure(Failure::Reason::OutOfMemory);
-    if (!m_source.device().seek(0))
-        return m_source.failure(Failure::Reason::NotReadable);
     const bool isRead = runGuarded(m_jump, [this] {
         png_set_read_fn(m_png, this, &read);
         png_set_user_limits(m_png, PNG_UINT_31_MAX, PNG_UINT_31_MAX);
@@ -171,7 +171,7 @@ int PngReader::requestOutputFormat()
     return passes;
 }
 
-DecodeCost PngReader::cost(QSize) const
+DecodeCost PngReader::cost(QSize)
 {
     return {qint64(m_width) * m_height * QImage::toPixelFormat(outputFormat()).bitsPerPixel() / 8};
 }

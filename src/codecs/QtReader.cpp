@@ -29,18 +29,19 @@ bool isRefused(const QByteArray &format)
 }
 
 /// A reader on the file that lets the content alone decide, and turns nothing.
-class QtReader
+class QtReader : public PictureReader
 {
 public:
     explicit QtReader(SourceFile &source);
 
-    std::optional<Failure> readHeader();
-    PictureInfo info();
-    DecodeCost cost(QSize) const;
-    Outcome<Picture> decode(QSize);
+    std::optional<Failure> readHeader() override;
+    PictureInfo info() override;
+    DecodeCost cost(QSize) override;
+    Outcome<Picture> decode(QSize) override;
 
 private:
     Failure failure() const;
+    void startAnew();
     std::vector<QSize> frameSizes();
 
     SourceFile &m_source;
@@ -56,10 +57,16 @@ QtReader::QtReader(SourceFile &source)
     std::call_once(raised, [] {
         QImageReader::setAllocationLimit(std::max(QImageReader::allocationLimit(), kAllocationLimitMegabytes));
     });
-    source.device().seek(0);
     m_reader.setDecideFormatFromContent(true);
     m_reader.setAutoTransform(false);
-    m_reader.setDevice(&source.device());
+    startAnew();
+}
+
+/// At the file's first picture.
+void QtReader::startAnew()
+{
+    m_source.device().seek(0);
+    m_reader.setDevice(&m_source.device());
 }
 
 Failure QtReader::failure() const
@@ -81,7 +88,6 @@ std::optional<Failure> QtReader::readHeader()
     m_header = readFileHeader(m_source, format);
     if (m_header.isOfAnotherKind)
         return m_source.failure(Failure::Reason::NotAPicture);
-    m_source.device().seek(0);
     m_size = m_header.frames.empty() ? m_reader.size() : m_header.frames.front();
     if (m_header.isCutOff && m_size.isEmpty())
         return m_source.failure(Failure::Reason::Truncated);
@@ -101,6 +107,7 @@ std::vector<QSize> QtReader::frameSizes()
         if (!size.isEmpty())
             sizes.push_back(size);
     }
+    startAnew();
     return sizes;
 }
 
@@ -124,7 +131,7 @@ PictureInfo QtReader::info()
 }
 
 /// Some readers put a picture together from another one.
-DecodeCost QtReader::cost(QSize) const
+DecodeCost QtReader::cost(QSize)
 {
     const QImage::Format format = m_reader.imageFormat();
     const qint64 bits = format == QImage::Format_Invalid ? 32 : QImage::toPixelFormat(format).bitsPerPixel();

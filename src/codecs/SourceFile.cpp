@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace hazelmark {
 
@@ -33,17 +34,33 @@ Outcome<std::unique_ptr<SourceFile>> SourceFile::open(const QString &path)
     source->m_size = source->m_file.size();
     if (source->m_size == 0)
         return Failure{Reason::Empty, path, {}};
-    source->m_head = source->m_file.peek(kHeadSize);
+    source->m_head = source->bytesAt(0, kHeadSize);
     if (source->m_head.isEmpty())
-        return Failure{Reason::NotReadable, path, source->m_file.errorString()};
+        return Failure{Reason::NotReadable, path, QString::fromLocal8Bit(std::strerror(errno))};
     return source;
 }
 
-QByteArray SourceFile::bytesAt(qint64 offset, qint64 count)
+qint64 SourceFile::read(qint64 offset, char *bytes, qint64 count) const
 {
-    if (offset < 0 || offset >= m_size || count <= 0 || !m_file.seek(offset))
+    qint64 done = 0;
+    while (offset >= 0 && done < count) {
+        const ssize_t got = ::pread(m_file.handle(), bytes + done, size_t(count - done), offset + done);
+        if (got < 0 && errno == EINTR)
+            continue;
+        if (got <= 0)
+            return got < 0 && done == 0 ? -1 : done;
+        done += got;
+    }
+    return done;
+}
+
+QByteArray SourceFile::bytesAt(qint64 offset, qint64 count) const
+{
+    if (offset < 0 || offset >= m_size || count <= 0)
         return {};
-    return m_file.read(std::min(count, m_size - offset));
+    QByteArray bytes(std::min(count, m_size - offset), Qt::Uninitialized);
+    bytes.truncate(std::max<qint64>(read(offset, bytes.data(), bytes.size()), 0));
+    return bytes;
 }
 
 std::optional<Failure> SourceFile::checkSize(qint64 width, qint64 height) const

@@ -11,15 +11,16 @@
 
 namespace hazelmark {
 
-/// A picture file that is open for reading: a regular, readable file of at least one byte. Decoders read it through
-/// the QFile, never through a memory map: a file that another program cuts while it is read must end in a failure, not
-/// in a bus error.
+/// A picture file that is open for reading: a regular, readable file of at least one byte. It has no position, so that
+/// any number of readers may go on where they were. Nothing maps it into memory: a file that another program cuts while
+/// it is read must end in a failure, not in a bus error.
 class SourceFile
 {
 public:
     /// Fails with NoSuchFile, IsFolder, NotARegularFile (opening a pipe would wait for ever), NotReadable or Empty.
     static Outcome<std::unique_ptr<SourceFile>> open(const QString &path);
 
+    /// For Qt's readers, which move its position.
     QFile &device() { return m_file; }
     qint64 size() const { return m_size; }
     const QString &path() const { return m_path; }
@@ -28,8 +29,11 @@ public:
     const QByteArray &head() const { return m_head; }
     static constexpr int kHeadSize = 4096;
 
+    /// Reads up to `count` bytes from `offset`; how many there were, 0 at the end of the file, or -1 when the device
+    /// failed.
+    qint64 read(qint64 offset, char *bytes, qint64 count) const;
     /// `count` bytes from `offset`, or fewer where the file ends.
-    QByteArray bytesAt(qint64 offset, qint64 count);
+    QByteArray bytesAt(qint64 offset, qint64 count) const;
 
     Failure failure(Failure::Reason reason, const QString &detail = {}) const { return {reason, m_path, detail}; }
 

@@ -1,5 +1,6 @@
 #include "TiffHandle.h"
 
+#include <algorithm>
 #include <cstdarg>
 #include <cstdio>
 
@@ -47,7 +48,6 @@ TIFFOpenOptions *TiffHandle::makeOptions(TiffHandle *self)
 TiffHandle::TiffHandle(SourceFile &source)
     : m_source(&source)
 {
-    source.device().seek(0);
     TIFFOpenOptions *options = makeOptions(this);
     m_tiff = TIFFClientOpenExt(
         "picture", "rm", this,
@@ -55,22 +55,25 @@ TiffHandle::TiffHandle(SourceFile &source)
             auto *self = static_cast<TiffHandle *>(handle);
             if (self->m_isInHeader && count > kMaxHeaderSize - self->m_headerSize)
                 return 0;
-            const qint64 got = self->m_source->device().read(static_cast<char *>(bytes), count);
+            const qint64 got = self->m_source->read(self->m_position, static_cast<char *>(bytes), count);
             if (got < count)
                 self->m_hasHitEnd = true;
             self->m_headerSize += got;
+            self->m_position += std::max<qint64>(got, 0);
             return got;
         },
         [](thandle_t, void *, tmsize_t) -> tmsize_t { return 0; },
         [](thandle_t handle, toff_t offset, int whence) -> toff_t {
             auto *self = static_cast<TiffHandle *>(handle);
-            QFile &file = self->m_source->device();
             // The library seeks from the start, save to learn the size.
-            const qint64 base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? file.pos() : self->m_source->size();
+            const qint64 base = whence == SEEK_SET ? 0 : whence == SEEK_CUR ? self->m_position : self->m_source->size();
             const qint64 target = base + qint64(offset);
             if (target < 0 || target > self->m_source->size())
                 self->m_hasHitEnd = true;
-            return target >= 0 && file.seek(target) ? toff_t(target) : toff_t(-1);
+            if (target < 0)
+                return toff_t(-1);
+            self->m_position = target;
+            return toff_t(target);
         },
         &ignoreClose,
         [](thandle_t handle) -> toff_t { return toff_t(static_cast<TiffHandle *>(handle)->m_source->size()); },

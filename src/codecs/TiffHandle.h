@@ -44,6 +44,7 @@ private:
     void keep(const QString &text);
 
     SourceFile *m_source = nullptr;
+    qint64 m_position = 0; ///< in the source
     FileSink *m_sink = nullptr;
     TIFF *m_tiff = nullptr;
     QString m_message;

@@ -23,7 +23,7 @@ bool isPicture(const TiffPage &page)
            page.height <= INT_MAX;
 }
 
-class TiffReader
+class TiffReader : public PictureReader
 {
 public:
     explicit TiffReader(SourceFile &source)
@@ -34,10 +34,10 @@ public:
     }
 
     /// Goes to the first page that is neither a reduced-resolution copy nor a mask.
-    std::optional<Failure> readHeader();
-    PictureInfo info();
-    DecodeCost cost(QSize) const;
-    Outcome<Picture> decode(QSize);
+    std::optional<Failure> readHeader() override;
+    PictureInfo info() override;
+    DecodeCost cost(QSize) override;
+    Outcome<Picture> decode(QSize) override;
 
 private:
     bool holdsRawData() const;
@@ -158,7 +158,7 @@ PictureInfo TiffReader::info()
 }
 
 /// One strip or tile as stored and unpacked, and the places of all of them.
-DecodeCost TiffReader::cost(QSize) const
+DecodeCost TiffReader::cost(QSize)
 {
     TIFF *tiff = m_tiff.get();
     const int bits = QImage::toPixelFormat(m_layout.pixelFormat()).bitsPerPixel();
