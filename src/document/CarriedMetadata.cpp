@@ -18,8 +18,9 @@ namespace {
 std::vector<PngText> carriedTexts(std::vector<PngText> texts, LeftOut &leftOut)
 {
     std::erase_if(texts, [&](const PngText &text) {
-        const QByteArray all = text.text.toUtf8() + ' ' + text.translatedKeyword.toUtf8() + ' ' + text.language;
-        const bool isPicture = holdsPicture(all);
+        // Bytes above 127 are written as one byte or as two, so a picture shows in one form only.
+        const QString all = text.text + u' ' + text.translatedKeyword + u' ' + QString::fromLatin1(text.language);
+        const bool isPicture = holdsPicture(all.toLatin1()) || holdsPicture(all.toUtf8());
         if (isPicture)
             leftOut.add(QStringLiteral("PNG text with a picture"), all.size());
         return isPicture;

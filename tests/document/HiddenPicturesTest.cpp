@@ -252,8 +252,7 @@ const Hiding kHidings[] = {
          MetadataBlocks blocks;
          blocks.texts = {{"Title", QStringLiteral("kept"), {}, {}}, {"Comment", QString::fromLatin1(h), {}, {}}};
          return blocks;
-     },
-     true},
+     }},
 };
 
 class HiddenPictures : public testing::TestWithParam<Hiding>
