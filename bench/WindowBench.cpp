@@ -176,8 +176,8 @@ public:
         clock.start();
         watchdog.start(1);
         m_screen->photoDraggedWithPath(photo());
-        waitUntil([&] { return m_screen->isLoading(); });
-        waitUntil([&] { return !m_screen->isLoading(); });
+        waitUntil([&] { return m_screen->session().isLoading(); });
+        waitUntil([&] { return !m_screen->session().isLoading(); });
         waitForRedraws();
         return double(longest) * 1e-9;
     }

@@ -262,16 +262,10 @@ bool AppDelegate::isAppActive() const
     return ProcessState::shared().isAppActive;
 }
 
-void AppDelegate::setIsExporting(bool exporting)
-{
-    m_isExporting = exporting;
-    updateMenu();
-}
-
 void AppDelegate::updateMenu()
 {
     if (m_mainMenu)
-        m_mainMenu->setAvailable(m_selectedImageFile && !isUiDisabled(), m_isExporting);
+        m_mainMenu->setAvailable(m_selectedImageFile != nullptr, isUiDisabled());
 }
 
 QString AppDelegate::getLocalizedStringForKey(const QString &key)

@@ -65,7 +65,6 @@ public:
     bool isUiDisabled() const override;
     void setIsUiDisabled(bool disabled) override;
     bool isAppActive() const override;
-    void setIsExporting(bool exporting) override;
     QString getLocalizedStringForKey(const QString &key) override;
     QUrl linkForTag(int tag) const override { return m_links.address(tag); }
     void showAlertForRateApp() override;
@@ -105,7 +104,6 @@ private:
     std::shared_ptr<PhotoFile> m_selectedImageFile;
     QStringList m_arraySelectedImagesToProcess;
     RatePrompt m_ratePrompt;
-    bool m_isExporting = false;
 };
 
 } // namespace hazelmark

@@ -111,11 +111,11 @@ void MainMenu::setLocalizedStrings(Localisation &texts)
         btnStorePage->setText(asTitle(formatString(lookup("STORE_PAGE"), {bundleName()})));
 }
 
-void MainMenu::setAvailable(bool hasPhoto, bool isExporting)
+void MainMenu::setAvailable(bool hasPhoto, bool isUiDisabled)
 {
-    btnOpenOnMenu->setEnabled(!isExporting);
-    btnSaveOnMenu->setEnabled(hasPhoto && !isExporting);
-    btnSaveAsOnMenu->setEnabled(hasPhoto && !isExporting);
+    btnOpenOnMenu->setEnabled(!hasPhoto || !isUiDisabled);
+    btnSaveOnMenu->setEnabled(hasPhoto && !isUiDisabled);
+    btnSaveAsOnMenu->setEnabled(hasPhoto && !isUiDisabled);
 }
 
 } // namespace hazelmark

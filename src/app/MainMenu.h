@@ -26,7 +26,7 @@ public:
     /// Gives every item its text.
     void setLocalizedStrings(Localisation &texts);
     /// An item that makes no sense without a photo, or during an export, is disabled, its key with it.
-    void setAvailable(bool hasPhoto, bool isExporting);
+    void setAvailable(bool hasPhoto, bool isUiDisabled);
 
     QAction *btnOpenOnMenu = nullptr;
     QAction *btnDeleteOnMenu = nullptr;

@@ -25,12 +25,10 @@ public:
     /// shell that works through several photos does.
     virtual QStringList arraySelectedImagesToProcess() const = 0;
 
+    /// Nothing can be edited: there is no photo yet, or it is being exported. The menus rest too.
     virtual bool isUiDisabled() const = 0;
     virtual void setIsUiDisabled(bool disabled) = 0;
     virtual bool isAppActive() const = 0;
-
-    /// An export is under way: what would disturb it, or start another, rests in the menus too.
-    virtual void setIsExporting(bool exporting) = 0;
 
     /// The text for `key` in the interface language, with placeholders as "%@" and "%d" (to be filled by
     /// formatString()); "(null)" for a key that the table does not have.

@@ -1,59 +1,43 @@
 #pragma once
 
+#include "BrushControls.h"
 #include "ExportFlow.h"
 #include "MainScreenView.h"
+#include "MainWindowChrome.h"
 #include "NotificationCenter.h"
-#include "PaintControl.h"
-#include "PaintStep.h"
-#include "PhotoImage.h"
-#include "PhotoOpener.h"
-#include "PreviewRunner.h"
+#include "Session.h"
 #include "ViewController.h"
 
 #include <QObject>
 #include <QPointer>
 
 #include <memory>
-#include <optional>
 #include <vector>
 
 namespace hazelmark {
 
 class ApplicationDelegate;
-class SaveChangesSheet;
 class SettingsPanel;
 class TipsWindow;
 class TitlebarWindow;
 
-/// The controller of the one screen: the photo workflow, the paint modes, the previews, and the window's own buttons.
-/// Its collaborators do the work; this class says when, and holds the state of the working session. Main thread only.
-class MainScreenVC : public QObject, public ViewController, public ExportScreen
+/// The controller of the one screen: brings what a person does to the session, and what becomes of the session to the
+/// screen. What is worked on is the session's; the settings live in the panel. Main thread only.
+class MainScreenVC : public QObject, public ViewController
 {
     Q_OBJECT
 
 public:
-    /// The tool in hand.
-    enum ToolType : qint32 {
-        kToolPaint = 4,
-        kToolErase = 13,
-        kToolNone = 14, ///< no painting: before a photo is open, and for a moment while one is opened
-    };
-
-    /// What takes time. Tests put something else in its place.
-    struct Work
-    {
-        PhotoOpener::Steps open = PhotoOpener::Steps::real();
-        PreviewRunner::Render render = PreviewRunner::realRender();
-        ExportFlow::Work exporting;
-    };
-
-    explicit MainScreenVC(ApplicationDelegate &application);
-    MainScreenVC(ApplicationDelegate &application, const Work &work);
+    explicit MainScreenVC(ApplicationDelegate &application, Session::Work work = {});
     ~MainScreenVC() override;
 
     QWidget *view() override;
     MainScreenView *mainScreenView() const { return m_view; }
     SettingsPanel &panel();
+    /// What is worked on; there as long as the view is.
+    Session &session() { return *m_session; }
+    /// There from setupTitleBarViewForWindow() on.
+    MainWindowChrome &chrome() { return *m_chrome; }
 
     // Start-up.
     void loadView();
@@ -64,9 +48,9 @@ public:
     void setLocalizedStrings();
 
     // Menu commands, as they arrive.
-    void btnOpenFileFromMenuTapped();
-    void btncloseFileFromMenuTapped();
-    void btnSaveFileFromMenuTapped();
+    void btnOpenFileFromMenuTapped() { btnAddPhotoTapped(); }
+    void btncloseFileFromMenuTapped() { btnCloseWindowTapped(); }
+    void btnSaveFileFromMenuTapped() { btnExportDenoisedImageTapped(); }
 
     // The photo.
     void btnAddPhotoTapped();
@@ -79,7 +63,7 @@ public:
     /// stays. Answers yes in every case: what callers do afterwards is done either way.
     bool isValidImage(const QString &path);
     /// The same with a photo that is there already.
-    bool isValidImage(const OpenedPhoto &photo);
+    bool isValidImage(const OpenPhoto &photo);
     void resizeImageToFitContainer(const PhotoImagePtr &image);
     void selectedImageChanged();
     void showHideRightMenu();
@@ -91,10 +75,10 @@ public:
     void addDemoWindow();
 
     // Painting.
-    void segmentPaintEraseTapped(const QObject *sender);
-    void hadleSliderBrushDiameter();
-    void hadleSliderBrushHardness();
-    void handleSliderBrushSizeAutoMode();
+    void segmentPaintEraseTapped(const QObject *sender) { m_brush->segmentPaintEraseTapped(sender); }
+    void hadleSliderBrushDiameter() { m_brush->hadleSliderBrushDiameter(); }
+    void hadleSliderBrushHardness() { m_brush->hadleSliderBrushHardness(); }
+    void handleSliderBrushSizeAutoMode() { m_brush->handleSliderBrushSizeAutoMode(); }
     void mousemoveOutFromImageRegion();
     void mousemoveInsideImageRegion();
     void brushDrawedRegionUpdate();
@@ -116,44 +100,37 @@ public:
 
     // The window.
     void setupTitleBarViewForWindow(TitlebarWindow *window);
-    void hideWindowBtnsAfterDelay();
+    void hideWindowBtnsAfterDelay() { m_chrome->hideWindowBtnsAfterDelay(); }
     void btnCloseWindowTapped();
-    void btnSaveChangesTapped();
-    void btnDontSaveChangesTapped();
-    void btnCancelChangesTapped();
-    void btnMinimizeWindowTapped();
-    void btnZoomWindowTapped();
+    void btnSaveChangesTapped() { m_chrome->btnSaveChangesTapped(); }
+    void btnDontSaveChangesTapped() { m_chrome->btnDontSaveChangesTapped(); }
+    void btnCancelChangesTapped() { m_chrome->btnCancelChangesTapped(); }
+    void btnMinimizeWindowTapped() { m_chrome->btnMinimizeWindowTapped(); }
+    void btnZoomWindowTapped() { m_chrome->btnZoomWindowTapped(); }
     void windowisResizing();
     void windowEndResizing();
     void windowDidResize();
-    void windowDidEndLiveResize();
+    /// The refit itself has been done, and the redraw follows on "notificationWindowEndResizing".
+    void windowDidEndLiveResize() {}
     void keyDown(Qt::KeyboardModifiers modifiers);
 
     void showAlertWithTitle(const QString &title, const QString &andMessage);
 
     // State.
-    bool hasPhoto() const { return m_inputImage != nullptr; }
-    bool isLoading() const { return m_opener.isLoading(); }
-    const PhotoImagePtr &inputImage() const { return m_inputImage; }
-    const QString &imageUrl() const override { return m_imageUrl; }
-    const PhotoImagePtr &resizedInputImage() const { return m_resizedInputImage; }
-    const PhotoImagePtr &maskImage() const override { return m_maskImage; }
-    const PhotoImagePtr &overlayImage() const { return m_overlayImage; }
-    void setOverlayImage(const PhotoImagePtr &image) { m_overlayImage = image; }
-    qint32 toolType() const { return m_toolType; }
+    bool hasPhoto() const { return m_session && m_session->state() != Session::State::Empty; }
+    const PhotoImagePtr &inputImage() const { return m_session->photo().inputImage; }
+    QString imageUrl() const { return m_session->photo().path(); }
+    const PhotoImagePtr &resizedInputImage() const { return m_session->resizedInputImage(); }
+    const PhotoImagePtr &maskImage() const { return m_session->painting().maskImage(); }
+    qint32 toolType() const { return m_session->painting().toolType(); }
     qint32 menuSelectedIndex() const { return m_menuSelectedIndex; }
-    bool isRunningAlgorithm() const override { return m_isRunningAlgorithm; }
-    void setIsRunningAlgorithm(bool running) override { m_isRunningAlgorithm = running; }
+    bool isRunningAlgorithm() const { return m_session->isRunningAlgorithm(); }
     bool isResizingWindow() const { return m_isResizingWindow; }
-    bool isExportingWithAddingNewImage() const { return m_isExportingWithAddingNewImage; }
-    void setIsExportingWithAddingNewImage(bool exporting) { m_isExportingWithAddingNewImage = exporting; }
-    const PhotoImagePtr &lastExportedImage() const override { return m_lastExportedImage; }
-    void setLastExportedImage(const PhotoImagePtr &image) override;
-    const std::shared_ptr<PaintStepList> &arrDrawedPointsForCustomBrushOption() const { return m_arrDrawedPoints; }
-
-    /// While an export runs: no second one, no sharing, no other settings, no painting, no other photo.
-    void setExportLocked(bool locked) override;
-    bool isExportLocked() const { return m_exportLocked; }
+    const PhotoImagePtr &lastExportedImage() const { return m_session->lastExportedImage(); }
+    const std::shared_ptr<PaintStepList> &arrDrawedPointsForCustomBrushOption() const
+    {
+        return m_session->painting().strokes();
+    }
 
 signals:
     /// A preview has come into the after-image view.
@@ -163,89 +140,43 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    /// What was done to the photo. A redraw of the strokes at another size changes nothing of it.
-    struct Edits
-    {
-        CoreFilterObject settings;
-        std::shared_ptr<PaintStepList> steps;
-        std::size_t stepCount = 0;
-        bool operator==(const Edits &) const = default;
-    };
-
-    bool isPainting() const { return m_toolType == kToolPaint || m_toolType == kToolErase; }
+    bool isPainting() const { return m_session->painting().isPainting(); }
     QString text(const char *key) const;
+    CoreFilterObject createPresetObjectFromSettingWithTitle(const QString &title);
 
     void observeNotifications();
     void connectControls();
-    void connectWorkers();
-    void connectPanel();
+    void connectSession();
 
     void openPhotoAtPath(const QString &path);
-    void photoOpened(const OpenedPhoto &photo);
+    void photoRead(const OpenPhoto &photo);
     void photoRefused(const Failure &failure);
-    void takeArrivedPhoto();
-    void returnFocus(const QPointer<QWidget> &before);
-    void showRefusal(const Failure &failure);
-    PhotoOpener::Sizes wantedSizes() const;
+    PhotoView wantedView() const;
 
-    void takeMask();
-    void finishPainting();
     void clearCanvas();
-    void applyBrushHardness();
-    void applyBrushValues();
-    void setArrowCursor();
-    void showToolInForce();
     void checkPointerOverPhoto();
-    Edits edits() const;
     void updateUnsavedMark();
-    void updateLocks();
+    void sessionStateChanged();
     void updateStripButtons();
-    void makeExportFlow();
-    CoreFilterObject createPresetObjectFromSettingWithTitle(const QString &title) const override;
-    void setExportButtonOff() override;
-    void closeColorPanel() override;
-    void takeDownSaveChanges();
-    void followScreen();
+    void returnFocus();
+    void followScreen(QScreen *screen);
 
     ApplicationDelegate &m_application;
-    ExportFlow::Work m_exportWork;
+    Session::Work m_work;
     QPointer<MainScreenView> m_view;
     QPointer<TitlebarWindow> m_window;
-    QPointer<SaveChangesSheet> m_windowSaveChanges;
     QPointer<TipsWindow> m_demoWin;
-    PaintControl m_paintControl;
     std::vector<NotificationCenter::Token> m_observers;
-
-    PhotoImagePtr m_inputImage;
-    QString m_imageUrl;
-    QString m_imageType; ///< of `m_imageUrl`: its extension, or what its content is where the name does not tell
-    bool m_isPartlyDamaged = false;
-    PhotoImagePtr m_resizedInputImage;
-    PhotoImagePtr m_fittedImage; ///< what `m_resizedInputImage` was made from
-    PhotoImagePtr m_maskImage;
-    qint64 m_maskCanvasKey = 0; ///< which pixels of the canvas `m_maskImage` was made from
-    PhotoImagePtr m_overlayImage;
-    PhotoImagePtr m_maskGreenImageWithCustomPaint;
-    PhotoImagePtr m_maskImageWithCustomPaint;
-    PhotoImagePtr m_lastExportedImage;
-    std::optional<Edits> m_writtenEdits; ///< of the result that was written last, into a file
-    std::shared_ptr<PaintStepList> m_arrDrawedPoints;
-    qint32 m_toolType = kToolNone;
     qint32 m_menuSelectedIndex = -1;
-    bool m_isRunningAlgorithm = false;
     bool m_isResizingWindow = false;
-    bool m_isExportingWithAddingNewImage = false;
-    bool m_exportLocked = false;
+    QString m_lastFolder; ///< of the photo that was opened last
     QPointer<QWidget> m_focusBeforeExport;
 
-    std::unique_ptr<OpenedPhoto> m_arrived; ///< a picture that came during an export
-    QString m_lastFolder;
-
-    // Last, so that their threads are over before anything else goes.
-    PhotoOpener m_opener;
-    PreviewRunner m_previews;
-    WorkQueue m_previewRequests{1};
+    std::unique_ptr<Session> m_session;
+    std::unique_ptr<BrushControls> m_brush;
+    std::unique_ptr<MainWindowChrome> m_chrome;
     std::unique_ptr<ExportFlow> m_exportFlow;
+    WorkQueue m_previewRequests{1}; ///< last, so that its thread is over before anything else goes
 };
 
 } // namespace hazelmark

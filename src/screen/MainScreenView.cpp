@@ -15,14 +15,17 @@
 #include "Theme.h"
 #include "TitlebarWindow.h"
 
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPaintEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QResizeEvent>
+#include <QScreen>
 
 #include <cmath>
+#include <utility>
 
 namespace hazelmark {
 
@@ -234,8 +237,19 @@ void MainScreenView::showLoading(const QString &text)
     m_loadingNote->setText(text);
     m_loadingNote->setVisible(!text.isEmpty());
     m_loadingNote->raise();
-    vwDragging->setVisible(!m_photoShown && text.isEmpty());
+    setPromptVisible(!m_photoShown && text.isEmpty());
     placeLoadingNote();
+}
+
+void MainScreenView::setPromptVisible(bool visible)
+{
+    if (!visible && window()->focusWidget() == btnAddPhotoOnPrompt) {
+        btnAddPhotoOnPrompt->clearFocus();
+        m_promptHadFocus = true;
+    }
+    vwDragging->setVisible(visible);
+    if (visible && std::exchange(m_promptHadFocus, false) && !window()->focusWidget())
+        btnAddPhotoOnPrompt->setFocus();
 }
 
 void MainScreenView::setUnsavedMarkVisible(bool visible)
@@ -251,6 +265,15 @@ QSize MainScreenView::previewSize() const
 QSize MainScreenView::previewSizeWithPhoto() const
 {
     return (mainContainerFrame(true).size() - QSize(kPreviewInsetPoints, kPreviewInsetPoints)).expandedTo({1, 1});
+}
+
+QSize MainScreenView::largestPixelSize() const
+{
+    QSize largest = size() * devicePixelRatioF();
+    const QList<QScreen *> screens = QGuiApplication::screens();
+    for (const QScreen *screen : screens)
+        largest = largest.expandedTo(screen->size() * screen->devicePixelRatio());
+    return largest;
 }
 
 void MainScreenView::resizeEvent(QResizeEvent *event)
@@ -308,7 +331,7 @@ void MainScreenView::layOutMainContainer()
     constexpr int kInset = kPreviewInsetPoints / 2;
     dropTarget->setGeometry(whole);
     vwDragging->setGeometry(whole);
-    vwDragging->setVisible(!m_photoShown && m_loadingNote->text().isEmpty());
+    setPromptVisible(!m_photoShown && m_loadingNote->text().isEmpty());
     vwPreviewContainer->setGeometry(whole.adjusted(kInset, kInset, -kInset, -kInset));
     vwPreviewContainer->setVisible(m_photoShown);
     progressBar->setGeometry(0, 0, whole.width(), kProgressHeightPoints);

@@ -49,12 +49,17 @@ public:
 
     /// Says that a photo is being opened; an empty text takes the note away.
     void showLoading(const QString &text);
+    /// The hint how to open a photo. Its button would hand the focus on when it goes, in the end to the button that
+    /// closes the window: it lets it go instead, and has it again when the hint comes back.
+    void setPromptVisible(bool visible);
     /// A mark in the title strip for work that is not exported yet.
     void setUnsavedMarkVisible(bool visible);
 
     /// Of the preview container, in points: as it is, and as it will be once a photo is shown beside the panel.
     QSize previewSize() const;
     QSize previewSizeWithPhoto() const;
+    /// Larger than this, in pixels, the photo will be on no screen.
+    QSize largestPixelSize() const;
 
     // Named as the interface has them.
     QWidget *vwTopContainer = nullptr;
@@ -101,6 +106,7 @@ private:
     QLabel *m_loadingNote = nullptr;
     bool m_besidePanel = false;
     bool m_photoShown = false;
+    bool m_promptHadFocus = false;
     QRectF m_picture;
 };
 

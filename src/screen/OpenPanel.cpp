@@ -2,8 +2,10 @@
 
 #include "ApplicationDelegate.h"
 #include "FilePanelLook.h"
+#include "FormatString.h"
 #include "ReadableTypes.h"
 #include "SheetQueue.h"
+#include "UserSession.h"
 
 #include <QFileDialog>
 
@@ -11,6 +13,12 @@ namespace hazelmark {
 
 namespace {
 const QString kName = QStringLiteral("openPanel");
+}
+
+bool OpenPanel::isInTrash(const QString &path)
+{
+    const QString trash = formatString(QStringLiteral("/users/%@/.trash/"), {UserSession::current().loginName()});
+    return path.toLower().startsWith(trash);
 }
 
 bool OpenPanel::isOpen(const QWidget &window)

@@ -25,6 +25,8 @@ public:
                      Chosen chosen, Finished finished);
     /// Whether the panel of `window` is up, or waits for its turn.
     static bool isOpen(const QWidget &window);
+    /// Only the person's own trash, and only for a login name without capitals: the name is not lowered as the path is.
+    static bool isInTrash(const QString &path);
 };
 
 } // namespace hazelmark

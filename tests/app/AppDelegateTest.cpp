@@ -107,16 +107,13 @@ TEST_F(AppDelegateTest, MenuItemsPostTheirNotificationsWhileTheyMakeSense)
                                                    {menu().btnTips, kNotificationShowTipsFromMenuTapped}};
     struct State
     {
-        bool hasPhoto, isUiDisabled, isExporting;
+        bool hasPhoto, isUiDisabled;
         const char *posting; ///< of the items
     };
-    for (const State &state : {State{false, true, false, "11001"},
-                               {true, true, false, "11001"},
-                               {true, false, false, "11111"},
-                               {true, false, true, "01001"}}) {
+    // With a photo open it is an export that disables.
+    for (const State &state : {State{false, true, "11001"}, {true, false, "11111"}, {true, true, "01001"}}) {
         m_delegate.setSelectedImageFile(state.hasPhoto ? std::make_shared<PhotoFile>(u"/photo.jpg"_s) : nullptr);
         m_delegate.setIsUiDisabled(state.isUiDisabled);
-        m_delegate.setIsExporting(state.isExporting);
         std::string posting;
         for (const auto &[item, notification] : items) {
             m_desktop.observe({notification});

@@ -63,12 +63,13 @@ protected:
         SavePanel *panel = flow->savePanel();
         panel->nameField()->setText(path);
         QTest::mouseClick(panel->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Save), Qt::LeftButton);
-        ASSERT_TRUE(m_screen->exportFlow()->isExporting());
+        ASSERT_TRUE(isExporting());
     }
     void waitForTheEnd()
     {
-        ASSERT_TRUE(QTest::qWaitFor([&] { return !m_screen->exportFlow()->isExporting(); }));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !isExporting(); }));
     }
+    bool isExporting() const { return m_screen->session().state() == Session::State::Exporting; }
     bool isMarked() const { return m_screen->view()->findChild<QWidget *>(QStringLiteral("unsavedMark"))->isVisible(); }
     MainScreenView &view() const { return *m_screen->mainScreenView(); }
 
@@ -122,16 +123,6 @@ TEST_F(Export, LeavesTheFocusWhereItWas)
     }
 }
 
-TEST_F(Export, HoldsTheStrokeThatIsUnderWay)
-{
-    openAndPaint();
-    stroke({0.2, 0.8}, {0.8, 0.8}, false);
-    m_screen->exportFlow()->saveOutPutImage({});
-    const QImage mask = m_screen->maskImage()->bitmap();
-    EXPECT_GT(mask.pixelColor(mask.width() / 2, mask.height() * 4 / 5).green(), 200);
-    waitForTheEnd();
-}
-
 TEST_F(Export, TheCommandLineMakesTheSameFile)
 {
     openAndPaint();
@@ -168,7 +159,7 @@ TEST_F(Export, EverythingThatWouldDisturbItRests)
     };
     openAndPaint();
     save(m_folder.filePath(QStringLiteral("out.png")));
-    EXPECT_TRUE(m_application.m_isExporting && ProcessState::shared().isUiDisabled);
+    EXPECT_TRUE(m_application.isUiDisabled());
     EXPECT_FALSE(view().btnExport->isEnabled() || view().btnShareService->isEnabled() ||
                  view().btnAddPhoto->isEnabled() || view().vwSettingOptions->isEnabled() ||
                  view().paintView->isEnabled());
@@ -177,16 +168,16 @@ TEST_F(Export, EverythingThatWouldDisturbItRests)
     EXPECT_EQ(view().vwBottom->exportText(), QStringLiteral("EXPORTING out.png"));
     const QString before = m_screen->imageUrl();
     m_screen->photoDraggedWithPath(photo(QStringLiteral("other.png"), {100, 100}));
-    m_screen->btnProcessTapped(); // a preview clears the busy flag, but not the lock
+    m_screen->btnProcessTapped(); // a preview clears the busy flag, and frees nothing
     waitForPreviews(2);
-    EXPECT_TRUE(m_screen->isExportLocked());
+    EXPECT_FALSE(m_screen->isRunningAlgorithm());
     post(kNotificationSavePhotoFromMenuTapped);
     EXPECT_FALSE(m_screen->exportFlow()->savePanel() && m_screen->exportFlow()->savePanel()->isVisible());
     gate.open();
     waitForTheEnd();
     EXPECT_EQ(m_screen->imageUrl(), before);
     EXPECT_TRUE(view().vwSettingOptions->isEnabled() && view().btnExport->isEnabled());
-    EXPECT_FALSE(m_application.m_isExporting);
+    EXPECT_FALSE(m_application.isUiDisabled());
 }
 
 TEST_F(Export, TheButtonsAreOnAsLongAsWhatTheyOpenedIsOpen)
@@ -201,13 +192,13 @@ TEST_F(Export, TheButtonsAreOnAsLongAsWhatTheyOpenedIsOpen)
         EXPECT_FALSE(button->isChecked());
         EXPECT_TRUE(QTest::qWaitFor([&] { return !sheets.current(); }));
     }
-    m_screen->setIsRunningAlgorithm(true);
+    m_screen->session().setIsRunningAlgorithm(true);
     QTest::mouseClick(view().btnExport, Qt::LeftButton);
     EXPECT_FALSE(view().btnExport->isChecked() || sheets.current());
-    m_screen->setIsRunningAlgorithm(false);
+    m_screen->session().setIsRunningAlgorithm(false);
     QTest::mouseClick(view().btnShareService, Qt::LeftButton); // renders, and then asks
     EXPECT_TRUE(view().btnShareService->isChecked());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return m_screen->exportFlow()->isExporting(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isExporting(); }));
     EXPECT_FALSE(view().btnShareService->isEnabled()) << "the click's end gave it back during the render";
     waitForTheEnd();
     EXPECT_TRUE(view().btnShareService->isChecked() && view().btnShareService->isEnabled());
@@ -219,33 +210,6 @@ TEST_F(Export, TheButtonsAreOnAsLongAsWhatTheyOpenedIsOpen)
         const auto *control = view().findChild<QWidget *>(QLatin1String(name));
         EXPECT_TRUE(control && !control->isVisible()) << name;
     }
-}
-
-TEST_F(Export, SharingOrAFailureIsNoExport)
-{
-    m_work.exporting.write = [](const auto &, const QString &path, const auto &) -> Outcome<Done> {
-        if (path.endsWith(QLatin1String("small.png")))
-            return Done();
-        return Failure{Failure::Reason::DiskFull, path, {}};
-    };
-    openAndPaint();
-    save(m_folder.filePath(QStringLiteral("out.png")));
-    waitForTheEnd();
-    EXPECT_TRUE(isMarked());
-    EXPECT_EQ(view().vwBottom->exportText(), QString());
-    save(m_folder.filePath(QStringLiteral("small.png")));
-    waitForTheEnd();
-    EXPECT_FALSE(isMarked());
-    save(m_folder.filePath(QStringLiteral("out.png")));
-    waitForTheEnd();
-    EXPECT_EQ(view().vwBottom->exportText(), QString()) << "though an earlier one is there";
-    stroke({0.45, 0.7}, {0.55, 0.7});
-    waitForPreviews(2);
-    m_screen->setLastExportedImage(nullptr);
-    QTest::mouseClick(view().btnShareService, Qt::LeftButton);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return m_screen->exportFlow()->sharePicker().menu() != nullptr; }));
-    EXPECT_TRUE(isMarked());
-    EXPECT_TRUE(sheetText().isEmpty());
 }
 
 TEST_F(Export, ClosingTheWindowLeavesAWholeFile)

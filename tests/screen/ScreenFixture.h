@@ -4,7 +4,6 @@
 #include "MainScreenVC.h"
 #include "NotificationCenter.h"
 #include "ProcessState.h"
-#include "RenderJobs.h"
 #include "TitlebarWindow.h"
 #include "UserSession.h"
 
@@ -30,14 +29,12 @@ public:
     bool isUiDisabled() const override { return ProcessState::shared().isUiDisabled; }
     void setIsUiDisabled(bool disabled) override { ProcessState::shared().isUiDisabled = disabled; }
     bool isAppActive() const override { return true; }
-    void setIsExporting(bool exporting) override { m_isExporting = exporting; }
     QUrl linkForTag(int) const override { return {}; }
     QString getLocalizedStringForKey(const QString &key) override { return key + QStringLiteral(" %@"); }
     void showAlertForRateApp() override {}
 
     std::shared_ptr<PhotoFile> m_file;
     QStringList m_toProcess;
-    bool m_isExporting = false;
 };
 
 class NamedSession : public UserSession
@@ -97,7 +94,7 @@ protected:
     ProcessWide<UserSession>::Replacement m_replaceSession{m_session};
 
     ScreenApplication m_application;
-    MainScreenVC::Work m_work;
+    Session::Work m_work;
     std::atomic<int> m_rendered = 0; ///< previews that were begun
     int m_shown = 0;                 ///< previews that came into view
     std::unique_ptr<TitlebarWindow> m_window;

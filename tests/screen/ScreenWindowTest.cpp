@@ -36,7 +36,7 @@ TEST_F(ScreenWindow, ClosesAtOnceWhenNothingWaitsToBeProcessedOrTheResultIsExpor
 
     m_window->show();
     m_application.m_toProcess = {u"/more.jpg"_qs};
-    m_screen->setLastExportedImage(m_screen->inputImage());
+    m_screen->session().setLastExportedImage(m_screen->inputImage());
     QTest::mouseClick(m_window->closeButton(), Qt::LeftButton);
     EXPECT_FALSE(m_window->isVisible());
 }
@@ -60,10 +60,10 @@ TEST_F(ScreenWindow, AsksFirstWhenPhotosWaitHoweverItIsClosed)
     EXPECT_TRUE(m_window->isVisible());
 
     m_window->close();
-    m_screen->setIsExportingWithAddingNewImage(true);
+    m_screen->chrome().setIsExportingWithAddingNewImage(true);
     answer(u"btnDontSave");
     EXPECT_TRUE(m_window->isVisible()) << "the flag keeps it open once";
-    EXPECT_FALSE(m_screen->isExportingWithAddingNewImage());
+    EXPECT_FALSE(m_screen->chrome().isExportingWithAddingNewImage());
 
     m_window->close();
     answer(u"btnDontSave");
@@ -74,21 +74,21 @@ TEST_F(ScreenWindow, CancellingForgetsThatAPhotoWasToBeAdded)
 {
     m_application.m_toProcess = {u"/more.jpg"_qs};
     start();
-    m_screen->setIsExportingWithAddingNewImage(true);
+    m_screen->chrome().setIsExportingWithAddingNewImage(true);
     m_window->close();
     answer(u"btnCancel");
-    EXPECT_FALSE(m_screen->isExportingWithAddingNewImage());
+    EXPECT_FALSE(m_screen->chrome().isExportingWithAddingNewImage());
     EXPECT_TRUE(m_window->isVisible());
 }
 
 TEST_F(ScreenWindow, IsNotZoomedWhileSomethingRuns)
 {
     start();
-    m_screen->setIsRunningAlgorithm(true);
+    m_screen->session().setIsRunningAlgorithm(true);
     m_screen->btnZoomWindowTapped();
     EXPECT_FALSE(m_window->isMaximized());
     EXPECT_TRUE(m_window->zoomButton()->isChecked());
-    m_screen->setIsRunningAlgorithm(false);
+    m_screen->session().setIsRunningAlgorithm(false);
     m_screen->btnZoomWindowTapped();
     EXPECT_TRUE(m_window->isMaximized());
 }
@@ -107,10 +107,10 @@ TEST_F(ScreenWindow, AResizeThatStartsWhileNothingRunsIsNoted)
     post(kNotificationWindowResized);
     EXPECT_FALSE(m_screen->isResizingWindow()) << "no photo";
     open(photo(u"a.png"_qs, {30, 20}));
-    m_screen->setIsRunningAlgorithm(true);
+    m_screen->session().setIsRunningAlgorithm(true);
     post(kNotificationWindowResized);
     EXPECT_FALSE(m_screen->isResizingWindow());
-    m_screen->setIsRunningAlgorithm(false);
+    m_screen->session().setIsRunningAlgorithm(false);
     post(kNotificationWindowResized);
     EXPECT_TRUE(m_screen->isResizingWindow());
     post(kNotificationWindowEndResizing);

@@ -14,13 +14,11 @@ public:
     bool isUiDisabled() const override { return false; }
     void setIsUiDisabled(bool) override {}
     bool isAppActive() const override { return true; }
-    void setIsExporting(bool exporting) override { m_isExporting = exporting; }
     QUrl linkForTag(int) const override { return {}; }
     QString getLocalizedStringForKey(const QString &key) override { return key + QStringLiteral("<%@>"); }
     void showAlertForRateApp() override { ++m_rateAlerts; }
 
     int m_rateAlerts = 0;
-    bool m_isExporting = false;
 
 private:
     std::shared_ptr<PhotoFile> m_file;

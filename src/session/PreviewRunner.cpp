@@ -1,7 +1,7 @@
 #include "PreviewRunner.h"
 
 #include "RenderJobs.h"
-#include "ScreenLog.h"
+#include "SessionLog.h"
 
 #include <new>
 
@@ -15,7 +15,7 @@ QImage withinMemory(const Draw &draw)
     try {
         return draw();
     } catch (const std::bad_alloc &) {
-        qCWarning(lcScreen, "no memory to draw the preview");
+        qCWarning(lcSession, "no memory to draw the preview");
         return {};
     }
 }

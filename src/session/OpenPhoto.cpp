@@ -1,0 +1,78 @@
+#include "OpenPhoto.h"
+
+#include "Decoder.h"
+#include "Geometry.h"
+#include "PhotoFile.h"
+#include "ReadableTypes.h"
+#include "Utils.h"
+
+#include <new>
+
+namespace hazelmark {
+
+namespace {
+
+QImage sightOf(const PhotoImagePtr &photo, QSize room, const DisplayColors &colors)
+{
+    const QSizeF fitted = Geometry::getAspectFitModeSizeWithsize(photo->size(), room);
+    const QSize pixels(int(fitted.width()), int(fitted.height()));
+    if (pixels.isEmpty())
+        return {};
+    const QSizeF size = photo->size();
+    const PhotoImagePtr scaled = Utils::sharedUtils().scaleImage(photo, pixels);
+    photo->setSize(size);
+    return scaled ? colors.shown(scaled->bitmap(), scaled->iccProfile()) : QImage();
+}
+
+} // namespace
+
+QString OpenPhoto::path() const
+{
+    return record ? record->filePath() : QString();
+}
+
+PhotoReading PhotoReading::real()
+{
+    return {
+        [](const QString &path) -> Outcome<QByteArray> {
+            const Outcome<PictureInfo> info = readPictureInfo(path);
+            if (!info)
+                return info.failure();
+            return info->format;
+        },
+        [](const QString &path) { return std::make_shared<PhotoFile>(path); },
+        [](const QString &path, QSize bound) { return ImageLoader::loadReduced(path, bound); },
+    };
+}
+
+Outcome<OpenPhoto> PhotoReading::read(const QString &path, const PhotoView &view) const
+{
+    try {
+        const Outcome<QByteArray> format = inspect(path);
+        if (!format)
+            return format.failure();
+
+        OpenPhoto photo;
+        photo.record = readRecord(path);
+        const QSizeF size(double(photo.record->width()), double(photo.record->height()));
+        if (size.isEmpty())
+            return Failure{Failure::Reason::Damaged, path, {}};
+        const QString extension = photo.record->fileExtension();
+        photo.type = ReadableTypes::contains(extension) ? extension : QString::fromLatin1(*format);
+
+        const Outcome<ImageLoader::Loaded> loaded = load(path, view.screen);
+        if (!loaded)
+            return loaded.failure();
+        photo.isPartlyDamaged = loaded->isPartlyDamaged;
+        photo.inputImage = loaded->photo;
+        photo.inputImage->bitmap();
+        // It measures what the file's picture does, so that it is fitted without the rounding of a reduced size.
+        photo.inputImage->setSize(size);
+        photo.firstSight = sightOf(photo.inputImage, view.firstSight, view.colors);
+        return photo;
+    } catch (const std::bad_alloc &) {
+        return Failure{Failure::Reason::OutOfMemory, path, {}};
+    }
+}
+
+} // namespace hazelmark

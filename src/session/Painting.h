@@ -1,0 +1,74 @@
+#pragma once
+
+#include "PaintStep.h"
+#include "PhotoImage.h"
+
+#include <QSizeF>
+
+#include <cstddef>
+#include <memory>
+
+namespace hazelmark {
+
+class PaintCanvas;
+
+/// What is painted over the open photo: the tool, the strokes on the canvas, and the mask that was made of them last.
+/// Main thread only.
+class Painting
+{
+public:
+    enum Tool : qint32 {
+        kToolPaint = 4,
+        kToolErase = 13,
+        kToolNone = 14, ///< no painting: before a photo is open, and for a moment while one is opened
+    };
+
+    /// `canvas` outlives the painting.
+    explicit Painting(PaintCanvas &canvas);
+
+    qint32 toolType() const { return m_toolType; }
+    void setToolType(qint32 toolType) { m_toolType = toolType; }
+    bool isPainting() const { return m_toolType == kToolPaint || m_toolType == kToolErase; }
+
+    bool isEmpty() const { return m_strokes->empty(); }
+    /// The canvas's own list, as it was kept last. A redraw draws it.
+    const std::shared_ptr<PaintStepList> &strokes() const { return m_strokes; }
+    void keepStrokes();
+    /// Draws the strokes sharply at the canvas's present size.
+    void redraw();
+
+    /// Every clearing leaves the canvas with a list of its own, and that is the one which is kept: strokes on the photo
+    /// before never come back, and one that is under way is in it.
+    void clear();
+    /// No tool, no mask, no strokes.
+    void reset();
+
+    /// The canvas over opaque black: green where the photo is to be blurred. Null after a reset.
+    const PhotoImagePtr &maskImage() const { return m_maskImage; }
+    /// Makes the mask from the canvas, where a tool is in force; else the one that is there stays.
+    void updateMask();
+
+    /// Two blank images at the photo's size on the screen, which nothing draws into.
+    void loadInitMaskImages(QSizeF size);
+    void scaleInitMaskImages(QSizeF size);
+
+    /// Tells one state of the painting from another: a redraw changes nothing of it.
+    struct Version
+    {
+        std::shared_ptr<PaintStepList> strokes;
+        std::size_t count = 0;
+        bool operator==(const Version &) const = default;
+    };
+    Version version() const { return {m_strokes, m_strokes->size()}; }
+
+private:
+    PaintCanvas &m_canvas;
+    qint32 m_toolType = kToolNone;
+    std::shared_ptr<PaintStepList> m_strokes = std::make_shared<PaintStepList>();
+    PhotoImagePtr m_maskImage;
+    qint64 m_maskCanvasKey = 0; ///< which pixels of the canvas `m_maskImage` was made from
+    PhotoImagePtr m_maskGreenImageWithCustomPaint;
+    PhotoImagePtr m_maskImageWithCustomPaint;
+};
+
+} // namespace hazelmark

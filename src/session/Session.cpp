@@ -1,0 +1,170 @@
+#include "Session.h"
+
+#include "PaintCanvas.h"
+#include "PathParts.h"
+#include "PhotoFile.h"
+#include "Utils.h"
+
+#include <limits>
+
+namespace hazelmark {
+
+Session::Session(PaintCanvas &canvas, Work work, QObject *parent)
+    : QObject(parent)
+    , m_work(std::move(work))
+    , m_painting(canvas)
+    , m_previews(m_work.render)
+    , m_export(m_work.exporting)
+{
+    connect(&m_previews, &PreviewRunner::inputDrawn, this, &Session::inputDrawn);
+    connect(&m_previews, &PreviewRunner::previewRendered, this, [this](const QImage &shown) {
+        m_isRunningAlgorithm = false;
+        emit previewRendered(shown);
+    });
+    connect(&m_export, &PhotoExport::progressChanged, this, &Session::exportProgressed);
+}
+
+Session::~Session()
+{
+    *m_oldestWanted = std::numeric_limits<Request>::max();
+}
+
+void Session::setState(State state)
+{
+    m_state = state;
+    emit stateChanged();
+}
+
+// The photo
+
+void Session::open(const QString &path, const PhotoView &view)
+{
+    const Request request = ++m_lastRequest;
+    m_underWay.insert(request);
+    emit loadingChanged(lastPathComponent(path));
+    m_readers.run(
+        [reading = m_work.reading, path, view, oldestWanted = m_oldestWanted,
+         request]() -> std::optional<Outcome<OpenPhoto>> {
+            if (request < *oldestWanted)
+                return std::nullopt;
+            return reading.read(path, view);
+        },
+        [this, request](const std::optional<Outcome<OpenPhoto>> &photo) {
+            m_underWay.erase(request);
+            if (photo && !*photo)
+                emit refused(photo->failure());
+            if (photo && *photo && request > *m_oldestWanted) {
+                m_whole = **photo;
+                *m_oldestWanted = request;
+            }
+            handOver();
+        },
+        int(request)); // the latest first: once it is whole, those before it need not be read
+}
+
+/// A photo that is whole waits for those that were asked for after it, and for the end of an export.
+void Session::handOver()
+{
+    if (isLoading())
+        return;
+    emit loadingChanged({});
+    if (m_whole && m_state != State::Exporting)
+        emit photoRead(*std::exchange(m_whole, std::nullopt));
+}
+
+bool Session::isLoading() const
+{
+    return m_underWay.upper_bound(*m_oldestWanted) != m_underWay.end();
+}
+
+void Session::setPhoto(const OpenPhoto &photo)
+{
+    m_previews.startPhoto();
+    m_photo = photo;
+    m_writtenEdits.reset();
+    setLastExportedImage(nullptr);
+    setState(State::Editing);
+}
+
+void Session::fit(QSizeF size)
+{
+    const PhotoImagePtr &image = m_photo.inputImage;
+    if (m_fittedImage != image || m_resizedInputImage->size() != size) {
+        // Scaling sets the size of what it scales; the photo keeps its own, or every fit would round the one before.
+        const QSizeF own = image->size();
+        m_resizedInputImage = Utils::sharedUtils().scaleImage(image, size);
+        image->setSize(own);
+        m_fittedImage = image;
+    }
+    m_previews.requestInput(m_resizedInputImage);
+}
+
+// Previews
+
+void Session::requestPreview(const CoreFilterObject &settings)
+{
+    setLastExportedImage(nullptr);
+    m_painting.updateMask();
+    if (!m_resizedInputImage || (!m_painting.maskImage() && !m_overlayImage))
+        return;
+    m_previews.setSource(m_resizedInputImage, m_painting.maskImage());
+    m_previews.request(settings);
+}
+
+// Export
+
+void Session::checkSource(bool forSharing, std::function<void(PhotoExport::Source)> answer)
+{
+    const auto photo = m_photo.record;
+    m_export.checkSource(photo, forSharing, [this, photo, answer = std::move(answer)](PhotoExport::Source source) {
+        answer(photo == m_photo.record ? source : PhotoExport::Source::Closed);
+    });
+}
+
+void Session::startExport(const ExportRequest &request)
+{
+    Q_ASSERT(m_state == State::Editing);
+    m_isRunningAlgorithm = true;
+    setState(State::Exporting);
+    // All the green that is seen goes into it, also that of a stroke whose preview is still to come.
+    if (!m_painting.isEmpty())
+        m_painting.updateMask();
+
+    ExportJob job;
+    job.imageUrl = m_photo.path();
+    job.maskImage = m_painting.maskImage();
+    job.settings = request.settings;
+    const ExportWriter::Settings settings{*m_photo.record, request.formats, request.fileType, request.quality,
+                                          request.backingScale};
+    emit exportStarted(request.path);
+    m_export.start(job, settings, request.path,
+                   [this, edits = edits(request.settings)](const PhotoExport::Result &result) {
+                       m_isRunningAlgorithm = false;
+                       if (!result.writtenPath.isEmpty())
+                           m_writtenEdits = edits;
+                       setLastExportedImage(result.image);
+                       setState(State::Editing);
+                       emit exportEnded(result);
+                       QMetaObject::invokeMethod(this, &Session::handOver, Qt::QueuedConnection);
+                   });
+}
+
+void Session::setLastExportedImage(const PhotoImagePtr &image)
+{
+    m_lastExportedImage = image;
+    emit editsChanged();
+}
+
+bool Session::isSaved(const CoreFilterObject &settings) const
+{
+    return m_painting.isEmpty() || m_writtenEdits == edits(settings);
+}
+
+Session::Edits Session::edits(const CoreFilterObject &settings) const
+{
+    Edits edits{settings, m_painting.version()};
+    edits.settings.dateString.clear(); // when the record was made
+    return edits;
+}
+
+} // namespace hazelmark

@@ -1,0 +1,164 @@
+#pragma once
+
+#include "CoreFilterObject.h"
+#include "Failure.h"
+#include "OpenPhoto.h"
+#include "Painting.h"
+#include "PhotoExport.h"
+#include "PreviewRunner.h"
+#include "WorkQueue.h"
+
+#include <QImage>
+#include <QObject>
+#include <QSizeF>
+#include <QString>
+
+#include <atomic>
+#include <memory>
+#include <optional>
+#include <set>
+
+namespace hazelmark {
+
+/// The work on one photo, from its opening to the file that is made of it: the photo, the painting, the previews, the
+/// export, and what of it is written. It shows nothing: it has no widget, and says by signals what there is to show.
+/// The settings belong to the controls; they come along with each request. Main thread only.
+class Session : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// Whether another photo is read meanwhile stands beside this: isLoading().
+    enum class State {
+        Empty,     ///< no photo was opened yet
+        Editing,   ///< a photo is open
+        Exporting, ///< its result is rendered and written: the photo, its painting and the settings rest
+    };
+
+    /// What takes time. Tests put something else in its place.
+    struct Work
+    {
+        PhotoReading reading = PhotoReading::real();
+        PreviewRunner::Render render = PreviewRunner::realRender();
+        PhotoExport::Work exporting;
+    };
+
+    /// `canvas` outlives the session.
+    Session(PaintCanvas &canvas, Work work, QObject *parent = nullptr);
+    ~Session() override;
+
+    State state() const { return m_state; }
+
+    // The photo.
+
+    /// Reads the photo at `path` and leaves everything as it is meanwhile. It ends in photoRead(), when the photo is
+    /// whole, or in refused(). Of photos that are asked for while others are still read the last one that is whole is
+    /// handed over, wherever another breaks; those before it are left out. A photo that comes during an export waits
+    /// for its end.
+    void open(const QString &path, const PhotoView &view);
+    bool isLoading() const;
+    /// The same on the spot: waits for the pixels.
+    Outcome<OpenPhoto> read(const QString &path, const PhotoView &view) const
+    {
+        return m_work.reading.read(path, view);
+    }
+    /// From now on this is the photo. Nothing that was made of the one before will arrive or count.
+    void setPhoto(const OpenPhoto &photo);
+    const OpenPhoto &photo() const { return m_photo; }
+    /// How large the photo stands on the screen, in pixels: previews are made at this size.
+    void fit(QSizeF size);
+    const PhotoImagePtr &resizedInputImage() const { return m_resizedInputImage; }
+
+    Painting &painting() { return m_painting; }
+    const Painting &painting() const { return m_painting; }
+
+    // Previews.
+
+    /// Renders what is painted now. Nothing to render: nothing comes.
+    void requestPreview(const CoreFilterObject &settings);
+    bool hasPreviewsUnderWay() const { return m_previews.isBusy(); }
+    const PhotoImagePtr &overlayImage() const { return m_overlayImage; }
+    void setOverlayImage(const PhotoImagePtr &image) { m_overlayImage = image; }
+    const DisplayColors &colors() const { return m_previews.colors(); }
+    void setColors(const DisplayColors &colors) { m_previews.setColors(colors); }
+
+    // Export.
+
+    /// An export runs, or something else that previews and window wait for; a preview that comes clears it.
+    bool isRunningAlgorithm() const { return m_isRunningAlgorithm; }
+    void setIsRunningAlgorithm(bool running) { m_isRunningAlgorithm = running; }
+    /// Whether the file of the photo is still the one that was opened. `answer` is called later.
+    void checkSource(bool forSharing, std::function<void(PhotoExport::Source)> answer);
+    /// How the file is to be; the photo and its record are added here.
+    struct ExportRequest
+    {
+        QString path; ///< empty: the result is for sharing, and no file is written
+        QStringList formats;
+        QString fileType;
+        double quality = 1.0;
+        double backingScale = 1.0;
+        CoreFilterObject settings;
+    };
+    /// Only while editing. exportEnded() follows.
+    void startExport(const ExportRequest &request);
+    /// The result as it was exported or shared last; null once a preview was asked for.
+    const PhotoImagePtr &lastExportedImage() const { return m_lastExportedImage; }
+    void setLastExportedImage(const PhotoImagePtr &image);
+    /// Whether there is nothing painted, or a file holds all of it with these settings.
+    bool isSaved(const CoreFilterObject &settings) const;
+
+signals:
+    /// Reading has begun, or the last one has ended. `fileName`: of what is read; empty when nothing is.
+    void loadingChanged(const QString &fileName);
+    void photoRead(const OpenPhoto &photo);
+    void refused(const Failure &failure);
+    void stateChanged();
+    /// The photo at its present size, and what a preview looks like (null when it could not be drawn), in the colours
+    /// of the screen.
+    void inputDrawn(const QImage &shown);
+    void previewRendered(const QImage &shown);
+    /// `path` is empty when the result is for sharing.
+    void exportStarted(const QString &path);
+    void exportProgressed(double fraction);
+    void exportEnded(const hazelmark::PhotoExport::Result &result);
+    /// isSaved() may answer otherwise now.
+    void editsChanged();
+
+private:
+    using Request = quint64;
+    struct Edits
+    {
+        CoreFilterObject settings;
+        Painting::Version painting;
+        bool operator==(const Edits &) const = default;
+    };
+
+    void handOver();
+    void setState(State state);
+    Edits edits(const CoreFilterObject &settings) const;
+
+    Work m_work;
+    State m_state = State::Empty;
+    bool m_isRunningAlgorithm = false;
+
+    Request m_lastRequest = 0;
+    std::set<Request> m_underWay;
+    std::optional<OpenPhoto> m_whole; ///< of request `*m_oldestWanted`, not handed over yet
+    /// What was asked for before it is not read any more.
+    std::shared_ptr<std::atomic<Request>> m_oldestWanted = std::make_shared<std::atomic<Request>>(0);
+
+    OpenPhoto m_photo;
+    PhotoImagePtr m_resizedInputImage;
+    PhotoImagePtr m_fittedImage; ///< what `m_resizedInputImage` was made from
+    PhotoImagePtr m_overlayImage;
+    Painting m_painting;
+    PhotoImagePtr m_lastExportedImage;
+    std::optional<Edits> m_writtenEdits; ///< of the result that was written last, into a file
+
+    // Last, so that their threads are over before anything else goes.
+    WorkQueue m_readers{2}; ///< two: a photo that takes long must not hold up the one that somebody asks for meanwhile
+    PreviewRunner m_previews;
+    PhotoExport m_export;
+};
+
+} // namespace hazelmark

@@ -1,0 +1,7 @@
+#include "SessionLog.h"
+
+namespace hazelmark {
+
+Q_LOGGING_CATEGORY(lcSession, "hazelmark.session", QtInfoMsg)
+
+} // namespace hazelmark

@@ -1,0 +1,9 @@
+#pragma once
+
+#include <QLoggingCategory>
+
+namespace hazelmark {
+
+Q_DECLARE_LOGGING_CATEGORY(lcSession)
+
+} // namespace hazelmark

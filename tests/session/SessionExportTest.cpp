@@ -1,0 +1,165 @@
+// From a painting to its file: what goes into it, what counts as saved, and whether the photo is still the same.
+#include "SessionFixture.h"
+
+#include "Decoder.h"
+
+#include <QDir>
+#include <QSignalSpy>
+
+namespace hazelmark {
+
+namespace {
+
+class SessionExport : public SessionFixture
+{
+protected:
+    void openAndPaint()
+    {
+        start();
+        open(photo("a.png"));
+        paint({0.5, 0.2}, {0.5, 0.8});
+        endStroke();
+    }
+};
+
+} // namespace
+
+TEST_F(SessionExport, WritesTheWholePhotoBlurredWhereItIsPainted)
+{
+    openAndPaint();
+    QSignalSpy started(m_session.get(), &Session::exportStarted);
+    QSignalSpy progress(m_session.get(), &Session::exportProgressed);
+    m_session->startExport(exportRequest(out("out.png")));
+    EXPECT_EQ(m_session->state(), Session::State::Exporting);
+    EXPECT_TRUE(m_session->isRunningAlgorithm());
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_results.size() == 1; }));
+    EXPECT_EQ(m_session->state(), Session::State::Editing);
+    EXPECT_FALSE(m_session->isRunningAlgorithm());
+    EXPECT_EQ(started.first().first().toString(), out("out.png"));
+    EXPECT_EQ(progress.first().first().toDouble(), 0);
+    EXPECT_EQ(progress.last().first().toDouble(), 0);
+    EXPECT_EQ(m_results[0].writtenPath, out("out.png"));
+    EXPECT_EQ(m_session->lastExportedImage(), m_results[0].image);
+    const Outcome<Picture> written = decodePicture(out("out.png"));
+    ASSERT_TRUE(written);
+    EXPECT_EQ(written->pixels.size(), QSize(300, 200));
+    EXPECT_NEAR(written->pixels.pixelColor(149, 100).red(), 127, 40) << "the edge is soft where it was painted";
+    EXPECT_EQ(written->pixels.pixelColor(149, 5).red(), 0) << "and hard where it was not";
+    EXPECT_EQ(written->pixels.pixelColor(150, 5).red(), 255);
+}
+
+/// All the green that is seen, also of a stroke whose preview has not been asked for yet.
+TEST_F(SessionExport, HoldsAStrokeThatHasNoPreviewYet)
+{
+    openAndPaint();
+    paint({0.2, 0.5}, {0.3, 0.5});
+    exportTo({});
+    EXPECT_GT(maskAt({0.25, 0.5}), 200);
+}
+
+TEST_F(SessionExport, OnlyAWholeFileWithTheseStrokesAndSettingsCountsAsSaved)
+{
+    m_work.exporting.write = [](const auto &, const QString &path, const auto &) -> Outcome<Done> {
+        if (path.endsWith(QLatin1String("good.png")))
+            return Done();
+        return Failure{Failure::Reason::DiskFull, path, {}};
+    };
+    start();
+    open(photo("a.png"));
+    EXPECT_TRUE(m_session->isSaved(m_settings)) << "nothing was painted";
+    paint({0.2, 0.5}, {0.8, 0.5});
+    endStroke();
+    CoreFilterObject others = m_settings;
+    others.blurAmount = 10;
+    const std::tuple<const char *, std::function<void()>, bool> stories[]{
+        {"painted", [] {}, false},
+        {"shared", [&] { exportTo({}); }, false},
+        {"a disk that is full", [&] { exportTo(out("full.png")); }, false},
+        {"written", [&] { exportTo(out("good.png")); }, true},
+        {"a preview of the same", [&] { requestPreview(); }, true},
+        {"another write fails", [&] { exportTo(out("full.png")); }, true},
+        {"one stroke more",
+         [&] {
+             paint({0.2, 0.2}, {0.8, 0.2});
+             endStroke();
+         },
+         false},
+        {"written again", [&] { exportTo(out("good.png")); }, true},
+    };
+    for (const auto &[what, happens, saved] : stories) {
+        happens();
+        EXPECT_EQ(m_session->isSaved(m_settings), saved) << what;
+        EXPECT_FALSE(m_session->isSaved(others)) << what;
+    }
+}
+
+/// Strokes belong to the pixels that they were painted on.
+TEST_F(SessionExport, KnowsWhetherThePhotoIsStillTheOneThatWasOpened)
+{
+    using Source = PhotoExport::Source;
+    start();
+    const QString path = photo("a.png");
+    const QByteArray content = contentOf(path);
+    const std::tuple<const char *, std::function<void()>, Source> changes[]{
+        {"nothing", [] {}, Source::Unchanged},
+        {"rewritten, as long as before", [&] { file(QStringLiteral("a.png"), content); }, Source::Changed},
+        {"replaced by another",
+         [&] {
+             file(QStringLiteral("b.png"), content);
+             QFile::remove(path);
+             QFile::rename(out("b.png"), path);
+         },
+         Source::Changed},
+        {"gone", [&] { QFile::remove(path); }, Source::Missing},
+        {"another one opened meanwhile", [&] { m_session->setPhoto({}); }, Source::Closed},
+    };
+    for (const auto &[what, change, expected] : changes) {
+        SCOPED_TRACE(what);
+        file(QStringLiteral("a.png"), content);
+        m_session->setPhoto({});
+        open(path);
+        QTest::qWait(15); // the file system's clock
+        std::optional<Source> answer;
+        if (expected == Source::Closed) {
+            m_session->checkSource(true, [&](Source source) { answer = source; });
+            change();
+        } else {
+            change();
+            m_session->checkSource(true, [&](Source source) { answer = source; });
+        }
+        EXPECT_FALSE(answer) << "the disk is asked off the main thread";
+        ASSERT_TRUE(QTest::qWaitFor([&] { return answer.has_value(); }));
+        EXPECT_EQ(int(*answer), int(expected));
+    }
+}
+
+TEST_F(SessionExport, APhotoThatIsGoneOrChangedMeanwhileGivesNoFile)
+{
+    for (const bool gone : {true, false}) {
+        openAndPaint();
+        m_results.clear();
+        QTest::qWait(15);
+        gone ? void(QFile::remove(out("a.png"))) : void(photo("a.png", {200, 300}));
+        exportTo(out("out.png"));
+        EXPECT_EQ(m_results[0].writtenPath, QString());
+        EXPECT_EQ(m_results[0].image == nullptr, gone);
+        EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden).filter(QStringLiteral("out")),
+                  QStringList());
+        EXPECT_FALSE(m_session->isSaved(m_settings));
+    }
+}
+
+TEST_F(SessionExport, TheEndOfTheSessionWaitsForTheFile)
+{
+    m_work.exporting.render = [](const ExportJob &job) {
+        QTest::qSleep(100);
+        return job.run();
+    };
+    openAndPaint();
+    m_session->startExport(exportRequest(out("out.png")));
+    m_session.reset();
+    EXPECT_TRUE(decodePicture(out("out.png"))) << "whole, since it had begun";
+    EXPECT_TRUE(m_results.empty());
+}
+
+} // namespace hazelmark

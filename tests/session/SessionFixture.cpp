@@ -1,0 +1,114 @@
+#include "SessionFixture.h"
+
+#include <QCoreApplication>
+#include <QFile>
+
+namespace hazelmark {
+
+void SessionFixture::start()
+{
+    m_settings.blurAmount = 60;
+    m_settings.vignetteAmount = 0;
+    m_brush.setColor({0, 1, 0, 1});
+    m_brush.setHardness(1);
+    m_brush.setLineWidth(20);
+    m_session = std::make_unique<Session>(m_canvas, m_work);
+    Session *session = m_session.get();
+    QObject::connect(session, &Session::photoRead, session, [this](const OpenPhoto &photo) {
+        m_opened << photo.path();
+        m_session->setPhoto(photo);
+        m_session->painting().reset();
+        m_session->painting().setToolType(Painting::kToolPaint);
+        m_canvas.setCanvasSize(photo.inputImage->size() / 2);
+        m_session->fit(photo.inputImage->size() / 2);
+    });
+    QObject::connect(session, &Session::loadingChanged, session, [this](const QString &name) { m_loading << name; });
+    QObject::connect(session, &Session::refused, session,
+                     [this](const Failure &failure) { m_refused.push_back(failure); });
+    QObject::connect(session, &Session::previewRendered, session,
+                     [this](const QImage &shown) { m_previews.push_back(shown); });
+    QObject::connect(session, &Session::exportEnded, session,
+                     [this](const PhotoExport::Result &result) { m_results.push_back(result); });
+}
+
+QString SessionFixture::photo(const char *name, QSize size) const
+{
+    QImage image(size, QImage::Format_RGB32);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x)
+            image.setPixelColor(x, y, x < size.width() / 2 ? Qt::black : Qt::white);
+    }
+    EXPECT_TRUE(image.save(out(name), "PNG"));
+    return out(name);
+}
+
+QString SessionFixture::file(const QString &name, const QByteArray &content) const
+{
+    QFile file(m_folder.filePath(name));
+    EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    return file.fileName();
+}
+
+QByteArray SessionFixture::contentOf(const QString &path) const
+{
+    QFile file(path);
+    EXPECT_TRUE(file.open(QIODevice::ReadOnly));
+    return file.readAll();
+}
+
+void SessionFixture::open(const QString &path)
+{
+    m_session->open(path, kView);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_session->photo().path() == path && !m_session->isLoading(); }));
+}
+
+void SessionFixture::paint(QPointF from, QPointF to)
+{
+    const QSizeF size = m_canvas.canvasSize();
+    m_canvas.mouseDown({from.x() * size.width(), from.y() * size.height()});
+    m_canvas.mouseDragged({to.x() * size.width(), to.y() * size.height()});
+}
+
+void SessionFixture::endStroke()
+{
+    m_session->painting().keepStrokes();
+    requestPreview();
+}
+
+void SessionFixture::requestPreview(float blur)
+{
+    CoreFilterObject settings = m_settings;
+    settings.blurAmount = blur;
+    m_session->requestPreview(settings);
+}
+
+Session::ExportRequest SessionFixture::exportRequest(const QString &path) const
+{
+    return {path, {QStringLiteral("png")}, QStringLiteral("png"), 1, 1, m_settings};
+}
+
+void SessionFixture::exportTo(const QString &path)
+{
+    const std::size_t before = m_results.size();
+    m_session->startExport(exportRequest(path));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_results.size() > before; }));
+}
+
+int SessionFixture::maskAt(QPointF place) const
+{
+    const PhotoImagePtr &mask = m_session->painting().maskImage();
+    return mask ? mask->bitmap()
+                      .pixelColor(int(place.x() * mask->pixelSize().width()),
+                                  int(place.y() * mask->pixelSize().height()))
+                      .green()
+                : -1;
+}
+
+} // namespace hazelmark
+
+int main(int argc, char **argv)
+{
+    testing::InitGoogleTest(&argc, argv);
+    const QCoreApplication application(argc, argv);
+    return RUN_ALL_TESTS();
+}

@@ -1,0 +1,70 @@
+#pragma once
+
+#include "PaintCanvas.h"
+#include "PaintControl.h"
+#include "PhotoFile.h"
+#include "Session.h"
+
+#include <gtest/gtest.h>
+
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <atomic>
+#include <memory>
+#include <semaphore>
+#include <vector>
+
+namespace hazelmark {
+
+/// Holds threads up until it is opened.
+class Gate
+{
+public:
+    void open(int times = 1000) { m_semaphore.release(times); }
+    void pass() { m_semaphore.acquire(); }
+
+private:
+    std::counting_semaphore<> m_semaphore{0};
+};
+
+/// A session with a canvas that nobody sees. Reading, rendering and writing are the real ones unless `work` says
+/// otherwise before `start()`. A photo that is handed over is opened at half its size, ready to be painted on.
+class SessionFixture : public testing::Test
+{
+protected:
+    void start();
+
+    /// A photo that is black on the left and white on the right; its path.
+    QString photo(const char *name, QSize size = {300, 200}) const;
+    QString file(const QString &name, const QByteArray &content) const;
+    QByteArray contentOf(const QString &path) const;
+
+    void open(const QString &path);
+    /// A segment between two fractions of the canvas.
+    void paint(QPointF from, QPointF to);
+    /// The end of a stroke, and what the screen does about it.
+    void endStroke();
+    void requestPreview(float blur = 60);
+    /// Exports, or shares with an empty path, and waits for the end.
+    void exportTo(const QString &path);
+    Session::ExportRequest exportRequest(const QString &path) const;
+    QString out(const char *name) const { return m_folder.filePath(QLatin1String(name)); }
+    /// Green in the mask at a fraction of it, 0..255.
+    int maskAt(QPointF place) const;
+
+    const PhotoView kView{{1600, 1000}, {800, 600}, DisplayColors()};
+    QTemporaryDir m_folder;
+    PaintCanvas m_canvas;
+    PaintControl m_brush{&m_canvas};
+    CoreFilterObject m_settings;
+    Session::Work m_work;
+    std::unique_ptr<Session> m_session;
+    QStringList m_loading; ///< what loadingChanged() said
+    QStringList m_opened;  ///< paths, as they were handed over
+    std::vector<Failure> m_refused;
+    std::vector<QImage> m_previews;
+    std::vector<PhotoExport::Result> m_results;
+};
+
+} // namespace hazelmark
