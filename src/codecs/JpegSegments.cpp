@@ -1,6 +1,7 @@
 #include "JpegSegments.h"
 
 #include "CodecsLog.h"
+#include "EmbeddedBlocks.h"
 
 #include <QCryptographicHash>
 #include <QtEndian>
@@ -101,6 +102,32 @@ QByteArray iptcResourceBlock(const QByteArray &iptc)
     if (block.size() % 2 != 0)
         block += '\0';
     return block;
+}
+
+QByteArray iptcOfResources(const QByteArray &resources)
+{
+    constexpr quint16 kIptcNumber = 0x0404;
+    if (resources.startsWith(kIptcRecordMarker))
+        return resources;
+    const auto number = [&](qsizetype at) { return qsizetype(qFromBigEndian<quint32>(resources.constData() + at)); };
+    // A signature of four bytes, the number, a name with its length in front, and the size; both padded to even
+    // lengths.
+    for (qsizetype at = 0; at + 12 <= resources.size();) {
+        const qsizetype nameSize = (quint8(resources[at + 6]) + 2) / 2 * 2;
+        const qsizetype start = at + 6 + nameSize + 4;
+        if (start > resources.size() || number(start - 4) > resources.size() - start)
+            return {};
+        const qsizetype size = number(start - 4);
+        if (qFromBigEndian<quint16>(resources.constData() + at + 4) == kIptcNumber)
+            return resources.mid(start, size);
+        at = start + size + size % 2;
+    }
+    return {};
+}
+
+QByteArray withoutExifLeadIn(const QByteArray &bytes)
+{
+    return bytes.startsWith(kExifLeadIn) ? bytes.mid(kExifLeadIn.size()) : bytes;
 }
 
 std::vector<JpegSegment> metadataSegments(const MetadataBlocks &metadata)

@@ -28,5 +28,10 @@ std::vector<JpegSegment> metadataSegments(const MetadataBlocks &metadata);
 
 /// IIM records as an image-resource block ("8BIM", number 0x0404), the form in which JPEG and PNG files embed them.
 QByteArray iptcResourceBlock(const QByteArray &iptc);
+/// The first IIM records in a run of image-resource blocks. Some writers store the records without such blocks.
+QByteArray iptcOfResources(const QByteArray &resources);
+
+/// The block behind the lead-in that some writers give it in every format.
+QByteArray withoutExifLeadIn(const QByteArray &bytes);
 
 } // namespace hazelmark

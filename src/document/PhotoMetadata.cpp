@@ -113,8 +113,10 @@ PhotoMetadata readPhotoMetadata(const QString &path, const QByteArray &format, Q
 {
     if (format == "tiff")
         return parseBlocks(path, readTiffBlocksToShow(path), size);
-    return hasEmbeddedBlocks(format) ? parseBlocks(path, readEmbeddedBlocks(path, format), size)
-                                     : parseFile(path, {}, size);
+    if (!hasEmbeddedBlocks(format))
+        return parseFile(path, {}, size);
+    const Outcome<std::unique_ptr<SourceFile>> source = SourceFile::open(path);
+    return parseBlocks(path, source ? readEmbeddedBlocks(**source, format) : EmbeddedBlocks(), size);
 }
 
 PhotoMetadata readMetadataToCarry(const QString &path, const QByteArray &format, QSize size)

@@ -88,9 +88,9 @@ TEST(MetadataBombs, PackedTextsHaveRoomForOneLargeBlockTogether)
     const QByteArray chunk = number(text.size()) + "iTXt" + text + number(0); // nobody checks the sum here
     const QByteArray signature("\x89PNG\r\n\x1a\n", 8);
     const auto xmpOf = [&](int count) {
-        return readEmbeddedBlocks(writeBytes(folder, QStringLiteral("bomb.png"), signature + chunk.repeated(count)),
-                                  "png")
-            .xmp;
+        const auto source =
+            SourceFile::open(writeBytes(folder, QStringLiteral("bomb.png"), signature + chunk.repeated(count)));
+        return readEmbeddedBlocks(**source, "png").xmp;
     };
     EXPECT_EQ(xmpOf(1), xmp);            // however large, it is carried
     EXPECT_EQ(xmpOf(500), QByteArray()); // the last one counts, and found no room

@@ -1,9 +1,8 @@
 #pragma once
 
-#include "Picture.h"
+#include "SourceFile.h"
 
 #include <QByteArray>
-#include <QString>
 
 namespace hazelmark {
 
@@ -27,8 +26,7 @@ inline constexpr qint64 kMaxBlockSize = 64 * 1024 * 1024;
 /// names them.
 bool hasEmbeddedBlocks(const QByteArray &format);
 
-/// What the file at `path` embeds, or nothing when it cannot be read. Damage ends the search; what was found before it
-/// counts.
-EmbeddedBlocks readEmbeddedBlocks(const QString &path, const QByteArray &format);
+/// What the file embeds; `format` as above. Damage ends the search; what was found before it counts.
+EmbeddedBlocks readEmbeddedBlocks(const SourceFile &source, const QByteArray &format);
 
 } // namespace hazelmark
