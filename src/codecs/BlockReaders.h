@@ -10,6 +10,7 @@ EmbeddedBlocks readJpegBlocks(const SourceFile &source);
 EmbeddedBlocks readPngBlocks(const SourceFile &source);
 EmbeddedBlocks readGifBlocks(const SourceFile &source);
 EmbeddedBlocks readWebPBlocks(const SourceFile &source);
+// Those of TIFF files are made anew, see TiffBlocks.h.
 
 /// Chunks, blocks and the like that a search goes through. A file of some megabytes can be made of millions; hundreds
 /// of megabytes of picture data are tens of thousands.

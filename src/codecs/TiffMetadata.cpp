@@ -4,32 +4,25 @@
 #include "TiffBytes.h"
 #include "TiffTags.h"
 
+#include <limits>
+
 #include <unistd.h>
 
 namespace hazelmark {
 
 namespace {
 
-constexpr uint16_t kUndefinedType = 7;
 constexpr qsizetype kMostEntries = 0xffff;
 
 /// Those of the directory that the file's header leads to; none when it cannot be read.
-TiffEntries writtenEntries(FileSink &sink, bool isBigEndian)
+TiffEntries writtenEntries(FileSink &sink)
 {
-    const QByteArray header = sink.readAt(0, TiffBlock::kHeaderSize);
-    if (header.size() < TiffBlock::kHeaderSize)
-        return {};
-    const int64_t offset = tiffNumber<uint32_t>(header, 4, isBigEndian);
-    const QByteArray count = sink.readAt(offset, 2);
-    if (count.size() < 2)
-        return {};
-    const qsizetype size = tiffNumber<uint16_t>(count, 0, isBigEndian) * TiffBlock::kEntrySize;
-    const QByteArray bytes = sink.readAt(offset + 2, size_t(size));
+    const auto read = [&](qint64 offset, qint64 count) { return sink.readAt(offset, size_t(count)); };
+    const auto cursor = TiffCursor::of(read, std::numeric_limits<qint64>::max());
+    const auto directory = cursor ? cursor->directoryAt(cursor->firstDirectoryOffset()) : std::nullopt;
     TiffEntries entries;
-    if (bytes.size() < size)
-        return entries;
-    for (qsizetype at = 0; at < size; at += TiffBlock::kEntrySize)
-        entries[tiffNumber<uint16_t>(bytes, at, isBigEndian)] = bytes.mid(at, TiffBlock::kEntrySize);
+    for (const TiffEntry &entry : directory ? directory->entries : std::vector<TiffEntry>())
+        entries[entry.tag] = read(entry.position, TiffBlock::kEntrySize);
     return entries;
 }
 
@@ -111,7 +104,7 @@ bool TiffMetadata::join(FileSink &sink) const
     if (m_isBig || (!m_exif && m_iptc.isEmpty()))
         return !sink.hasFailed();
     const bool isBigEndian = byteOrder() == TiffHandle::ByteOrder::BigEndian;
-    TiffEntries entries = writtenEntries(sink, isBigEndian);
+    TiffEntries entries = writtenEntries(sink);
     if (entries.empty())
         return false;
     const auto directory = m_exif ? m_exif->directoryAt(m_exif->firstDirectoryOffset()) : std::nullopt;
@@ -124,7 +117,8 @@ bool TiffMetadata::join(FileSink &sink) const
     // Four bytes and less would stand in the entry itself; records are longer.
     if (m_iptc.size() > 4) {
         const auto offset = uint32_t(m_exif ? m_exif->bytes().size() : TiffBlock::kHeaderSize);
-        entries[tifftag::kIptc] = tiffBytes(tifftag::kIptc, isBigEndian) + tiffBytes(kUndefinedType, isBigEndian) +
+        entries[tifftag::kIptc] = tiffBytes(tifftag::kIptc, isBigEndian) +
+                                  tiffBytes(uint16_t(TIFF_UNDEFINED), isBigEndian) +
                                   tiffBytes(uint32_t(m_iptc.size()), isBigEndian) + tiffBytes(offset, isBigEndian);
     }
     return qsizetype(entries.size()) <= kMostEntries && writeDirectory(sink, entries, isBigEndian);

@@ -3,24 +3,61 @@
 #include "LargeMemory.h"
 #include "PictureFormat.h"
 #include "PixelRows.h"
+#include "TiffCursor.h"
 #include "TiffHandle.h"
 #include "TiffLayout.h"
-#include "TiffPages.h"
 #include "TiffSamples.h"
 
 #include <QtEndian>
 
 #include <algorithm>
 #include <array>
+#include <functional>
+#include <set>
 
 namespace hazelmark {
 
 namespace {
 
-bool isPicture(const TiffPage &page)
+/// A page of a TIFF file as far as its directory's own bytes tell.
+struct Page
 {
-    return !page.isReducedOrMask && page.width > 0 && page.height > 0 && page.width <= INT_MAX &&
-           page.height <= INT_MAX;
+    quint64 offset; ///< of the directory in the file
+    quint64 width;
+    quint64 height;
+    bool isReducedOrMask;
+
+    bool isPicture() const
+    {
+        return !isReducedOrMask && width > 0 && height > 0 && width <= INT_MAX && height <= INT_MAX;
+    }
+};
+
+/// In the order of the chain of directories, no more than kMaxFrames. A chain that leads back into itself or out of the
+/// file ends there. Not through the library, which fetches every value of every directory on its way: pages that share
+/// one large value would make a small file take hours.
+std::vector<Page> pagesOf(const SourceFile &source)
+{
+    qint64 entriesLeft = 250'000; // of all directories: some twenty a page in files that have many pages
+    std::vector<Page> pages;
+    std::set<quint64> seen;
+    const auto cursor = TiffCursor::of(source);
+    quint64 next = cursor ? cursor->firstDirectoryOffset() : 0;
+    while (next != 0 && pages.size() < kMaxFrames && seen.insert(next).second) {
+        const auto directory = cursor->directoryAt(next, entriesLeft);
+        if (!directory || directory->entries.empty())
+            break;
+        const auto number = [&](uint32_t tag) {
+            const TiffEntry *entry = directory->find(quint16(tag));
+            return entry ? cursor->number(*entry).value_or(0) : 0;
+        };
+        pages.push_back({next, number(TIFFTAG_IMAGEWIDTH), number(TIFFTAG_IMAGELENGTH),
+                         (number(TIFFTAG_SUBFILETYPE) & (FILETYPE_REDUCEDIMAGE | FILETYPE_MASK)) != 0 ||
+                             number(TIFFTAG_OSUBFILETYPE) == OFILETYPE_REDUCEDIMAGE});
+        entriesLeft -= qint64(directory->entries.size());
+        next = directory->next;
+    }
+    return pages;
 }
 
 class TiffReader : public PictureReader
@@ -28,7 +65,7 @@ class TiffReader : public PictureReader
 public:
     explicit TiffReader(SourceFile &source)
         : m_source(source)
-        , m_pages(tiffPages(source))
+        , m_pages(pagesOf(source))
         , m_tiff(source)
     {
     }
@@ -74,7 +111,7 @@ private:
     }
 
     SourceFile &m_source;
-    std::vector<TiffPage> m_pages;
+    std::vector<Page> m_pages;
     TiffHandle m_tiff;
     TiffLayout m_layout;
     Picture m_picture;
@@ -106,7 +143,7 @@ std::optional<Failure> TiffReader::readHeader()
     if (holdsRawData())
         return m_source.failure(Failure::Reason::UnsupportedFormat, QStringLiteral("camera raw data"));
     // Where there is nothing but copies, the first one is the picture.
-    const auto picture = std::find_if(m_pages.begin(), m_pages.end(), isPicture);
+    const auto picture = std::find_if(m_pages.begin(), m_pages.end(), std::mem_fn(&Page::isPicture));
     if (m_layout.isReducedOrMask && picture != m_pages.end()) {
         if (!TIFFSetSubDirectory(m_tiff.get(), picture->offset))
             return failure();
@@ -150,8 +187,8 @@ PictureInfo TiffReader::info()
     info.iccProfile = iccProfile();
     info.dpi = dpi();
     const uint64_t first = TIFFCurrentDirOffset(m_tiff.get());
-    for (const TiffPage &page : m_pages) {
-        if (page.offset != first && isPicture(page))
+    for (const Page &page : m_pages) {
+        if (page.offset != first && page.isPicture())
             info.frames.emplace_back(int(page.width), int(page.height));
     }
     return info;

@@ -79,7 +79,7 @@ private:
         if (!directory || !m_seen.insert(offset).second)
             return false;
         std::vector<TiffBlock::Entry> kept;
-        TiffBlock::Directory removed{directory->offset, {}, 0};
+        TiffBlock::Directory removed{directory->offset, 0, {}, 0};
         for (const TiffBlock::Entry &entry : directory->entries)
             (isCarried(entry, kind) ? kept : removed.entries).push_back(entry);
         if (!removed.entries.empty() || directory->next != 0)
@@ -149,7 +149,7 @@ private:
                 return;
             wipePicturesOf(*directory, isThumbnail, depth);
             // The values of a thumbnail's directory stay: writers share them with the first one.
-            wipeUnused(m_block, m_used, {directory->offset, directory->offset + directory->size()});
+            wipeUnused(m_block, m_used, {directory->offset, directory->offset + directory->size});
             offset = directory->next;
         }
     }

@@ -80,8 +80,8 @@ PhotoMetadata parseBlocks(const QString &path, const EmbeddedBlocks &blocks, QSi
 
 bool isPlausible(const QString &path)
 {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) && hasPlausibleTags(file);
+    const Outcome<std::unique_ptr<SourceFile>> source = SourceFile::open(path);
+    return source && hasPlausibleTags(**source);
 }
 
 PhotoMetadata parseFile(const QString &path, const EmbeddedBlocks &blocks, QSize size)
@@ -111,24 +111,28 @@ PhotoMetadata parseFile(const QString &path, const EmbeddedBlocks &blocks, QSize
 
 PhotoMetadata readPhotoMetadata(const QString &path, const QByteArray &format, QSize size)
 {
-    if (format == "tiff")
-        return parseBlocks(path, readTiffBlocksToShow(path), size);
-    if (!hasEmbeddedBlocks(format))
+    const bool isTiff = format == "tiff";
+    if (!isTiff && !hasEmbeddedBlocks(format))
         return parseFile(path, {}, size);
     const Outcome<std::unique_ptr<SourceFile>> source = SourceFile::open(path);
-    return parseBlocks(path, source ? readEmbeddedBlocks(**source, format) : EmbeddedBlocks(), size);
+    if (!source)
+        return {};
+    return parseBlocks(path, isTiff ? readTiffBlocksToShow(**source) : readEmbeddedBlocks(**source, format), size);
 }
 
 PhotoMetadata readMetadataToCarry(const QString &path, const QByteArray &format, QSize size)
 {
     if (format != "tiff")
         return readPhotoMetadata(path, format, size);
-    const EmbeddedBlocks blocks = readTiffBlocks(path);
+    const Outcome<std::unique_ptr<SourceFile>> source = SourceFile::open(path);
+    if (!source)
+        return {};
+    const EmbeddedBlocks blocks = readTiffBlocks(**source);
     if (!blocks.exif.isEmpty())
         return parseBlocks(path, blocks, size);
     if (isPlausible(path))
         return parseFile(path, blocks, size);
-    PhotoMetadata metadata = parseBlocks(path, readTiffBlocksToShow(path), size);
+    PhotoMetadata metadata = parseBlocks(path, readTiffBlocksToShow(**source), size);
     metadata.blocks.exif.clear(); // it says how the file stores its pixels
     return metadata;
 }

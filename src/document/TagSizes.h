@@ -1,7 +1,6 @@
 #pragma once
 
-#include <QByteArray>
-#include <QFile>
+#include "SourceFile.h"
 
 namespace hazelmark {
 
@@ -11,8 +10,8 @@ namespace hazelmark {
 /// Whether the tags of the EXIF block state values that the block can hold next to each other, more or less.
 bool hasPlausibleTags(const QByteArray &exif);
 
-/// The same of the TIFF file. Reads its directories alone.
-bool hasPlausibleTags(QFile &tiff);
+/// The same of a file that may be a TIFF file. Reads its directories alone.
+bool hasPlausibleTags(const SourceFile &source);
 
 /// An EXIF block without a maker's note where the block is several times as large as cameras write it: every maker has
 /// other directories in the note, so they cannot be looked over. In smaller blocks they can do no great harm.

@@ -13,7 +13,7 @@ void addUsed(const TiffBlock &block, quint32 offset, std::vector<BlockRange> &us
     const std::optional<TiffBlock::Directory> directory = block.directoryAt(offset);
     if (!directory)
         return;
-    used.push_back({directory->offset, directory->offset + directory->size()});
+    used.push_back({directory->offset, directory->offset + directory->size});
     for (const TiffBlock::Entry &entry : directory->entries) {
         if (entry.valueSize > TiffBlock::kInlineSize)
             used.push_back({entry.valueOffset, entry.valueOffset + entry.valueSize});
