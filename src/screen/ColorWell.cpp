@@ -35,10 +35,10 @@ void ColorWell::setColor(const QColor &color)
 
 void ColorWell::setColorByUser(const QColor &color)
 {
-    if (!color.isValid() || color == m_color)
-        return;
+    const QColor before = m_color;
     setColor(color);
-    emit colorChangedByUser(m_color);
+    if (m_color != before)
+        emit colorChangedByUser(m_color);
 }
 
 void ColorWell::openColorPanel()

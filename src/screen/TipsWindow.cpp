@@ -210,7 +210,8 @@ void TipsWindow::showPage(int page)
 
 bool TipsWindow::eventFilter(QObject *watched, QEvent *event)
 {
-    if (event->type() == QEvent::Hide)
+    // When it is minimised the desktop hides both.
+    if (event->type() == QEvent::Hide && !event->spontaneous())
         close();
     if (event->type() == QEvent::Move && isVisible()) {
         const auto *move = static_cast<QMoveEvent *>(event);

@@ -309,8 +309,10 @@ TEST_F(SettingsPanelTest, TheColourPanelBelongsToTheWell)
     ASSERT_NE(well->colorPanel(), nullptr);
     EXPECT_FALSE(well->colorPanel()->isModal());
     QTest::mouseClick(well, Qt::LeftButton);
-    well->colorPanel()->setCurrentColor(Qt::blue);
-    EXPECT_EQ(well->color(), QColor(Qt::blue));
+    for (const QColor &color : {QColor(Qt::blue), QColor(Qt::blue), QColor()}) {
+        emit well->colorPanel()->currentColorChanged(color);
+        EXPECT_EQ(well->color(), QColor(Qt::blue));
+    }
     EXPECT_EQ(m_process.size(), 1);
     well->closeColorPanel();
     EXPECT_TRUE(QTest::qWaitFor([&] { return well->colorPanel() == nullptr; }));
