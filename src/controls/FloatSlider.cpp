@@ -208,18 +208,6 @@ void FloatSlider::endDrag()
     m_frame.stop();
 }
 
-void FloatSlider::focusInEvent(QFocusEvent *event)
-{
-    QWidget::focusInEvent(event);
-    update();
-}
-
-void FloatSlider::focusOutEvent(QFocusEvent *event)
-{
-    QWidget::focusOutEvent(event);
-    update();
-}
-
 void FloatSlider::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::EnabledChange) {

@@ -2,11 +2,14 @@
 #include "Localisation.h"
 #include "Fakes.h"
 #include "LinkTable.h"
+#include "MainMenu.h"
 #include "PropertyList.h"
 #include "RefusalKey.h"
 
+#include <QAction>
 #include <QDir>
 #include <QDirIterator>
+#include <QMenuBar>
 #include <QRegularExpression>
 
 #include <gtest/gtest.h>
@@ -133,6 +136,9 @@ TEST_F(LocalisationTest, ATableThatIsMissingOrBrokenIsTriedAgainAndAGoodOneKept)
 
 TEST_F(LocalisationTest, LinksLeadToPagesAndToFilesOfTheProgramOnly)
 {
+    const MainMenu menu{LinkTable()};
+    EXPECT_FALSE(menu.btnRecommendedApps->isVisible() || menu.btnStorePage) << "without any there is nothing to head";
+    delete menu.menuBar();
     ASSERT_TRUE(QDir(m_folder.path()).mkpath(u"manual/index.html"_s));
     const QStringList links{u"manual/index.html"_s,
                             u"http://example.org"_s,
