@@ -20,6 +20,12 @@ namespace {
 /// More stamps than this change nothing that can be seen: the diagonal of the largest canvas has fewer pixels. A
 /// spacing of next to nothing in a file would ask for any number of them.
 constexpr float kMaxStampsPerSegment = 65536;
+/// How often the stamps of a segment may pass over a pixel one by one. With a spacing of less than a thousandth of the
+/// brush they are drawn together at places so near to each other that no pixel sees the difference: a segment takes no
+/// longer than the pixels that it reaches are worth.
+constexpr float kMostPasses = 1024;
+constexpr float kPlacesPerBrush = 256;
+constexpr float kFewestPlaces = 16;
 
 /// A replay stamps bands of the canvas on all processors, each step on every band in its turn: high enough that most
 /// stamps lie in one or two, many enough that the processors end together.
@@ -128,7 +134,6 @@ void PaintCanvas::renderLineFromPoint(QPointF from, QPointF to)
 {
     if (bufferSize().isEmpty())
         return;
-    m_centres.clear();
     placeStamps(from, to, m_centres);
     fitBufferToFrame();
     const QRect touched = boundPainter().stamp(StampTarget(m_buffer), m_centres);
@@ -142,7 +147,7 @@ StampPainter PaintCanvas::boundPainter()
             m_brushTexture};
 }
 
-void PaintCanvas::placeStamps(QPointF from, QPointF to, std::vector<StampCentre> &centres) const
+void PaintCanvas::placeStamps(QPointF from, QPointF to, StampCentres &centres) const
 {
     // Lengths in single precision, and stamps placed on the grid of single-precision numbers with y counted from
     // below: it decides how many stamps a segment gets and which pixel a centre between two pixels falls to.
@@ -152,16 +157,21 @@ void PaintCanvas::placeStamps(QPointF from, QPointF to, std::vector<StampCentre>
     const double dy = (height - to.y()) - start.y();
     const float distance = std::sqrt(float(dx * dx + dy * dy));
     const float wanted = std::ceil(distance / m_brushPixelStep);
+    centres.places.clear();
     // A click gives 0 / step; not a number (0 / 0) fails the comparison too.
     const int count = wanted >= 1 ? int(std::min(wanted, kMaxStampsPerSegment)) : 1;
+    const float brushes = distance / m_pointSize;
+    const bool together = float(count) > kMostPasses * (1 + brushes);
+    centres.times = together ? std::max(1, int(float(count) / (kPlacesPerBrush * brushes + kFewestPlaces))) : 1;
 
     const QSize size = bufferSize();
     const double columnsPerPoint = size.width() / m_canvasSize.width();
     const double linesPerPoint = size.height() / height;
-    for (int i = 0; i < count; ++i) {
-        const auto x = float(start.x() + dx * i / count);
-        const auto y = float(start.y() + dy * i / count);
-        centres.push_back({x * columnsPerPoint, size.height() - y * linesPerPoint});
+    for (int first = 0; first < count; first += centres.times) {
+        const double middle = first + (centres.times - 1) / 2.0;
+        const auto x = float(start.x() + dx * middle / count);
+        const auto y = float(start.y() + dy * middle / count);
+        centres.places.push_back({x * columnsPerPoint, size.height() - y * linesPerPoint});
     }
 }
 
@@ -224,7 +234,7 @@ void PaintCanvas::restoreDrawedPoints(const std::shared_ptr<PaintStepList> &step
         Segment &segment = segments.emplace_back(Segment{boundPainter(), {}});
         placeStamps(Geometry::convertedPointToFrameBase(step.start(), m_canvasSize),
                     Geometry::convertedPointToFrameBase(step.end(), m_canvasSize), segment.centres);
-        stamps += segment.centres.size();
+        stamps += segment.centres.places.size();
         if (stamps >= kStampsAtOnce) {
             drawSegments(segments);
             segments.clear();

@@ -124,9 +124,9 @@ private:
     struct Segment
     {
         StampPainter painter;
-        std::vector<StampCentre> centres;
+        StampCentres centres;
     };
-    void placeStamps(QPointF from, QPointF to, std::vector<StampCentre> &centres) const;
+    void placeStamps(QPointF from, QPointF to, StampCentres &centres) const;
     StampPainter boundPainter();
     void drawSegments(const std::vector<Segment> &segments);
 
@@ -146,7 +146,7 @@ private:
 
     QPointF m_firstLocation; ///< the previous pointer position, as a fraction of the frame
     QVariantList m_sessionPrevDataArray;
-    std::vector<StampCentre> m_centres; ///< reused by every segment, never shrunk
+    StampCentres m_centres; ///< reused by every segment, never shrunk
     QUndoStack m_undoStack;
 };
 

@@ -169,7 +169,7 @@ StampPainter::StampPainter(Mode mode, const Color &color, float pointSize, const
     }
 }
 
-QRect StampPainter::stamp(const StampTarget &target, const std::vector<StampCentre> &centres) const
+QRect StampPainter::stamp(const StampTarget &target, const StampCentres &centres) const
 {
     if (!m_texels)
         return {};
@@ -183,9 +183,10 @@ QRect StampPainter::stamp(const StampTarget &target, const std::vector<StampCent
     row.spacing = spacingOf(texelsPerColumn);
     row.addend = m_addend;
     row.alpha = m_alpha;
+    row.times = centres.times;
 
     QRect touched;
-    for (const StampCentre &centre : centres) {
+    for (const StampCentre &centre : centres.places) {
         if (!std::isfinite(centre.x) || !std::isfinite(centre.y))
             continue;
         const double left = centre.x - m_pointSize / 2;

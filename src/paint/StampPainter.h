@@ -19,6 +19,19 @@ struct StampCentre
     double y = 0;
 };
 
+/// Where a segment is stamped.
+struct StampCentres
+{
+    StampCentres(std::vector<StampCentre> centres = {}, int howOften = 1)
+        : places(std::move(centres))
+        , times(howOften)
+    {
+    }
+
+    std::vector<StampCentre> places;
+    int times; ///< how often each place is stamped
+};
+
 /// The pixels that are stamped on: some lines of an image of Format_RGBA8888_Premultiplied.
 struct StampTarget
 {
@@ -51,8 +64,8 @@ public:
     /// Components of `color` outside 0..1 are clamped. Erasing takes no colour.
     StampPainter(Mode mode, const Color &color, float pointSize, const BrushTexture &texture);
 
-    /// Stamps once at each centre, in order, clipped to the target. Gives the rectangle that may have changed.
-    QRect stamp(const StampTarget &target, const std::vector<StampCentre> &centres) const;
+    /// Stamps at each centre, in order, clipped to the target. Gives the rectangle that may have changed.
+    QRect stamp(const StampTarget &target, const StampCentres &centres) const;
 
 private:
     std::shared_ptr<const BrushTexture::Texels> m_texels; ///< null when nothing is stamped

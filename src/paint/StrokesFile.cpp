@@ -2,17 +2,23 @@
 
 #include "BrushTips.h"
 #include "Bundle.h"
+#include "FileDescriptor.h"
 #include "PaintCanvas.h"
 #include "PointString.h"
+#include "Utils.h"
 
 #include <QFile>
-#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QPainter>
 
+#include <cerrno>
 #include <cmath>
+#include <new>
+#include <system_error>
+
+#include <fcntl.h>
+#include <sys/stat.h>
 
 namespace hazelmark {
 
@@ -150,11 +156,19 @@ std::optional<StrokesFile> StrokesFile::parse(const QByteArray &json, QString &f
 
 std::optional<StrokesFile> StrokesFile::read(const QString &path, QString &fault)
 {
-    QFile file(path);
+    // A pipe would keep the reader waiting for as long as nobody writes to it.
+    const FileDescriptor descriptor(::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC));
+    const std::error_code error(errno, std::generic_category());
+    struct stat status = {};
+    QFile file;
     std::optional<StrokesFile> strokes;
-    if (QFileInfo(path).isDir()) {
+    if (!descriptor || ::fstat(descriptor.get(), &status) != 0) {
+        fault = u"it cannot be read (%1)."_qs.arg(QString::fromStdString(error.message()));
+    } else if (S_ISDIR(status.st_mode)) {
         fault = u"it is a folder."_qs;
-    } else if (!file.open(QIODevice::ReadOnly)) {
+    } else if (!S_ISREG(status.st_mode)) {
+        fault = u"it is not a regular file."_qs;
+    } else if (!file.open(descriptor.get(), QIODevice::ReadOnly)) {
         fault = u"it cannot be read (%1)."_qs.arg(file.errorString());
     } else {
         const QByteArray json = file.read(kMostBytes + 1);
@@ -177,15 +191,14 @@ QImage StrokesFile::mask(QString &fault) const
     PaintCanvas replay;
     replay.setCanvasSize(canvas);
     replay.restoreDrawedPoints(steps);
-    QImage mask(replay.bufferSize(), QImage::Format_RGBX8888);
-    const QImage painted = replay.snapshot();
-    if (mask.isNull() || painted.isNull()) {
-        fault = u"There is not enough memory for a canvas of %1 x %2."_qs.arg(canvas.width()).arg(canvas.height());
-        return {};
+    try {
+        const PhotoImagePtr painted = PhotoImage::fromBitmap(replay.snapshot());
+        if (const PhotoImagePtr mask = Utils::sharedUtils().addBackgroundToImage(painted, Qt::black))
+            return mask->bitmap();
+    } catch (const std::bad_alloc &) {
     }
-    mask.fill(Qt::black);
-    QPainter(&mask).drawImage(0, 0, painted);
-    return mask;
+    fault = u"There is not enough memory for a canvas of %1 x %2."_qs.arg(canvas.width()).arg(canvas.height());
+    return {};
 }
 
 } // namespace hazelmark

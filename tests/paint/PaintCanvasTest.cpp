@@ -4,6 +4,8 @@
 #include "PaintControl.h"
 #include "ReferenceStamps.h"
 
+#include <QElapsedTimer>
+
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -271,6 +273,33 @@ TEST_F(Canvas, DefaultColourPaintsNothingAndSpacingOfNothingEndsAllTheSame)
         canvas.appendStep(canvas.paintStepFromPoint({0, 0}, {1, 1}));
     }
     EXPECT_GT(alphaAt(0, 0), 0);
+}
+
+TEST_F(Canvas, MoreStampsThanThePixelsAreWorthAreDrawnTogetherAndLookTheSame)
+{
+    canvas.setPointSize(50);
+    QImage wanted = blankBuffer({400, 300});
+    for (const auto &[from, to, erases] : {std::tuple(QPointF(0.2, 0.3), QPointF(0.55, 0.6), false),
+                                           {QPointF(0.6, 0.6), QPointF(0.601, 0.6), false},
+                                           {QPointF(0.3, 0.5), QPointF(0.5, 0.35), true}}) {
+        canvas.setHardness(erases ? 1 : 0.4F);
+        canvas.setEraser(erases);
+        canvas.setBrushPixelStep(float(std::hypot((to.x() - from.x()) * 400, (to.y() - from.y()) * 300) / 9000));
+        const PaintStep step = canvas.paintStepFromPoint(from, to);
+        canvas.appendStep(step);
+        const BrushTexture tip(BrushTips::shared().tipForHardness(step.hardness()));
+        const auto mode = erases ? StampPainter::Mode::Erase : StampPainter::Mode::Paint;
+        StampPainter(mode, kGreen, 50, tip).stamp(StampTarget(wanted), centresOf(step, {400, 300}));
+    }
+    EXPECT_LE(largestDifference(canvas.snapshot(), wanted), 20);
+
+    // One by one it would take minutes.
+    QElapsedTimer timer;
+    timer.start();
+    canvas.setBrushPixelStep(1e-9F);
+    for (int i = 0; i < 900; ++i)
+        canvas.appendStep(canvas.paintStepFromPoint({0.4, 0.3}, {0.4, 0.33}));
+    EXPECT_LT(timer.elapsed(), 10000);
 }
 
 TEST_F(Canvas, ReplacingTheSessionCanBeUndone)

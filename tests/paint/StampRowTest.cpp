@@ -39,6 +39,7 @@ struct RowCase
     std::array<float, 4> addend;
     float alpha;
     bool greenPixels;
+    int times = 1;
 };
 
 class StampRowOnEveryTarget : public testing::TestWithParam<RowCase>
@@ -75,7 +76,8 @@ TEST_P(StampRowOnEveryTarget, AgreesWithTheScalarLoop)
                                 fraction.data(),
                                 param.spacing,
                                 param.addend,
-                                param.alpha};
+                                param.alpha,
+                                param.times};
     std::vector<std::uint8_t> before(4 * kLongest);
     std::generate(before.begin(), before.end(), [&] { return std::uint8_t(byte(random)); });
     for (std::size_t i = 0; param.greenPixels && i < before.size(); i += 4) {
@@ -88,7 +90,8 @@ TEST_P(StampRowOnEveryTarget, AgreesWithTheScalarLoop)
         hwy::GetChosenTarget().Update(hwy::SupportedTargets());
         for (int count = 0; count <= kLongest; ++count) {
             std::vector<std::uint8_t> wanted = before;
-            blendScalar(wanted.data(), count, row);
+            for (int time = 0; time < param.times; ++time)
+                blendScalar(wanted.data(), count, row);
             std::vector<std::uint8_t> got = before;
             kernels::blendStampRow(got.data(), count, row);
             int largest = 0;
@@ -108,6 +111,8 @@ INSTANTIATE_TEST_SUITE_P(
     testing::Values(RowCase{"green", true, 1.28, Spacing::Near, {0, 255, 0, 255}, 1, true},
                     RowCase{"green over colours", true, 1.28, Spacing::Near, {0, 255, 0, 255}, 1, false},
                     RowCase{"erase green", true, 1.99, Spacing::Near, {0, 0, 0, 0}, 1, true},
+                    RowCase{"green again and again", true, 0.4, Spacing::Dense, {0, 255, 0, 255}, 1, true, 40},
+                    RowCase{"colour twice", false, 1.0, Spacing::Near, {25, 130, 255, 128}, 0.5F, false, 2},
                     RowCase{"colour", true, 0.4, Spacing::Dense, {25, 130, 255, 128}, 0.5F, false},
                     RowCase{"more colour than alpha", true, 0.998, Spacing::Dense, {255, 255, 255, 51}, 0.2F, false},
                     RowCase{"far apart", true, 2.9, Spacing::Wide, {0, 255, 0, 255}, 1, false},

@@ -113,7 +113,8 @@ TEST(Stamp, CoversThePixelsWhoseCentresLieInItsSquare)
     const BrushTexture texture(solidTip(8));
     QImage buffer = blankBuffer({20, 20});
     // x from 4.6 to 9.6, y from 5.5 to 10.5: a centre on the low border is in, one on the high border is out.
-    const QRect touched = StampPainter(kPaint, kGreen, 5, texture).stamp(StampTarget(buffer), {{7.1, 8.0}});
+    const QRect touched =
+        StampPainter(kPaint, kGreen, 5, texture).stamp(StampTarget(buffer), std::vector{StampCentre{7.1, 8.0}});
     EXPECT_EQ(touched, QRect(5, 5, 5, 5));
     for (int y = 0; y < 20; ++y)
         for (int x = 0; x < 20; ++x)

@@ -8,6 +8,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/stat.h>
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -115,7 +117,9 @@ TEST(StrokesFile, OtherFaultsAreSentencesToo)
 TEST(StrokesFile, FileThatCannotBeReadIsNamed)
 {
     const QTemporaryDir folder;
-    for (const QString &path : {folder.path(), folder.filePath(u"none.json"_qs), u"/dev/zero"_qs}) {
+    const QString pipe = folder.filePath(u"pipe.json"_qs);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0); // nobody ever writes to it
+    for (const QString &path : {folder.path(), folder.filePath(u"none.json"_qs), pipe, u"/dev/zero"_qs}) {
         QString fault;
         EXPECT_FALSE(StrokesFile::read(path, fault));
         EXPECT_TRUE(fault.startsWith(path + u": "_qs)) << fault.toStdString();

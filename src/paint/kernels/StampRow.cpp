@@ -129,6 +129,19 @@ HWY_INLINE WordVec blendAny(WordVec pixels, const StampRow &row, int pixel, bool
     return blend<kWhite, kSpacing>(pixels, row, pixel);
 }
 
+/// Once a time has changed nothing, no further one does.
+template <bool kWhite, Spacing kSpacing>
+HWY_INLINE WordVec blendTimes(WordVec pixels, const StampRow &row, int pixel, bool addsGreen)
+{
+    const Words words;
+    WordVec blended = blendAny<kWhite, kSpacing>(pixels, row, pixel, addsGreen);
+    for (int time = 1; time < row.times && !hn::AllTrue(words, hn::Eq(pixels, blended)); ++time) {
+        pixels = blended;
+        blended = blendAny<kWhite, kSpacing>(pixels, row, pixel, addsGreen);
+    }
+    return blended;
+}
+
 template <bool kWhite, Spacing kSpacing>
 void blendPixels(std::uint8_t *bytes, int count, const StampRow &stampRow)
 {
@@ -139,7 +152,7 @@ void blendPixels(std::uint8_t *bytes, int count, const StampRow &stampRow)
     int pixel = 0;
     for (; pixel + lanes <= count; pixel += lanes) {
         auto *at = reinterpret_cast<std::uint32_t *>(bytes + 4 * std::ptrdiff_t(pixel));
-        hn::StoreU(blendAny<kWhite, kSpacing>(hn::LoadU(words, at), row, pixel, addsGreen), words, at);
+        hn::StoreU(blendTimes<kWhite, kSpacing>(hn::LoadU(words, at), row, pixel, addsGreen), words, at);
     }
     if (pixel < count) {
         // The last pixels go through a block of their own: behind them may lie the end of the buffer.
@@ -147,7 +160,7 @@ void blendPixels(std::uint8_t *bytes, int count, const StampRow &stampRow)
         const std::size_t size = 4 * std::size_t(count - pixel);
         std::uint8_t *at = bytes + 4 * std::ptrdiff_t(pixel);
         std::memcpy(block, at, size);
-        hn::Store(blendAny<kWhite, kSpacing>(hn::Load(words, block), row, pixel, addsGreen), words, block);
+        hn::Store(blendTimes<kWhite, kSpacing>(hn::Load(words, block), row, pixel, addsGreen), words, block);
         std::memcpy(at, block, size);
     }
 }

@@ -29,6 +29,9 @@ struct StampRow
     std::array<float, 4> addend;
     /// What share of the pixel a sample of 1 in the alpha row takes away.
     float alpha;
+
+    /// How often it is stamped.
+    int times = 1;
 };
 
 /// Blends `count` pixels of a stamp: pixel = sample * addend + pixel * (1 - sample alpha * alpha), rounded once to
