@@ -7,7 +7,7 @@
 int main(int argc, char *argv[])
 {
     using namespace hazelmark;
-    SafeFile::removeTemporariesOnSignals();
+    SafeFile::handleSignals();
     // Before anything can write to the log.
     QLoggingCategory::setFilterRules(QStringLiteral("*=false"));
     QCoreApplication application(argc, argv);

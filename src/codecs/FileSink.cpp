@@ -1,7 +1,5 @@
 #include "FileSink.h"
 
-#include <QFile>
-
 #include <algorithm>
 #include <cerrno>
 
@@ -10,24 +8,18 @@
 
 namespace hazelmark {
 
-FileSink::FileSink(const QString &path, int descriptor)
+FileSink::FileSink(int descriptor, const QString &path)
     : m_path(path)
-    , m_descriptor(descriptor)
+    , m_descriptor(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0))
 {
+    if (m_descriptor < 0)
+        m_error = errno;
 }
 
 FileSink::~FileSink()
 {
     if (m_descriptor >= 0)
         ::close(m_descriptor);
-}
-
-Outcome<std::unique_ptr<FileSink>> FileSink::open(const QString &path)
-{
-    const int descriptor = ::open(QFile::encodeName(path).constData(), O_RDWR | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (descriptor < 0)
-        return Failure::ofWriteError(errno, path);
-    return std::unique_ptr<FileSink>(new FileSink(path, descriptor));
 }
 
 bool FileSink::write(const void *bytes, size_t count)
@@ -63,7 +55,7 @@ Outcome<Done> FileSink::finish()
 {
     const int descriptor = m_descriptor;
     m_descriptor = -1;
-    if (::close(descriptor) != 0 && m_error == 0 && errno != EINTR)
+    if (descriptor >= 0 && ::close(descriptor) != 0 && m_error == 0 && errno != EINTR)
         m_error = errno;
     if (m_error != 0)
         return Failure::ofWriteError(m_error, m_path);

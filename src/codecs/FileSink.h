@@ -7,7 +7,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 
 namespace hazelmark {
 
@@ -16,8 +15,8 @@ namespace hazelmark {
 class FileSink
 {
 public:
-    /// Creates or truncates the file. Fails with NoSuchFolder, FolderNotWritable, DiskFull or WriteFailed.
-    static Outcome<std::unique_ptr<FileSink>> open(const QString &path);
+    /// The file is open for reading and writing, and empty. `path` is what failures are about.
+    FileSink(int descriptor, const QString &path);
     ~FileSink();
     FileSink(const FileSink &) = delete;
     FileSink &operator=(const FileSink &) = delete;
@@ -29,16 +28,14 @@ public:
     QByteArray readAt(int64_t offset, size_t count);
     bool hasFailed() const { return m_error != 0; }
 
-    /// Closes the file; Done only when everything was written. The file system may report a full disk only here.
+    /// Done only when everything was written. The file system may report a full disk only here.
     Outcome<Done> finish();
     /// What went wrong with the file if anything did, else that the encoder itself failed with `encoderMessage`.
     Failure failure(const QString &encoderMessage) const;
 
 private:
-    FileSink(const QString &path, int descriptor);
-
     QString m_path;
-    int m_descriptor;
+    int m_descriptor; ///< its own: closing it is how a file system is asked
     int m_error = 0;
 };
 

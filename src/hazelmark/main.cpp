@@ -14,7 +14,7 @@ using namespace hazelmark;
 
 int main(int argc, char **argv)
 {
-    SafeFile::removeTemporariesOnSignals(); // for the signals that are not turned into an orderly end below
+    SafeFile::handleSignals(); // for the signals that are not turned into an orderly end below
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("hazelmark"));
     QCoreApplication::setApplicationVersion(

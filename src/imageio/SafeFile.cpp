@@ -5,11 +5,8 @@
 
 #include <QFile>
 
-#include <array>
-#include <atomic>
 #include <cerrno>
 #include <csignal>
-#include <cstring>
 #include <fcntl.h>
 #include <optional>
 #include <sys/stat.h>
@@ -24,56 +21,14 @@ using Reason = Failure::Reason;
 constexpr mode_t kAnyWriteBit = S_IWUSR | S_IWGRP | S_IWOTH;
 constexpr int kMostLinks = 40; // as many as the kernel follows
 
-/// Temporary files that are there right now, for the signal handler, which may use neither memory nor locks.
-class TemporaryRegistry
-{
-public:
-    void add(const QByteArray &path)
-    {
-        for (Slot &slot : m_slots) {
-            int expected = kFree;
-            if (std::size_t(path.size()) < sizeof slot.path && slot.state.compare_exchange_strong(expected, kTaken)) {
-                std::memcpy(slot.path, path.constData(), std::size_t(path.size()) + 1);
-                slot.state = kSet;
-                return;
-            }
-        }
-    }
-
-    void remove(const QByteArray &path)
-    {
-        for (Slot &slot : m_slots) {
-            if (slot.state == kSet && path == slot.path)
-                slot.state = kFree;
-        }
-    }
-
-    void unlinkAll()
-    {
-        for (Slot &slot : m_slots) {
-            if (slot.state == kSet)
-                ::unlink(slot.path);
-        }
-    }
-
-private:
-    enum { kFree, kTaken, kSet };
-    struct Slot
-    {
-        std::atomic<int> state = kFree;
-        char path[4096];
-    };
-    std::array<Slot, 8> m_slots;
-};
-
-TemporaryRegistry temporaries;
-
 void removeAndEnd(int signal)
 {
-    temporaries.unlinkAll();
+    TemporaryName::removeAll();
     ::signal(signal, SIG_DFL);
     ::raise(signal);
 }
+
+void carryOn(int /*signal*/) {}
 
 QByteArray folderOf(const QByteArray &path)
 {
@@ -95,17 +50,10 @@ std::optional<QByteArray> finalPlace(QByteArray path)
     return std::nullopt;
 }
 
-mode_t modeOfNewFiles()
+/// The name of a file in its folder.
+const char *nameOf(const QByteArray &place)
 {
-    // Asking umask() for the value would change it for a moment, for all threads.
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (status.open(QIODevice::ReadOnly)) {
-        for (const QByteArray &line : status.readAll().split('\n')) {
-            if (line.startsWith("Umask:"))
-                return 0666 & ~mode_t(line.mid(6).trimmed().toUInt(nullptr, 8));
-        }
-    }
-    return 0644;
+    return place.constData() + place.lastIndexOf('/') + 1;
 }
 
 Outcome<Done> checkFolder(const QByteArray &place, const QString &path)
@@ -148,16 +96,35 @@ Outcome<Done> checkUnchanged(const SourcePaths &sources)
     return Done();
 }
 
-bool flushed(const QByteArray &path, int flags)
+/// What the path leads to and how it is there; nothing where there is no file.
+Outcome<std::optional<struct stat>> checkPlace(const QByteArray &place, const QString &path, const SourcePaths &sources)
 {
-    const int descriptor = ::open(path.constData(), flags | O_CLOEXEC);
-    if (descriptor < 0)
-        return false;
-    const bool done = ::fsync(descriptor) == 0;
-    const int error = errno;
-    ::close(descriptor);
-    errno = error;
-    return done;
+    struct stat status;
+    const bool exists = ::lstat(place.constData(), &status) == 0;
+    const Outcome<Done> allowed = exists ? checkExisting(place, status, path, sources) : Outcome<Done>(Done());
+    if (!allowed)
+        return allowed.failure();
+    const Outcome<Done> folder = checkFolder(place, path);
+    if (!folder)
+        return folder.failure();
+    return exists ? std::optional(status) : std::nullopt;
+}
+
+/// As far as this process may and the file system can.
+void keepOwnerAndMode(int file, const struct stat &replaced, const QString &path)
+{
+    mode_t mode = replaced.st_mode & 0777;
+    // What another group may do now is what all others may, too.
+    if (::fchown(file, replaced.st_uid, replaced.st_gid) != 0 && ::fchown(file, uid_t(-1), replaced.st_gid) != 0)
+        mode &= ~mode_t(S_IRWXG) | (mode & S_IRWXO) << 3;
+    if (::fchmod(file, mode) != 0)
+        qCWarning(lcImageIo) << "mode not kept:" << path;
+}
+
+bool flushedFolder(int folder)
+{
+    const FileDescriptor readable(::openat(folder, ".", O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    return readable && ::fsync(readable.get()) == 0;
 }
 
 } // namespace
@@ -167,13 +134,10 @@ Outcome<Done> SafeFile::checkDestination(const QString &path, const SourcePaths 
     const std::optional<QByteArray> place = finalPlace(QFile::encodeName(path));
     if (!place || path.isEmpty())
         return Failure{Reason::NotARegularFile, path, {}};
-    struct stat status;
-    if (::stat(place->constData(), &status) == 0) {
-        const Outcome<Done> existing = checkExisting(*place, status, path, sources);
-        if (!existing)
-            return existing;
-    }
-    return checkFolder(*place, path);
+    const auto existing = checkPlace(*place, path, sources);
+    if (!existing)
+        return existing.failure();
+    return Done();
 }
 
 Outcome<SafeFile> SafeFile::create(const QString &path, const SourcePaths &sources)
@@ -181,59 +145,51 @@ Outcome<SafeFile> SafeFile::create(const QString &path, const SourcePaths &sourc
     const Outcome<Done> allowed = checkDestination(path, sources);
     if (!allowed)
         return allowed.failure();
-    QByteArray name = folderOf(*finalPlace(QFile::encodeName(path))) + "/.hazelmark-XXXXXX";
-    const int descriptor = ::mkostemp(name.data(), O_CLOEXEC);
-    if (descriptor < 0)
+    SafeFile file(path, sources, *finalPlace(QFile::encodeName(path)));
+    file.m_folder = FileDescriptor(::open(folderOf(file.m_place).constData(), O_PATH | O_DIRECTORY | O_CLOEXEC));
+    if (!file.m_folder)
         return Failure::ofWriteError(errno, path);
-    ::close(descriptor);
-    temporaries.add(name);
-    return SafeFile(path, sources, QFile::decodeName(name));
+    TemporaryName::removeStale(file.m_folder.get());
+    file.m_file = FileDescriptor(TemporaryName::openUnnamed(file.m_folder.get()));
+    if (!file.m_file) {
+        // What replaces a file is not shown to anybody who may not read that.
+        const mode_t mode = ::access(file.m_place.constData(), F_OK) == 0 ? 0600 : 0666;
+        file.m_file = FileDescriptor(TemporaryName::openNamed(file.m_folder.get(), mode, file.m_temporary));
+    }
+    if (!file.m_file)
+        return Failure::ofWriteError(errno, path);
+    return file;
 }
 
-SafeFile::SafeFile(QString path, SourcePaths sources, QString temporaryPath)
+SafeFile::SafeFile(QString path, SourcePaths sources, QByteArray place)
     : m_path(std::move(path))
     , m_sources(std::move(sources))
-    , m_temporaryPath(std::move(temporaryPath))
+    , m_place(std::move(place))
 {
-}
-
-SafeFile::SafeFile(SafeFile &&other) noexcept
-    : m_path(std::move(other.m_path))
-    , m_sources(std::move(other.m_sources))
-    , m_temporaryPath(std::exchange(other.m_temporaryPath, {}))
-{
-}
-
-SafeFile::~SafeFile()
-{
-    if (m_temporaryPath.isEmpty())
-        return;
-    const QByteArray temporary = QFile::encodeName(m_temporaryPath);
-    ::unlink(temporary.constData());
-    temporaries.remove(temporary);
 }
 
 Outcome<Done> SafeFile::commit()
 {
-    const Outcome<Done> allowed = checkDestination(m_path, m_sources);
-    if (!allowed)
-        return allowed;
-    const QByteArray place = *finalPlace(QFile::encodeName(m_path));
-    const QByteArray temporary = QFile::encodeName(m_temporaryPath);
-    struct stat replaced;
-    const bool replaces = ::stat(place.constData(), &replaced) == 0;
-    const mode_t mode = replaces ? replaced.st_mode & 0777 : modeOfNewFiles();
-    if (!flushed(temporary, O_RDONLY) || ::chmod(temporary.constData(), mode) != 0)
+    if (::fsync(m_file.get()) != 0)
         return Failure::ofWriteError(errno, m_path);
-    const Outcome<Done> unchanged = checkUnchanged(m_sources);
-    if (!unchanged)
-        return unchanged;
-    if (::rename(temporary.constData(), place.constData()) != 0)
-        return Failure::ofWriteError(errno, m_path);
-    temporaries.remove(temporary);
-    m_temporaryPath.clear();
+    for (bool placed = false; !placed;) {
+        const auto existing = checkPlace(m_place, m_path, m_sources);
+        if (!existing)
+            return existing.failure();
+        const Outcome<Done> unchanged = checkUnchanged(m_sources);
+        if (!unchanged)
+            return unchanged;
+        if (*existing)
+            keepOwnerAndMode(m_file.get(), **existing, m_path);
+        if (!*existing && !m_temporary)
+            placed = TemporaryName::link(m_file.get(), m_folder.get(), nameOf(m_place));
+        else if (m_temporary || m_temporary.give(m_file.get(), m_folder.get()))
+            placed = m_temporary.renameTo(nameOf(m_place));
+        if (!placed && (*existing || errno != EEXIST)) // a file that came meanwhile is looked at first
+            return Failure::ofWriteError(errno, m_path);
+    }
     // The file is in place whole; that the folder's entry is on the disk too is as much as can be asked for.
-    if (!flushed(folderOf(place), O_RDONLY | O_DIRECTORY))
+    if (!flushedFolder(m_folder.get()))
         qCWarning(lcImageIo) << "folder not flushed:" << m_path;
     return Done();
 }
@@ -244,20 +200,18 @@ Outcome<Done> encodeSafely(const QImage &pixels, const EncodeOptions &options, c
     Outcome<SafeFile> file = SafeFile::create(path, sources);
     if (!file)
         return file.failure();
-    const Outcome<Done> encoded = encodePicture(pixels, options, file->temporaryPath());
-    if (encoded)
-        return file->commit();
-    Failure failure = encoded.failure();
-    failure.path = path; // a person knows nothing of the temporary file
-    return failure;
+    const Outcome<Done> encoded = encodePicture(pixels, options, file->descriptor(), path);
+    return encoded ? file->commit() : encoded;
 }
 
-void SafeFile::removeTemporariesOnSignals()
+void SafeFile::handleSignals()
 {
-    for (int signal : {SIGINT, SIGTERM, SIGHUP}) {
+    for (int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP}) {
         if (::signal(signal, removeAndEnd) == SIG_IGN) // so that nohup keeps its promise
             ::signal(signal, SIG_IGN);
     }
+    // Not ignored: that would be passed on to the programs that this one starts.
+    ::signal(SIGXFSZ, carryOn);
 }
 
 } // namespace hazelmark

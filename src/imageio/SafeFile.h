@@ -1,8 +1,10 @@
 #pragma once
 
 #include "Encoder.h"
+#include "FileDescriptor.h"
 #include "FileIdentity.h"
 #include "Outcome.h"
+#include "TemporaryName.h"
 
 #include <QString>
 
@@ -21,9 +23,11 @@ struct SourcePath
 };
 using SourcePaths = std::vector<SourcePath>;
 
-/// Puts a file in place whole or not at all. The content is written to a temporary file in the folder of the final
-/// place, and takes the place in one step when it is whole and on the disk; until then an existing file stays byte for
-/// byte as it was, and whenever something goes wrong the temporary file is removed.
+/// Puts a file in place whole or not at all. The content is written to a file in the folder of the final place that has
+/// no name, or a temporary one, and takes the place in one step when it is whole and on the disk; until then an
+/// existing file stays byte for byte as it was, and whenever something goes wrong nothing remains. It is written
+/// through the descriptor that it was made with: who may rename files in the folder cannot put another one under the
+/// writer's hands.
 ///
 /// A link is followed: the file that it leads to is replaced, the link stays.
 class SafeFile
@@ -33,30 +37,30 @@ public:
     /// commit(). Permission bits count for the superuser too.
     static Outcome<Done> checkDestination(const QString &path, const SourcePaths &sources);
 
-    /// Creates the temporary file.
+    /// Makes the file, and takes away what killed programs left in the folder.
     static Outcome<SafeFile> create(const QString &path, const SourcePaths &sources);
 
-    SafeFile(SafeFile &&other) noexcept;
-    SafeFile &operator=(SafeFile &&) = delete;
-    /// Removes the temporary file if it was not committed.
-    ~SafeFile();
+    /// Where the content is to be written: empty, open for reading and writing. It stays open until this goes.
+    int descriptor() const { return m_file.get(); }
 
-    /// Where the content is to be written, by path: the file is there, empty.
-    const QString &temporaryPath() const { return m_temporaryPath; }
-
-    /// Flushes the content to the disk, gives the file the mode that a new one would have (or that the replaced one
-    /// has) and puts it in place. Fails with SourceChanged where a source is no more what it was.
+    /// Flushes the content to the disk and puts it in place. A new file has the mode that the process gives to new
+    /// files, one that replaces another has its mode and, where allowed, its owner and group. Fails with SourceChanged
+    /// where a source is no more what it was.
     Outcome<Done> commit();
 
-    /// Makes the signals that end a program (interrupt, terminate, hang up) remove the temporary files first.
-    static void removeTemporariesOnSignals();
+    /// Makes the signals that end a program (interrupt, quit, terminate, hang up) remove the temporary names first, and
+    /// lets a file that grows beyond what the process may write fail like one on a full disk.
+    static void handleSignals();
 
 private:
-    SafeFile(QString path, SourcePaths sources, QString temporaryPath);
+    SafeFile(QString path, SourcePaths sources, QByteArray place);
 
     QString m_path;
     SourcePaths m_sources;
-    QString m_temporaryPath; ///< empty once there is nothing to remove
+    QByteArray m_place; ///< what the path leads to
+    FileDescriptor m_folder;
+    FileDescriptor m_file;
+    TemporaryName m_temporary; ///< none as long as the file has no name
 };
 
 /// Puts the picture as a file at `path`, as encodePicture() writes it, whole or not at all. A failure is about `path`.

@@ -10,7 +10,7 @@ namespace hazelmark {
 
 namespace {
 
-constexpr std::array kSignals{SIGINT, SIGTERM, SIGHUP};
+constexpr std::array kSignals{SIGINT, SIGQUIT, SIGTERM, SIGHUP};
 
 // What the handler reads: it may use neither memory nor locks.
 std::array<struct sigaction, kSignals.size()> previousActions;

@@ -8,7 +8,7 @@
 
 namespace hazelmark {
 
-/// Turns the signals that end a program (interrupt, terminate, hang up) into one from the event loop, so that the
+/// Turns the signals that end a program (interrupt, quit, terminate, hang up) into one from the event loop, so that the
 /// program can end as if a person had ended it. A second one of the same kind takes the way that it had before: who is
 /// in a hurry is not made to wait. One at a time in a process; main thread only.
 class TerminationSignals : public QObject

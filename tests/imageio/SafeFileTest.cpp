@@ -10,6 +10,10 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+
+#include <fcntl.h>
+#include <grp.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -49,9 +53,7 @@ protected:
     SafeFile prepared(const QString &out, const QByteArray &content) const
     {
         auto safe = SafeFile::create(out, m_sources);
-        QFile temporary((*safe).temporaryPath());
-        EXPECT_TRUE(temporary.open(QIODevice::WriteOnly));
-        temporary.write(content);
+        EXPECT_EQ(::write(safe->descriptor(), content.constData(), size_t(content.size())), content.size());
         return std::move(*safe);
     }
     void put(const QString &out, const QByteArray &content) { EXPECT_TRUE(bool(prepared(out, content).commit())); }
@@ -60,6 +62,18 @@ protected:
     QString m_source = file("photo.jpg", "the photo");
     SourcePaths m_sources{{file("strokes.json", "[]")}, {m_source, FileIdentity::ofPath(m_source)}};
 };
+
+/// What the child does must not return. How it ended, as waitpid() says.
+template <typename Body>
+int inChild(const Body &body)
+{
+    const pid_t child = ::fork();
+    if (child == 0)
+        body();
+    int status = -1;
+    EXPECT_EQ(::waitpid(child, &status, 0), child);
+    return status;
+}
 
 mode_t modeOf(const QString &path)
 {
@@ -165,19 +179,71 @@ TEST_F(SafeFiles, WhatAnEncoderRefusesIsToldOfTheFileThatWasAskedFor)
     EXPECT_EQ(entries().size(), 3);
 }
 
-TEST_F(SafeFiles, ASignalRemovesTheTemporaryFile)
+TEST_F(SafeFiles, TheOwnerAndTheGroupAreKeptAndAGroupThatIsNotGainsNothing)
 {
-    const pid_t child = ::fork();
-    if (child == 0) {
-        SafeFile::removeTemporariesOnSignals();
-        auto safe = SafeFile::create(path("out.png"), m_sources);
-        ::raise(SIGTERM);
-        ::_exit(0);
+    if (::geteuid() != 0)
+        GTEST_SKIP() << "only the superuser may give files away";
+    const QString out = file("out.png", "old");
+    const QByteArray native = QFile::encodeName(out);
+    ::chmod(QFile::encodeName(m_folder.path()).constData(), 0777);
+    const auto expect = [&](uid_t owner, gid_t group, mode_t mode) {
+        struct stat status = {};
+        ASSERT_EQ(::stat(native.constData(), &status), 0);
+        EXPECT_EQ(readBytes(out), "new");
+        EXPECT_EQ(status.st_uid, owner);
+        EXPECT_EQ(status.st_gid, group);
+        EXPECT_EQ(status.st_mode & 07777, mode);
+    };
+    ASSERT_TRUE(::chown(native.constData(), 1234, 5678) == 0 && ::chmod(native.constData(), 0664) == 0);
+    put(out, "new");
+    expect(1234, 5678, 0664);
+    const int ended = inChild([&] {
+        const bool dropped = ::setgroups(0, nullptr) == 0 && ::setgid(1234) == 0 && ::setuid(1234) == 0;
+        ::_exit(dropped && prepared(out, "new").commit() ? 0 : 1);
+    });
+    EXPECT_EQ(ended, 0);
+    expect(1234, 1234, 0644);
+}
+
+TEST_F(SafeFiles, NamesThatKilledProgramsLeftAreTakenAwayAndNoOthers)
+{
+    const FileDescriptor folder(::open(QFile::encodeName(m_folder.path()).constData(), O_PATH | O_DIRECTORY));
+    const int ended = inChild([&] {
+        TemporaryName name;
+        TemporaryName linked;
+        TemporaryName::openNamed(folder.get(), 0600, name);
+        const int file = TemporaryName::openUnnamed(folder.get());
+        ::_exit(file < 0 || linked.give(file, folder.get()) ? 0 : 1);
+    });
+    ASSERT_EQ(ended, 0);
+    ASSERT_GT(entries().size(), 2);
+    file(".hazelmark-notes", "the name is of another length");
+    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral(".hazelmark-folder")));
+    ASSERT_TRUE(QFile::link(path("photo.jpg"), path(".hazelmark-linked")));
+    TemporaryName another;
+    const FileDescriptor written(TemporaryName::openNamed(folder.get(), 0600, another));
+    ASSERT_TRUE(written);
+    put(path("out.png"), "content");
+    EXPECT_EQ(entries().size(), 2 + 3 + 1 + 1) << "the sources, the three others, the one in use, the new file";
+    EXPECT_TRUE(another.renameTo("another.png")) << "it was in use";
+}
+
+TEST_F(SafeFiles, ASignalRemovesTheTemporaryName)
+{
+    const FileDescriptor folder(::open(QFile::encodeName(m_folder.path()).constData(), O_PATH | O_DIRECTORY));
+    for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP}) {
+        const int status = inChild([&] {
+            const rlimit none = {0, 0};
+            ::setrlimit(RLIMIT_CORE, &none);
+            SafeFile::handleSignals();
+            TemporaryName name;
+            if (TemporaryName::openNamed(folder.get(), 0600, name) >= 0 && entries().size() == 3)
+                ::raise(signal);
+            ::_exit(1);
+        });
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == signal) << signal;
+        EXPECT_EQ(entries().size(), 2) << signal;
     }
-    int status = 0;
-    ASSERT_EQ(::waitpid(child, &status, 0), child);
-    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM);
-    EXPECT_EQ(entries().size(), 2);
 }
 
 } // namespace hazelmark

@@ -6,7 +6,7 @@
 
 #include <csignal>
 
-using namespace hazelmark;
+namespace hazelmark {
 
 namespace {
 
@@ -19,11 +19,15 @@ void previousHandler(int)
 
 } // namespace
 
-TEST(TerminationSignalsTest, TheFirstComesFromTheEventLoopAndTheNextTakesItsOldWay)
+class TerminationSignalsTest : public ::testing::TestWithParam<int>
+{
+};
+
+TEST_P(TerminationSignalsTest, TheFirstComesFromTheEventLoopAndTheNextTakesItsOldWay)
 {
     previousCalls = 0;
     int received = 0;
-    auto *const before = std::signal(SIGTERM, previousHandler);
+    auto *const before = std::signal(GetParam(), previousHandler);
     auto *const hangUpBefore = std::signal(SIGHUP, SIG_IGN);
     {
         TerminationSignals termination;
@@ -32,17 +36,21 @@ TEST(TerminationSignalsTest, TheFirstComesFromTheEventLoopAndTheNextTakesItsOldW
         QCoreApplication::processEvents();
         EXPECT_EQ(received, 0) << "what is ignored stays ignored";
 
-        std::raise(SIGTERM);
+        std::raise(GetParam());
         EXPECT_EQ(received, 0) << "nothing is done within the handler";
         QCoreApplication::processEvents();
         EXPECT_EQ(received, 1);
         EXPECT_EQ(previousCalls, 0);
 
-        std::raise(SIGTERM);
+        std::raise(GetParam());
         EXPECT_EQ(previousCalls, 1);
         QCoreApplication::processEvents();
         EXPECT_EQ(received, 1);
     }
     std::signal(SIGHUP, hangUpBefore);
-    EXPECT_EQ(std::signal(SIGTERM, before), previousHandler);
+    EXPECT_EQ(std::signal(GetParam(), before), previousHandler);
 }
+
+INSTANTIATE_TEST_SUITE_P(Signals, TerminationSignalsTest, ::testing::Values(SIGTERM, SIGINT, SIGQUIT));
+
+} // namespace hazelmark
