@@ -3,59 +3,7 @@
 
 namespace hazelmark {
 
-class JpegKinds : public FolderTest
-{
-protected:
-    /// 16 × 16 blocks of plain colours, so that what JPEG loses is nothing: `colors` of `channels` samples.
-    static std::vector<uint8_t> blocks(const std::vector<std::vector<int>> &colors)
-    {
-        std::vector<uint8_t> samples;
-        for (int y = 0; y < 16; ++y) {
-            for (size_t x = 0; x < 16 * colors.size(); ++x)
-                samples.insert(samples.end(), colors[x / 16].begin(), colors[x / 16].end());
-        }
-        return samples;
-    }
-};
-
-TEST_F(JpegKinds, GrayStaysGrayWithItsProfile)
-{
-    const TestJpeg kind{.colors = TestJpeg::Colors::Gray, .iccProfile = QByteArray(200, 'g')};
-    const auto [info, picture] = read(makeJpeg(kind, 48, 16, blocks({{0}, {77}, {255}})));
-    ASSERT_EQ(picture.pixels.format(), QImage::Format_Grayscale8);
-    EXPECT_EQ(picture.fileColorModel, ColorModel::Gray);
-    EXPECT_EQ(picture.iccProfile, kind.iccProfile);
-    EXPECT_EQ(info.colorModel, ColorModel::Gray);
-    const uchar *row = picture.pixels.constScanLine(5);
-    EXPECT_EQ((std::vector{row[0], row[20], row[40]}), (std::vector<uchar>{0, 77, 255}));
-}
-
-TEST_F(JpegKinds, InkIsConvertedToSrgbWhicheverWayItIsStored)
-{
-    using Colors = TestJpeg::Colors;
-    const std::vector<uint8_t> samples =
-        blocks({{0, 0, 0, 0}, {255, 0, 0, 0}, {0, 255, 255, 0}, {0, 0, 0, 255}, {51, 102, 0, 51}});
-    for (const auto &[colors, hasAdobeMarker] :
-         {std::pair(Colors::Cmyk, true), std::pair(Colors::Cmyk, false), std::pair(Colors::Ycck, true)}) {
-        const QByteArray profile(300, 'x'); // not usable: the plain formula is taken
-        const TestJpeg kind{.colors = colors, .hasAdobeMarker = hasAdobeMarker, .iccProfile = profile};
-        const auto [info, picture] = read(makeJpeg(kind, 80, 16, samples));
-        EXPECT_EQ(picture.fileColorModel, ColorModel::Cmyk);
-        EXPECT_TRUE(picture.convertedToSrgb);
-        EXPECT_TRUE(picture.iccProfile.isEmpty());
-        ASSERT_EQ(picture.pixels.format(), QImage::Format_RGBX8888);
-        const QColor expected[] = {QColor(255, 255, 255), QColor(0, 255, 255), QColor(255, 0, 0), QColor(0, 0, 0),
-                                   QColor(163, 122, 204)};
-        for (int block = 0; block < 5; ++block) {
-            const QColor color = picture.pixels.pixelColor(16 * block + 8, 8);
-            EXPECT_NEAR(color.red(), expected[block].red(), 2) << block;
-            EXPECT_NEAR(color.green(), expected[block].green(), 2) << block;
-            EXPECT_NEAR(color.blue(), expected[block].blue(), 2) << block;
-        }
-        EXPECT_EQ(info.colorModel, ColorModel::Cmyk);
-        EXPECT_EQ(info.iccProfile, profile);
-    }
-}
+using JpegKinds = FolderTest;
 
 TEST_F(JpegKinds, EveryCodingGivesTheSamePixels)
 {
@@ -68,14 +16,6 @@ TEST_F(JpegKinds, EveryCodingGivesTheSamePixels)
     for (const TestJpeg &kind :
          {TestJpeg{.isProgressive = true}, TestJpeg{.isArithmetic = true}, TestJpeg{.restartInterval = 3}})
         EXPECT_TRUE(samePixels(decoded(makeJpeg(kind, 50, 37, samples)).pixels, plain.pixels));
-}
-
-TEST_F(JpegKinds, RgbIsNotTakenForLuminanceAndChroma)
-{
-    const QImage pixels =
-        decoded(makeJpeg({.colors = TestJpeg::Colors::Rgb}, 32, 16, blocks({{200, 10, 30}, {0, 90, 250}}))).pixels;
-    EXPECT_EQ(pixels.pixelColor(8, 8), QColor(200, 10, 30));
-    EXPECT_EQ(pixels.pixelColor(24, 8), QColor(0, 90, 250));
 }
 
 TEST_F(JpegKinds, ReducedDecodeIsNeverSmallerThanAskedFor)
@@ -91,25 +31,6 @@ TEST_F(JpegKinds, ReducedDecodeIsNeverSmallerThanAskedFor)
                  {{400, 1}, {203, 101}}, {{0, 0}, {203, 101}}};
     for (const auto &[atLeast, expected] : cases)
         EXPECT_EQ(decoded(file, atLeast).pixels.size(), expected) << atLeast.width() << "x" << atLeast.height();
-}
-
-TEST_F(JpegKinds, OnlyAbsoluteDensitiesAreResolutions)
-{
-    const std::vector<uint8_t> samples(16 * 16 * 3, 90);
-    const auto dpi = [&](int unit) {
-        return infoOf(makeJpeg({.densityUnit = unit, .densityX = 300, .densityY = 150}, 16, 16, samples)).dpi;
-    };
-    EXPECT_EQ(dpi(0), std::nullopt);
-    EXPECT_EQ(dpi(1), QSizeF(300, 150));
-    EXPECT_EQ(dpi(2), QSizeF(300 * 2.54, 150 * 2.54));
-}
-
-TEST_F(JpegKinds, ProfileOfSeveralSegmentsIsPutTogether)
-{
-    const QByteArray profile = noiseBytes(150000, 9);
-    const Read got = read(makeJpeg({.iccProfile = profile}, 16, 16, std::vector<uint8_t>(16 * 16 * 3, 90)));
-    EXPECT_EQ(got.info.iccProfile, profile);
-    EXPECT_EQ(got.picture.iccProfile, profile);
 }
 
 /// Damage in the middle is told with the picture, a picture that is cut off is refused, and neither is mixed up with

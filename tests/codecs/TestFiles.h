@@ -140,14 +140,4 @@ inline std::vector<int> samplesOf(const QImage &image, int count)
     return samples;
 }
 
-/// A grey picture of one row, from a file with `bits` a sample.
-inline void expectGray(const PictureInfo &info, const Picture &picture, int bits, const std::vector<int> &expected)
-{
-    EXPECT_EQ(picture.pixels.format(), bits > 8 ? QImage::Format_Grayscale16 : QImage::Format_Grayscale8);
-    EXPECT_EQ(samplesOf(picture.pixels, int(expected.size())), expected) << bits;
-    EXPECT_EQ(picture.fileColorModel, ColorModel::Gray);
-    EXPECT_EQ(info.colorModel, ColorModel::Gray);
-    EXPECT_EQ(info.bitsPerChannel, bits);
-}
-
 } // namespace hazelmark

@@ -11,7 +11,6 @@
 #include <QtEndian>
 
 #include <jpeglib.h>
-#include <png.h>
 #include <tiffio.h>
 #include <zlib.h>
 
@@ -80,38 +79,34 @@ QByteArray makeJpeg(const TestJpeg &kind, int width, int height, const std::vect
 
 QByteArray makePng(const TestPng &kind, int width, int height, const std::vector<uint8_t> &rows)
 {
-    QByteArray file;
-    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
-    png_infop info = png_create_info_struct(png);
-    png_set_write_fn(
-        png, &file,
-        [](png_structp writer, png_bytep bytes, size_t count) {
-            static_cast<QByteArray *>(png_get_io_ptr(writer))
-                ->append(reinterpret_cast<const char *>(bytes), qsizetype(count));
-        },
-        nullptr);
-    png_set_IHDR(png, info, png_uint_32(width), png_uint_32(height), kind.bitDepth, kind.colorType,
-                 kind.isInterlaced ? PNG_INTERLACE_ADAM7 : PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT,
-                 PNG_FILTER_TYPE_DEFAULT);
-    const auto writeChunk = [png](const char *type, const QByteArray &data) {
-        if (!data.isEmpty())
-            png_write_chunk(png, reinterpret_cast<png_const_bytep>(type),
-                            reinterpret_cast<png_const_bytep>(data.constData()), size_t(data.size()));
+    struct Pass
+    {
+        int x, y, stepX, stepY;
     };
-    if (!kind.palette.isEmpty())
-        png_set_PLTE(png, info, reinterpret_cast<png_const_colorp>(kind.palette.constData()),
-                     int(kind.palette.size() / 3));
-    png_write_info(png, info);
-    writeChunk("tRNS", kind.transparency);
-    writeChunk(kind.extraChunkType.constData(), kind.extraChunk);
-    const size_t rowBytes = png_get_rowbytes(png, info);
-    std::vector<png_bytep> pointers;
-    for (size_t y = 0; y < size_t(height); ++y)
-        pointers.push_back(const_cast<png_bytep>(rows.data()) + y * rowBytes);
-    png_write_image(png, pointers.data());
-    png_write_end(png, nullptr);
-    png_destroy_write_struct(&png, &info);
-    return file;
+    const std::vector<Pass> interlaced = {{0, 0, 8, 8}, {4, 0, 8, 8}, {0, 4, 4, 8}, {2, 0, 4, 4},
+                                          {0, 2, 2, 4}, {1, 0, 2, 2}, {0, 1, 1, 2}};
+    const size_t rowBytes = rows.size() / size_t(height);
+    QByteArray filtered;
+    for (const Pass &pass : kind.isInterlaced ? interlaced : std::vector<Pass>{{0, 0, 1, 1}}) {
+        for (int y = pass.y; y < height && pass.x < width; y += pass.stepY) {
+            filtered += '\0'; // no filter
+            const auto *row = reinterpret_cast<const char *>(rows.data() + size_t(y) * rowBytes);
+            const qsizetype pixel = qsizetype(rowBytes) / width; // whole bytes where there are passes
+            if (!kind.isInterlaced)
+                filtered += QByteArray(row, qsizetype(rowBytes));
+            for (int x = pass.x; kind.isInterlaced && x < width; x += pass.stepX)
+                filtered += QByteArray(row + x * pixel, pixel);
+        }
+    }
+    const auto chunkIfAny = [](const QByteArray &type, const QByteArray &content) {
+        return content.isEmpty() ? QByteArray() : pngChunk(type, content);
+    };
+    return QByteArray("\x89PNG\r\n\x1a\n", 8) +
+           pngChunk("IHDR", bigEndian(quint32(width)) + bigEndian(quint32(height)) + char(kind.bitDepth) +
+                                char(kind.colorType) + QByteArray(2, '\0') + char(kind.isInterlaced)) +
+           chunkIfAny("PLTE", kind.palette) + chunkIfAny("tRNS", kind.transparency) +
+           chunkIfAny(kind.extraChunkType, kind.extraChunk) + pngChunk("IDAT", deflated(filtered)) +
+           pngChunk("IEND", {});
 }
 
 namespace {
@@ -204,16 +199,6 @@ QByteArray makeTiff(const std::vector<TestTiff> &pages, const QString &scratchPa
     TIFFClose(tiff);
     QFile file(scratchPath);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-std::vector<GrayRow> grayRows(const std::vector<GrayRow> &more)
-{
-    std::vector<GrayRow> rows = {{1, {0b01000000}, {0, 255}},
-                                 {2, {0b00011011}, {0, 85, 170, 255}},
-                                 {4, {0x0f, 0x50}, {0, 255, 85, 0}},
-                                 {8, {0, 9, 255}, {0, 9, 255}}};
-    rows.insert(rows.end(), more.begin(), more.end());
-    return rows;
 }
 
 QByteArray bigEndian(quint32 value)

@@ -75,9 +75,6 @@ struct GrayRow
     std::vector<int> expected;
 };
 
-/// Rows of up to eight bits a sample, which PNG and TIFF pack alike, and `more`.
-std::vector<GrayRow> grayRows(const std::vector<GrayRow> &more);
-
 QByteArray bigEndian(quint32 value);
 /// As a zlib stream.
 QByteArray deflated(const QByteArray &bytes);
