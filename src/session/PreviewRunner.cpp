@@ -68,8 +68,11 @@ void PreviewRunner::request(const CoreFilterObject &settings)
                 job.maskImage = source->maskImage;
             }
             return withinMemory([&] {
-                if (job.resizedInputImage)
-                    job.resizedInputImage->bitmap(); // else every render would scale it anew
+                // Else every render would scale the one and lay the other over black anew.
+                for (const PhotoImagePtr &image : {job.resizedInputImage, job.maskImage}) {
+                    if (image)
+                        image->bitmap();
+                }
                 return shown(render(job), colors);
             });
         },

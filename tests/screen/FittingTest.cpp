@@ -49,36 +49,6 @@ TEST_F(Fitting, ThePhotoIsCentredAndThePreviewIsMadeFromItsWholePoints)
     EXPECT_TRUE(view->vwDragging->isVisible());
 }
 
-TEST_F(Fitting, HundredsOfQuickResizesLoseNothingAndNoPreviewMixesTwoFits)
-{
-    std::mutex mutex;
-    std::vector<std::pair<QSize, QSize>> pairs;
-    m_work.render = [&](const PreviewJob &job) {
-        std::lock_guard lock(mutex);
-        pairs.emplace_back(job.resizedInputImage->pixelSize(), job.maskImage->pixelSize());
-        return job.resizedInputImage;
-    };
-    start();
-    open(photo(u"a.png"_qs, {1500, 1000}));
-    stroke({0.2, 0.5}, {0.8, 0.5});
-    setBox({900, 700});
-    const QRectF frame = m_screen->mainScreenView()->photoFrame();
-    for (int i = 0; i < 200; ++i) {
-        resizeWindow({500 + (i * 37) % 1100, 400 + (i * 53) % 700});
-        if (i % 10 == 0)
-            m_screen->applyCustomEnhanceFilterOnPreviewImage();
-    }
-    setBox({900, 700});
-    EXPECT_EQ(m_screen->mainScreenView()->photoFrame(), frame);
-    EXPECT_EQ(m_screen->arrDrawedPointsForCustomBrushOption()->size(), 11U);
-    m_screen->windowEndResizing();
-    waitForPreviews(21);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return paintAt({0.5, 0.5}) > 200 && paintAt({0.5, 0.1}) == 0; }));
-    std::lock_guard lock(mutex);
-    for (const auto &[input, mask] : pairs)
-        EXPECT_EQ(input, mask);
-}
-
 } // namespace
 
 } // namespace hazelmark

@@ -174,6 +174,40 @@ TEST_F(PaintModes, APhotoThatComesDuringAStrokeEndsIt)
     EXPECT_EQ(canvas()->arrDrawedPoints()->size(), 11U);
 }
 
+TEST_F(PaintModes, ADraggedSliderWaitsForTheOneBefore)
+{
+    Gate gate;
+    std::atomic<bool> held = false;
+    std::atomic<int> shownBlur = -1;
+    m_work.render = [&](const PreviewJob &job) {
+        ++m_rendered;
+        if (held)
+            gate.pass();
+        shownBlur = int(job.settings.blurAmount.value_or(0));
+        return job.resizedInputImage;
+    };
+    openPhoto();
+    FloatSlider *blur = panel()->slider(Setting::BlurAmount);
+    blur->setValueByUser(10);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return shownBlur == 10; }));
+    held = true;
+    const int before = m_rendered;
+    const int width = blur->width();
+    QTest::mousePress(blur, Qt::LeftButton, {}, {width / 2, 10});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_rendered == before + 1; }));
+    for (int x = width / 2; x < width; ++x) {
+        QTest::mouseMove(blur, {x, 10});
+        QTest::qWait(2);
+    }
+    EXPECT_LT(blur->value(), 60) << "where it was pressed";
+    held = false;
+    gate.open(1);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shownBlur == 100; })) << "the pointer's place";
+    EXPECT_EQ(m_rendered, before + 2);
+    QTest::mouseRelease(blur, Qt::LeftButton, {}, {width - 1, 10});
+    m_screen.reset(); // its threads use what stands here
+}
+
 } // namespace
 
 } // namespace hazelmark

@@ -353,79 +353,62 @@ public slots:
     }
 };
 
-class EmailComposerTest : public testing::Test
-{
-protected:
-    void SetUp() override
-    {
-        if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty())
-            GTEST_SKIP() << "there is no dbus-daemon to test with";
-        m_daemon.start(QStringLiteral("dbus-daemon"),
-                       {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address")});
-        ASSERT_TRUE(m_daemon.waitForReadyRead());
-        const QString address = QString::fromLatin1(m_daemon.readLine()).trimmed();
-        m_portalBus = QDBusConnection::connectToBus(address, QStringLiteral("portal"));
-        m_bus = QDBusConnection::connectToBus(address, QStringLiteral("composer"));
-        ASSERT_TRUE(m_bus.isConnected());
-        writeFile(m_attachment, "the picture");
-    }
-    void TearDown() override
-    {
-        QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
-        QDBusConnection::disconnectFromBus(QStringLiteral("composer"));
-        m_daemon.terminate();
-        m_daemon.waitForFinished();
-    }
-    void startPortal()
-    {
-        ASSERT_TRUE(m_portalBus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
-        ASSERT_TRUE(m_portalBus.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), &m_portal,
-                                               QDBusConnection::ExportAllSlots));
-    }
-    std::optional<bool> compose()
-    {
-        EmailComposer composer(m_bus);
-        std::optional<bool> opened;
-        composer.composeWithAttachment(m_attachment, [&](bool ok) { opened = ok; });
-        EXPECT_TRUE(QTest::qWaitFor([&] { return opened.has_value(); }));
-        return opened;
-    }
-
-    QTemporaryDir m_folder;
-    QString m_attachment = m_folder.filePath(QStringLiteral("a.jpg"));
-    QProcess m_daemon;
-    QDBusConnection m_portalBus{QString()};
-    QDBusConnection m_bus{QString()};
-    FakePortal m_portal;
-    LaunchingWorkspace m_workspace;
-    ProcessWide<Workspace>::Replacement m_replacement{m_workspace};
-};
-
 } // namespace
 
-TEST_F(EmailComposerTest, HandsTheOpenFileToThePortal)
+TEST(EmailComposerTest, HandsTheOpenFileToThePortalOrElseToTheDesktopsCommand)
 {
-    startPortal();
-    EXPECT_EQ(compose(), true);
-    EXPECT_EQ(m_portal.m_attached, "the picture");
-    EXPECT_TRUE(m_workspace.m_launched.isEmpty());
-    m_portal.m_response = 1;
-    EXPECT_EQ(compose(), true) << "turned down by the person, which is no failure";
-    EXPECT_TRUE(m_workspace.m_launched.isEmpty());
-}
-
-TEST_F(EmailComposerTest, GoesTheOtherWayWhereThePortalFails)
-{
-    EXPECT_EQ(compose(), true) << "no portal";
-    startPortal();
-    m_portal.m_response = 2;
-    EXPECT_EQ(compose(), true) << "a portal without a mail program";
-    m_portal.m_refuses = true;
-    m_workspace.m_succeeds = false;
-    EXPECT_EQ(compose(), false) << "neither way";
-    EXPECT_EQ(m_workspace.m_launched.size(), 3);
-    for (const QStringList &command : m_workspace.m_launched)
-        EXPECT_EQ(command, QStringList({QStringLiteral("xdg-email"), QStringLiteral("--attach"), m_attachment}));
+    if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty())
+        GTEST_SKIP() << "there is no dbus-daemon to test with";
+    QProcess daemon;
+    daemon.start(QStringLiteral("dbus-daemon"),
+                 {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address")});
+    ASSERT_TRUE(daemon.waitForReadyRead());
+    const QString address = QString::fromLatin1(daemon.readLine()).trimmed();
+    QDBusConnection portalBus = QDBusConnection::connectToBus(address, QStringLiteral("portal"));
+    const QDBusConnection bus = QDBusConnection::connectToBus(address, QStringLiteral("composer"));
+    ASSERT_TRUE(bus.isConnected());
+    const QTemporaryDir folder;
+    const QString attachment = folder.filePath(QStringLiteral("a.jpg"));
+    writeFile(attachment, "the picture");
+    FakePortal portal;
+    LaunchingWorkspace workspace;
+    const ProcessWide<Workspace>::Replacement replacement{workspace};
+    const auto startPortal = [&] {
+        ASSERT_TRUE(portalBus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
+        ASSERT_TRUE(portalBus.registerObject(QStringLiteral("/org/freedesktop/portal/desktop"), &portal,
+                                             QDBusConnection::ExportAllSlots));
+    };
+    const std::tuple<const char *, std::function<void()>, bool, bool> stories[]{
+        {"no portal", [] {}, true, true},
+        {"a portal", startPortal, true, false},
+        {"turned down by the person, which is no failure", [&] { portal.m_response = 1; }, true, false},
+        {"a portal without a mail program", [&] { portal.m_response = 2; }, true, true},
+        {"neither way",
+         [&] {
+             portal.m_refuses = true;
+             workspace.m_succeeds = false;
+         },
+         false, true},
+    };
+    for (const auto &[what, happens, opens, byCommand] : stories) {
+        SCOPED_TRACE(what);
+        happens();
+        workspace.m_launched.clear();
+        EmailComposer composer(bus);
+        std::optional<bool> opened;
+        composer.composeWithAttachment(attachment, [&](bool ok) { opened = ok; });
+        ASSERT_TRUE(QTest::qWaitFor([&] { return opened.has_value(); }));
+        EXPECT_EQ(opened, opens);
+        QList<QStringList> commands;
+        if (byCommand)
+            commands << QStringList({QStringLiteral("xdg-email"), QStringLiteral("--attach"), attachment});
+        EXPECT_EQ(workspace.m_launched, commands);
+    }
+    EXPECT_EQ(portal.m_attached, "the picture");
+    QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
+    QDBusConnection::disconnectFromBus(QStringLiteral("composer"));
+    daemon.terminate();
+    daemon.waitForFinished();
 }
 
 #include "SharePickerTest.moc"

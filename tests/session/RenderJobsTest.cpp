@@ -132,16 +132,4 @@ TEST_F(RenderJobs, PreviewLooksLikeTheExportScaledDown)
     }
 }
 
-TEST_F(RenderJobs, WhatCannotBeLoadedIsAFailureOrNothing)
-{
-    ExportJob job;
-    job.imageUrl = m_folder.filePath(QStringLiteral("none.jpg"));
-    ::testing::internal::CaptureStderr();
-    const auto result = job.run();
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Image source is NULL.");
-    ASSERT_FALSE(bool(result));
-    EXPECT_EQ(result.failure().reason, Failure::Reason::NoSuchFile);
-    EXPECT_EQ(PreviewJob().run(), nullptr);
-}
-
 } // namespace hazelmark

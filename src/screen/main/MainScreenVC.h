@@ -158,7 +158,6 @@ private:
     void updateUnsavedMark();
     void sessionStateChanged();
     void updateStripButtons();
-    void returnFocus();
     void followScreen(QScreen *screen);
 
     ApplicationDelegate &m_application;

@@ -456,20 +456,18 @@ void MainScreenVC::sessionStateChanged()
 {
     const bool isExporting = m_session->state() == Session::State::Exporting;
     const bool isEditing = m_session->state() == Session::State::Editing;
+    QWidget *focus = m_view->window()->focusWidget();
     if (isExporting)
-        m_focusBeforeExport = m_view->window()->focusWidget();
+        m_focusBeforeExport = focus;
     updateStripButtons();
     panel().setEnabled(!isExporting);
     m_view->paintView->setEnabled(!isExporting);
     m_application.setIsUiDisabled(!isEditing);
-    if (!isExporting)
-        returnFocus();
-}
-
-/// Controls that are disabled hand the focus on, in the end to the button that closes the window.
-void MainScreenVC::returnFocus()
-{
-    if (QWidget *before = std::exchange(m_focusBeforeExport, nullptr))
+    // A control that is disabled hands the focus on, in the end to the button that closes the window.
+    QWidget *handedOn = m_view->window()->focusWidget();
+    if (isExporting && handedOn && handedOn != focus)
+        handedOn->clearFocus();
+    if (const QPointer<QWidget> before = isExporting ? nullptr : std::exchange(m_focusBeforeExport, nullptr))
         before->setFocus();
 }
 
