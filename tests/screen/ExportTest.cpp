@@ -2,6 +2,7 @@
 #include "ScreenFixture.h"
 
 #include "BarProgressIndicator.h"
+#include "Bundle.h"
 #include "Decoder.h"
 #include "FloatSlider.h"
 #include "IMGButton.h"
@@ -58,15 +59,32 @@ protected:
         letGo({0.55, 0.5});
         waitForPreviews(1);
     }
-    void save(const QString &path)
+    void openPanel()
     {
         post(kNotificationSavePhotoFromMenuTapped);
-        ExportFlow *flow = m_screen->exportFlow();
-        ASSERT_TRUE(QTest::qWaitFor([&] { return flow->savePanel() && flow->savePanel()->isVisible(); }));
-        SavePanel *panel = flow->savePanel();
-        panel->nameField()->setText(path);
-        QTest::mouseClick(panel->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Save), Qt::LeftButton);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return panel() && panel()->isVisible(); }));
+    }
+    SavePanel *panel() const { return m_screen->exportFlow()->savePanel(); }
+    void save(const QString &path)
+    {
+        openPanel();
+        panel()->nameField()->setText(path);
+        QTest::mouseClick(panel()->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Save), Qt::LeftButton);
+        if (panel())
+            QTest::mouseClick(panel()->replaceButton(), Qt::LeftButton);
         ASSERT_TRUE(isExporting());
+    }
+    void share()
+    {
+        QTest::mouseClick(view().btnShareService, Qt::LeftButton);
+        SharePicker &picker = m_screen->exportFlow()->sharePicker();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return picker.isOpen(); }));
+        picker.menu()->close();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !picker.isOpen(); }));
+    }
+    bool opens(const QString &path)
+    {
+        return QTest::qWaitFor([&] { return m_workspace.m_opened.contains(path); }, 500);
     }
     void waitForTheEnd()
     {
@@ -91,8 +109,16 @@ TEST_F(Export, WritesWhatThePreviewShowed)
     EXPECT_NEAR(shownAt({0.499, 0.5}).red(), 110, 60) << "the edge is soft where it was painted";
     EXPECT_EQ(shownAt({0.49, 0.1}), QColor(20, 30, 40)) << "and hard where it was not";
     const QString path = m_folder.filePath(QStringLiteral("out.tiff"));
-    save(path);
+    int posted = 0;
+    const auto token = m_center.addObserver(kNotificationSaveChnagesUnsaved, [&](const QVariantMap &) { ++posted; });
+    openPanel();
+    EXPECT_EQ(panel()->nameField()->text(), QStringLiteral("photo.png"));
+    panel()->reject();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return SheetQueue::forWindow(*m_window).current() == nullptr; }));
+    save(m_folder.filePath(QStringLiteral("out.TIF")));
+    EXPECT_EQ(posted, 1);
     waitForTheEnd();
+    EXPECT_EQ(m_screen->exportFlow()->pathToExportImage(), path);
     const Outcome<Picture> written = decodePicture(path);
     ASSERT_TRUE(written);
     EXPECT_EQ(written->pixels.size(), QSize(600, 400));
@@ -104,7 +130,7 @@ TEST_F(Export, WritesWhatThePreviewShowed)
     EXPECT_EQ(view().vwBottom->exportText(), QStringLiteral("EXPORTED out.tiff"));
     EXPECT_FALSE(view().progressBar->isVisible());
     EXPECT_TRUE(m_screen->lastExportedImage());
-    EXPECT_TRUE(QTest::qWaitFor([&] { return m_workspace.m_opened.contains(path); }));
+    EXPECT_TRUE(opens(path));
 
     // A redraw changes nothing of it, a stroke does.
     resizeWindow({1000, 700});
@@ -113,6 +139,61 @@ TEST_F(Export, WritesWhatThePreviewShowed)
     EXPECT_FALSE(isMarked());
     stroke({0.45, 0.7}, {0.55, 0.7});
     EXPECT_TRUE(QTest::qWaitFor([&] { return isMarked(); }));
+}
+
+TEST_F(Export, OnlyWhatThisExportWroteIsOpenedAndTheRestGoesOnAllTheSame)
+{
+    m_work.exporting.write = [real = m_work.exporting.write](const auto &settings, const QString &path,
+                                                             const auto &image) -> Outcome<Done> {
+        if (path.endsWith(QLatin1String("full.png")))
+            return Failure{Failure::Reason::DiskFull, path, {}};
+        return real(settings, path, image);
+    };
+    openAndPaint();
+    const QString full = file(QStringLiteral("full.png"), "an old file");
+    save(full);
+    waitForTheEnd();
+    EXPECT_FALSE(opens(full));
+    EXPECT_TRUE(sheetText().isEmpty()) << "it is in the log";
+    EXPECT_EQ(m_application.m_rateAlerts, 1) << "this version was not answered";
+    m_defaults.setString(QStringLiteral("appVersion"),
+                         Bundle::infoDictionary().value(QStringLiteral("CFBundleVersion")).toString());
+    QSignalSpy started(&m_screen->session(), &Session::exportStarted);
+    share();
+    EXPECT_EQ(started.size(), 0) << "the result is there already";
+    m_screen->session().setLastExportedImage(nullptr);
+    share();
+    EXPECT_EQ(started.size(), 1);
+    EXPECT_FALSE(opens(full));
+    const QString path = m_folder.filePath(QStringLiteral("out.png"));
+    save(path);
+    waitForTheEnd();
+    EXPECT_TRUE(opens(path));
+    m_workspace.m_opened.clear();
+    m_screen->session().setLastExportedImage(nullptr);
+    share();
+    EXPECT_TRUE(opens(path)) << "the export before it";
+    EXPECT_EQ(m_application.m_rateAlerts, 1);
+}
+
+TEST_F(Export, APhotoThatIsNoLongerTheOneThatWasOpenedIsNeitherSavedNorShared)
+{
+    openAndPaint();
+    for (const bool gone : {false, true}) {
+        QTest::qWait(15); // the file system's clock
+        gone ? void(QFile::remove(m_screen->imageUrl())) : void(photo(QStringLiteral("photo.png"), {600, 400}));
+        for (IMGButton *button : {view().btnExport, view().btnShareService}) {
+            QTest::mouseClick(button, Qt::LeftButton);
+            ASSERT_TRUE(QTest::qWaitFor([&] { return !sheetText().isEmpty(); }));
+            EXPECT_EQ(sheetText(), (button == view().btnExport ? QStringLiteral("ERROR_CANT_EXPORT_IMAGE %@|\n ")
+                                                               : QStringLiteral("ERROR_CANT_SHARE_IMAGE %@|\n ")) +
+                                       (gone ? QStringLiteral("ERROR_PHOTO_NOT_AVAILABLE %@")
+                                             : QStringLiteral("REFUSED_SOURCE_CHANGED photo.png")));
+            EXPECT_FALSE(button->isChecked() || isExporting() || panel());
+            SheetQueue::forWindow(*m_window).current()->accept();
+            ASSERT_TRUE(QTest::qWaitFor([&] { return sheetText().isEmpty(); }));
+        }
+    }
 }
 
 TEST_F(Export, LeavesTheFocusWhereItWas)
@@ -177,7 +258,7 @@ TEST_F(Export, EverythingThatWouldDisturbItRests)
     waitForPreviews(2);
     EXPECT_FALSE(m_screen->isRunningAlgorithm());
     post(kNotificationSavePhotoFromMenuTapped);
-    EXPECT_FALSE(m_screen->exportFlow()->savePanel() && m_screen->exportFlow()->savePanel()->isVisible());
+    EXPECT_FALSE(panel());
     gate.open();
     waitForTheEnd();
     EXPECT_EQ(m_screen->imageUrl(), before);

@@ -31,10 +31,11 @@ public:
     bool isAppActive() const override { return true; }
     QUrl linkForTag(int) const override { return {}; }
     QString getLocalizedStringForKey(const QString &key) override { return key + QStringLiteral(" %@"); }
-    void showAlertForRateApp() override {}
+    void showAlertForRateApp() override { ++m_rateAlerts; }
 
     std::shared_ptr<PhotoFile> m_file;
     QStringList m_toProcess;
+    int m_rateAlerts = 0;
 };
 
 class NamedSession : public UserSession
