@@ -85,6 +85,7 @@ TEST_F(TitlebarWindowTest, EveryWayOfClosingAsksFirst)
     QTest::mouseClick(m_window.closeButton(), Qt::LeftButton);
     EXPECT_EQ(asked, 2);
     EXPECT_TRUE(m_window.isVisible());
+    EXPECT_FALSE(m_window.closeButton()->isChecked());
     agree = true;
     EXPECT_TRUE(m_window.close());
     EXPECT_FALSE(m_window.isVisible());
@@ -94,6 +95,10 @@ TEST_F(TitlebarWindowTest, EveryWayOfClosingAsksFirst)
     m_window.show();
     agree = false;
     EXPECT_FALSE(m_window.close()) << "an agreement from before still counts";
+    SheetQueue::forWindow(m_window).present(new QDialog);
+    m_window.closeButton()->click();
+    QCoreApplication::processEvents();
+    EXPECT_TRUE(m_window.closeButton()->isChecked()) << "a sheet asks";
 }
 
 TEST_F(TitlebarWindowTest, LiftsTheLargestSizeWhileItFillsTheScreen)

@@ -5,6 +5,7 @@
 #include "FormatString.h"
 #include "ImageCatalog.h"
 #include "PageSlider.h"
+#include "ScaleToFillImageView.h"
 #include "Screen.h"
 #include "Theme.h"
 #include "UserDefaults.h"
@@ -110,7 +111,8 @@ TipsWindow::TipsWindow(ApplicationDelegate &application, QWidget *mainWindow)
 
 QWidget *TipsWindow::makePage(int page)
 {
-    auto *picture = new QLabel;
+    auto *picture = new ScaleToFillImageView;
+    picture->setObjectName(QStringLiteral("imageViewTips"));
     picture->setFixedSize(kPictureSize);
     m_pictures.append(picture);
     QLabel *title = label(kTitleSize, true);
@@ -166,8 +168,8 @@ void TipsWindow::addDemoWindow(QSize mainWindowSize)
     }
     // Drawn for the screen that it opens on.
     for (int page = 0; page < m_pictures.size(); ++page)
-        m_pictures[page]->setPixmap(ImageCatalog::imageNamed(QLatin1String(kTips[static_cast<size_t>(page)].picture),
-                                                             kPictureSize, devicePixelRatioF()));
+        m_pictures[page]->setImage(ImageCatalog::imageNamed(QLatin1String(kTips[static_cast<size_t>(page)].picture),
+                                                            kPictureSize, devicePixelRatioF()));
     m_pageController->setSelectedIndex(0);
     adjustSize();
     const QPointF place((mainWindowSize.width() - width()) * 0.5, (mainWindowSize.height() - height()) * 0.5);

@@ -11,6 +11,7 @@ namespace hazelmark {
 class ApplicationDelegate;
 class DotPageControl;
 class PageSlider;
+class ScaleToFillImageView;
 
 /// The paged help window over the main window: four pages with a picture and a few words each. There is one, which is
 /// shown and hidden; it blocks nothing, stays above the main window, moves and goes with it, and Esc closes it.
@@ -56,7 +57,7 @@ private:
     QPushButton *m_btnNextpage;
     QList<QLabel *> m_titles;
     QList<QLabel *> m_texts;
-    QList<QLabel *> m_pictures;
+    QList<ScaleToFillImageView *> m_pictures;
 };
 
 } // namespace hazelmark
