@@ -34,18 +34,6 @@ void BarProgressIndicator::setEmptyColor(const QColor &color)
     update();
 }
 
-void BarProgressIndicator::setMinValue(double value)
-{
-    m_minValue = value;
-    update();
-}
-
-void BarProgressIndicator::setMaxValue(double value)
-{
-    m_maxValue = value;
-    update();
-}
-
 void BarProgressIndicator::setValue(double value)
 {
     if (value == m_value)

@@ -20,9 +20,7 @@ public:
     void setEmptyColor(const QColor &color);
 
     double minValue() const { return m_minValue; }
-    void setMinValue(double value);
     double maxValue() const { return m_maxValue; }
-    void setMaxValue(double value);
     double value() const { return m_value; }
     void setValue(double value);
 

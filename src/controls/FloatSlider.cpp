@@ -63,8 +63,6 @@ double FloatSlider::singleStep() const
 {
     constexpr double kShortRange = 10;
     const double range = m_maxValue - m_minValue;
-    if (m_singleStep > 0)
-        return m_singleStep;
     return range < kShortRange ? range / 100 : 1;
 }
 

@@ -38,9 +38,8 @@ public:
     /// The value's place between minimum and maximum, 0..1; 0 when both are one.
     double fraction() const;
 
-    /// What an arrow key and a notch of the wheel add; 0 stands for 1, or a hundredth of a range shorter than 10.
+    /// What an arrow key and a notch of the wheel add: 1, or a hundredth of a range shorter than 10.
     double singleStep() const;
-    void setSingleStep(double step) { m_singleStep = step; }
     /// Moves the value by steps as a person would, with the action.
     void stepBy(double steps);
     /// Sets the value as a person would, with the action when it changes.
@@ -76,7 +75,6 @@ private:
     double m_minValue = 0;
     double m_maxValue = 1;
     double m_value = 0;
-    double m_singleStep = 0;
     bool m_dragging = false;
     qreal m_grip = 0;                ///< from the knob's centre to where the pointer holds it
     QBasicTimer m_frame;             ///< runs for a frame from the move that was taken last
