@@ -1,8 +1,8 @@
 #include "AppDelegate.h"
 
 #include "AboutDialog.h"
-#include "AppLog.h"
 #include "ImageCatalog.h"
+#include "Log.h"
 #include "MainMenu.h"
 #include "NotificationNames.h"
 #include "ProcessState.h"

@@ -1,10 +1,10 @@
 #include "PromotionWindow.h"
 
-#include "AppLog.h"
 #include "Bundle.h"
 #include "DotPageControl.h"
 #include "ImageCatalog.h"
 #include "Localisation.h"
+#include "Log.h"
 #include "PropertyList.h"
 #include "Theme.h"
 #include "Workspace.h"

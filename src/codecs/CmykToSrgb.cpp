@@ -1,7 +1,7 @@
 #include "CmykToSrgb.h"
 
-#include "CodecsLog.h"
 #include "LcmsHandles.h"
+#include "Log.h"
 
 namespace hazelmark {
 

@@ -1,8 +1,8 @@
 #include "ColorProfile.h"
 
-#include "CodecsLog.h"
 #include "LargeMemory.h"
 #include "LcmsHandles.h"
+#include "Log.h"
 #include "ParallelFor.h"
 #include "PictureSearch.h"
 

@@ -1,7 +1,7 @@
 #include "JpegSegments.h"
 
-#include "CodecsLog.h"
 #include "EmbeddedBlocks.h"
+#include "Log.h"
 
 #include <QCryptographicHash>
 #include <QtEndian>

@@ -1,6 +1,6 @@
 #include "TiffMetadata.h"
 
-#include "CodecsLog.h"
+#include "Log.h"
 #include "TiffBytes.h"
 #include "TiffTags.h"
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "DocumentLog.h"
+#include "Log.h"
 
 #include <exception>
 #include <mutex>

@@ -1,7 +1,7 @@
 #include "PhotoFile.h"
 
-#include "DocumentLog.h"
 #include "FileAttributes.h"
+#include "Log.h"
 #include "PathParts.h"
 #include "PropertyDictionary.h"
 

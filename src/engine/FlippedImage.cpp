@@ -1,11 +1,8 @@
 #include "FlippedImage.h"
 
-#include "ParallelFor.h"
 #include "Utils.h"
 
-#include <algorithm>
-#include <cstdint>
-#include <new>
+#include <QTransform>
 
 namespace hazelmark {
 
@@ -20,9 +17,9 @@ FilterImage pixelsOf(const PhotoImagePtr &photo)
 
 } // namespace
 
-PhotoImagePtr FlippedImage::imageFromContext(const PhotoImagePtr &receiver, const ImageFilter &withFilter)
+PhotoImagePtr FlippedImage::imageFromContext(const PhotoImagePtr &receiver, const FilterImage &withFilter)
 {
-    return PhotoImage::drawing(withFilter.outputImage(), receiver->size());
+    return PhotoImage::drawing(withFilter, receiver->size());
 }
 
 PhotoImagePtr FlippedImage::scaleImage(const PhotoImagePtr &photo, QSizeF newSize)
@@ -35,73 +32,21 @@ PhotoImagePtr FlippedImage::blendWithAlphaMask(const PhotoImagePtr &receiver, co
 {
     if (!receiver)
         return nullptr;
-    BlendWithMaskFilter blend;
-    blend.setImage(ImageFilter::kInputImage, Utils::sharedUtils().getCIImageFromNSImage(receiver));
-    blend.setImage(ImageFilter::kInputBackgroundImage, pixelsOf(background));
-    blend.setImage(ImageFilter::kInputMaskImage, pixelsOf(overlapImage));
-    return imageFromContext(receiver, blend);
+    const FilterImage foreground = Utils::sharedUtils().getCIImageFromNSImage(receiver);
+    return imageFromContext(receiver,
+                            FilterImage::blendWithMask(foreground, pixelsOf(background), pixelsOf(overlapImage)));
 }
 
 PhotoImagePtr FlippedImage::vignetteWithRadius(const PhotoImagePtr &receiver, float, float andIntensity, const QColor &)
 {
     if (!receiver || !(andIntensity > 0.0f))
         return receiver;
-    ExposureAdjustFilter exposure;
-    exposure.setImage(ImageFilter::kInputImage, receiver->pixels());
-    exposure.inputEV = andIntensity * -10.0f;
-    return imageFromContext(receiver, exposure);
+    return imageFromContext(receiver, receiver->pixels().exposureAdjusted(andIntensity * -10.0f));
 }
-
-namespace {
-
-// Rows of one block are written while its columns are read; both stay in the first-level cache.
-constexpr int kBlock = 32;
-
-/// result(x, y) = image at (x, y) exchanged, then mirrored on the flagged axes of the image.
-template <typename Pixel>
-QImage transposed(const QImage &image, bool mirrorAcross, bool mirrorAlong)
-{
-    QImage result(image.height(), image.width(), image.format());
-    if (result.isNull())
-        throw std::bad_alloc();
-    uchar *const bits = result.bits();
-    const qsizetype line = result.bytesPerLine();
-    const int width = image.width();
-    const int height = image.height();
-    parallelFor((width + kBlock - 1) / kBlock, defaultThreadCount(), [&](int strip) {
-        const int last = std::min(width, (strip + 1) * kBlock);
-        for (int top = 0; top < height; top += kBlock) {
-            for (int x = strip * kBlock; x < last; ++x) {
-                auto *out = reinterpret_cast<Pixel *>(bits + x * line);
-                const int fromX = mirrorAcross ? width - 1 - x : x;
-                for (int y = top; y < std::min(height, top + kBlock); ++y) {
-                    const int fromY = mirrorAlong ? height - 1 - y : y;
-                    out[y] = reinterpret_cast<const Pixel *>(image.constScanLine(fromY))[fromX];
-                }
-            }
-        }
-    });
-    return result;
-}
-
-QImage transposed(const QImage &image, bool mirrorAcross, bool mirrorAlong)
-{
-    switch (image.depth()) {
-    case 8:
-        return transposed<std::uint8_t>(image, mirrorAcross, mirrorAlong);
-    case 16:
-        return transposed<std::uint16_t>(image, mirrorAcross, mirrorAlong);
-    case 32:
-        return transposed<std::uint32_t>(image, mirrorAcross, mirrorAlong);
-    default:
-        return transposed<std::uint64_t>(image, mirrorAcross, mirrorAlong);
-    }
-}
-
-} // namespace
 
 QImage FlippedImage::RotateWithEXIF(const QImage &image, int orientation)
 {
+    const auto turned = [&image](int degrees) { return image.transformed(QTransform().rotate(degrees)); };
     switch (orientation) {
     case 2:
         return image.mirrored(true, false);
@@ -110,13 +55,13 @@ QImage FlippedImage::RotateWithEXIF(const QImage &image, int orientation)
     case 4:
         return image.mirrored(false, true);
     case 5:
-        return transposed(image, false, false);
+        return turned(90).mirrored(true, false);
     case 6:
-        return transposed(image, true, false);
+        return turned(-90);
     case 7:
-        return transposed(image, true, true);
+        return turned(-90).mirrored(true, false);
     case 8:
-        return transposed(image, false, true);
+        return turned(90);
     default:
         return image;
     }

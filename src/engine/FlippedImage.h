@@ -1,6 +1,5 @@
 #pragma once
 
-#include "ImageFilter.h"
 #include "PhotoImage.h"
 
 #include <QColor>
@@ -14,7 +13,7 @@ class FlippedImage
 public:
     /// The filter's output over its whole extent, with the logical size of `receiver`. It is drawn, by whichever
     /// renderer the asker brings, when the pixels are first wanted. Null when the filter yields nothing.
-    static PhotoImagePtr imageFromContext(const PhotoImagePtr &receiver, const ImageFilter &withFilter);
+    static PhotoImagePtr imageFromContext(const PhotoImagePtr &receiver, const FilterImage &withFilter);
 
     /// One implementation with Utils.
     static PhotoImagePtr scaleImage(const PhotoImagePtr &photo, QSizeF newSize);

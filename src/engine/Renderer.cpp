@@ -142,9 +142,10 @@ void packTile(const Tile &tile, int channels, QImage &drawn, uchar *bits, const 
             planes[c] = c < tile.channels() ? tile.row(c, y) : c == 3 ? ones.data() : tile.row(0, y);
         uchar *line = bits + (extent.bottom() - y) * drawn.bytesPerLine();
         if (drawn.depth() == 64)
-            kernels::packRgb16(planes, channels, reinterpret_cast<std::uint16_t *>(line) + offset, width);
+            kernels::pixelRows().sixteen.packRgb(planes, channels, reinterpret_cast<std::uint16_t *>(line) + offset,
+                                                 width);
         else
-            kernels::packRgb8(planes, channels, line + offset, width);
+            kernels::pixelRows().eight.packRgb(planes, channels, line + offset, width);
     }
 }
 

@@ -89,12 +89,12 @@ Tile::Tile(const QRect &rect, int channels)
 
 void Tile::premultiply()
 {
-    forColours(kernels::premultiply);
+    forColours(kernels::pixelRows().premultiply);
 }
 
 void Tile::unpremultiply()
 {
-    forColours(kernels::unpremultiply);
+    forColours(kernels::pixelRows().unpremultiply);
 }
 
 void Tile::forColours(void (*operation)(float *const *colours, const float *alpha, std::size_t width))

@@ -22,16 +22,6 @@ FilterImage Utils::getCIImageFromNSImage(const PhotoImagePtr &photo) const
     return sx != 1.0f || sy != 1.0f ? pixels.scaledTo(size) : pixels;
 }
 
-void Utils::clearAllInPutParametersFromcurrentFilter(ImageFilter &filter) const
-{
-    filter.setImage(ImageFilter::kInputImage, {});
-    for (const QString &key :
-         {ImageFilter::kInputBackgroundImage, ImageFilter::kInputTargetImage, ImageFilter::kInputMaskImage}) {
-        if (filter.imageInputs().contains(key))
-            filter.setImage(key, {});
-    }
-}
-
 PhotoImagePtr Utils::getDrawedImage(const FilterImage &image, QSizeF size, QPointF AtPoint,
                                     const QRectF &FromRect) const
 {
@@ -68,27 +58,15 @@ PhotoImagePtr Utils::addBackgroundToImage(const PhotoImagePtr &photo, const QCol
 PhotoImagePtr Utils::applyfilterOnBlurImage(const PhotoImagePtr &photo, const QString &,
                                             const CoreFilterObject &FilterParameters) const
 {
-    const float b = FilterParameters.blurAmount.value_or(0.0f);
-    const float m = FilterParameters.motionBlurAmount.value_or(0.0f);
-    const FilterImage source = getCIImageFromNSImage(photo);
-    const QRectF extent = source.extent();
-    const float bn = b / 5.0f;
-    const float mn = m / 5.0f;
-
-    FilterImage result = source;
-    if (bn > 0.0f || mn > 0.0f) {
-        AffineClampFilter clamp;
-        clamp.setImage(ImageFilter::kInputImage, source);
-        result = clamp.outputImage();
-    }
-    DiscBlurFilter blur;
-    if (bn > 0.0f) {
-        blur.setImage(ImageFilter::kInputImage, result);
-        blur.inputRadius = float(extent.width() * double(bn) / 1000.0);
-        result = blur.outputImage();
-    }
-    const PhotoImagePtr drawn =
-        getDrawedImage(result, extent.size(), QPointF(0, 0), QRectF(QPointF(0, 0), extent.size()));
+    const float b = FilterParameters.blurAmount.value_or(0.0f) / 5.0f;
+    const float m = FilterParameters.motionBlurAmount.value_or(0.0f) / 5.0f;
+    FilterImage blur = getCIImageFromNSImage(photo);
+    const QSizeF size = blur.extent().size();
+    if (b > 0.0f || m > 0.0f)
+        blur = blur.clamped();
+    if (b > 0.0f)
+        blur = blur.discBlurred(float(size.width() * double(b) / 1000.0));
+    const PhotoImagePtr drawn = getDrawedImage(blur, size, QPointF(0, 0), QRectF(QPointF(0, 0), size));
     clearAllInPutParametersFromcurrentFilter(blur);
     return drawn;
 }

@@ -1,7 +1,6 @@
 #pragma once
 
 #include "CoreFilterObject.h"
-#include "ImageFilter.h"
 #include "PhotoImage.h"
 
 #include <QColor>
@@ -31,9 +30,8 @@ public:
     /// up whatever their pixels. The empty picture for a missing or invalid photo.
     FilterImage getCIImageFromNSImage(const PhotoImagePtr &photo) const;
 
-    /// Sets the filter's input image to nothing, and its background, target and mask images where it has them, so
-    /// that it no longer holds the large inputs.
-    void clearAllInPutParametersFromcurrentFilter(ImageFilter &filter) const;
+    /// Lets go of the filter, and with it of the large images that go into it.
+    void clearAllInPutParametersFromcurrentFilter(FilterImage &filter) const { filter = {}; }
 
     /// A photo image of logical size `size` (rounded to whole pixels) with the part `FromRect` of the filter image
     /// drawn at `AtPoint`, `size` large. Null if the filter image is empty. A source rectangle equal to the input's

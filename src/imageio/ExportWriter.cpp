@@ -3,7 +3,7 @@
 #include "CarriedMetadata.h"
 #include "ExportFormats.h"
 #include "FlippedImage.h"
-#include "ImageIoLog.h"
+#include "Log.h"
 #include "PropertyDictionary.h"
 
 #include <algorithm>

@@ -5,12 +5,13 @@
 #include "ExifInfo.h"
 #include "FlippedImage.h"
 #include "Geometry.h"
-#include "ImageIoLog.h"
+#include "Log.h"
 #include "PathParts.h"
 #include "Utils.h"
 
 #include <QRegularExpression>
 
+#include <cstdio>
 #include <new>
 
 namespace hazelmark {
@@ -44,6 +45,15 @@ Outcome<ImageLoader::Loaded> decodeUpright(const QString &path, int orientation,
     if (!size.isEmpty() && photo->pixelSize() != size)
         photo = Utils::sharedUtils().scaleImage(photo, size);
     return ImageLoader::Loaded{photo, picture->fileColorModel, picture->convertedToSrgb, picture->isPartlyDamaged};
+}
+
+/// As it stands, without a line end, unless warnings of this module are off.
+void writeToStandardError(const QString &text)
+{
+    if (!lcImageIo().isWarningEnabled())
+        return;
+    std::fputs(text.toLocal8Bit().constData(), stderr);
+    std::fflush(stderr);
 }
 
 void reportNotLoaded(const Failure &failure)
@@ -149,10 +159,8 @@ PhotoImagePtr ImageLoader::convertGraycolorModelToRgb(const PhotoImagePtr &photo
     const PhotoImagePtr redrawn = utils.getTransparentImageFromImage(photo, 1.0f);
     if (!redrawn)
         return nullptr;
-    ColorControlsFilter controls;
-    controls.setImage(ImageFilter::kInputImage, utils.getCIImageFromNSImage(redrawn));
-    const FilterImage output = controls.outputImage();
-    utils.clearAllInPutParametersFromcurrentFilter(controls);
+    // At neutral settings the pass leaves the colours as they are: three equal planes.
+    const FilterImage output = utils.getCIImageFromNSImage(redrawn);
     if (output.isEmpty())
         return redrawn;
     const QSizeF size = output.extent().size();

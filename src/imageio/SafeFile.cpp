@@ -1,7 +1,7 @@
 #include "SafeFile.h"
 
 #include "FileAttributes.h"
-#include "ImageIoLog.h"
+#include "Log.h"
 
 #include <QFile>
 

@@ -1,6 +1,6 @@
 #include "PropertyList.h"
 
-#include "PlatformLog.h"
+#include "Log.h"
 
 #include <QFile>
 #include <QVariantList>

@@ -1,6 +1,6 @@
 #include "Workspace.h"
 
-#include "PlatformLog.h"
+#include "Log.h"
 #include "ProcessWide.h"
 
 #include <QFileInfo>

@@ -2,8 +2,8 @@
 
 #include "FileAttributes.h"
 #include "FileIdentity.h"
+#include "Log.h"
 #include "PhotoFile.h"
-#include "SessionLog.h"
 
 #include <QFileInfo>
 

@@ -1,7 +1,7 @@
 #include "PreviewRunner.h"
 
+#include "Log.h"
 #include "RenderJobs.h"
-#include "SessionLog.h"
 
 #include <new>
 

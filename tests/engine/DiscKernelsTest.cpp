@@ -1,11 +1,10 @@
 // The inner loops of the disc blur against plain twins, on every instruction set of this machine.
 
+#include "KernelTest.h"
 #include "Pictures.h"
 #include "kernels/CoarseRows.h"
 #include "kernels/DiscSumRows.h"
 #include "kernels/DiscWeightRows.h"
-
-#include <hwy/targets.h>
 
 #include <gtest/gtest.h>
 
@@ -54,21 +53,7 @@ struct Rows
     const float *starts[kTaps];
 };
 
-class DiscKernels : public ::testing::TestWithParam<std::tuple<std::int64_t, std::size_t>>
-{
-protected:
-    void SetUp() override { use(std::get<0>(GetParam())); }
-    void TearDown() override { use(0); }
-    std::size_t width() const { return std::get<1>(GetParam()); }
-
-private:
-    /// Makes the dispatch choose one instruction set; 0: the best.
-    static void use(std::int64_t target)
-    {
-        hwy::SetSupportedTargetsForTest(target);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    }
-};
+using DiscKernels = testing::KernelTest;
 
 TEST_P(DiscKernels, SamplesAreRoundedAndClamped)
 {
@@ -263,13 +248,7 @@ TEST_P(DiscKernels, RowsOfCellsAreCombinedAndClamped)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(EveryInstructionSet, DiscKernels,
-                         ::testing::Combine(::testing::ValuesIn(hwy::SupportedAndGeneratedTargets()),
-                                            ::testing::Values(1, 3, 15, 16, 17, 31, 33, 64, 130, 530)),
-                         [](const auto &instance) {
-                             return std::string(hwy::TargetName(std::get<0>(instance.param))) + "Width" +
-                                    std::to_string(std::get<1>(instance.param));
-                         });
+INSTANTIATE_TEST_SUITE_P(EveryInstructionSet, DiscKernels, testing::everyTargetAndWidth(), testing::targetAndWidth);
 
 } // namespace
 } // namespace hazelmark::kernels

@@ -1,3 +1,4 @@
+#include "KernelTest.h"
 #include "Pictures.h"
 #include "kernels/PixelRows.h"
 #include "kernels/ScaleRows.h"
@@ -42,44 +43,65 @@ Row rowOf(const std::vector<float> &values)
 
 } // namespace
 
-using KernelWidths = ::testing::TestWithParam<std::size_t>;
+using PixelKernels = testing::KernelTest;
 
-TEST_P(KernelWidths, EverySampleComesBackAndNothingBehindTheRowIsTouched)
+/// Every way from samples to planes and back, with nothing behind the row touched.
+template <typename Sample>
+void expectSamplesComeBack(std::size_t width, double full)
 {
-    const std::size_t width = GetParam();
+    const kernels::SampleRows<Sample> &kernels = kernels::pixelRows().of<Sample>();
     std::mt19937 random(7);
-    for (int channels : {3, 4}) {
-        std::vector<std::uint8_t> eight(4 * width), eightBack(4 * width + 4, 77);
-        std::vector<std::uint16_t> sixteen(4 * width), sixteenBack(4 * width + 4, 77);
+    std::vector<Sample> pixels(4 * width), grays(width);
+    for (Sample &sample : pixels)
+        sample = Sample(random() % 3 == 0 ? full : random());
+    Row rows[4] = {Row(width), Row(width), Row(width), Row(width)};
+    float *const planes[4] = {rows[0].data, rows[1].data, rows[2].data, rows[3].data};
+    for (const int channels : {3, 4}) {
+        std::vector<Sample> back(4 * width + 4, 77);
+        kernels.unpackRgb(pixels.data(), planes, channels, width);
+        kernels.packRgb(planes, channels, back.data(), width);
         for (std::size_t i = 0; i < 4 * width; ++i) {
-            eight[i] = channels == 3 && i % 4 == 3 ? 255 : std::uint8_t(i);
-            sixteen[i] = channels == 3 && i % 4 == 3 ? 65535 : std::uint16_t(i == 0 ? 65535 : random());
+            ASSERT_EQ(back[i], int(i) % 4 < channels ? pixels[i] : Sample(full)) << i;
+            ASSERT_TRUE(int(i) % 4 >= channels || std::abs(planes[i % 4][i / 4] - pixels[i] / full) < 1e-7) << i;
         }
-        Row rows[4] = {Row(width), Row(width), Row(width), Row(width)};
-        float *planes[4] = {rows[0].data, rows[1].data, rows[2].data, rows[3].data};
-        kernels::unpackRgb8(eight.data(), planes, channels, width);
-        for (std::size_t i = 0; i < width; ++i)
-            ASSERT_NEAR(planes[1][i], eight[4 * i + 1] / 255.0, 1e-7);
-        kernels::packRgb8(planes, channels, eightBack.data(), width);
-        kernels::unpackRgb16(sixteen.data(), planes, channels, width);
-        kernels::packRgb16(planes, channels, sixteenBack.data(), width);
-        for (std::size_t i = 0; i < 4 * width; ++i) {
-            ASSERT_EQ(eightBack[i], eight[i]) << i;
-            ASSERT_EQ(sixteenBack[i], sixteen[i]) << i;
+        ASSERT_EQ(std::vector<Sample>(back.end() - 4, back.end()), std::vector<Sample>(4, 77));
+    }
+    kernels.unpackGray(pixels.data(), planes[0], width);
+    for (int channel = 0; channel < 4; ++channel) {
+        kernels.unpackChannel(pixels.data(), channel, planes[1], width);
+        for (std::size_t i = 0; i < width; ++i) {
+            ASSERT_NEAR(planes[0][i], pixels[i] / full, 1e-7);
+            ASSERT_NEAR(planes[1][i], pixels[4 * i + std::size_t(channel)] / full, 1e-7);
         }
-        for (std::size_t i = 4 * width; i < 4 * width + 4; ++i) {
-            ASSERT_EQ(eightBack[i], 77);
-            ASSERT_EQ(sixteenBack[i], 77);
-        }
-        kernels::unpackChannel16(sixteen.data(), 2, planes[0], width);
-        for (std::size_t i = 0; i < width; ++i)
-            ASSERT_NEAR(planes[0][i], sixteen[4 * i + 2] / 65535.0, 1e-7);
     }
 }
 
-TEST_P(KernelWidths, BlendsAgreeWithDoublePrecision)
+TEST_P(PixelKernels, EverySampleComesBackAndNothingBehindTheRowIsTouched)
 {
-    const std::size_t width = GetParam();
+    expectSamplesComeBack<std::uint8_t>(width(), 255);
+    expectSamplesComeBack<std::uint16_t>(width(), 65535);
+}
+
+TEST_P(PixelKernels, ColoursAreMultipliedAndDividedByAlpha)
+{
+    const std::size_t width = this->width();
+    Row rows[4] = {rowOf(randomValues(width, 1)), rowOf(randomValues(width, 2)), rowOf(randomValues(width, 3)),
+                   rowOf(randomValues(width, 4))};
+    rows[3].data[width / 2] = 0;
+    float *const colours[3] = {rows[0].data, rows[1].data, rows[2].data};
+    const std::vector<float> before = rows[2].storage;
+    const std::ptrdiff_t start = rows[2].data - rows[2].storage.data();
+    kernels::pixelRows().premultiply(colours, rows[3].data, width);
+    for (std::size_t i = 0; i < width; ++i)
+        ASSERT_FLOAT_EQ(colours[2][i], before[std::size_t(start) + i] * rows[3].data[i]);
+    kernels::pixelRows().unpremultiply(colours, rows[3].data, width);
+    for (std::size_t i = 0; i < width; ++i)
+        ASSERT_NEAR(colours[2][i], i == width / 2 ? 0 : before[std::size_t(start) + i], 1e-6);
+}
+
+TEST_P(PixelKernels, BlendsAgreeWithDoublePrecision)
+{
+    const std::size_t width = this->width();
     std::vector<Row> rows;
     for (unsigned seed = 1; seed <= 12; ++seed)
         rows.push_back(rowOf(randomValues(width, seed)));
@@ -110,9 +132,9 @@ TEST_P(KernelWidths, BlendsAgreeWithDoublePrecision)
         EXPECT_NEAR(result[0][i], weight.data[i] * foreground[0][i] + (1.0 - weight.data[i]) * background[0][i], 1e-6);
 }
 
-TEST_P(KernelWidths, LinearLightIsScaledAlongTheSrgbCurve)
+TEST_P(PixelKernels, LinearLightIsScaledAlongTheSrgbCurve)
 {
-    const std::size_t width = GetParam();
+    const std::size_t width = this->width();
     for (float gain : {1.0f, 0.5f, 1.0f / 1024}) {
         std::vector<float> values = randomValues(width, 3);
         values[0] = 0.0f;
@@ -127,9 +149,9 @@ TEST_P(KernelWidths, LinearLightIsScaledAlongTheSrgbCurve)
     }
 }
 
-TEST_P(KernelWidths, WeighedSumsAgreeWithDoublePrecision)
+TEST_P(PixelKernels, WeighedSumsAgreeWithDoublePrecision)
 {
-    const std::size_t width = GetParam();
+    const std::size_t width = this->width();
     for (int taps : {1, 4, 21}) {
         const std::vector<float> weights = randomValues(width * std::size_t(taps), 11);
         const std::vector<float> input = randomValues(width + 64, 12);
@@ -156,27 +178,24 @@ TEST_P(KernelWidths, WeighedSumsAgreeWithDoublePrecision)
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Odd, KernelWidths, ::testing::Values(1, 2, 3, 15, 16, 17, 63, 64, 65, 1021));
-
-TEST(PixelKernels, PackingClampsAndNeverPassesNaNOn)
+TEST_P(PixelKernels, PackingClampsAndNeverPassesNaNOn)
 {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const float inf = std::numeric_limits<float>::infinity();
-    // One full vector of the widest target and a tail, so that both ways of packing are seen.
-    const std::size_t width = 19;
+    const std::size_t width = this->width();
     Row values(width);
     const float wild[] = {nan, -inf, -0.1f, 0.5f, 1.7f, inf, 2.5f / 255};
     for (std::size_t i = 0; i < width; ++i)
         values.data[i] = wild[i % 7];
     const float *planes[3] = {values.data, values.data, values.data};
     std::vector<std::uint8_t> packed(4 * width);
-    kernels::packRgb8(planes, 3, packed.data(), width);
+    kernels::pixelRows().eight.packRgb(planes, 3, packed.data(), width);
     const int wanted[] = {0, 0, 0, 128, 255, 255, 2};
     for (std::size_t i = 0; i < width; ++i)
         EXPECT_EQ(packed[4 * i], wanted[i % 7]) << i;
 }
 
-TEST(PixelKernels, ClampingKeepsFullAreasFull)
+TEST_P(PixelKernels, ClampingKeepsFullAreasFull)
 {
     Row row(16);
     const float values[] = {-0.2f, 0.0f, 0.25f, 1.0f - 0x1p-22f, 1.0f, 1.3f, 65534.0f / 65535};
@@ -186,5 +205,7 @@ TEST(PixelKernels, ClampingKeepsFullAreasFull)
     for (std::size_t i = 0; i < 7; ++i)
         EXPECT_EQ(row.data[i], wanted[i]);
 }
+
+INSTANTIATE_TEST_SUITE_P(EveryInstructionSet, PixelKernels, testing::everyTargetAndWidth(), testing::targetAndWidth);
 
 } // namespace hazelmark

@@ -182,19 +182,6 @@ TEST(BlurPass, WithoutBlurThePictureIsUnchanged)
     EXPECT_EQ(utils.applyfilterOnBlurImage(PhotoImage::fromBitmap({}), {}, {}), nullptr);
 }
 
-TEST(Filters, DetachingLetsTheInputsGo)
-{
-    BlendWithMaskFilter blend;
-    const FilterImage image(noise({4, 4}, QImage::Format_RGBX8888));
-    blend.setImage(ImageFilter::kInputImage, image);
-    blend.setImage(ImageFilter::kInputBackgroundImage, image);
-    blend.setImage(ImageFilter::kInputMaskImage, image);
-    EXPECT_FALSE(blend.outputImage().isEmpty());
-    utils.clearAllInPutParametersFromcurrentFilter(blend);
-    for (const QString &key : blend.imageInputs())
-        EXPECT_TRUE(blend.image(key).isEmpty());
-}
-
 TEST(Renderer, ProgressRisesToOne)
 {
     double last = 0;

@@ -1,5 +1,6 @@
 #include "SourceNode.h"
 
+#include "PixelFormats.h"
 #include "kernels/PixelRows.h"
 
 #include <cstring>
@@ -8,39 +9,24 @@ namespace hazelmark {
 
 namespace {
 
-bool isGray(const QImage &bitmap)
-{
-    return bitmap.format() == QImage::Format_Grayscale8 || bitmap.format() == QImage::Format_Grayscale16;
-}
-
 bool isSixteenBit(const QImage &bitmap)
 {
-    return bitmap.format() == QImage::Format_Grayscale16 || bitmap.format() == QImage::Format_RGBX64 ||
-           bitmap.format() == QImage::Format_RGBA64;
+    return bitmap.format() == QImage::Format_Grayscale16 || bitmap.depth() == 64;
 }
 
 /// `pixels`: the first pixel wanted; `planes`: where the wanted planes go.
 template <typename Sample>
 void unpackRow(const Sample *pixels, bool gray, int onlyPlane, float *const *planes, int channels, std::size_t width)
 {
-    constexpr bool kEight = sizeof(Sample) == 1;
+    const kernels::SampleRows<Sample> &rows = kernels::pixelRows().of<Sample>();
     if (gray) {
-        if constexpr (kEight)
-            kernels::unpackGray8(pixels, planes[0], width);
-        else
-            kernels::unpackGray16(pixels, planes[0], width);
+        rows.unpackGray(pixels, planes[0], width);
         for (int c = 1; c < channels; ++c)
             std::memcpy(planes[c], planes[0], width * sizeof(float));
     } else if (onlyPlane >= 0) {
-        if constexpr (kEight)
-            kernels::unpackChannel8(pixels, onlyPlane, planes[0], width);
-        else
-            kernels::unpackChannel16(pixels, onlyPlane, planes[0], width);
+        rows.unpackChannel(pixels, onlyPlane, planes[0], width);
     } else {
-        if constexpr (kEight)
-            kernels::unpackRgb8(pixels, planes, channels, width);
-        else
-            kernels::unpackRgb16(pixels, planes, channels, width);
+        rows.unpackRgb(pixels, planes, channels, width);
     }
 }
 

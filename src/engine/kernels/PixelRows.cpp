@@ -135,7 +135,7 @@ void packRgb(const float *const *planes, int channels, Sample *pixels, std::size
         });
 }
 
-void PremultiplyRow(float *const *colours, const float *alpha, std::size_t width)
+void premultiplyRow(float *const *colours, const float *alpha, std::size_t width)
 {
     const DF df;
     for (std::size_t i = 0; i < width; i += hn::Lanes(df)) {
@@ -145,7 +145,7 @@ void PremultiplyRow(float *const *colours, const float *alpha, std::size_t width
     }
 }
 
-void UnpremultiplyRow(float *const *colours, const float *alpha, std::size_t width)
+void unpremultiplyRow(float *const *colours, const float *alpha, std::size_t width)
 {
     const DF df;
     for (std::size_t i = 0; i < width; i += hn::Lanes(df)) {
@@ -156,37 +156,13 @@ void UnpremultiplyRow(float *const *colours, const float *alpha, std::size_t wid
     }
 }
 
-void UnpackRgb8(const std::uint8_t *pixels, float *const *planes, int channels, std::size_t width)
+template <typename Sample>
+constexpr SampleRows<Sample> kRows{unpackRgb<Sample>, unpackGray<Sample>, unpackChannel<Sample>, packRgb<Sample>};
+
+const PixelRows *Table()
 {
-    unpackRgb(pixels, planes, channels, width);
-}
-void UnpackRgb16(const std::uint16_t *pixels, float *const *planes, int channels, std::size_t width)
-{
-    unpackRgb(pixels, planes, channels, width);
-}
-void UnpackGray8(const std::uint8_t *pixels, float *plane, std::size_t width)
-{
-    unpackGray(pixels, plane, width);
-}
-void UnpackGray16(const std::uint16_t *pixels, float *plane, std::size_t width)
-{
-    unpackGray(pixels, plane, width);
-}
-void UnpackChannel8(const std::uint8_t *pixels, int channel, float *plane, std::size_t width)
-{
-    unpackChannel(pixels, channel, plane, width);
-}
-void UnpackChannel16(const std::uint16_t *pixels, int channel, float *plane, std::size_t width)
-{
-    unpackChannel(pixels, channel, plane, width);
-}
-void PackRgb8(const float *const *planes, int channels, std::uint8_t *pixels, std::size_t width)
-{
-    packRgb(planes, channels, pixels, width);
-}
-void PackRgb16(const float *const *planes, int channels, std::uint16_t *pixels, std::size_t width)
-{
-    packRgb(planes, channels, pixels, width);
+    static constexpr PixelRows table{kRows<std::uint8_t>, kRows<std::uint16_t>, premultiplyRow, unpremultiplyRow};
+    return &table;
 }
 
 } // namespace HWY_NAMESPACE
@@ -197,65 +173,11 @@ HWY_AFTER_NAMESPACE();
 
 namespace hazelmark::kernels {
 
-HWY_EXPORT(UnpackRgb8);
-HWY_EXPORT(UnpackRgb16);
-HWY_EXPORT(UnpackGray8);
-HWY_EXPORT(UnpackGray16);
-HWY_EXPORT(UnpackChannel8);
-HWY_EXPORT(UnpackChannel16);
-HWY_EXPORT(PackRgb8);
-HWY_EXPORT(PackRgb16);
-HWY_EXPORT(PremultiplyRow);
-HWY_EXPORT(UnpremultiplyRow);
+HWY_EXPORT(Table);
 
-void unpackRgb8(const std::uint8_t *pixels, float *const *planes, int channels, std::size_t width)
+const PixelRows &pixelRows()
 {
-    HWY_DYNAMIC_DISPATCH(UnpackRgb8)(pixels, planes, channels, width);
-}
-
-void unpackRgb16(const std::uint16_t *pixels, float *const *planes, int channels, std::size_t width)
-{
-    HWY_DYNAMIC_DISPATCH(UnpackRgb16)(pixels, planes, channels, width);
-}
-
-void unpackGray8(const std::uint8_t *pixels, float *plane, std::size_t width)
-{
-    HWY_DYNAMIC_DISPATCH(UnpackGray8)(pixels, plane, width);
-}
-
-void unpackGray16(const std::uint16_t *pixels, float *plane, std::size_t width)
-{
-    HWY_DYNAMIC_DISPATCH(UnpackGray16)(pixels, plane, width);
-}
-
-void unpackChannel8(const std::uint8_t *pixels, int channel, float *plane, std::size_t width)
-{
-    HWY_DYNAMIC_DISPATCH(UnpackChannel8)(pixels, channel, plane, width);
-}
-
-void unpackChannel16(const std::uint16_t *pixels, int channel, float *plane, std::size_t width)
-{
-    HWY_DYNAMIC_DISPATCH(UnpackChannel16)(pixels, channel, plane, width);
-}
-
-void packRgb8(const float *const *planes, int channels, std::uint8_t *pixels, std::size_t width)
-{
-    HWY_DYNAMIC_DISPATCH(PackRgb8)(planes, channels, pixels, width);
-}
-
-void packRgb16(const float *const *planes, int channels, std::uint16_t *pixels, std::size_t width)
-{
-    HWY_DYNAMIC_DISPATCH(PackRgb16)(planes, channels, pixels, width);
-}
-
-void premultiply(float *const *colours, const float *alpha, std::size_t width)
-{
-    HWY_DYNAMIC_DISPATCH(PremultiplyRow)(colours, alpha, width);
-}
-
-void unpremultiply(float *const *colours, const float *alpha, std::size_t width)
-{
-    HWY_DYNAMIC_DISPATCH(UnpremultiplyRow)(colours, alpha, width);
+    return *HWY_DYNAMIC_DISPATCH(Table)();
 }
 
 } // namespace hazelmark::kernels

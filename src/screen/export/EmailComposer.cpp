@@ -1,6 +1,6 @@
 #include "EmailComposer.h"
 
-#include "ScreenLog.h"
+#include "Log.h"
 #include "Workspace.h"
 
 #include <QDBusMessage>

@@ -1,8 +1,8 @@
 #include "OutgoingPictures.h"
 
 #include "Encoder.h"
+#include "Log.h"
 #include "PathParts.h"
-#include "ScreenLog.h"
 
 #include <QCoreApplication>
 #include <QDir>

@@ -4,7 +4,7 @@
 #include "ApplicationDelegate.h"
 #include "FormatString.h"
 #include "ImageCatalog.h"
-#include "ScreenLog.h"
+#include "Log.h"
 #include "Workspace.h"
 
 #include <QClipboard>

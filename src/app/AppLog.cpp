@@ -1,7 +1,0 @@
-#include "AppLog.h"
-
-namespace hazelmark {
-
-Q_LOGGING_CATEGORY(lcApp, "hazelmark.app", QtInfoMsg)
-
-} // namespace hazelmark

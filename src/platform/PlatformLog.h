@@ -1,9 +1,0 @@
-#pragma once
-
-#include <QLoggingCategory>
-
-namespace hazelmark {
-
-Q_DECLARE_LOGGING_CATEGORY(lcPlatform)
-
-} // namespace hazelmark

@@ -1,7 +1,0 @@
-#include "ScreenLog.h"
-
-namespace hazelmark {
-
-Q_LOGGING_CATEGORY(lcScreen, "hazelmark.screen", QtInfoMsg)
-
-} // namespace hazelmark

@@ -1,7 +1,0 @@
-#include "SessionLog.h"
-
-namespace hazelmark {
-
-Q_LOGGING_CATEGORY(lcSession, "hazelmark.session", QtInfoMsg)
-
-} // namespace hazelmark
