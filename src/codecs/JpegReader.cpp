@@ -72,7 +72,7 @@ void JpegReader::watchScan(j_common_ptr lib)
     auto *errors = static_cast<JpegErrors *>(lib->client_data);
     const qint64 pixels = std::max(qint64(decompress->image_width) * decompress->image_height, qint64(1));
     if (decompress->input_scan_number > std::clamp(kMaxScannedPixels / pixels, kUsualScans, kMaxScans))
-        ERREXIT(decompress, JERR_BAD_PROGRESSION);
+        refuseJpeg(lib, "it has too many scans");
     for (int i = 0; i < decompress->comps_in_scan; ++i)
         errors->seenComponents |= 1u << decompress->cur_comp_info[i]->component_index;
 }

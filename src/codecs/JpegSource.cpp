@@ -24,14 +24,6 @@ constexpr int kMaxMarkers = 10000;
     std::longjmp(errors->jump, 1);
 }
 
-[[noreturn]] void refuse(j_common_ptr lib, const char *message)
-{
-    auto *errors = static_cast<JpegErrors *>(lib->client_data);
-    lib->err->msg_code = JMSG_NOMESSAGE;
-    qstrncpy(errors->message, message, sizeof errors->message);
-    std::longjmp(errors->jump, 1);
-}
-
 /// Whether the marker has a place between the data of one scan and the next.
 bool mayFollowScan(int marker)
 {
@@ -60,7 +52,7 @@ void warnOrLeave(j_common_ptr lib, int level)
     constexpr int kMarkerTrace = 1;
     auto *errors = static_cast<JpegErrors *>(lib->client_data);
     if (level == kMarkerTrace && errors->input->isInHeader() && ++errors->markerCount > kMaxMarkers)
-        refuse(lib, "its header has too many segments");
+        refuseJpeg(lib, "its header has too many segments");
     if (level >= 0)
         return; // a trace message
     ++errors->manager.num_warnings;
@@ -93,6 +85,14 @@ void ignoreMessage(j_common_ptr) {}
 void ignoreSource(j_decompress_ptr) {}
 
 } // namespace
+
+void refuseJpeg(j_common_ptr lib, const char *message)
+{
+    auto *errors = static_cast<JpegErrors *>(lib->client_data);
+    lib->err->msg_code = JMSG_NOMESSAGE;
+    qstrncpy(errors->message, message, sizeof errors->message);
+    std::longjmp(errors->jump, 1);
+}
 
 JpegErrors::JpegErrors(SourceFile &sourceFile)
     : source(sourceFile)
@@ -162,7 +162,7 @@ boolean JpegSource::fill(j_decompress_ptr lib)
     }
     self->m_headerSize += count;
     if (self->m_isInHeader && self->m_headerSize > kMaxHeaderSize)
-        refuse(reinterpret_cast<j_common_ptr>(lib), "its header is too long");
+        refuseJpeg(reinterpret_cast<j_common_ptr>(lib), "its header is too long");
     self->m_manager.next_input_byte = self->m_buffer.data();
     self->m_manager.bytes_in_buffer = size_t(count);
     return TRUE;

@@ -38,6 +38,9 @@ struct JpegErrors
     char message[JMSG_LENGTH_MAX] = {};
 };
 
+/// Leaves the library with a message of our own.
+[[noreturn]] void refuseJpeg(j_common_ptr lib, const char *message);
+
 /// The library's data source on a SourceFile. At the end of the file it hands out an end-of-image marker, so that the
 /// decoder itself finds out whether anything is missing.
 class JpegSource
