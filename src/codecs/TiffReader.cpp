@@ -213,7 +213,8 @@ Outcome<Picture> TiffReader::decode(QSize)
         return m_source.failure(Failure::Reason::UnsupportedFormat, QStringLiteral("this kind of TIFF"));
     if (m_tiff.hasLostProfile())
         return m_source.failure(Failure::Reason::Truncated, QStringLiteral("its colour profile is missing"));
-    if (!TIFFIsCODECConfigured(m_layout.compression))
+    // The JBIG library ends the program where a hostile header makes it ask for too much memory.
+    if (m_layout.compression == COMPRESSION_JBIG || !TIFFIsCODECConfigured(m_layout.compression))
         return m_source.failure(Failure::Reason::UnsupportedFormat, QStringLiteral("its compression"));
     constexpr double kAlwaysAllowed = 1 << 30;
     if (unpackedSize() > std::max(kAlwaysAllowed, 16.0 * double(cost({}).bitmap)))

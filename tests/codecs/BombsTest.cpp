@@ -208,6 +208,14 @@ std::vector<Bomb> bombs()
              return tiff({16, 100'000, 60'000, 0, 16});
          },
          Reason::Damaged},
+        {"TIFF of JBIG data",
+         [] {
+             const quint32 tag = TIFFTAG_COMPRESSION;
+             return tiff({100, 100})
+                 .replace(tiffEntry(tag, kShort, 1, COMPRESSION_ADOBE_DEFLATE),
+                          tiffEntry(tag, kShort, 1, COMPRESSION_JBIG));
+         },
+         Reason::UnsupportedFormat},
         {"TIFF of planes that nobody asks for",
          [] {
              return tiff({1000, 1000, 60'000, 0, 1000, true});
