@@ -316,6 +316,18 @@ TEST_F(Kinds, PagesThatAreCopiesOrMasksAreNoFrames)
     EXPECT_EQ(infoOf(tiff({thumbnail})).frames, std::vector<QSize>{QSize(2, 1)});
 }
 
+/// Better no picture than one with samples that were taken for something else.
+TEST_F(Kinds, TiffFilesWithSamplesOfUnknownMeaningAreRefused)
+{
+    const std::vector<uint8_t> row(24, 100);
+    TestTiff negative = page(2, 8, 1, PHOTOMETRIC_MINISBLACK, row);
+    negative.sampleFormat = SAMPLEFORMAT_INT;
+    for (const TestTiff &odd :
+         {negative, page(2, 24, 1, PHOTOMETRIC_MINISBLACK, row), page(2, 12, 3, PHOTOMETRIC_CIELAB, row),
+          page(2, 8, 3, PHOTOMETRIC_SEPARATED, row), page(2, 8, 1, PHOTOMETRIC_CFA, row)})
+        EXPECT_EQ(reasonFor(tiff({odd})), Failure::Reason::UnsupportedFormat) << odd.photometric << " " << odd.bits;
+}
+
 /// The first page of a camera raw file is a small preview: handing it out would pass for the photo.
 TEST_F(Kinds, CameraRawFilesAreRefused)
 {
