@@ -125,7 +125,6 @@ public:
     bool isUiDisabled() const override { return ProcessState::shared().isUiDisabled; }
     void setIsUiDisabled(bool disabled) override { ProcessState::shared().isUiDisabled = disabled; }
     bool isAppActive() const override { return true; }
-    void setIsExporting(bool) override {}
     QUrl linkForTag(int) const override { return {}; }
     QString getLocalizedStringForKey(const QString &key) override { return key; }
     void showAlertForRateApp() override {}
