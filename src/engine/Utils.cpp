@@ -1,5 +1,9 @@
 #include "Utils.h"
 
+#include <algorithm>
+#include <array>
+#include <cstring>
+
 namespace hazelmark {
 
 const Utils &Utils::sharedUtils()
@@ -53,6 +57,35 @@ PhotoImagePtr Utils::getTransparentImageFromImage(const PhotoImagePtr &photo, fl
 PhotoImagePtr Utils::addBackgroundToImage(const PhotoImagePtr &photo, const QColor &Color) const
 {
     return photo ? PhotoImage::drawing(getCIImageFromNSImage(photo).overColor(Color), photo->size()) : nullptr;
+}
+
+PhotoImagePtr Utils::addBackgroundToImage(const QImage &canvas, const QColor &Color) const
+{
+    if (canvas.isNull())
+        return nullptr;
+    Q_ASSERT(canvas.format() == QImage::Format_RGBA8888_Premultiplied);
+    // What a pixel of each coverage lets through, all four channels in one number: no channel of a premultiplied pixel
+    // is larger than its coverage, so that adding carries nothing over.
+    std::array<quint32, 256> through;
+    for (int alpha = 0; alpha < 256; ++alpha) {
+        const auto level = [alpha](int background) { return uchar(((255 - alpha) * background + 127) / 255); };
+        const uchar bytes[4] = {level(Color.red()), level(Color.green()), level(Color.blue()), level(255)};
+        std::memcpy(&through[std::size_t(alpha)], bytes, sizeof bytes);
+    }
+    QImage opaque(canvas.size(), QImage::Format_RGBX8888);
+    for (int y = 0; y < canvas.height(); ++y) {
+        const uchar *bytes = canvas.constScanLine(y);
+        const auto *from = reinterpret_cast<const quint32 *>(bytes);
+        auto *to = reinterpret_cast<quint32 *>(opaque.scanLine(y));
+        if (Color == QColor(Qt::black)) { // what masks lie on: several pixels at a time
+            std::transform(from, from + canvas.width(), to,
+                           [opacity = through[0]](quint32 pixel) { return pixel | opacity; });
+            continue;
+        }
+        for (int x = 0; x < canvas.width(); ++x)
+            to[x] = from[x] + through[bytes[4 * x + 3]];
+    }
+    return PhotoImage::fromBitmap(opaque);
 }
 
 PhotoImagePtr Utils::applyfilterOnBlurImage(const PhotoImagePtr &photo, const QString &,

@@ -51,6 +51,9 @@ public:
 
     /// The picture laid over an opaque colour, at the picture's logical size; null for a missing picture.
     PhotoImagePtr addBackgroundToImage(const PhotoImagePtr &photo, const QColor &Color) const;
+    /// The same of pixels as a canvas has them (RGBA8888 premultiplied), in one pass: a preview waits for it. Rounded
+    /// to the nearest level; null for a null canvas.
+    PhotoImagePtr addBackgroundToImage(const QImage &canvas, const QColor &Color) const;
 
     /// What the painted region shows: the photo blurred by a disc whose radius in points is width x b / 5 / 1000,
     /// b being `blurAmount`, so that a small preview looks as soft as the full-size export. Not above 0, b leaves the

@@ -42,10 +42,8 @@ void Painting::updateMask()
         return;
     const QImage canvas = m_canvas.snapshot();
     // A slider that is dragged asks again and again over the same strokes.
-    if (!m_maskImage || canvas.cacheKey() != m_maskCanvasKey) {
-        const PhotoImagePtr picture = canvas.isNull() ? nullptr : PhotoImage::fromBitmap(canvas);
-        m_maskImage = Utils::sharedUtils().addBackgroundToImage(picture, Qt::black);
-    }
+    if (!m_maskImage || canvas.cacheKey() != m_maskCanvasKey)
+        m_maskImage = Utils::sharedUtils().addBackgroundToImage(canvas, Qt::black);
     m_maskCanvasKey = canvas.cacheKey();
 }
 

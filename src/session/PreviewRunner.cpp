@@ -68,11 +68,8 @@ void PreviewRunner::request(const CoreFilterObject &settings)
                 job.maskImage = source->maskImage;
             }
             return withinMemory([&] {
-                // Else every render would scale the one and lay the other over black anew.
-                for (const PhotoImagePtr &image : {job.resizedInputImage, job.maskImage}) {
-                    if (image)
-                        image->bitmap();
-                }
+                if (job.resizedInputImage)
+                    job.resizedInputImage->bitmap(); // else every render would scale it anew
                 return shown(render(job), colors);
             });
         },

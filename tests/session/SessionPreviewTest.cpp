@@ -48,9 +48,15 @@ TEST_F(SessionPreviews, TheMaskIsTheCanvasOverBlackWhereAToolIsInForce)
     paint({0.2, 0.5}, {0.8, 0.5});
     EXPECT_EQ(maskAt({0.5, 0.5}), -1) << "painting itself makes none";
     endStroke();
-    EXPECT_EQ(
-        m_session->painting().maskImage()->bitmap(),
-        Utils::sharedUtils().addBackgroundToImage(PhotoImage::fromBitmap(m_canvas.snapshot()), Qt::black)->bitmap());
+    const QImage canvas = m_canvas.snapshot();
+    for (const QColor &color : {QColor(Qt::black), QColor(200, 100, 50)}) { // the two ways to the same picture
+        const QImage inOnePass = Utils::sharedUtils().addBackgroundToImage(canvas, color)->bitmap();
+        const QImage drawn = Utils::sharedUtils().addBackgroundToImage(PhotoImage::fromBitmap(canvas), color)->bitmap();
+        for (int y = 0; y < canvas.height(); ++y) {
+            for (const auto level : {&QColor::red, &QColor::green, &QColor::blue})
+                EXPECT_NEAR((inOnePass.pixelColor(40, y).*level)(), (drawn.pixelColor(40, y).*level)(), 1);
+        }
+    }
     EXPECT_GT(maskAt({0.3, 0.5}), 200);
     EXPECT_EQ(maskAt({0.3, 0.1}), 0);
     EXPECT_EQ(m_session->painting().maskImage()->bitmap().pixelColor(60, 50), QColor(0, maskAt({0.4, 0.5}), 0));
