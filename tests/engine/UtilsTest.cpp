@@ -89,14 +89,19 @@ TEST(ScaleImage, FlatAreasAndMeansAreKept)
     EXPECT_NEAR(smallMean, mean, 1.5); // every source pixel counts
 }
 
-TEST(ScaleImage, SmoothRampsStaySmoothAndInPlace)
+TEST(ScaleImage, SmoothRampsStaySmoothAndInPlaceAlsoInOneDirectionOnly)
 {
     const QImage ramp = drawn({64, 48}, QImage::Format_RGBX8888, [](int x, int y) { return QColor(x * 4, y * 5, 0); });
-    const QImage large = utils.scaleImage(PhotoImage::fromBitmap(ramp), {640, 480})->bitmap();
-    for (int y = 40; y < 440; y += 13) {
-        for (int x = 40; x < 600; x += 13) {
-            EXPECT_NEAR(samplesAt(large, x, y)[0], ((x + 0.5) / 10 - 0.5) * 4, 0.51);
-            EXPECT_NEAR(samplesAt(large, x, y)[1], ((y + 0.5) / 10 - 0.5) * 5, 0.51);
+    for (const QSize &size : {QSize(640, 480), QSize(64, 480), QSize(640, 48), QSize(32, 480), QSize(640, 16)}) {
+        const QImage scaled = utils.scaleImage(PhotoImage::fromBitmap(ramp), size)->bitmap();
+        ASSERT_EQ(scaled.size(), size);
+        const double across = 64.0 / size.width(), along = 48.0 / size.height();
+        // Away from the edges, whose pixels are repeated.
+        for (int y = int(8 / along); y < int(40 / along); y += 1 + size.height() / 37) {
+            for (int x = int(8 / across); x < int(56 / across); x += 1 + size.width() / 41) {
+                EXPECT_NEAR(samplesAt(scaled, x, y)[0], ((x + 0.5) * across - 0.5) * 4, 0.51) << size.width();
+                EXPECT_NEAR(samplesAt(scaled, x, y)[1], ((y + 0.5) * along - 0.5) * 5, 0.51) << size.height();
+            }
         }
     }
 }

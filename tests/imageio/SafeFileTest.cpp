@@ -10,6 +10,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <functional>
 
 #include <fcntl.h>
 #include <grp.h>
@@ -28,22 +29,11 @@ class SafeFiles : public ::testing::Test
 {
 protected:
     QString path(const char *name) const { return m_folder.filePath(QLatin1String(name)); }
+    QByteArray native(const char *name) const { return QFile::encodeName(path(name)); }
     QString file(const char *name, const QByteArray &content)
     {
         return writeBytes(m_folder, QLatin1String(name), content);
     }
-
-    void expectRefused(const QString &out, Reason reason)
-    {
-        const QStringList before = entries();
-        const auto checked = SafeFile::checkDestination(out, m_sources);
-        ASSERT_FALSE(bool(checked)) << out.toStdString();
-        EXPECT_EQ(checked.failure().reason, reason) << checked.failure().sentence().toStdString();
-        EXPECT_TRUE(checked.failure().sentence().contains(out));
-        EXPECT_FALSE(bool(SafeFile::create(out, m_sources)));
-        EXPECT_EQ(entries(), before);
-    }
-
     QStringList entries() const
     {
         return QDir(m_folder.path()).entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
@@ -56,11 +46,23 @@ protected:
         EXPECT_EQ(::write(safe->descriptor(), content.constData(), size_t(content.size())), content.size());
         return std::move(*safe);
     }
-    void put(const QString &out, const QByteArray &content) { EXPECT_TRUE(bool(prepared(out, content).commit())); }
+    bool put(const char *name, const QByteArray &content) const
+    {
+        return bool(prepared(path(name), content).commit()) && readBytes(path(name)) == content;
+    }
+    /// Owner, group and mode, as one would write them for chown and chmod.
+    QByteArray rightsOf(const char *name) const
+    {
+        struct stat status = {};
+        ::stat(native(name).constData(), &status);
+        return QByteArray::number(status.st_uid) + ':' + QByteArray::number(status.st_gid) + ' ' +
+               QByteArray::number(status.st_mode & 07777, 8);
+    }
 
     QTemporaryDir m_folder;
     QString m_source = file("photo.jpg", "the photo");
     SourcePaths m_sources{{file("strokes.json", "[]")}, {m_source, FileIdentity::ofPath(m_source)}};
+    FileDescriptor m_descriptor{::open(QFile::encodeName(m_folder.path()).constData(), O_PATH | O_DIRECTORY)};
 };
 
 /// What the child does must not return. How it ended, as waitpid() says.
@@ -75,35 +77,32 @@ int inChild(const Body &body)
     return status;
 }
 
-mode_t modeOf(const QString &path)
-{
-    struct stat status = {};
-    ::stat(QFile::encodeName(path).constData(), &status);
-    return status.st_mode & 0777;
-}
-
 } // namespace
 
-TEST_F(SafeFiles, ANewFileHasAnOrdinaryModeAndAReplacedOneKeepsIts)
+TEST_F(SafeFiles, ANewFileHasAnOrdinaryModeAndAReplacedOneKeepsItsModeOwnerAndGroup)
 {
+    const QByteArray own = QByteArray::number(::geteuid()) + ':' + QByteArray::number(::getegid());
     const mode_t before = ::umask(027);
-    put(path("new.png"), "content");
+    EXPECT_TRUE(put("new.png", "content"));
     ::umask(before);
-    EXPECT_EQ(readBytes(path("new.png")), "content");
-    EXPECT_EQ(modeOf(path("new.png")), 0640u);
-    ::chmod(QFile::encodeName(path("new.png")).constData(), 0604);
-    put(path("new.png"), "other");
-    EXPECT_EQ(readBytes(path("new.png")), "other");
-    EXPECT_EQ(modeOf(path("new.png")), 0604u);
+    EXPECT_EQ(rightsOf("new.png"), own + " 640");
+    ASSERT_EQ(::chmod(native("new.png").constData(), 0604), 0);
+    EXPECT_TRUE(put("new.png", "other"));
+    EXPECT_EQ(rightsOf("new.png"), own + " 604");
     EXPECT_EQ(entries().size(), 3);
-}
-
-TEST_F(SafeFiles, WithoutCommitNothingHasHappened)
-{
-    const QString out = file("out.png", "old");
-    prepared(out, "half of the new o");
-    EXPECT_EQ(readBytes(out), "old");
-    EXPECT_EQ(entries().size(), 3);
+    if (::geteuid() != 0)
+        return; // only the superuser may give files away
+    ::chmod(QFile::encodeName(m_folder.path()).constData(), 0777);
+    ASSERT_TRUE(::chown(native("new.png").constData(), 1234, 5678) == 0 &&
+                ::chmod(native("new.png").constData(), 0664) == 0);
+    EXPECT_TRUE(put("new.png", "new"));
+    EXPECT_EQ(rightsOf("new.png"), "1234:5678 664");
+    EXPECT_EQ(inChild([&] {
+                  const bool dropped = ::setgroups(0, nullptr) == 0 && ::setgid(1234) == 0 && ::setuid(1234) == 0;
+                  ::_exit(dropped && put("new.png", "newer") ? 0 : 1);
+              }),
+              0);
+    EXPECT_EQ(rightsOf("new.png"), "1234:1234 644") << "a group that did not have the file gains nothing";
 }
 
 TEST_F(SafeFiles, LinksAreFollowedAndStay)
@@ -111,7 +110,7 @@ TEST_F(SafeFiles, LinksAreFollowedAndStay)
     ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("deep")));
     ASSERT_TRUE(QFile::link(QStringLiteral("deep/real.png"), path("link.png"))); // leads nowhere yet
     for (const QByteArray &content : {QByteArray("first"), QByteArray("second")}) {
-        put(path("link.png"), content);
+        EXPECT_TRUE(put("link.png", content));
         EXPECT_TRUE(QFileInfo(path("link.png")).isSymLink());
         EXPECT_EQ(readBytes(path("deep/real.png")), content);
     }
@@ -119,125 +118,101 @@ TEST_F(SafeFiles, LinksAreFollowedAndStay)
 
 TEST_F(SafeFiles, WhatMustNotBeReplacedIsRefused)
 {
-    expectRefused(m_source, Reason::SameAsSource);
-    ASSERT_TRUE(QFile::link(m_source, path("soft.jpg")));
-    expectRefused(path("soft.jpg"), Reason::SameAsSource);
-    ASSERT_EQ(::link(QFile::encodeName(m_source).constData(), QFile::encodeName(path("hard.jpg")).constData()), 0);
-    expectRefused(path("hard.jpg"), Reason::SameAsSource);
-    expectRefused(path("strokes.json"), Reason::SameAsSource);
-
-    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("folder.png")));
-    expectRefused(path("folder.png"), Reason::IsFolder);
-    ASSERT_EQ(::mkfifo(QFile::encodeName(path("pipe.png")).constData(), 0600), 0);
-    expectRefused(path("pipe.png"), Reason::NotARegularFile);
-    expectRefused(QStringLiteral("/dev/null"), Reason::NotARegularFile);
-    ASSERT_TRUE(QFile::link(path("ring.png"), path("ring.png")));
-    expectRefused(path("ring.png"), Reason::NotARegularFile);
-
-    const QString locked = file("locked.png", "locked");
-    ::chmod(QFile::encodeName(locked).constData(), 0444);
-    expectRefused(locked, Reason::ReadOnly);
-
-    expectRefused(path("none/out.png"), Reason::NoSuchFolder);
-    expectRefused(path("photo.jpg/out.png"), Reason::NoSuchFolder);
-    ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral("shut")));
-    ::chmod(QFile::encodeName(path("shut")).constData(), 0555);
-    expectRefused(path("shut/out.png"), Reason::FolderNotWritable);
-    ::chmod(QFile::encodeName(path("shut")).constData(), 0755);
+    QDir folder(m_folder.path());
+    ASSERT_TRUE(folder.mkdir(QStringLiteral("folder.png")) && folder.mkdir(QStringLiteral("shut")));
+    ASSERT_TRUE(QFile::link(m_source, path("soft.jpg")) && QFile::link(path("ring.png"), path("ring.png")));
+    ASSERT_EQ(::link(native("photo.jpg").constData(), native("hard.jpg").constData()), 0);
+    ASSERT_EQ(::mkfifo(native("pipe.png").constData(), 0600), 0);
+    file("locked.png", "locked");
+    ::chmod(native("locked.png").constData(), 0444);
+    ::chmod(native("shut").constData(), 0555);
+    const QStringList before = entries();
+    for (const auto &[out, reason] : {std::pair(m_source, Reason::SameAsSource),
+                                      {path("soft.jpg"), Reason::SameAsSource},
+                                      {path("hard.jpg"), Reason::SameAsSource},
+                                      {path("strokes.json"), Reason::SameAsSource},
+                                      {path("folder.png"), Reason::IsFolder},
+                                      {path("pipe.png"), Reason::NotARegularFile},
+                                      {QStringLiteral("/dev/null"), Reason::NotARegularFile},
+                                      {path("ring.png"), Reason::NotARegularFile},
+                                      {path("locked.png"), Reason::ReadOnly},
+                                      {path("none/out.png"), Reason::NoSuchFolder},
+                                      {path("photo.jpg/out.png"), Reason::NoSuchFolder},
+                                      {path("shut/out.png"), Reason::FolderNotWritable},
+                                      {QString(), Reason::NotARegularFile}}) {
+        const auto checked = SafeFile::checkDestination(out, m_sources);
+        ASSERT_FALSE(bool(checked)) << out.toStdString();
+        EXPECT_EQ(checked.failure().reason, reason) << checked.failure().sentence().toStdString();
+        EXPECT_TRUE(checked.failure().sentence().contains(out));
+        EXPECT_FALSE(bool(SafeFile::create(out, m_sources)));
+        EXPECT_EQ(entries(), before);
+    }
+    ::chmod(native("shut").constData(), 0755);
 }
 
-TEST_F(SafeFiles, AFileThatBecameReadOnlyMeanwhileStays)
+TEST_F(SafeFiles, WhatIsNotPutInPlaceLeavesEverythingAsItWas)
 {
     const QString out = file("out.png", "old");
-    SafeFile safe = prepared(out, "new");
-    ::chmod(QFile::encodeName(out).constData(), 0444);
-    EXPECT_FALSE(bool(safe.commit()));
-    EXPECT_EQ(readBytes(out), "old");
-}
-
-TEST_F(SafeFiles, NothingIsPutInPlaceOfAPhotoThatChangedMeanwhile)
-{
-    const QString out = file("out.png", "old");
-    SafeFile safe = prepared(out, "new");
-    file("photo.jpg", "another photo");
-    const auto committed = safe.commit();
-    ASSERT_FALSE(bool(committed));
-    EXPECT_EQ(committed.failure().reason, Reason::SourceChanged);
-    EXPECT_EQ(committed.failure().path, m_source);
-    EXPECT_EQ(readBytes(out), "old");
-}
-
-TEST_F(SafeFiles, WhatAnEncoderRefusesIsToldOfTheFileThatWasAskedFor)
-{
-    const QString out = file("out.jpg", "old");
+    struct Case
+    {
+        const char *what;
+        std::function<void()> meanwhile;
+        std::optional<Reason> reason; ///< none: it is not even tried
+    };
+    for (const auto &[what, meanwhile, reason] :
+         {Case{"no commit", [] {}, std::nullopt},
+          Case{"read-only", [&] { ::chmod(QFile::encodeName(out).constData(), 0444); }, Reason::ReadOnly},
+          Case{"another photo", [&] { file("photo.jpg", "another"); }, Reason::SourceChanged},
+          Case{"no photo", [&] { QFile::remove(m_source); }, Reason::SourceChanged}}) {
+        SafeFile safe = prepared(out, "half of the new o");
+        meanwhile();
+        if (reason) {
+            const auto committed = safe.commit();
+            ASSERT_FALSE(bool(committed)) << what;
+            EXPECT_EQ(committed.failure().reason, *reason) << what;
+        }
+        EXPECT_EQ(readBytes(out), "old") << what;
+        ::chmod(QFile::encodeName(out).constData(), 0644);
+    }
     EncodeOptions options;
     options.format = WriteFormat::Jpeg;
-    const auto written = encodeSafely(QImage(70000, 1, QImage::Format_RGBX8888), options, out, m_sources);
+    const auto written = encodeSafely(QImage(70000, 1, QImage::Format_RGBX8888), options, out, {});
     ASSERT_FALSE(bool(written));
     EXPECT_EQ(written.failure().path, out);
     EXPECT_EQ(readBytes(out), "old");
-    EXPECT_EQ(entries().size(), 3);
-}
-
-TEST_F(SafeFiles, TheOwnerAndTheGroupAreKeptAndAGroupThatIsNotGainsNothing)
-{
-    if (::geteuid() != 0)
-        GTEST_SKIP() << "only the superuser may give files away";
-    const QString out = file("out.png", "old");
-    const QByteArray native = QFile::encodeName(out);
-    ::chmod(QFile::encodeName(m_folder.path()).constData(), 0777);
-    const auto expect = [&](uid_t owner, gid_t group, mode_t mode) {
-        struct stat status = {};
-        ASSERT_EQ(::stat(native.constData(), &status), 0);
-        EXPECT_EQ(readBytes(out), "new");
-        EXPECT_EQ(status.st_uid, owner);
-        EXPECT_EQ(status.st_gid, group);
-        EXPECT_EQ(status.st_mode & 07777, mode);
-    };
-    ASSERT_TRUE(::chown(native.constData(), 1234, 5678) == 0 && ::chmod(native.constData(), 0664) == 0);
-    put(out, "new");
-    expect(1234, 5678, 0664);
-    const int ended = inChild([&] {
-        const bool dropped = ::setgroups(0, nullptr) == 0 && ::setgid(1234) == 0 && ::setuid(1234) == 0;
-        ::_exit(dropped && prepared(out, "new").commit() ? 0 : 1);
-    });
-    EXPECT_EQ(ended, 0);
-    expect(1234, 1234, 0644);
+    EXPECT_EQ(entries().size(), 2);
 }
 
 TEST_F(SafeFiles, NamesThatKilledProgramsLeftAreTakenAwayAndNoOthers)
 {
-    const FileDescriptor folder(::open(QFile::encodeName(m_folder.path()).constData(), O_PATH | O_DIRECTORY));
-    const int ended = inChild([&] {
-        TemporaryName name;
-        TemporaryName linked;
-        TemporaryName::openNamed(folder.get(), 0600, name);
-        const int file = TemporaryName::openUnnamed(folder.get());
-        ::_exit(file < 0 || linked.give(file, folder.get()) ? 0 : 1);
-    });
-    ASSERT_EQ(ended, 0);
+    EXPECT_EQ(inChild([&] {
+                  TemporaryName name, linked;
+                  TemporaryName::openNamed(m_descriptor.get(), 0600, name);
+                  const int file = TemporaryName::openUnnamed(m_descriptor.get());
+                  ::_exit(file < 0 || linked.give(file, m_descriptor.get()) ? 0 : 1);
+              }),
+              0);
     ASSERT_GT(entries().size(), 2);
     file(".hazelmark-notes", "the name is of another length");
     ASSERT_TRUE(QDir(m_folder.path()).mkdir(QStringLiteral(".hazelmark-folder")));
     ASSERT_TRUE(QFile::link(path("photo.jpg"), path(".hazelmark-linked")));
     TemporaryName another;
-    const FileDescriptor written(TemporaryName::openNamed(folder.get(), 0600, another));
+    const FileDescriptor written(TemporaryName::openNamed(m_descriptor.get(), 0600, another));
     ASSERT_TRUE(written);
-    put(path("out.png"), "content");
+    EXPECT_TRUE(put("out.png", "content"));
     EXPECT_EQ(entries().size(), 2 + 3 + 1 + 1) << "the sources, the three others, the one in use, the new file";
     EXPECT_TRUE(another.renameTo("another.png")) << "it was in use";
 }
 
 TEST_F(SafeFiles, ASignalRemovesTheTemporaryName)
 {
-    const FileDescriptor folder(::open(QFile::encodeName(m_folder.path()).constData(), O_PATH | O_DIRECTORY));
     for (const int signal : {SIGINT, SIGQUIT, SIGTERM, SIGHUP}) {
         const int status = inChild([&] {
             const rlimit none = {0, 0};
             ::setrlimit(RLIMIT_CORE, &none);
             SafeFile::handleSignals();
             TemporaryName name;
-            if (TemporaryName::openNamed(folder.get(), 0600, name) >= 0 && entries().size() == 3)
+            if (TemporaryName::openNamed(m_descriptor.get(), 0600, name) >= 0 && entries().size() == 3)
                 ::raise(signal);
             ::_exit(1);
         });

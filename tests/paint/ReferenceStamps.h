@@ -1,10 +1,11 @@
 #pragma once
 
-#include "Color.h"
 #include "StampPainter.h"
 
 #include <QImage>
 
+#include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace hazelmark {
@@ -16,21 +17,50 @@ inline QImage blankBuffer(QSize size)
     return buffer;
 }
 
-/// A square tip: premultiplied RGBA in 0..1, 4 values a texel.
-struct ReferenceTip
+/// Stamps a square tip pixel by pixel in double precision, with one rounding a stamp: what StampPainter must agree
+/// with.
+inline void stampReference(QImage &buffer, StampPainter::Mode mode, const Color &color, float pointSize,
+                           const QImage &tip, const StampCentres &centres)
 {
-    explicit ReferenceTip(const QImage &tip);
-    double at(int x, int y, int component) const;
-
-    int side;
-    std::vector<double> samples;
-};
-
-/// Stamps pixel by pixel in double precision, with one rounding a stamp: what StampPainter must agree with.
-void stampReference(QImage &buffer, StampPainter::Mode mode, const Color &color, float pointSize, const QImage &tip,
-                    const std::vector<StampCentre> &centres);
+    const QImage texels = tip.convertToFormat(QImage::Format_RGBA8888_Premultiplied);
+    const int last = texels.width() - 1;
+    const auto texel = [&](int column, int line, int c) {
+        return texels.constScanLine(std::clamp(line, 0, last))[4 * std::clamp(column, 0, last) + c] / 255.0;
+    };
+    const bool erases = mode == StampPainter::Mode::Erase;
+    const double modulated[] = {color.red, color.green, color.blue, color.alpha};
+    const auto blend = [&](uchar *pixel, double u, double v) {
+        const int column = int(std::floor(u)), line = int(std::floor(v));
+        double sample[4];
+        for (int c = 0; c < 4; ++c)
+            sample[c] =
+                std::lerp(std::lerp(texel(column, line, c), texel(column + 1, line, c), u - column),
+                          std::lerp(texel(column, line + 1, c), texel(column + 1, line + 1, c), u - column), v - line);
+        const double keep = 1 - sample[3] * (erases ? 1 : color.alpha);
+        for (int c = 0; c < 4; ++c) {
+            const double added = erases ? 0 : 255 * sample[c] * modulated[c];
+            pixel[c] = uchar(std::min(std::nearbyint(added + pixel[c] * keep), 255.0));
+        }
+    };
+    for (const StampCentre &centre : centres.places) {
+        for (int i = 0; i < centres.times * buffer.width() * buffer.height(); ++i) {
+            const int x = i % buffer.width(), y = i / buffer.width() % buffer.height();
+            const double s = (x + 0.5 - centre.x) / double(pointSize) + 0.5;
+            const double t = (y + 0.5 - centre.y) / double(pointSize) + 0.5;
+            if (s >= 0 && s < 1 && t >= 0 && t < 1)
+                blend(buffer.scanLine(y) + 4 * x, s * texels.width() - 0.5, t * texels.width() - 0.5);
+        }
+    }
+}
 
 /// The largest difference of any component of any pixel.
-int largestDifference(const QImage &a, const QImage &b);
+inline int largestDifference(const QImage &a, const QImage &b)
+{
+    int largest = a.size() == b.size() && a.format() == b.format() ? 0 : 256;
+    for (int y = 0; y < a.height() && largest < 256; ++y)
+        for (int x = 0; x < 4 * a.width(); ++x)
+            largest = std::max(largest, std::abs(a.constScanLine(y)[x] - b.constScanLine(y)[x]));
+    return largest;
+}
 
 } // namespace hazelmark

@@ -11,77 +11,44 @@
 
 using namespace hazelmark;
 
-namespace {
-
-/// A shell script that stands in for the desktop's opener and writes down what it was asked to open.
-class WorkspaceTest : public testing::Test
+// A shell script stands in for the desktop's opener and writes down what it was asked to open.
+TEST(WorkspaceTest, OpensAddressesWithoutWaitingAndAnswersOnce)
 {
-protected:
-    QString opener(const QByteArray &lastLine)
+    struct Case
     {
-        const QString path = m_folder.filePath(QStringLiteral("opener"));
-        QFile script(path);
-        EXPECT_TRUE(script.open(QIODevice::WriteOnly));
-        script.write("#!/bin/sh\nprintf '%s' \"$1\" > '" + log().toUtf8() + "'\n" + lastLine + "\n");
+        const char *opener; ///< its last line; null: there is none
+        QString path;
+        QUrl url; ///< where no path is given
+        bool opens;
+        const char *seen;
+    };
+    for (const Case &c :
+         {Case{"exit 0", QStringLiteral("/tmp/50 % of ü.jpg"), {}, true, "file:///tmp/50%20%25%20of%20%C3%BC.jpg"},
+          Case{"exit 3", {}, QUrl(QStringLiteral("appstream://hazelmark")), false, "appstream://hazelmark"},
+          Case{nullptr, {}, QUrl(QStringLiteral("https://localhost")), false, ""}, Case{"exit 0", {}, {}, false, ""}}) {
+        const QTemporaryDir folder;
+        const QString log = folder.filePath(QStringLiteral("opened"));
+        QFile script(folder.filePath(QStringLiteral("opener")));
+        ASSERT_TRUE(!c.opener || script.open(QIODevice::WriteOnly));
+        if (c.opener)
+            script.write("#!/bin/sh\nprintf '%s' \"$1\" > '" + log.toUtf8() + "'\n" + c.opener + "\n");
         script.close();
         script.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
-        return path;
-    }
-    QString log() const { return m_folder.filePath(QStringLiteral("opened")); }
-    QString opened() const
-    {
-        QFile file(log());
-        return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
-    }
-    Workspace::Completion note()
-    {
-        return [this](bool opened) {
-            EXPECT_FALSE(m_answer.has_value()) << "answered twice";
-            m_answer = opened;
+
+        std::optional<bool> answer;
+        const auto note = [&](bool opened) {
+            EXPECT_FALSE(answer.has_value()) << "answered twice";
+            answer = opened;
         };
-    }
-    std::optional<bool> answer()
-    {
+        Workspace workspace(script.fileName());
+        c.url.isEmpty() ? workspace.openFile(c.path, note) : workspace.openUrl(c.url, note);
+        EXPECT_TRUE(!c.opens || !answer) << "it waited for the opener";
         QElapsedTimer timer;
-        for (timer.start(); !m_answer && timer.elapsed() < 20000;)
+        for (timer.start(); !answer && timer.elapsed() < 20000;)
             QCoreApplication::processEvents(QEventLoop::AllEvents, 20);
-        return m_answer;
+        EXPECT_EQ(answer, c.opens) << c.seen;
+        QFile opened(log);
+        EXPECT_EQ(opened.open(QIODevice::ReadOnly), *c.seen != 0);
+        EXPECT_EQ(opened.isOpen() ? opened.readAll() : QByteArray(), c.seen);
     }
-
-    QTemporaryDir m_folder;
-    std::optional<bool> m_answer;
-};
-
-} // namespace
-
-TEST_F(WorkspaceTest, OpensAFileByItsAddressWithoutWaiting)
-{
-    Workspace workspace(opener("exit 0"));
-    workspace.openFile(QStringLiteral("/tmp/50 % of ü.jpg"), note());
-    EXPECT_FALSE(m_answer.has_value()) << "it waited for the opener";
-    EXPECT_EQ(answer(), true);
-    EXPECT_EQ(opened(), QStringLiteral("file:///tmp/50%20%25%20of%20%C3%BC.jpg"));
-}
-
-TEST_F(WorkspaceTest, SaysThatNothingOpened)
-{
-    Workspace workspace(opener("exit 3"));
-    workspace.openUrl(QUrl(QStringLiteral("appstream://hazelmark")), note());
-    EXPECT_EQ(answer(), false);
-    EXPECT_EQ(opened(), QStringLiteral("appstream://hazelmark"));
-}
-
-TEST_F(WorkspaceTest, AMissingOpenerIsAnAnswerToo)
-{
-    Workspace workspace(m_folder.filePath(QStringLiteral("none")));
-    workspace.openUrl(QUrl(QStringLiteral("https://localhost")), note());
-    EXPECT_EQ(answer(), false);
-}
-
-TEST_F(WorkspaceTest, AnEmptyPathOpensNothing)
-{
-    Workspace workspace(opener("exit 0"));
-    workspace.openFile(QString(), note());
-    EXPECT_EQ(answer(), false);
-    EXPECT_FALSE(QFile::exists(log()));
 }

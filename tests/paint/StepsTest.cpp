@@ -1,0 +1,179 @@
+#include "Bundle.h"
+#include "PaintCanvas.h"
+#include "PaintControl.h"
+#include "PaintSession.h"
+#include "PointString.h"
+#include "ProcessWide.h"
+#include "StrokesFile.h"
+
+#include <gtest/gtest.h>
+
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QTemporaryDir>
+
+#include <sys/stat.h>
+
+namespace hazelmark {
+
+namespace {
+
+const PaintStep kStep({0.1, 1.0 / 3, 0.75, 0.9}, {0.1, -0.25}, {1.0 / 3, 1.75}, 64.8F, 0.37F, true, 0.5F, 6.48F);
+
+const QByteArrayList kElements = {
+    R"("{0.2, 0.5}")", R"("{0.8, 0.5}")", "0", "1", "0", "1", "40.8", "1", "false", "0.5", "4.08"};
+
+QByteArray withSteps(const QByteArray &steps, const QByteArray &canvas = "[100, 50]")
+{
+    return "{\"canvas\": " + canvas + ", \"steps\": [" + steps + "]}";
+}
+
+/// A good step with one element replaced.
+QByteArray stepWith(int index, const char *json)
+{
+    QByteArrayList elements = kElements;
+    elements[index] = json;
+    return '[' + elements.join(',') + ']';
+}
+
+} // namespace
+
+TEST(PaintStep, RecordHasElevenElementsInTheirOrderAndReadsBack)
+{
+    // The colour is rounded to single precision.
+    const QVariantList expected{u"{0.1, -0.25}"_qs,
+                                u"{0.3333333333333333, 1.75}"_qs,
+                                0.1F,
+                                float(1.0 / 3),
+                                0.75F,
+                                0.9F,
+                                64.8F,
+                                0.37F,
+                                true,
+                                0.5F,
+                                6.48F};
+    const QVariantList data = kStep.data();
+    EXPECT_EQ(data, expected);
+    const PaintStep read(data);
+    EXPECT_EQ(read.data(), data);
+    EXPECT_EQ(read.end().x(), kStep.end().x());
+    EXPECT_EQ(read.color(), (Color{0.1F, float(1.0 / 3), 0.75F, 0.9F}));
+    EXPECT_NE(read.color(), kStep.color());
+}
+
+TEST(PointString, EveryDoubleReadsBackAndOtherTextIsNoPoint)
+{
+    for (const double value : {0.0, -0.0, 1.0 / 3, 5e-324, 1.7976931348623157e308, 123456789.123456789, -1e-7}) {
+        const auto point = pointFromString(stringFromPoint({value, -value}));
+        ASSERT_TRUE(point);
+        EXPECT_TRUE(point->x() == value && point->y() == -value) << value; // QPointF's comparison is a fuzzy one
+    }
+    EXPECT_EQ(pointFromString(u" { 0.5 ,2e-1 } "), QPointF(0.5, 0.2));
+    for (const char16_t *text : {u"", u"{}", u"{", u"}{", u"{1}", u"{1,}", u"{1, 2", u"1, 2", u"{1, 2, 3}", u"{a, b}",
+                                 u"{1;2}", u"{0x10, 1}", u"{1, 2}x"})
+        EXPECT_FALSE(pointFromString(QStringView(text))) << QString::fromUtf16(text).toStdString();
+}
+
+TEST(PaintSession, ListIsSharedAndNeverCopied)
+{
+    PaintSession session;
+    const auto kept = std::make_shared<PaintStepList>();
+    session.setSteps(kept);
+    PaintStep other = kStep;
+    other.setPointSize(3);
+    session.addStep(kStep);
+    session.addStep(other);
+    EXPECT_EQ(session.steps(), kept);
+    const QVariantList records = session.dataArray();
+    ASSERT_EQ(records.size(), 2);
+    EXPECT_EQ(PaintSession(records).dataArray(), records);
+    EXPECT_EQ(PaintSession(records).steps()->back().pointSize(), 3);
+    session.setDataArray(records.first(1));
+    EXPECT_EQ(kept->size(), 1U) << "replaced in place";
+    session.clear();
+    EXPECT_TRUE(kept->empty());
+    session.setSteps(nullptr);
+    session.addStep(kStep);
+    EXPECT_TRUE(kept->empty());
+}
+
+TEST(StrokesFile, GivesTheStepsThatACanvasWouldWrite)
+{
+    PaintCanvas canvas;
+    canvas.setCanvasSize({200, 133.4});
+    PaintControl control(&canvas);
+    control.setColor({0, 1, 0, 1});
+    canvas.mouseDown({50.3, 60});
+    canvas.mouseDragged({120, 70.7});
+    control.setEraser(true);
+    control.setHardness(1);
+    canvas.mouseDragged({90, 100});
+    const QVariantList records = canvas.paintSession()->dataArray();
+    const QJsonObject root{{u"canvas"_qs, QJsonArray{200, 133.4}}, {u"steps"_qs, QJsonArray::fromVariantList(records)}};
+
+    QString fault;
+    const auto file = StrokesFile::parse(QJsonDocument(root).toJson(), fault);
+    ASSERT_TRUE(file) << fault.toStdString();
+    PaintSession session;
+    session.setSteps(file->steps);
+    EXPECT_EQ(session.dataArray(), records);
+    const QImage mask = file->mask(fault);
+    ASSERT_EQ(mask.size(), QSize(200, 133));
+    const QImage painted = canvas.snapshot();
+    for (int i = 0; i < 200 * 133; ++i)
+        ASSERT_EQ(mask.pixel(i % 200, i / 200), qRgb(0, qAlpha(painted.pixel(i % 200, i / 200)), 0)) << i;
+
+    const QTemporaryDir folder;
+    Bundle withoutTips(folder.path());
+    const ProcessWide<Bundle>::Replacement replacement(withoutTips);
+    EXPECT_TRUE(file->mask(fault).isNull());
+    EXPECT_TRUE(fault.contains(folder.path()));
+}
+
+TEST(StrokesFile, FaultsAreSentencesThatNameWhatIsToBlame)
+{
+    QString fault;
+    for (const char *eraser : {"1", "0", "true"}) {
+        const auto file = StrokesFile::parse(withSteps(stepWith(8, eraser)), fault);
+        ASSERT_TRUE(file) << fault.toStdString();
+        EXPECT_EQ(file->steps->front().eraser(), *eraser != '0');
+    }
+    const QByteArray good = stepWith(2, "0") + ',' + stepWith(2, "0") + ',';
+    std::vector<std::pair<QByteArray, const char *>> cases; // a file, and what its fault has in it
+    for (const QByteArray &step :
+         {stepWith(0, "\"0.2, 0.5\""), stepWith(1, "[0.2, 0.5]"), stepWith(1, "\"{nan, 0}\""),
+          stepWith(0, "\"{0, 1e999}\""), stepWith(2, "\"0\""), stepWith(5, "true"), stepWith(6, "1e39"),
+          stepWith(6, "NaN"), stepWith(7, "-Infinity"), stepWith(7, "1e999"), stepWith(8, "2"), stepWith(8, "\"yes\""),
+          stepWith(9, "null"), stepWith(10, "[]"), stepWith(10, "4.08, 1"), QByteArray("[]"), QByteArray("{}"),
+          QByteArray("7"), QByteArray("null")})
+        cases.emplace_back(withSteps(good + step), "step 2 ");
+    for (const char *canvas : {"null", "[]", "[100]", "[100, 50, 1]", "[\"100\", 50]", "{}", "[0, 50]", "[100, -50]",
+                               "[0.9, 50]", "[1e6, 50]", "[30000, 30000]"})
+        cases.emplace_back(withSteps(stepWith(2, "0"), canvas), "canvas");
+    for (const char *json : {"", "[]", "{", "7", "{\"canvas\": [1, 1]}", "{\"canvas\": [1, 1], \"steps\": {}}",
+                             "{\"canvas\": [1e999, 1], \"steps\": []}", "\xff\xfe"})
+        cases.emplace_back(json, "it");
+    for (const auto &[json, part] : cases) {
+        EXPECT_FALSE(StrokesFile::parse(json, fault)) << json.constData();
+        EXPECT_TRUE(fault.contains(QLatin1String(part))) << fault.toStdString() << " of " << json.constData();
+        EXPECT_EQ(fault.count(u'.'), 1) << fault.toStdString();
+        EXPECT_TRUE(fault.endsWith(u'.'));
+    }
+}
+
+TEST(StrokesFile, FileThatCannotBeReadIsNamed)
+{
+    const QTemporaryDir folder;
+    const QString pipe = folder.filePath(u"pipe.json"_qs);
+    ASSERT_EQ(::mkfifo(QFile::encodeName(pipe).constData(), 0600), 0); // nobody ever writes to it
+    for (const QString &path : {folder.path(), folder.filePath(u"none.json"_qs), pipe, u"/dev/zero"_qs}) {
+        QString fault;
+        EXPECT_FALSE(StrokesFile::read(path, fault));
+        EXPECT_TRUE(fault.startsWith(path + u": "_qs)) << fault.toStdString();
+        EXPECT_TRUE(fault.endsWith(u'.'));
+    }
+}
+
+} // namespace hazelmark
