@@ -18,34 +18,27 @@ TEST(CoreFilterObject, FreshRecordHasItsDefaults)
     EXPECT_EQ(record.isFavouriteOn, false);
 }
 
-TEST(CoreFilterObject, ArchivedAndRestoredKeepsWordsAndLosesNumbers)
+TEST(CoreFilterObject, ArchivedAndRestoredKeepsWordsAndReadsNumbersUnderTheOlderKeys)
 {
     CoreFilterObject record;
     record.strPresetTitle = QStringLiteral("Dusk");
     record.dateString = QStringLiteral("Mar-05-2024 09:07:4 PM");
     record.isFavouriteOn = true;
     record.blurAmount = 42.0f;
-    const QVariantMap archive = record.encodeWithCoder();
+    QVariantMap archive = record.encodeWithCoder();
     EXPECT_EQ(archive.size(), 15);
     EXPECT_EQ(archive.value(QStringLiteral("blurAmount")).toFloat(), 42.0f);
     EXPECT_FALSE(archive.contains(QStringLiteral("warmthAmount")));
-
+    archive[QStringLiteral("softnessAmmount")] = 5.0f;
     const CoreFilterObject restored = CoreFilterObject::initWithCoder(archive);
     EXPECT_EQ(restored.strPresetTitle, record.strPresetTitle);
     EXPECT_EQ(restored.dateString, record.dateString);
     EXPECT_EQ(restored.isFavouriteOn, true);
+    EXPECT_EQ(restored.inFocusBrightness, 5.0f);
     for (const CoreFilterObject::Number &number :
          {restored.blurAmount, restored.vignetteAmount, restored.contrastAmount, restored.highlightsAmount,
-          restored.warmthAmount, restored.motionLinearAngle, restored.inFocusBrightness, restored.inFocusWarmth})
+          restored.warmthAmount, restored.motionLinearAngle, restored.inFocusVividness, restored.inFocusWarmth})
         EXPECT_FALSE(number.has_value());
-}
-
-TEST(CoreFilterObject, NumbersAreReadUnderTheOlderKeys)
-{
-    const CoreFilterObject restored = CoreFilterObject::initWithCoder(
-        {{QStringLiteral("applyHDR"), 30.0f}, {QStringLiteral("softnessAmmount"), 5.0f}});
-    EXPECT_EQ(restored.blurAmount, 30.0f);
-    EXPECT_EQ(restored.inFocusBrightness, 5.0f);
 }
 
 } // namespace hazelmark
