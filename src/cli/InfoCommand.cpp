@@ -1,6 +1,5 @@
 #include "InfoCommand.h"
 
-#include "Decoder.h"
 #include "ExifInfo.h"
 #include "PhotoFile.h"
 
@@ -24,17 +23,16 @@ QJsonObject jsonOf(const RecordFields &fields)
 
 int runInfo(const InfoRequest &request)
 {
-    const Outcome<PictureInfo> header = readPictureInfo(request.photo);
-    if (!header) {
-        printError(header.failure().sentence());
+    const Outcome<PhotoPtr> opened = Photo::open(QFileInfo(request.photo).absoluteFilePath());
+    if (!opened) {
+        printError(Failure{opened.failure().reason, request.photo, opened.failure().detail}.sentence());
         return exitcode::kFailed;
     }
-    const PhotoFile photo(QFileInfo(request.photo).absoluteFilePath());
-    const QVariantMap properties = photo.metaInfoDict().value_or(QVariantMap());
+    const PhotoFile photo(*opened);
     const QJsonObject all{
         {QStringLiteral("PhotoFile"), jsonOf(photo.fields())},
-        {QStringLiteral("ExifInfo"), jsonOf(ExifInfo(photo.metaInfoDict()).fields())},
-        {QStringLiteral("properties"), QJsonObject::fromVariantMap(properties)},
+        {QStringLiteral("ExifInfo"), jsonOf(ExifInfo((*opened)->dictionary()).fields())},
+        {QStringLiteral("properties"), QJsonObject::fromVariantMap((*opened)->dictionary())},
     };
     const QByteArray text = QJsonDocument(all).toJson();
     const bool written =

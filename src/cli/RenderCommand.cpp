@@ -1,6 +1,5 @@
 #include "RenderCommand.h"
 
-#include "Decoder.h"
 #include "ExportFormats.h"
 #include "ExportWriter.h"
 #include "MaskCommand.h"
@@ -29,29 +28,23 @@ void sayPeculiarities(const ImageLoader::Loaded &loaded, const QString &path)
         printError(QStringLiteral("%1: its colours have no RGB form and were converted to sRGB.").arg(path));
 }
 
-/// What cannot end well is told before anything is rendered.
-std::optional<Failure> checkFiles(const RenderRequest &request)
+/// The photo at `path`, by which it is called in what is said of it.
+Outcome<PhotoPtr> openedPhoto(const QString &path)
 {
-    for (const QString &path : {request.photo, request.mask}) {
-        if (path.isEmpty())
-            continue;
-        const Outcome<PictureInfo> header = readPictureInfo(path);
-        if (!header)
-            return header.failure();
-    }
-    const Outcome<Done> destination =
-        SafeFile::checkDestination(request.output, {{request.photo}, {request.mask}, {request.strokes}});
-    return destination ? std::nullopt : std::optional(destination.failure());
+    Outcome<PhotoPtr> photo = Photo::open(QFileInfo(path).absoluteFilePath());
+    if (!photo)
+        return Failure{photo.failure().reason, path, photo.failure().detail};
+    return photo;
 }
 
 /// Null when there is none; then the reason has been printed.
-PhotoImagePtr loadMask(const RenderRequest &request)
+PhotoImagePtr maskOf(const RenderRequest &request, const PhotoPtr &picture)
 {
-    if (!request.strokes.isEmpty()) {
+    if (!picture) {
         const QImage painted = maskOfStrokes(request.strokes);
         return painted.isNull() ? nullptr : PhotoImage::fromBitmap(painted);
     }
-    const Outcome<ImageLoader::Loaded> mask = ImageLoader::load(request.mask);
+    const Outcome<ImageLoader::Loaded> mask = ImageLoader::load(*picture);
     if (!mask) {
         printError(mask.failure().sentence());
         return nullptr;
@@ -64,22 +57,28 @@ PhotoImagePtr loadMask(const RenderRequest &request)
 
 int runRender(const RenderRequest &request)
 {
-    const PhotoFile photo(QFileInfo(request.photo).absoluteFilePath());
-    ExportWriter::Settings settings{photo, {}, {}};
-    const ExportFormats formats = ExportFormats::forSource(photo.fileExtension());
-    settings.otherSources = {{request.mask}, {request.strokes}};
-    settings.arrformatsSupportedByIM = formats.formats;
-    settings.fileTypeToExportImage = formats.formFor(pathExtension(request.output));
-    if (settings.fileTypeToExportImage.isNull()) {
+    const ExportFormats formats = ExportFormats::forSource(pathExtension(request.photo));
+    const QString format = formats.formFor(pathExtension(request.output));
+    if (format.isNull()) {
         printError(unknownFormatSentence(request.output));
         return exitcode::kFailed;
     }
-    if (const std::optional<Failure> fault = checkFiles(request))
-        return failed(*fault);
+    // What cannot end well is told before anything is rendered.
+    const Outcome<PhotoPtr> photo = openedPhoto(request.photo);
+    if (!photo)
+        return failed(photo.failure());
+    const Outcome<PhotoPtr> mask = request.mask.isEmpty() ? Outcome<PhotoPtr>(PhotoPtr()) : openedPhoto(request.mask);
+    if (!mask)
+        return failed(mask.failure());
+    const SourcePaths otherSources{{request.mask}, {request.strokes}};
+    const Outcome<Done> destination =
+        SafeFile::checkDestination(request.output, {{request.photo}, {request.mask}, {request.strokes}});
+    if (!destination)
+        return failed(destination.failure());
 
     ExportJob job;
-    job.imageUrl = request.photo;
-    job.maskImage = loadMask(request);
+    job.photo = *photo;
+    job.maskImage = maskOf(request, *mask);
     if (!job.maskImage)
         return exitcode::kFailed;
     job.settings.blurAmount = request.blur;
@@ -88,6 +87,8 @@ int runRender(const RenderRequest &request)
     if (!rendered)
         return failed(rendered.failure());
     sayPeculiarities(*rendered, request.photo);
+    ExportWriter::Settings settings{PhotoFile(*photo), formats.formats, format};
+    settings.otherSources = otherSources;
     const Outcome<Done> saved = ExportWriter(settings).save(request.output, rendered->photo);
     return saved ? exitcode::kDone : failed(saved.failure());
 }

@@ -31,11 +31,12 @@ Outcome<std::unique_ptr<SourceFile>> SourceFile::open(const QString &path)
     std::unique_ptr<SourceFile> source(new SourceFile(path));
     if (!source->m_file.open(QIODevice::ReadOnly))
         return Failure{Reason::NotReadable, path, source->m_file.errorString()};
+    source->m_identity = FileIdentity::ofDescriptor(source->m_file.handle());
     source->m_size = source->m_file.size();
     if (source->m_size == 0)
         return Failure{Reason::Empty, path, {}};
     source->m_head = source->bytesAt(0, kHeadSize);
-    if (source->m_head.isEmpty())
+    if (source->m_head.isEmpty() || !source->m_identity)
         return Failure{Reason::NotReadable, path, QString::fromLocal8Bit(std::strerror(errno))};
     return source;
 }

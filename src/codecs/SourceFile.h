@@ -1,5 +1,6 @@
 #pragma once
 
+#include "FileIdentity.h"
 #include "Outcome.h"
 #include "Picture.h"
 
@@ -23,6 +24,8 @@ public:
     /// For Qt's readers, which move its position.
     QFile &device() { return m_file; }
     qint64 size() const { return m_size; }
+    /// The file as it was when it was opened.
+    const FileIdentity &identity() const { return *m_identity; }
     const QString &path() const { return m_path; }
 
     /// The first bytes (up to kHeadSize), by which the formats are told apart.
@@ -47,6 +50,7 @@ private:
     QString m_path;
     QFile m_file;
     qint64 m_size = 0;
+    std::optional<FileIdentity> m_identity;
     QByteArray m_head;
 };
 

@@ -1,13 +1,9 @@
 #include "CarriedMetadata.h"
 
 #include "CarriedExif.h"
-#include "Decoder.h"
 #include "Exiv2Session.h"
 #include "IptcRecords.h"
-#include "PhotoMetadata.h"
 #include "PictureSearch.h"
-
-#include <QStringList>
 
 #include <algorithm>
 
@@ -30,28 +26,25 @@ std::vector<PngText> carriedTexts(std::vector<PngText> texts, LeftOut &leftOut)
 
 } // namespace
 
-MetadataBlocks carriedMetadata(const QString &sourcePath, QSize size, WriteFormat format)
+MetadataBlocks carriedMetadata(const QString &path, const PictureInfo &info, const PhotoMetadata &metadata, QSize size,
+                               WriteFormat format)
 {
-    const Outcome<PictureInfo> info = readPictureInfo(sourcePath);
-    if (!info)
-        return {};
     MetadataBlocks carried;
-    carried.iccProfile = info->iccProfile;
-    carried.dpi = info->dpi;
+    carried.iccProfile = info.iccProfile;
+    carried.dpi = info.dpi;
     if (format == WriteFormat::Gif || format == WriteFormat::Bmp)
         return carried;
-    PhotoMetadata metadata = readMetadataToCarry(sourcePath, info->format, size);
-    LeftOut &leftOut = metadata.leftOut;
-    withExiv2(sourcePath,
-              [&] { carried.exif = carriedExif(metadata, size, format == WriteFormat::Jpeg, metadata.leftOut); });
+    LeftOut leftOut = metadata.leftOut;
+    withExiv2(path, [&] { carried.exif = carriedExif(metadata, size, format == WriteFormat::Jpeg, leftOut); });
     carried.iptc = carriedIptc(metadata.blocks.iptc, leftOut);
-    carried.xmp = metadata.xmp ? metadata.xmp->carried : QByteArray();
+    if (metadata.xmp) {
+        carried.xmp = metadata.xmp->carried;
+        leftOut.add(metadata.xmp->leftOut);
+    }
     if (format == WriteFormat::Png)
         carried.texts = carriedTexts(metadata.blocks.texts, leftOut);
-    if (metadata.xmp)
-        leftOut.add(metadata.xmp->leftOut);
     if (const QString text = leftOut.text(); !text.isEmpty())
-        qCInfo(lcDocument).noquote() << sourcePath + QStringLiteral(": not carried: ") + text;
+        qCInfo(lcDocument).noquote() << path + QStringLiteral(": not carried: ") + text;
     return carried;
 }
 

@@ -1,6 +1,7 @@
 #include "ExifInfo.h"
 
 #include "ObjectText.h"
+#include "PhotoFile.h"
 #include "PropertyDictionary.h"
 
 namespace hazelmark {
@@ -51,7 +52,7 @@ ExifInfo::ExifInfo(const std::optional<QVariantMap> &dict)
 
 std::optional<QVariantMap> ExifInfo::exifForFile(const QString &path)
 {
-    return readPropertyDictionary(path);
+    return PhotoFile::exifDict(path);
 }
 
 RecordFields ExifInfo::fields() const

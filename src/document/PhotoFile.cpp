@@ -3,35 +3,60 @@
 #include "FileAttributes.h"
 #include "Log.h"
 #include "PathParts.h"
-#include "PropertyDictionary.h"
 
 #include <QLocale>
 
 namespace hazelmark {
 
+namespace {
+
+/// Null for a file that is no picture.
+PhotoPtr openedPhoto(const QString &path)
+{
+    const Outcome<PhotoPtr> photo = Photo::open(path);
+    if (!photo)
+        return nullptr;
+    (*photo)->release();
+    return *photo;
+}
+
+} // namespace
+
 PhotoFile::PhotoFile(const QString &path)
+    : PhotoFile(path, openedPhoto(path))
+{
+}
+
+PhotoFile::PhotoFile(const PhotoPtr &photo)
+    : PhotoFile(photo->path(), photo)
+{
+}
+
+PhotoFile::PhotoFile(const QString &path, const PhotoPtr &photo)
     : m_filePath(path)
     , m_fileName(lastPathComponent(path))
     , m_fileExtension(pathExtension(path))
     , m_fileContainerFolderName(lastPathComponent(pathWithoutLastComponent(path)))
+    , m_photo(photo)
+    , m_identity(photo ? photo->identity() : FileIdentity::ofPath(path))
 {
     readAttributes();
-    const std::optional<PictureProperties> properties = readPictureProperties(path);
-    if (!properties)
+    if (!photo)
         return;
     // The last picture that states a positive size wins, each dimension for itself.
-    for (const QSize &size : properties->uprightSizes) {
+    for (const QSize &size : photo->uprightSizes()) {
         if (size.width() > 0)
             m_width = size.width();
         if (size.height() > 0)
             m_height = size.height();
     }
-    m_metaInfoDict = properties->dictionary;
+    m_metaInfoDict = photo->dictionary();
 }
 
 std::optional<QVariantMap> PhotoFile::exifDict(const QString &path)
 {
-    return readPropertyDictionary(path);
+    const Outcome<PhotoPtr> photo = Photo::open(path);
+    return photo ? std::optional((*photo)->dictionary()) : std::nullopt;
 }
 
 QString PhotoFile::creationDateText(const QDateTime &created)
@@ -47,7 +72,6 @@ RecordFields PhotoFile::fields() const
 
 void PhotoFile::readAttributes()
 {
-    m_identity = FileIdentity::ofPath(m_filePath); // before anything is read: a later change shows
     const std::optional<FileAttributes> attributes = FileAttributes::ofPath(m_filePath);
     m_fileSize = QString::number(attributes ? attributes->size : 0);
     if (!attributes) {

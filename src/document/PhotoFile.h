@@ -1,6 +1,6 @@
 #pragma once
 
-#include "FileIdentity.h"
+#include "Photo.h"
 #include "RecordFields.h"
 
 #include <QDateTime>
@@ -27,10 +27,12 @@ namespace hazelmark {
 class PhotoFile
 {
 public:
-    /// Reads the attributes and the headers of the file at `path`, which is a path and not a URL.
+    /// Opens the photo at `path`, which is a path and not a URL, and lets go of it again.
     explicit PhotoFile(const QString &path);
+    /// Of a photo that was opened.
+    explicit PhotoFile(const PhotoPtr &photo);
 
-    /// The image-property dictionary (see readPropertyDictionary()) of the file at `path`; absent when it has none.
+    /// The image-property dictionary (see Photo::dictionary()) of the file at `path`; absent when it has none.
     static std::optional<QVariantMap> exifDict(const QString &path);
 
     /// A second name for `filePath`: a path string too, and always the same one.
@@ -41,6 +43,9 @@ public:
     /// purpose.
     static QString creationDateText(const QDateTime &created);
 
+    /// The photo that the record was made of; null when there is none that can be read.
+    const PhotoPtr &photo() const { return m_photo; }
+
     /// The file as it was when the record was made: whether it is still the same one is for the caller to compare.
     /// Absent when there was none.
     const std::optional<FileIdentity> &identity() const { return m_identity; }
@@ -50,8 +55,10 @@ public:
     HAZELMARK_PHOTO_FILE_FIELDS(HAZELMARK_RECORD_FIELD)
 
 private:
+    PhotoFile(const QString &path, const PhotoPtr &photo);
     void readAttributes();
 
+    PhotoPtr m_photo;
     std::optional<FileIdentity> m_identity;
 };
 

@@ -5,11 +5,6 @@
 #include "TagSizes.h"
 #include "TiffBlocks.h"
 
-#include <QFile>
-#include <QFileInfo>
-
-#include <string>
-
 namespace hazelmark {
 
 namespace {
@@ -78,22 +73,17 @@ PhotoMetadata parseBlocks(const QString &path, const EmbeddedBlocks &blocks, QSi
     return metadata;
 }
 
-bool isPlausible(const QString &path)
-{
-    const Outcome<std::unique_ptr<SourceFile>> source = SourceFile::open(path);
-    return source && hasPlausibleTags(**source);
-}
-
-PhotoMetadata parseFile(const QString &path, const EmbeddedBlocks &blocks, QSize size)
+/// As far as Exiv2 reads the file. It is given the bytes: it would take names such as "-" and "data:..." for something
+/// else. A larger file that keeps its tags behind its pixels only loses a maker's note.
+PhotoMetadata parseFile(const SourceFile &source, const EmbeddedBlocks &blocks, QSize size)
 {
     PhotoMetadata metadata;
     metadata.blocks = blocks;
-    withExiv2(path, [&] {
-        // In full: Exiv2 takes "-", "data:..." and the like for something else than names of files.
-        const std::string name = QFile::encodeName(QFileInfo(path).absoluteFilePath()).toStdString();
-        if (Exiv2::ImageFactory::getType(name) == Exiv2::ImageType::none || !isPlausible(path))
+    withExiv2(source.path(), [&] {
+        const QByteArray bytes = source.bytesAt(0, source.size());
+        if (Exiv2::ImageFactory::getType(bytesOf(bytes), long(bytes.size())) == Exiv2::ImageType::none)
             return;
-        const auto image = Exiv2::ImageFactory::open(name);
+        const auto image = Exiv2::ImageFactory::open(bytesOf(bytes), long(bytes.size()));
         image->readMetadata();
         metadata.exif = image->exifData();
         if (image->byteOrder() != Exiv2::invalidByteOrder)
@@ -107,32 +97,31 @@ PhotoMetadata parseFile(const QString &path, const EmbeddedBlocks &blocks, QSize
     return metadata;
 }
 
-} // namespace
-
-PhotoMetadata readPhotoMetadata(const QString &path, const QByteArray &format, QSize size)
+bool isToBeParsedWhole(const SourceFile &source)
 {
-    const bool isTiff = format == "tiff";
-    if (!isTiff && !hasEmbeddedBlocks(format))
-        return parseFile(path, {}, size);
-    const Outcome<std::unique_ptr<SourceFile>> source = SourceFile::open(path);
-    if (!source)
-        return {};
-    return parseBlocks(path, isTiff ? readTiffBlocksToShow(**source) : readEmbeddedBlocks(**source, format), size);
+    constexpr qint64 kLargest = 256 * 1024 * 1024;
+    return source.size() <= kLargest && hasPlausibleTags(source);
 }
 
-PhotoMetadata readMetadataToCarry(const QString &path, const QByteArray &format, QSize size)
+} // namespace
+
+PhotoMetadata readPhotoMetadata(const SourceFile &source, const QByteArray &format, QSize size)
 {
-    if (format != "tiff")
-        return readPhotoMetadata(path, format, size);
-    const Outcome<std::unique_ptr<SourceFile>> source = SourceFile::open(path);
-    if (!source)
-        return {};
-    const EmbeddedBlocks blocks = readTiffBlocks(**source);
+    if (format == "tiff")
+        return parseBlocks(source.path(), readTiffBlocksToShow(source), size);
+    if (hasEmbeddedBlocks(format))
+        return parseBlocks(source.path(), readEmbeddedBlocks(source, format), size);
+    return isToBeParsedWhole(source) ? parseFile(source, {}, size) : PhotoMetadata();
+}
+
+PhotoMetadata readTiffMetadataToCarry(const SourceFile &source, QSize size)
+{
+    const EmbeddedBlocks blocks = readTiffBlocks(source);
     if (!blocks.exif.isEmpty())
-        return parseBlocks(path, blocks, size);
-    if (isPlausible(path))
-        return parseFile(path, blocks, size);
-    PhotoMetadata metadata = parseBlocks(path, readTiffBlocksToShow(**source), size);
+        return parseBlocks(source.path(), blocks, size);
+    if (isToBeParsedWhole(source))
+        return parseFile(source, blocks, size);
+    PhotoMetadata metadata = parseBlocks(source.path(), readTiffBlocksToShow(source), size);
     metadata.blocks.exif.clear(); // it says how the file stores its pixels
     return metadata;
 }

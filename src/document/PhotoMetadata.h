@@ -19,13 +19,13 @@ struct PhotoMetadata
     LeftOut leftOut;              ///< of the EXIF block, and whole blocks that make no sense
 };
 
-/// Reads the metadata of the file at `path`, of the format that PictureInfo names, with a first picture of `size`
+/// Reads the metadata of the file, of the format that PictureInfo names, with a first picture of `size`
 /// pixels as stored: from its blocks where they are known here (see hasEmbeddedBlocks()), else as far as Exiv2 reads
 /// the file. What cannot be parsed is left out with a warning, each block for itself.
-PhotoMetadata readPhotoMetadata(const QString &path, const QByteArray &format, QSize size);
+PhotoMetadata readPhotoMetadata(const SourceFile &source, const QByteArray &format, QSize size);
 
-/// The same with a TIFF file's metadata as blocks where it can be had so: without the tags that say how the file stores
-/// its pixels.
-PhotoMetadata readMetadataToCarry(const QString &path, const QByteArray &format, QSize size);
+/// The metadata of a TIFF file, as blocks where it can be had so, without the tags that say how the file stores its
+/// pixels.
+PhotoMetadata readTiffMetadataToCarry(const SourceFile &source, QSize size);
 
 } // namespace hazelmark

@@ -1,7 +1,6 @@
 #include "PropertyDictionary.h"
 
 #include "ColorProfile.h"
-#include "Decoder.h"
 #include "ExifValues.h"
 #include "Exiv2Session.h"
 #include "IptcNames.h"
@@ -65,10 +64,10 @@ QString colorModelName(ColorModel model)
 class DictionaryBuilder
 {
 public:
-    DictionaryBuilder(const QString &path, const PictureInfo &info)
+    DictionaryBuilder(const QString &path, const PictureInfo &info, const PhotoMetadata &metadata)
         : m_path(path)
         , m_info(info)
-        , m_metadata(readPhotoMetadata(path, info.format, info.frames.front()))
+        , m_metadata(metadata)
     {
     }
 
@@ -320,7 +319,7 @@ private:
 
     const QString m_path;
     const PictureInfo &m_info;
-    PhotoMetadata m_metadata;
+    const PhotoMetadata &m_metadata;
     QVariantMap m_top;
     QVariantMap m_exif;
     QVariantMap m_tiff;
@@ -332,26 +331,9 @@ private:
 
 } // namespace
 
-std::optional<PictureProperties> readPictureProperties(const QString &path)
+QVariantMap propertyDictionary(const QString &path, const PictureInfo &info, const PhotoMetadata &metadata)
 {
-    const Outcome<PictureInfo> info = readPictureInfo(path);
-    if (!info || info->frames.empty())
-        return std::nullopt;
-    PictureProperties properties{DictionaryBuilder(path, *info).build(), info->frames};
-    const int orientation = integerValue(properties.dictionary.value(QStringLiteral("Orientation")));
-    if (orientation >= 5 && orientation <= 8) {
-        for (QSize &size : properties.uprightSizes)
-            size.transpose();
-    }
-    return properties;
-}
-
-std::optional<QVariantMap> readPropertyDictionary(const QString &path)
-{
-    std::optional<PictureProperties> properties = readPictureProperties(path);
-    if (!properties)
-        return std::nullopt;
-    return std::move(properties->dictionary);
+    return DictionaryBuilder(path, info, metadata).build();
 }
 
 } // namespace hazelmark

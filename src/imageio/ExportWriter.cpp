@@ -1,10 +1,8 @@
 #include "ExportWriter.h"
 
-#include "CarriedMetadata.h"
 #include "ExportFormats.h"
 #include "FlippedImage.h"
 #include "Log.h"
-#include "PropertyDictionary.h"
 
 #include <algorithm>
 #include <cmath>
@@ -62,9 +60,8 @@ Outcome<Done> ExportWriter::save(const QString &path, const PhotoImagePtr &filte
 PhotoImagePtr ExportWriter::atTargetSize(PhotoImagePtr filteredImage) const
 {
     const Utils &utils = Utils::sharedUtils();
-    const std::optional<PictureProperties> source = readPictureProperties(m_settings.selectedImageFile.filePath());
-    const bool known = source && !source->uprightSizes.empty();
-    const QSizeF target = known ? QSizeF(source->uprightSizes.back()) : filteredImage->size();
+    const PhotoPtr &source = m_settings.selectedImageFile.photo();
+    const QSizeF target = source ? QSizeF(source->uprightSizes().back()) : filteredImage->size();
     if (filteredImage->pixelSize() != target.toSize())
         filteredImage = utils.scaleImage(filteredImage, target);
     const double factor = m_settings.backingScaleFactor;
@@ -104,7 +101,8 @@ Outcome<Done> ExportWriter::write(int formatIndex, const QString &path, const Pi
     const QString &source = m_settings.selectedImageFile.filePath();
     EncodeOptions options;
     options.format = *format;
-    options.metadata = carriedMetadata(source, pixels.bitmap.size(), *format);
+    if (const PhotoPtr &photo = m_settings.selectedImageFile.photo())
+        options.metadata = photo->carriedMetadata(pixels.bitmap.size(), *format);
     options.metadata.iccProfile = pixels.iccProfile; // the photo's own, or what stands for a grey one
     const QVariantMap dict = m_settings.selectedImageFile.metaInfoDict().value_or(QVariantMap());
     if (dict.contains(kQualityEntry))

@@ -1,15 +1,11 @@
 #include "ImageLoader.h"
 
 #include "ColorProfile.h"
-#include "Decoder.h"
-#include "ExifInfo.h"
 #include "FlippedImage.h"
 #include "Geometry.h"
 #include "Log.h"
 #include "PathParts.h"
 #include "Utils.h"
-
-#include <QRegularExpression>
 
 #include <cstdio>
 #include <new>
@@ -20,11 +16,6 @@ namespace {
 
 constexpr int kUpright = 1;
 
-bool turnsByAQuarter(int orientation)
-{
-    return orientation >= 5 && orientation <= 8;
-}
-
 /// Vector pictures of two old kinds, told by their extension exactly as written.
 bool isVectorExtension(const QString &extension)
 {
@@ -34,17 +25,17 @@ bool isVectorExtension(const QString &extension)
 }
 
 /// The upright picture at exactly `size` pixels, or in full size where that is empty. Grey stays grey.
-Outcome<ImageLoader::Loaded> decodeUpright(const QString &path, int orientation, QSize size)
+Outcome<ImageLoader::Loaded> decodeUpright(Photo &photo, int orientation, QSize size)
 {
-    Outcome<Picture> picture = decodePicture(path, turnsByAQuarter(orientation) ? size.transposed() : size);
+    Outcome<Picture> picture = photo.decode(photo.isTurnedByAQuarter() ? size.transposed() : size);
     if (!picture)
         return picture.failure();
     const QImage upright = FlippedImage::uprightFromEXIF(picture->pixels, orientation);
     picture->pixels = {};
-    PhotoImagePtr photo = PhotoImage::fromBitmap(upright, picture->iccProfile);
-    if (!size.isEmpty() && photo->pixelSize() != size)
-        photo = Utils::sharedUtils().scaleImage(photo, size);
-    return ImageLoader::Loaded{photo, picture->fileColorModel, picture->convertedToSrgb, picture->isPartlyDamaged};
+    PhotoImagePtr image = PhotoImage::fromBitmap(upright, picture->iccProfile);
+    if (!size.isEmpty() && image->pixelSize() != size)
+        image = Utils::sharedUtils().scaleImage(image, size);
+    return ImageLoader::Loaded{image, picture->fileColorModel, picture->convertedToSrgb, picture->isPartlyDamaged};
 }
 
 /// As it stands, without a line end, unless warnings of this module are off.
@@ -67,20 +58,18 @@ void reportNotLoaded(const Failure &failure)
 }
 
 /// What getImageFromFile() hands back, with the reason where there is none.
-Outcome<ImageLoader::Loaded> readFile(const QString &path, float minWidth)
+Outcome<ImageLoader::Loaded> read(Photo &photo, float minWidth)
 {
-    const int orientation = ExifInfo(path).orientation();
-    if (orientation != kUpright && !path.isEmpty()) {
-        const QSizeF upright = ImageLoader::getImageOriginalSizeAtFilePathUrl(path);
-        const QSizeF fitted =
-            upright.isEmpty() ? upright : Geometry::aspectFitSizeWithMaxSize(upright, double(minWidth));
+    if (photo.orientation() != kUpright) {
+        const QSizeF upright = photo.uprightSize();
+        const QSizeF fitted = Geometry::aspectFitSizeWithMaxSize(upright, double(minWidth));
         const bool inFull = fitted.toSize() == upright.toSize();
-        if (auto loaded = decodeUpright(path, orientation, inFull ? QSize() : fitted.toSize())) {
-            loaded->photo->setSize(upright.isEmpty() ? QSizeF(loaded->photo->pixelSize()) : fitted);
+        if (auto loaded = decodeUpright(photo, photo.orientation(), inFull ? QSize() : fitted.toSize())) {
+            loaded->photo->setSize(fitted);
             return loaded;
         }
     }
-    return decodeUpright(path, kUpright, {});
+    return decodeUpright(photo, kUpright, {});
 }
 
 Outcome<ImageLoader::Loaded> inRgb(Outcome<ImageLoader::Loaded> loaded)
@@ -91,12 +80,12 @@ Outcome<ImageLoader::Loaded> inRgb(Outcome<ImageLoader::Loaded> loaded)
 }
 
 template <typename Load>
-Outcome<ImageLoader::Loaded> withinMemory(const QString &path, const Load &load)
+Outcome<ImageLoader::Loaded> withinMemory(const Photo &photo, const Load &load)
 {
     try {
         return load();
     } catch (const std::bad_alloc &) {
-        return Failure{Failure::Reason::OutOfMemory, path, {}};
+        return Failure{Failure::Reason::OutOfMemory, photo.path(), {}};
     }
 }
 
@@ -114,22 +103,30 @@ PhotoImagePtr photoOf(const Outcome<ImageLoader::Loaded> &loaded)
 
 } // namespace
 
+Outcome<ImageLoader::Loaded> ImageLoader::load(Photo &photo)
+{
+    return reported(withinMemory(photo, [&] { return inRgb(read(photo, float(photo.uprightSize().width()))); }));
+}
+
 Outcome<ImageLoader::Loaded> ImageLoader::load(const QString &path)
 {
-    return reported(withinMemory(path, [&] {
-        const QSizeF size = getImageOriginalSizeAtFilePathUrl(path);
-        return inRgb(readFile(path, float(size.width())));
-    }));
+    const Outcome<PhotoPtr> photo = Photo::open(path);
+    return photo ? load(**photo) : reported(photo.failure());
+}
+
+Outcome<ImageLoader::Loaded> ImageLoader::loadReduced(Photo &photo, QSize bound)
+{
+    return withinMemory(photo, [&] {
+        const QSize full = photo.uprightSize();
+        const QSize fitted = Geometry::getAspectFitModeSizeWithsize(full, bound).toSize().expandedTo({1, 1});
+        return inRgb(decodeUpright(photo, photo.orientation(), fitted.width() < full.width() ? fitted : QSize()));
+    });
 }
 
 Outcome<ImageLoader::Loaded> ImageLoader::loadReduced(const QString &path, QSize bound)
 {
-    return withinMemory(path, [&] {
-        const QSizeF full = getImageOriginalSizeAtFilePathUrl(path);
-        const QSize fitted = Geometry::getAspectFitModeSizeWithsize(full, bound).toSize().expandedTo({1, 1});
-        const bool reduce = fitted.width() < full.width();
-        return inRgb(decodeUpright(path, ExifInfo(path).orientation(), reduce ? fitted : QSize()));
-    });
+    const Outcome<PhotoPtr> photo = Photo::open(path);
+    return photo ? loadReduced(**photo, bound) : photo.failure();
 }
 
 PhotoImagePtr ImageLoader::getImageWithFixedOrientionFromUrl(const QString &path)
@@ -139,18 +136,20 @@ PhotoImagePtr ImageLoader::getImageWithFixedOrientionFromUrl(const QString &path
 
 QSizeF ImageLoader::getImageOriginalSizeAtFilePathUrl(const QString &path)
 {
-    const ExifInfo metadata(path);
-    QSizeF size = sizeFromText(metadata.imageSize());
     if (isVectorExtension(pathExtension(path))) {
         // No interpreter for these here: there is no representation, and the size of the metadata stays.
         qCInfo(lcImageIo).noquote() << QStringLiteral("epsDict = %1").arg(QStringLiteral("(null)"));
     }
-    return turnsByAQuarter(metadata.orientation()) ? size.transposed() : size;
+    const Outcome<PhotoPtr> photo = Photo::open(path);
+    return photo ? QSizeF((*photo)->uprightSize()) : QSizeF(0.0, 0.0);
 }
 
 PhotoImagePtr ImageLoader::getImageFromFile(const QString &path, float minWidth, float)
 {
-    return photoOf(reported(withinMemory(path, [&] { return readFile(path, minWidth); })));
+    const Outcome<PhotoPtr> photo = Photo::open(path);
+    if (!photo)
+        return photoOf(reported(photo.failure()));
+    return photoOf(reported(withinMemory(**photo, [&] { return read(**photo, minWidth); })));
 }
 
 PhotoImagePtr ImageLoader::convertGraycolorModelToRgb(const PhotoImagePtr &photo)
@@ -166,19 +165,6 @@ PhotoImagePtr ImageLoader::convertGraycolorModelToRgb(const PhotoImagePtr &photo
     const QSizeF size = output.extent().size();
     return utils.getDrawedImage(output.withProfile(rgbProfileForGray(output.iccProfile())), size, QPointF(0, 0),
                                 QRectF(QPointF(0, 0), size));
-}
-
-QSizeF ImageLoader::sizeFromText(const QString &text)
-{
-    static const QRegularExpression number(QStringLiteral(R"([-+]?(?:\d+\.?\d*|\.\d+)(?:[eE][-+]?\d+)?)"));
-    QRegularExpressionMatchIterator found = number.globalMatch(text);
-    double values[2];
-    for (double &value : values) {
-        if (!found.hasNext())
-            return {0.0, 0.0};
-        value = found.next().captured().toDouble();
-    }
-    return {values[0], values[1]};
 }
 
 } // namespace hazelmark

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "Outcome.h"
+#include "Photo.h"
 #include "PhotoImage.h"
 #include "Picture.h"
 
@@ -9,7 +10,7 @@
 
 namespace hazelmark {
 
-/// Photo files as upright RGB photo images. Stateless, any thread; every call opens the file anew.
+/// Photo files as upright RGB photo images. Stateless, any thread. What is given a path opens the file anew.
 class ImageLoader
 {
 public:
@@ -23,10 +24,12 @@ public:
 
     /// The photo in full size, upright, RGB, with a logical size equal to its pixel size. A failure is told on standard
     /// error too, in few words.
+    static Outcome<Loaded> load(Photo &photo);
     static Outcome<Loaded> load(const QString &path);
 
     /// A smaller upright RGB picture of the photo, no larger than `bound` (pixels) and filling it along one side; the
     /// photo in full size where that is smaller. Takes the short cuts that a codec offers.
+    static Outcome<Loaded> loadReduced(Photo &photo, QSize bound);
     static Outcome<Loaded> loadReduced(const QString &path, QSize bound);
 
     /// load(), with null for any failure.
@@ -43,9 +46,6 @@ public:
     /// The same picture as RGB: equal levels in all three channels, and in place of a grey profile an RGB one with its
     /// tone curve.
     static PhotoImagePtr convertGraycolorModelToRgb(const PhotoImagePtr &photo);
-
-    /// Width and height from a text: its first two numbers, in braces or not. Fewer than two give (0, 0).
-    static QSizeF sizeFromText(const QString &text);
 };
 
 } // namespace hazelmark

@@ -29,15 +29,15 @@ PhotoImagePtr PreviewJob::run(int threads) const
 
 Outcome<ImageLoader::Loaded> ExportJob::run() const
 {
-    Outcome<ImageLoader::Loaded> loaded = ImageLoader::load(imageUrl);
+    Outcome<ImageLoader::Loaded> loaded = photo ? ImageLoader::load(*photo) : ImageLoader::load(imageUrl);
     if (!loaded || !maskImage)
         return loaded;
     try {
         const Utils &utils = Utils::sharedUtils();
-        const PhotoImagePtr photo = loaded->photo;
-        const PhotoImagePtr mask = utils.scaleImage(maskImage, photo->size());
-        PhotoImagePtr blurred = utils.applyfilterOnBlurImage(photo, {}, settings);
-        const PhotoImagePtr inFocus = utils.applyfilterOnInFocusImage(photo, {}, settings);
+        const PhotoImagePtr source = loaded->photo;
+        const PhotoImagePtr mask = utils.scaleImage(maskImage, source->size());
+        PhotoImagePtr blurred = utils.applyfilterOnBlurImage(source, {}, settings);
+        const PhotoImagePtr inFocus = utils.applyfilterOnInFocusImage(source, {}, settings);
         const float v = settings.vignetteAmount.value_or(0.0f);
         if (v > 0.0f)
             blurred = FlippedImage::vignetteWithRadius(blurred, 0.0f, v, QColor::fromRgbF(0, 0, 0, std::min(v, 1.0f)));

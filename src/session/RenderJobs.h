@@ -26,7 +26,8 @@ struct PreviewJob
 /// One export up to the finished picture; ExportWriter puts it into a file.
 struct ExportJob
 {
-    QString imageUrl;        ///< path of the photo
+    PhotoPtr photo;          ///< the photo; null when `imageUrl` says which
+    QString imageUrl;        ///< its path
     PhotoImagePtr maskImage; ///< of any size; null exports the photo as it is. Its logical size becomes the photo's.
     CoreFilterObject settings;
     Renderer::Progress progress;

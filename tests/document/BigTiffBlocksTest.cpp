@@ -1,5 +1,5 @@
 // TIFF files with 64-bit offsets: what they say of the photo is read and carried as from any other TIFF file.
-#include "CarriedMetadata.h"
+#include "OpenPhotos.h"
 #include "PhotoFile.h"
 #include "SamplePhotos.h"
 #include "TiffBytes.h"
@@ -95,7 +95,7 @@ TEST_P(BigTiffFiles, SayAndCarryWhatAnyTiffDoes)
     EXPECT_EQ(PhotoFile(path).width(), 3);
     EXPECT_EQ(PhotoFile(path).height(), 4);
 
-    const MetadataBlocks carried = carriedMetadata(path, {4, 3}, WriteFormat::Jpeg);
+    const MetadataBlocks carried = carriedOf(path, {4, 3}, WriteFormat::Jpeg);
     const QString copy = writePhoto(folder, WriteFormat::Jpeg, carried, QSize(4, 3));
     for (const QString &file : {path, copy}) {
         EXPECT_EQ(PhotoFile(file).metaInfoDict()->value(QStringLiteral("Orientation")).toInt(), 6);
@@ -113,9 +113,9 @@ TEST_P(BigTiffFiles, ThatAreHostileCostNothing)
     QByteArray bytes = photo(GetParam());
     // Every cut, and every byte of the header and of the directories at its largest.
     for (qsizetype at = 16; at < bytes.size(); at += 11) {
-        (void)carriedMetadata(writeBytes(folder, QStringLiteral("cut.tif"), bytes.left(at)), {4, 3}, WriteFormat::Jpeg);
+        (void)carriedOf(writeBytes(folder, QStringLiteral("cut.tif"), bytes.left(at)), {4, 3}, WriteFormat::Jpeg);
         const char was = std::exchange(bytes[at], '\xff');
-        (void)carriedMetadata(writeBytes(folder, QStringLiteral("odd.tif"), bytes), {4, 3}, WriteFormat::Tiff);
+        (void)carriedOf(writeBytes(folder, QStringLiteral("odd.tif"), bytes), {4, 3}, WriteFormat::Tiff);
         bytes[at] = was;
     }
     // The EXIF directory is the first one.

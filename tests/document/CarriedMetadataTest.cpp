@@ -1,6 +1,6 @@
-#include "CarriedMetadata.h"
 
 #include "Decoder.h"
+#include "OpenPhotos.h"
 #include "PropertyDictionary.h"
 #include "SamplePhotos.h"
 #include "TiffBlocks.h"
@@ -77,13 +77,13 @@ protected:
     /// The written file of the same size, with what it carries.
     QString exportOf(const QString &source)
     {
-        return writePhoto(m_targets, targetFormat(), carriedMetadata(source, kSize, targetFormat()), kSize);
+        return writePhoto(m_targets, targetFormat(), carriedOf(source, kSize, targetFormat()), kSize);
     }
 
     /// Without the resolution, which PNG files state in whole pixels a metre, and what only TIFF files say.
     static QVariantMap propertiesOf(const QString &path)
     {
-        QVariantMap properties = readPropertyDictionary(path).value_or(QVariantMap());
+        QVariantMap properties = dictionaryOf(path).value_or(QVariantMap());
         properties.remove(QStringLiteral("DPIWidth"));
         properties.remove(QStringLiteral("DPIHeight"));
         QVariantMap tiff = properties.value(kTiffGroup).toMap();
@@ -115,9 +115,9 @@ TEST_P(CarriedMetadata, IsAllOfTheSource)
     const Outcome<PictureInfo> info = readPictureInfo(target);
     ASSERT_TRUE(info);
     EXPECT_EQ(info->iccProfile, blocks.iccProfile);
-    const MetadataBlocks again = carriedMetadata(target, kSize, targetFormat());
+    const MetadataBlocks again = carriedOf(target, kSize, targetFormat());
     EXPECT_EQ(again.iptc, blocks.iptc);
-    EXPECT_EQ(again.xmp, carriedMetadata(source, kSize, targetFormat()).xmp);
+    EXPECT_EQ(again.xmp, carriedOf(source, kSize, targetFormat()).xmp);
 
     const Exiv2::ExifData before = exifOf(source);
     const Exiv2::ExifData after = exifOf(target);
@@ -144,7 +144,7 @@ TEST_P(CarriedMetadata, KeepsANoteOfAnUnknownMakerInItsPlaceWithoutItsPictures)
     const MetadataBlocks blocks = exifAlone(data, Exiv2::bigEndian);
     const QString target = exportOf(writeSource(blocks));
 
-    const QByteArray carried = carriedMetadata(target, kSize, WriteFormat::Png).exif;
+    const QByteArray carried = carriedOf(target, kSize, WriteFormat::Png).exif;
     EXPECT_EQ(carried.indexOf("ACME\1 offsets"), blocks.exif.indexOf("ACME\1 offsets"));
     EXPECT_TRUE(carried.contains(QByteArray(inNote.size(), '\0') + " and the end"));
     EXPECT_TRUE(carried.startsWith("MM"));
@@ -211,7 +211,7 @@ TEST_P(CarriedMetadata, OfDamagedBlocksNeitherCrashesNorHangs)
                 block->truncate(qsizetype(random() % size_t(block->size())));
         }
         const QString source = writeSource(bad);
-        EXPECT_TRUE(readPropertyDictionary(source));
+        EXPECT_TRUE(dictionaryOf(source));
         EXPECT_TRUE(readPictureInfo(exportOf(source)));
     }
 }
@@ -232,8 +232,8 @@ TEST(CarriedMetadataLimits, WhatDoesNotFitIntoAJpegFileIsDroppedAloneAndNotTheRe
     setBytes(data, "Exif.Photo.MakerNote", QByteArray(70'000, 'n'));
     const MetadataBlocks blocks = exifAlone(data);
     const QString source = writePhoto(folder, WriteFormat::Png, blocks, kSize);
-    EXPECT_EQ(carriedMetadata(source, kSize, WriteFormat::Png).exif, blocks.exif);
-    const QByteArray fitting = carriedMetadata(source, kSize, WriteFormat::Jpeg).exif;
+    EXPECT_EQ(carriedOf(source, kSize, WriteFormat::Png).exif, blocks.exif);
+    const QByteArray fitting = carriedOf(source, kSize, WriteFormat::Jpeg).exif;
     EXPECT_LT(fitting.size(), 65'000);
     EXPECT_TRUE(fitting.contains("Acme"));
 }
@@ -261,7 +261,7 @@ TEST(CarriedMetadataLimits, FormatsWithoutAPlaceForMetadataGetTheProfileAlone)
     MetadataBlocks blocks = richMetadata();
     blocks.iccProfile = QColorSpace(QColorSpace::AdobeRgb).iccProfile();
     const MetadataBlocks carried =
-        carriedMetadata(writePhoto(folder, WriteFormat::Jpeg, blocks, kSize), kSize, WriteFormat::Gif);
+        carriedOf(writePhoto(folder, WriteFormat::Jpeg, blocks, kSize), kSize, WriteFormat::Gif);
     EXPECT_EQ(carried.iccProfile, blocks.iccProfile);
     EXPECT_TRUE(carried.exif.isEmpty() && carried.iptc.isEmpty() && carried.xmp.isEmpty());
 }

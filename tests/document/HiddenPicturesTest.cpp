@@ -1,5 +1,5 @@
-#include "CarriedMetadata.h"
 
+#include "OpenPhotos.h"
 #include "SamplePhotos.h"
 #include "TiffBytes.h"
 #include "ZlibStream.h"
@@ -274,7 +274,7 @@ TEST_P(HiddenPictures, AreNotCarriedAndTheRestIs)
             source.exif.isEmpty() && source.iptc.isEmpty() ? WriteFormat::Png : WriteFormat::Jpeg;
         const QString path = writePhoto(folder, format, source, kSize);
         for (const WriteFormat target : {WriteFormat::Jpeg, WriteFormat::Png, WriteFormat::Tiff}) {
-            const MetadataBlocks carried = carriedMetadata(path, kSize, target);
+            const MetadataBlocks carried = carriedOf(path, kSize, target);
             QByteArray all = carried.exif + carried.iptc + carried.xmp;
             for (const PngText &text : carried.texts)
                 all += text.text.toLatin1();

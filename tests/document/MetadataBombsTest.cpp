@@ -1,6 +1,6 @@
-#include "CarriedMetadata.h"
 #include "EmbeddedBlocks.h"
 #include "IptcRecords.h"
+#include "OpenPhotos.h"
 #include "PropertyDictionary.h"
 #include "SamplePhotos.h"
 #include "TagSizes.h"
@@ -40,8 +40,8 @@ TEST(MetadataBombs, TagsThatShareTheirValuesAreLeftOut)
     MetadataBlocks blocks;
     blocks.exif = sharingTags(200, kSize); // 1.6 GB of values
     const QString path = writePhoto(folder, WriteFormat::Png, blocks);
-    EXPECT_TRUE(readPropertyDictionary(path));
-    EXPECT_TRUE(carriedMetadata(path, {40, 30}, WriteFormat::Png).exif.isEmpty());
+    EXPECT_TRUE(dictionaryOf(path));
+    EXPECT_TRUE(carriedOf(path, {40, 30}, WriteFormat::Png).exif.isEmpty());
 
     // The same in the EXIF directory of a TIFF file, behind the first.
     constexpr quint32 kBehindFirst = 8 + 2 + 5 * 12 + 4;
@@ -50,8 +50,8 @@ TEST(MetadataBombs, TagsThatShareTheirValuesAreLeftOut)
                    QByteArray("II*\0\x08\0\0\0", 8) + tiffBytes(quint16(5), false) + tiffEntry(256, 3, 1, 1) +
                        tiffEntry(257, 3, 1, 1) + tiffEntry(273, 4, 1, 8) + tiffEntry(279, 4, 1, 1) +
                        tiffEntry(0x8769, 4, 1, kBehindFirst) + QByteArray(4, '\0') + sharingTags(200, kSize).mid(8));
-    EXPECT_TRUE(readPropertyDictionary(tiff));
-    EXPECT_TRUE(carriedMetadata(tiff, {40, 30}, WriteFormat::Png).exif.isEmpty());
+    EXPECT_TRUE(dictionaryOf(tiff));
+    EXPECT_TRUE(carriedOf(tiff, {40, 30}, WriteFormat::Png).exif.isEmpty());
 }
 
 TEST(MetadataBombs, NoteOfAnUnusuallyLargeBlockIsNotRead)
@@ -101,8 +101,8 @@ TEST(MetadataBombs, ThousandsOfKeywordsAreReadAndCarriedMillionsAreNotAll)
     MetadataBlocks blocks;
     blocks.iptc = QByteArray("\x1c\x02\x19\0\x01k", 6).repeated(60'000);
     const QString path = writePhoto(folder, WriteFormat::Jpeg, blocks);
-    EXPECT_EQ(carriedMetadata(path, {40, 30}, WriteFormat::Jpeg).iptc, blocks.iptc);
-    const auto dict = readPropertyDictionary(path);
+    EXPECT_EQ(carriedOf(path, {40, 30}, WriteFormat::Jpeg).iptc, blocks.iptc);
+    const auto dict = dictionaryOf(path);
     ASSERT_TRUE(dict);
     EXPECT_EQ(dict->value(kIptcGroup).toMap().value(QStringLiteral("Keywords")).toList().size(), 60'000);
     EXPECT_EQ(iptcRecords(blocks.iptc.repeated(40)).size(), 1'000'000U);
@@ -124,7 +124,7 @@ TEST(MetadataBombs, TagsFarBehindThePixelsOfATiffAreShown)
             tiffEntry(279, 4, 1, kPixels) + tiffEntry(0x8769, 4, 1, kExif) + QByteArray(4, '\0') + number(quint16(3)) +
             tiffEntry(0x829d, 5, 1, kValues) + tiffEntry(0x8827, 3, 1, 400) + tiffEntry(0x9286, 7, 0x7fffffff, 8) +
             QByteArray(4, '\0') + number(quint32(28)) + number(quint32(10)));
-    const auto dict = readPropertyDictionary(path);
+    const auto dict = dictionaryOf(path);
     ASSERT_TRUE(dict);
     EXPECT_EQ(dict->value(QStringLiteral("Orientation")).toInt(), 6);
     EXPECT_EQ(dict->value(kTiffGroup).toMap().value(QStringLiteral("PhotometricInterpretation")).toInt(), 1);

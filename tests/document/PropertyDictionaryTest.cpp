@@ -1,6 +1,7 @@
 #include "PropertyDictionary.h"
 
 #include "ExifInfo.h"
+#include "OpenPhotos.h"
 #include "SamplePhotos.h"
 
 #include <QColorSpace>
@@ -17,7 +18,7 @@ class PropertyDictionary : public testing::TestWithParam<WriteFormat>
 protected:
     QVariantMap dictionaryOf(const MetadataBlocks &blocks)
     {
-        return readPropertyDictionary(writePhoto(m_folder, GetParam(), blocks)).value_or(QVariantMap());
+        return hazelmark::dictionaryOf(writePhoto(m_folder, GetParam(), blocks)).value_or(QVariantMap());
     }
 
     const QTemporaryDir m_folder;
@@ -106,13 +107,13 @@ TEST_P(PropertyDictionary, ABrokenBlockDoesNotTakeTheOthersAlong)
 TEST_P(PropertyDictionary, IsReadFromSeveralThreadsAtOnce)
 {
     const QString path = writePhoto(m_folder, GetParam(), richMetadata());
-    const std::optional<QVariantMap> expected = readPropertyDictionary(path);
+    const std::optional<QVariantMap> expected = hazelmark::dictionaryOf(path);
     std::vector<std::thread> threads;
     std::atomic<int> different = 0;
     for (int i = 0; i < 4; ++i) {
         threads.emplace_back([&] {
             for (int round = 0; round < 25; ++round)
-                different += readPropertyDictionary(path) != expected;
+                different += hazelmark::dictionaryOf(path) != expected;
         });
     }
     for (std::thread &thread : threads)
@@ -132,13 +133,13 @@ TEST(PropertyDictionaryLimits, HugeCountsAndLongTextsAreBounded)
     exif += QByteArray("\x12\x01\x03\0\x01\0\0\0\x06\0\0\0", 12);       // and a sound orientation
     exif += QByteArray(4, '\0') + QByteArray(20, 'x');
     blocks.exif = exif;
-    const auto dict = readPropertyDictionary(writePhoto(folder, WriteFormat::Jpeg, blocks));
+    const auto dict = dictionaryOf(writePhoto(folder, WriteFormat::Jpeg, blocks));
     ASSERT_TRUE(dict);
     EXPECT_EQ(dict->value(QStringLiteral("Orientation")).toInt(), 6);
     EXPECT_FALSE(dict->value(kTiffGroup).toMap().contains(QStringLiteral("ImageDescription")));
 
     blocks.exif = exifBlock({{"Exif.Image.ImageDescription", std::string(1'000'000, 'x').c_str()}});
-    const auto longText = readPropertyDictionary(writePhoto(folder, WriteFormat::Png, blocks));
+    const auto longText = dictionaryOf(writePhoto(folder, WriteFormat::Png, blocks));
     ASSERT_TRUE(longText);
     EXPECT_LE(longText->value(kTiffGroup).toMap().value(QStringLiteral("ImageDescription")).toString().size(), 65536);
 }

@@ -1,4 +1,3 @@
-#include "CarriedMetadata.h"
 #include "ExifInfo.h"
 #include "FuzzFile.h"
 #include "PhotoFile.h"
@@ -8,10 +7,12 @@ using namespace hazelmark;
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
 {
     const FuzzFile file(bytes, size);
-    const PhotoFile photo(file.path());
-    (void)photo.fields();
-    (void)ExifInfo(photo.metaInfoDict()).fields();
+    const Outcome<PhotoPtr> photo = Photo::open(file.path());
+    if (!photo)
+        return 0;
+    (void)PhotoFile(*photo).fields();
+    (void)ExifInfo((*photo)->dictionary()).fields();
     for (const WriteFormat format : {WriteFormat::Jpeg, WriteFormat::Png, WriteFormat::Tiff})
-        (void)carriedMetadata(file.path(), {40, 30}, format);
+        (void)(*photo)->carriedMetadata({40, 30}, format);
     return 0;
 }

@@ -127,15 +127,4 @@ TEST_F(ImageLoaderFiles, FailuresAreToldOnStandardErrorWithoutALineEnd)
     EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Image not created from image source.");
 }
 
-TEST(SizeFromText, TheFirstTwoNumbersCount)
-{
-    const auto parse = [](const char *text) { return ImageLoader::sizeFromText(QString::fromLatin1(text)); };
-    EXPECT_EQ(parse("4000 x 3000"), QSizeF(4000, 3000));
-    EXPECT_EQ(parse("{640.5, 480}"), QSizeF(640.5, 480));
-    EXPECT_EQ(parse("12 x 34 x 56"), QSizeF(12, 34));
-    EXPECT_EQ(parse("(null) x (null)"), QSizeF(0, 0));
-    EXPECT_EQ(parse("4000 x "), QSizeF(0, 0));
-    EXPECT_EQ(parse(""), QSizeF(0, 0));
-}
-
 } // namespace hazelmark
