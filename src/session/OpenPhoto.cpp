@@ -1,6 +1,5 @@
 #include "OpenPhoto.h"
 
-#include "Decoder.h"
 #include "Geometry.h"
 #include "PhotoFile.h"
 #include "ReadableTypes.h"
@@ -31,36 +30,20 @@ QString OpenPhoto::path() const
     return record ? record->filePath() : QString();
 }
 
-PhotoReading PhotoReading::real()
-{
-    return {
-        [](const QString &path) -> Outcome<QByteArray> {
-            const Outcome<PictureInfo> info = readPictureInfo(path);
-            if (!info)
-                return info.failure();
-            return info->format;
-        },
-        [](const QString &path) { return std::make_shared<PhotoFile>(path); },
-        [](const QString &path, QSize bound) { return ImageLoader::loadReduced(path, bound); },
-    };
-}
-
 Outcome<OpenPhoto> PhotoReading::read(const QString &path, const PhotoView &view) const
 {
     try {
-        const Outcome<QByteArray> format = inspect(path);
-        if (!format)
-            return format.failure();
+        const Outcome<PhotoPtr> opened = open(path);
+        if (!opened)
+            return opened.failure();
 
         OpenPhoto photo;
-        photo.record = readRecord(path);
+        photo.record = std::make_shared<PhotoFile>(*opened);
         const QSizeF size(double(photo.record->width()), double(photo.record->height()));
-        if (size.isEmpty())
-            return Failure{Failure::Reason::Damaged, path, {}};
         const QString extension = photo.record->fileExtension();
-        photo.type = ReadableTypes::contains(extension) ? extension : QString::fromLatin1(*format);
+        photo.type = ReadableTypes::contains(extension) ? extension : QString::fromLatin1((*opened)->info().format);
 
-        const Outcome<ImageLoader::Loaded> loaded = load(path, view.screen);
+        const Outcome<ImageLoader::Loaded> loaded = load(**opened, view.screen);
         if (!loaded)
             return loaded.failure();
         photo.isPartlyDamaged = loaded->isPartlyDamaged;

@@ -39,16 +39,14 @@ struct PhotoView
     DisplayColors colors;
 };
 
-/// The three readings that make an open photo. Tests put others in their place.
+/// The two steps that make an open photo, on a file that is opened once. Tests put others in their place.
 struct PhotoReading
 {
-    /// Whether the content is that of a picture, from the headers; the name of its format.
-    std::function<Outcome<QByteArray>(const QString &path)> inspect;
-    std::function<std::shared_ptr<PhotoFile>(const QString &path)> readRecord;
+    std::function<Outcome<PhotoPtr>(const QString &path)> open = &Photo::open;
     /// The upright photo, no larger than `bound` pixels.
-    std::function<Outcome<ImageLoader::Loaded>(const QString &path, QSize bound)> load;
-
-    static PhotoReading real();
+    std::function<Outcome<ImageLoader::Loaded>(Photo &photo, QSize bound)> load = [](Photo &photo, QSize bound) {
+        return ImageLoader::loadReduced(photo, bound);
+    };
 
     /// A photo from its file to what is shown of it: whole, or the reason why not. Any thread; takes its time.
     Outcome<OpenPhoto> read(const QString &path, const PhotoView &view) const;

@@ -29,7 +29,7 @@ PhotoImagePtr PreviewJob::run(int threads) const
 
 Outcome<ImageLoader::Loaded> ExportJob::run() const
 {
-    Outcome<ImageLoader::Loaded> loaded = photo ? ImageLoader::load(*photo) : ImageLoader::load(imageUrl);
+    Outcome<ImageLoader::Loaded> loaded = ImageLoader::load(*photo);
     if (!loaded || !maskImage)
         return loaded;
     try {
@@ -45,7 +45,7 @@ Outcome<ImageLoader::Loaded> ExportJob::run() const
         loaded->photo->bitmap(Renderer(threads, progress));
         return loaded;
     } catch (const std::bad_alloc &) {
-        return Failure{Failure::Reason::OutOfMemory, imageUrl, {}};
+        return Failure{Failure::Reason::OutOfMemory, photo->path(), {}};
     }
 }
 

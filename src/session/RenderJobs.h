@@ -26,8 +26,7 @@ struct PreviewJob
 /// One export up to the finished picture; ExportWriter puts it into a file.
 struct ExportJob
 {
-    PhotoPtr photo;          ///< the photo; null when `imageUrl` says which
-    QString imageUrl;        ///< its path
+    PhotoPtr photo;          ///< not null
     PhotoImagePtr maskImage; ///< of any size; null exports the photo as it is. Its logical size becomes the photo's.
     CoreFilterObject settings;
     Renderer::Progress progress;

@@ -131,7 +131,7 @@ void Session::startExport(const ExportRequest &request)
         m_painting.updateMask();
 
     ExportJob job;
-    job.imageUrl = m_photo.path();
+    job.photo = m_photo.record->photo();
     job.maskImage = m_painting.maskImage();
     job.settings = request.settings;
     const ExportWriter::Settings settings{*m_photo.record, request.formats, request.fileType, request.quality,

@@ -38,7 +38,7 @@ public:
     /// What takes time. Tests put something else in its place.
     struct Work
     {
-        PhotoReading reading = PhotoReading::real();
+        PhotoReading reading;
         PreviewRunner::Render render = PreviewRunner::realRender();
         PhotoExport::Work exporting;
     };

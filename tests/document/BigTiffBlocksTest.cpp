@@ -2,7 +2,7 @@
 #include "OpenPhotos.h"
 #include "PhotoFile.h"
 #include "SamplePhotos.h"
-#include "TiffBytes.h"
+#include "TiffMaker.h"
 
 #include <QTemporaryDir>
 
@@ -12,71 +12,33 @@ namespace hazelmark {
 
 namespace {
 
-enum Type : quint16 { kAscii = 2, kShort = 3, kLong = 4, kRational = 5, kUndefined = 7, kDirectory = 18 };
-
-/// Puts such a file together, values and directories in the order in which they come.
-class BigTiff
-{
-public:
-    explicit BigTiff(bool isBigEndian)
-        : m_isBigEndian(isBigEndian)
-        , m_bytes((isBigEndian ? "MM" : "II") + number<quint16>(43) + number<quint16>(8) + number<quint16>(0) +
-                  number<quint64>(0))
-    {
-    }
-
-    template <typename Number>
-    QByteArray number(Number value) const
-    {
-        return tiffBytes(value, m_isBigEndian);
-    }
-
-    quint64 append(const QByteArray &bytes)
-    {
-        const auto place = quint64(m_bytes.size());
-        m_bytes += evenlyLong(bytes);
-        return place;
-    }
-
-    QByteArray entry(quint16 tag, Type type, quint64 count, const QByteArray &value)
-    {
-        const QByteArray field = value.size() > 8 ? number(append(value)) : value.leftJustified(8, '\0');
-        return number(tag) + number(quint16(type)) + number(count) + field;
-    }
-    QByteArray shortEntry(quint16 tag, quint16 value) { return entry(tag, kShort, 1, number(value)); }
-    QByteArray textEntry(quint16 tag, const QByteArray &text)
-    {
-        return entry(tag, kAscii, quint64(text.size() + 1), text + '\0');
-    }
-
-    quint64 directory(const QByteArrayList &entries)
-    {
-        return append(number(quint64(entries.size())) + entries.join() + number(quint64(0)));
-    }
-
-    QByteArray withFirst(quint64 place) { return m_bytes.replace(8, 8, number(place)); }
-
-private:
-    const bool m_isBigEndian;
-    QByteArray m_bytes;
-};
-
 QByteArray photo(bool isBigEndian)
 {
-    BigTiff tiff(isBigEndian);
-    const QByteArray iptc("\x1c\x02\x19\0\3sea", 8);
-    const QByteArray third = tiff.number(quint32(1)) + tiff.number(quint32(3));
-    const quint64 exif = tiff.directory({tiff.entry(0x829a, kRational, 1, third), tiff.shortEntry(0x8827, 400)});
-    const quint64 gps = tiff.directory({tiff.textEntry(1, "S")});
-    const quint64 pixels = tiff.append(QByteArray(4 * 3 * 3, '\x55'));
-    return tiff.withFirst(tiff.directory(
-        {tiff.shortEntry(0x0100, 4), tiff.shortEntry(0x0101, 3),
-         tiff.entry(0x0102, kShort, 3, tiff.number(quint16(8)) + tiff.number(quint16(8)) + tiff.number(quint16(8))),
-         tiff.shortEntry(0x0103, 1), tiff.shortEntry(0x0106, 2), tiff.textEntry(0x010f, "A maker with a long name"),
-         tiff.entry(0x0111, kLong, 1, tiff.number(quint32(pixels))), tiff.shortEntry(0x0112, 6),
-         tiff.shortEntry(0x0115, 3), tiff.shortEntry(0x0116, 3), tiff.entry(0x0117, kLong, 1, tiff.number(quint32(36))),
-         tiff.entry(0x83bb, kUndefined, quint64(iptc.size()), iptc),
-         tiff.entry(0x8769, kDirectory, 1, tiff.number(exif)), tiff.entry(0x8825, kDirectory, 1, tiff.number(gps))}));
+    TiffMaker tiff(isBigEndian, true);
+    TiffEntries first, exif, gps;
+    const auto numberIn = [&](TiffEntries &entries, quint16 tag, quint16 value) {
+        tiff.set(entries, tag, TiffMaker::kShort, tiff.number(value));
+    };
+    tiff.set(exif, 0x829a, TiffMaker::kRational, tiff.number(quint32(1)) + tiff.number(quint32(3)));
+    numberIn(exif, 0x8827, 400);
+    tiff.set(gps, 1, TiffMaker::kAscii, QByteArray("S", 2));
+    const quint64 pixels = tiff.add(QByteArray(4 * 3 * 3, '\x55'));
+    for (const auto &[tag, value] : {std::pair<quint16, quint16>(0x0100, 4),
+                                     {0x0101, 3},
+                                     {0x0102, 8},
+                                     {0x0103, 1},
+                                     {0x0106, 1},
+                                     {0x0112, 6},
+                                     {0x0115, 1},
+                                     {0x0116, 3},
+                                     {0x0117, 12}})
+        numberIn(first, tag, value);
+    numberIn(first, 0x0111, quint16(pixels));
+    tiff.set(first, 0x010f, TiffMaker::kAscii, QByteArray("A maker with a long name", 25));
+    tiff.set(first, 0x83bb, TiffMaker::kUndefined, QByteArray("\x1c\x02\x19\0\3sea", 8));
+    tiff.set(first, 0x8769, TiffMaker::kDirectory, tiff.number(tiff.directory(exif)));
+    tiff.set(first, 0x8825, TiffMaker::kDirectory, tiff.number(tiff.directory(gps)));
+    return tiff.startingAt(tiff.directory(first));
 }
 
 QVariantMap group(const QString &path, const char *name)
@@ -120,7 +82,8 @@ TEST_P(BigTiffFiles, ThatAreHostileCostNothing)
     }
     // The EXIF directory is the first one.
     const bool isBigEndian = GetParam();
-    const QByteArray entry = tiffBytes(quint16(0x8769), isBigEndian) + tiffBytes(quint16(kDirectory), isBigEndian);
+    const QByteArray entry =
+        tiffBytes(quint16(0x8769), isBigEndian) + tiffBytes(quint16(TiffMaker::kDirectory), isBigEndian);
     ASSERT_TRUE(bytes.contains(entry));
     bytes.replace(bytes.indexOf(entry) + 12, 8, bytes.mid(8, 8));
     const QString loop = writeBytes(folder, QStringLiteral("loop.tif"), bytes);

@@ -1,7 +1,7 @@
 
 #include "OpenPhotos.h"
 #include "SamplePhotos.h"
-#include "TiffBytes.h"
+#include "TiffMaker.h"
 #include "ZlibStream.h"
 
 #include <QTemporaryDir>
@@ -15,10 +15,6 @@ namespace hazelmark {
 namespace {
 
 constexpr QSize kSize(40, 30);
-constexpr quint16 kAscii = 2;
-constexpr quint16 kShort = 3;
-constexpr quint16 kLong = 4;
-constexpr quint16 kUndefined = 7;
 
 QByteArray noise(int size)
 {
@@ -42,55 +38,28 @@ QByteArray webp()
     return QByteArray("RIFF\x60\x02\0\0WEBPVP8 ", 16) + noise(600);
 }
 
-/// Lays values and directories out one after the other: what leads to something comes behind it.
-class Block
-{
-public:
-    quint32 add(const QByteArray &bytes)
-    {
-        const auto place = quint32(m_bytes.size());
-        m_bytes += evenlyLong(bytes);
-        return place;
-    }
-    void set(TiffEntries &entries, quint16 tag, quint16 type, const QByteArray &value)
-    {
-        const auto count = quint32(value.size() / kTiffTypeSizes[type]);
-        const QByteArray field = value.size() > 4 ? number(add(value)) : value.leftJustified(4, '\0');
-        entries[tag] = tiffBytes(tag, false) + tiffBytes(type, false) + number(count) + field;
-    }
-    quint32 directory(const TiffEntries &entries, quint32 next = 0)
-    {
-        return add(tiffDirectory(entries, false).chopped(4) + number(next));
-    }
-    QByteArray startingAt(quint32 first) { return m_bytes.replace(4, 4, number(first)); }
-    static QByteArray number(quint32 value) { return tiffBytes(value, false); }
-
-private:
-    QByteArray m_bytes = QByteArray("II*\0\0\0\0\0", 8);
-};
-
 struct Tag
 {
     enum Directory { Image, Photo, Gps, Interoperability } directory;
     quint16 tag;
-    quint16 type;
+    TiffMaker::Type type;
     QByteArray lead; ///< stands before what is hidden
     bool hasNote = false;
 };
 
 MetadataBlocks exifWith(const Tag &hidden, const QByteArray &value)
 {
-    Block block;
+    TiffMaker block;
     TiffEntries entries[4];
-    block.set(entries[Tag::Image], 0x010f, kAscii, QByteArray("Acme kept", 10));
-    block.set(entries[Tag::Photo], 0x9000, kUndefined, "0230");
+    block.set(entries[Tag::Image], 0x010f, TiffMaker::kAscii, QByteArray("Acme kept", 10));
+    block.set(entries[Tag::Photo], 0x9000, TiffMaker::kUndefined, "0230");
     if (hidden.hasNote)
-        block.set(entries[Tag::Photo], 0x927c, kUndefined, QByteArray("ACME\0\1\2 note", 12));
+        block.set(entries[Tag::Photo], 0x927c, TiffMaker::kUndefined, QByteArray("ACME\0\1\2 note", 12));
     const QByteArray whole = hidden.lead + value;
     block.set(entries[hidden.directory], hidden.tag, hidden.type, whole + QByteArray(whole.size() % 2, '\0'));
     const auto lead = [&](quint16 tag, Tag::Directory to, Tag::Directory from) {
         if (!entries[to].empty())
-            block.set(entries[from], tag, kLong, Block::number(block.directory(entries[to])));
+            block.set(entries[from], tag, TiffMaker::kLong, block.place(block.directory(entries[to])));
     };
     lead(0xa005, Tag::Interoperability, Tag::Photo);
     lead(0x8769, Tag::Photo, Tag::Image);
@@ -103,18 +72,18 @@ MetadataBlocks exifWith(const Tag &hidden, const QByteArray &value)
 /// A directory of a picture, behind the first one or below it, and a note that keeps what nothing refers to.
 MetadataBlocks exifWithPicture(bool isBelow, quint16 offsetTag, const QByteArray &value)
 {
-    Block block;
+    TiffMaker block;
     TiffEntries picture;
     TiffEntries photo;
     TiffEntries image;
-    block.set(image, 0x010f, kAscii, QByteArray("Acme kept", 10));
-    block.set(photo, 0x927c, kUndefined, QByteArray("ACME\0\1\2 note", 12));
-    block.set(picture, offsetTag, kLong, Block::number(block.add(value)));
-    block.set(picture, offsetTag == 0x0201 ? 0x0202 : 0x0117, kLong, Block::number(quint32(value.size())));
-    const quint32 place = block.directory(picture);
-    block.set(image, 0x8769, kLong, Block::number(block.directory(photo)));
+    block.set(image, 0x010f, TiffMaker::kAscii, QByteArray("Acme kept", 10));
+    block.set(photo, 0x927c, TiffMaker::kUndefined, QByteArray("ACME\0\1\2 note", 12));
+    block.set(picture, offsetTag, TiffMaker::kLong, block.place(block.add(value)));
+    block.set(picture, offsetTag == 0x0201 ? 0x0202 : 0x0117, TiffMaker::kLong, block.place(quint64(value.size())));
+    const quint64 place = block.directory(picture);
+    block.set(image, 0x8769, TiffMaker::kLong, block.place(block.directory(photo)));
     if (isBelow)
-        block.set(image, 0x014a, kLong, Block::number(place));
+        block.set(image, 0x014a, TiffMaker::kLong, block.place(place));
     MetadataBlocks blocks;
     blocks.exif = block.startingAt(block.directory(image, isBelow ? 0 : place));
     return blocks;
@@ -164,67 +133,68 @@ QByteArray coded(const QByteArray &text)
 const Hiding kHidings[] = {
     {"Description",
      [](const QByteArray &h) {
-         return exifWith({Tag::Image, 0x010e, kAscii, "seen "}, h);
+         return exifWith({Tag::Image, 0x010e, TiffMaker::kAscii, "seen "}, h);
      }},
     {"WindowsComment",
      [](const QByteArray &h) {
-         return exifWith({Tag::Image, 0x9c9c, 1, {}}, h);
+         return exifWith({Tag::Image, 0x9c9c, TiffMaker::kByte, {}}, h);
      }},
     {"Numbers",
      [](const QByteArray &h) {
-         return exifWith({Tag::Image, 0xc618, kShort, "ab"}, h);
+         return exifWith({Tag::Image, 0xc618, TiffMaker::kShort, "ab"}, h);
      }},
     {"UnknownTag",
      [](const QByteArray &h) {
-         return exifWith({Tag::Image, 0xc8f0, kUndefined, {}}, h);
+         return exifWith({Tag::Image, 0xc8f0, TiffMaker::kUndefined, {}}, h);
      }},
     {"LargeUnknownTag",
      [](const QByteArray &h) {
-         return exifWith({Tag::Image, 0xc8f0, kUndefined, QByteArray(8000, 'a')}, h.toHex().replace('f', "\xf0\xf1"));
+         return exifWith({Tag::Image, 0xc8f0, TiffMaker::kUndefined, QByteArray(8000, 'a')},
+                         h.toHex().replace('f', "\xf0\xf1"));
      }},
     {"Manifest",
      [](const QByteArray &h) {
-         return exifWith({Tag::Image, 0xcd41, kUndefined, "jumb"}, h.mid(30));
+         return exifWith({Tag::Image, 0xcd41, TiffMaker::kUndefined, "jumb"}, h.mid(30));
      }},
     {"PrivateData",
      [](const QByteArray &h) {
-         return exifWith({Tag::Image, 0xc634, 1, "Acme"}, h.mid(30));
+         return exifWith({Tag::Image, 0xc634, TiffMaker::kByte, "Acme"}, h.mid(30));
      }},
     {"OldThumbnail",
      [](const QByteArray &h) {
-         return exifWith({Tag::Image, 0x501b, 1, {}}, h.mid(30));
+         return exifWith({Tag::Image, 0x501b, TiffMaker::kByte, {}}, h.mid(30));
      }},
     {"PacketInExif",
      [](const QByteArray &h) {
-         return exifWith({Tag::Photo, 0x02bc, 1, "<x>"}, h.mid(30));
+         return exifWith({Tag::Photo, 0x02bc, TiffMaker::kByte, "<x>"}, h.mid(30));
      }},
     {"ResourcesInExif",
      [](const QByteArray &h) {
-         return exifWith({Tag::Photo, 0x8649, 1, "8BIM"}, h.mid(30));
+         return exifWith({Tag::Photo, 0x8649, TiffMaker::kByte, "8BIM"}, h.mid(30));
      }},
     {"UserComment",
      [](const QByteArray &h) {
-         return exifWith({Tag::Photo, 0x9286, kUndefined, coded("")}, h);
+         return exifWith({Tag::Photo, 0x9286, TiffMaker::kUndefined, coded("")}, h);
      }},
     {"MisplacedTag",
      [](const QByteArray &h) {
-         return exifWith({Tag::Photo, 0x010e, kAscii, {}}, h);
+         return exifWith({Tag::Photo, 0x010e, TiffMaker::kAscii, {}}, h);
      }},
     {"UnknownExifTagBesideANote",
      [](const QByteArray &h) {
-         return exifWith({Tag::Photo, 0xa999, kUndefined, {}, true}, h);
+         return exifWith({Tag::Photo, 0xa999, TiffMaker::kUndefined, {}, true}, h);
      }},
     {"Note",
      [](const QByteArray &h) {
-         return exifWith({Tag::Photo, 0x927c, kUndefined, "ACME\1\2\3 a"}, h + "z");
+         return exifWith({Tag::Photo, 0x927c, TiffMaker::kUndefined, "ACME\1\2\3 a"}, h + "z");
      }},
     {"GpsMethod",
      [](const QByteArray &h) {
-         return exifWith({Tag::Gps, 0x001b, kUndefined, coded("")}, h);
+         return exifWith({Tag::Gps, 0x001b, TiffMaker::kUndefined, coded("")}, h);
      }},
     {"Interoperability",
      [](const QByteArray &h) {
-         return exifWith({Tag::Interoperability, 0x4001, kUndefined, {}}, h);
+         return exifWith({Tag::Interoperability, 0x4001, TiffMaker::kUndefined, {}}, h);
      }},
     {"Thumbnail", [](const QByteArray &h) { return exifWithPicture(false, 0x0201, h.mid(30)); }},
     {"PlainThumbnail", [](const QByteArray &h) { return exifWithPicture(false, 0x0111, h.mid(30)); }},

@@ -4,7 +4,7 @@
 #include "PropertyDictionary.h"
 #include "SamplePhotos.h"
 #include "TagSizes.h"
-#include "TiffBytes.h"
+#include "TiffMaker.h"
 #include "ZlibStream.h"
 
 #include <QTemporaryDir>
@@ -15,18 +15,13 @@ namespace hazelmark {
 
 namespace {
 
-QByteArray tiffEntry(quint16 tag, quint16 type, quint32 count, quint32 value)
+/// Adds a directory of `count` tags, each of which has the whole of `size` bytes for its value.
+quint64 addSharing(TiffMaker &tiff, int count, quint64 size)
 {
-    return tiffBytes(tag, false) + tiffBytes(type, false) + tiffBytes(count, false) + tiffBytes(value, false);
-}
-
-/// A TIFF structure of `count` tags, each of which has the whole block for its value.
-QByteArray sharingTags(int count, quint32 size)
-{
-    QByteArray block = QByteArray("II*\0\x08\0\0\0", 8) + tiffBytes(quint16(count), false);
+    TiffEntries entries;
     for (int i = 0; i < count; ++i)
-        block += tiffEntry(quint16(0xc800 + i), 7, size - 8, 8);
-    return block + QByteArray(size - block.size(), '\0');
+        tiff.set(entries, quint16(0xc800 + i), TiffMaker::kUndefined, size - 8, tiff.place(8));
+    return tiff.directory(entries);
 }
 
 } // namespace
@@ -35,33 +30,34 @@ QByteArray sharingTags(int count, quint32 size)
 
 TEST(MetadataBombs, TagsThatShareTheirValuesAreLeftOut)
 {
-    constexpr quint32 kSize = 8 << 20;
+    constexpr quint64 kSize = 8 << 20;
     const QTemporaryDir folder;
+    TiffMaker block;
     MetadataBlocks blocks;
-    blocks.exif = sharingTags(200, kSize); // 1.6 GB of values
-    const QString path = writePhoto(folder, WriteFormat::Png, blocks);
-    EXPECT_TRUE(dictionaryOf(path));
-    EXPECT_TRUE(carriedOf(path, {40, 30}, WriteFormat::Png).exif.isEmpty());
+    blocks.exif = block.startingAt(addSharing(block, 200, kSize)).leftJustified(kSize, '\0'); // 1.6 GB of values
 
-    // The same in the EXIF directory of a TIFF file, behind the first.
-    constexpr quint32 kBehindFirst = 8 + 2 + 5 * 12 + 4;
-    const QString tiff =
-        writeBytes(folder, QStringLiteral("sharing.tif"),
-                   QByteArray("II*\0\x08\0\0\0", 8) + tiffBytes(quint16(5), false) + tiffEntry(256, 3, 1, 1) +
-                       tiffEntry(257, 3, 1, 1) + tiffEntry(273, 4, 1, 8) + tiffEntry(279, 4, 1, 1) +
-                       tiffEntry(0x8769, 4, 1, kBehindFirst) + QByteArray(4, '\0') + sharingTags(200, kSize).mid(8));
-    EXPECT_TRUE(dictionaryOf(tiff));
-    EXPECT_TRUE(carriedOf(tiff, {40, 30}, WriteFormat::Png).exif.isEmpty());
+    // The same in the EXIF directory of a TIFF file.
+    TiffMaker file;
+    TiffEntries first;
+    file.set(first, 0x8769, TiffMaker::kLong, file.place(addSharing(file, 200, kSize)));
+    for (const quint16 tag : {0x0100, 0x0101, 0x0111, 0x0117})
+        file.set(first, tag, TiffMaker::kShort, file.number(quint16(1)));
+    const QByteArray tiff = file.startingAt(file.directory(first)).leftJustified(kSize, '\0');
+    for (const QString &path :
+         {writePhoto(folder, WriteFormat::Png, blocks), writeBytes(folder, QStringLiteral("sharing.tif"), tiff)}) {
+        EXPECT_TRUE(dictionaryOf(path));
+        EXPECT_TRUE(carriedOf(path, {40, 30}, WriteFormat::Png).exif.isEmpty());
+    }
 }
 
 TEST(MetadataBombs, NoteOfAnUnusuallyLargeBlockIsNotRead)
 {
-    constexpr quint32 kExif = 8 + 2 + 12 + 4;
-    constexpr quint32 kNote = kExif + 2 + 12 + 4;
-    const QByteArray entry = tiffEntry(0x927c, 7, 100, kNote);
-    const QByteArray block = QByteArray("II*\0\x08\0\0\0", 8) + tiffBytes(quint16(1), false) +
-                             tiffEntry(0x8769, 4, 1, kExif) + QByteArray(4, '\0') + tiffBytes(quint16(1), false) +
-                             entry + QByteArray(4 + 200'000, '\0');
+    TiffMaker tiff;
+    TiffEntries first, exif;
+    tiff.set(exif, 0x927c, TiffMaker::kUndefined, QByteArray(100, 'n'));
+    const QByteArray entry = exif[0x927c];
+    tiff.set(first, 0x8769, TiffMaker::kLong, tiff.place(tiff.directory(exif)));
+    const QByteArray block = tiff.startingAt(tiff.directory(first));
     EXPECT_EQ(withoutUnusualNote(block), block);
     EXPECT_FALSE(withoutUnusualNote(block + QByteArray(800'000, '\0')).contains(entry));
 }
@@ -69,10 +65,12 @@ TEST(MetadataBombs, NoteOfAnUnusuallyLargeBlockIsNotRead)
 TEST(MetadataBombs, FileWithALargePacketAmongItsTagsIsImplausible)
 {
     const QTemporaryDir folder;
-    const auto isPlausible = [&](quint32 packetSize) {
-        const QByteArray tags = QByteArray("II*\0\x08\0\0\0", 8) + tiffBytes(quint16(1), false) +
-                                tiffEntry(700, 1, packetSize, 26) + QByteArray(4 + qsizetype(packetSize), '\0');
-        return hasPlausibleTags(**SourceFile::open(writeBytes(folder, QStringLiteral("a.tif"), tags)));
+    const auto isPlausible = [&](int packetSize) {
+        TiffMaker tiff;
+        TiffEntries first;
+        tiff.set(first, 0x02bc, TiffMaker::kByte, QByteArray(packetSize, ' '));
+        const QByteArray file = tiff.startingAt(tiff.directory(first));
+        return hasPlausibleTags(**SourceFile::open(writeBytes(folder, QStringLiteral("a.tif"), file)));
     };
     EXPECT_TRUE(isPlausible(10'000));
     EXPECT_FALSE(isPlausible(100'000));
@@ -111,26 +109,31 @@ TEST(MetadataBombs, ThousandsOfKeywordsAreReadAndCarriedMillionsAreNotAll)
 TEST(MetadataBombs, TagsFarBehindThePixelsOfATiffAreShown)
 {
     constexpr quint32 kPixels = 2 << 20;
-    constexpr quint32 kFirst = 8 + kPixels;
-    constexpr quint32 kExif = kFirst + 2 + 8 * 12 + 4;
-    constexpr quint32 kValues = kExif + 2 + 3 * 12 + 4;
-    const auto number = [](auto value) { return tiffBytes(value, false); };
+    TiffMaker tiff;
+    TiffEntries first, exif;
+    const auto numberIn = [&](TiffEntries &entries, quint16 tag, quint32 value) {
+        tiff.set(entries, tag, TiffMaker::kLong, tiff.number(value));
+    };
+    numberIn(first, 0x0111, quint32(tiff.add(QByteArray(kPixels, '\x80'))));
+    tiff.set(exif, 0x829d, TiffMaker::kRational, tiff.number(quint32(28)) + tiff.number(quint32(10)));
+    tiff.set(exif, 0x9286, TiffMaker::kUndefined, 0x7fffffff, tiff.place(8));
+    numberIn(first, 0x8769, quint32(tiff.directory(exif)));
+    for (const auto &[tag, value] : {std::pair<quint16, quint32>(0x0100, 2048),
+                                     {0x0101, 1024},
+                                     {0x0102, 8},
+                                     {0x0106, 1},
+                                     {0x0112, 6},
+                                     {0x0117, kPixels}})
+        numberIn(first, tag, value);
     const QTemporaryDir folder;
-    const QString path = writeBytes(
-        folder, QStringLiteral("far.tif"),
-        QByteArray("II*\0", 4) + number(kFirst) + QByteArray(kPixels, '\x80') + number(quint16(8)) +
-            tiffEntry(256, 4, 1, 2048) + tiffEntry(257, 4, 1, 1024) + tiffEntry(258, 3, 1, 8) +
-            tiffEntry(262, 3, 1, 1) + tiffEntry(273, 4, 1, 8) + tiffEntry(274, 3, 1, 6) +
-            tiffEntry(279, 4, 1, kPixels) + tiffEntry(0x8769, 4, 1, kExif) + QByteArray(4, '\0') + number(quint16(3)) +
-            tiffEntry(0x829d, 5, 1, kValues) + tiffEntry(0x8827, 3, 1, 400) + tiffEntry(0x9286, 7, 0x7fffffff, 8) +
-            QByteArray(4, '\0') + number(quint32(28)) + number(quint32(10)));
-    const auto dict = dictionaryOf(path);
+    const auto dict =
+        dictionaryOf(writeBytes(folder, QStringLiteral("far.tif"), tiff.startingAt(tiff.directory(first))));
     ASSERT_TRUE(dict);
     EXPECT_EQ(dict->value(QStringLiteral("Orientation")).toInt(), 6);
     EXPECT_EQ(dict->value(kTiffGroup).toMap().value(QStringLiteral("PhotometricInterpretation")).toInt(), 1);
-    const QVariantMap exif = dict->value(kExifGroup).toMap();
-    EXPECT_EQ(exif.value(QStringLiteral("FNumber")).toDouble(), 2.8);
-    EXPECT_FALSE(exif.contains(QStringLiteral("UserComment"))); // said to be two gigabytes long
+    const QVariantMap group = dict->value(kExifGroup).toMap();
+    EXPECT_EQ(group.value(QStringLiteral("FNumber")).toDouble(), 2.8);
+    EXPECT_FALSE(group.contains(QStringLiteral("UserComment"))); // said to be two gigabytes long
 }
 
 } // namespace hazelmark

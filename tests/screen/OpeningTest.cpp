@@ -43,10 +43,10 @@ protected:
 TEST_F(Opening, APhotoIsShownWithPanelAndBarAndABrushReadyToPaint)
 {
     Gate gate;
-    m_work.reading.load = [&gate, real = m_work.reading.load](const QString &path, QSize bound) {
+    m_work.reading.load = [&gate, real = m_work.reading.load](Photo &photo, QSize bound) {
         gate.pass();
-        auto loaded = real(path, bound);
-        loaded->isPartlyDamaged = path.endsWith(u"damaged.png"_qs);
+        auto loaded = real(photo, bound);
+        loaded->isPartlyDamaged = photo.path().endsWith(u"damaged.png"_qs);
         return loaded;
     };
     start();
@@ -140,7 +140,7 @@ TEST_F(Opening, AfterAnExportADropIsIgnoredUntilTheNextPreviewAndThePanelIsNot)
 /// Login name, path, whether the path counts as one in that person's trash.
 TEST_F(Opening, TheTrashIsTestedWithTheLoginNameAsItIsAndThePathInLowerCase)
 {
-    m_work.reading.inspect = [](const QString &path) -> Outcome<QByteArray> {
+    m_work.reading.open = [](const QString &path) -> Outcome<PhotoPtr> {
         return Failure{Failure::Reason::NoSuchFile, path, {}};
     };
     start();

@@ -66,7 +66,7 @@ TEST_F(RenderJobs, ExportAgreesWithDoublePrecision)
                               [](int x, int) { return QColor(255, std::clamp(x * 2 - 100, 0, 255), 90); });
     for (const auto &[blur, vignette] : {std::pair(60.0f, 0.0f), {60.0f, 0.1f}, {0.0f, 0.05f}, {13.7f, 0.0f}}) {
         ExportJob job;
-        job.imageUrl = stored(photo);
+        job.photo = *Photo::open(stored(photo));
         job.maskImage = PhotoImage::fromBitmap(mask);
         job.settings.blurAmount = blur;
         job.settings.vignetteAmount = vignette;
@@ -86,7 +86,7 @@ TEST_F(RenderJobs, ExportWithoutMaskOrEffectKeepsEveryBit)
 {
     const QImage photo = noise({200, 100}, QImage::Format_RGBA8888);
     ExportJob job;
-    job.imageUrl = stored(photo);
+    job.photo = *Photo::open(stored(photo));
     EXPECT_EQ((*job.run()).photo->bitmap(), photo);
     job.maskImage = PhotoImage::fromBitmap(filled({50, 50}, QImage::Format_RGBX8888, Qt::green));
     job.settings.blurAmount = -3.0f;
@@ -105,7 +105,7 @@ TEST_F(RenderJobs, AFreshRecordDarkensAnExportButNoPreview)
     const QImage photo = filled({90, 60}, QImage::Format_RGBX8888, Qt::white);
     const PhotoImagePtr mask = PhotoImage::fromBitmap(filled({90, 60}, QImage::Format_RGBX8888, Qt::green));
     ExportJob job;
-    job.imageUrl = stored(photo);
+    job.photo = *Photo::open(stored(photo));
     job.maskImage = mask;
     EXPECT_EQ(samplesAt((*job.run()).photo->bitmap(), 40, 30)[0], 3); // 1/1024 of the light
     PreviewJob preview{PhotoImage::fromBitmap(photo), mask, CoreFilterObject()};
@@ -119,7 +119,7 @@ TEST_F(RenderJobs, PreviewLooksLikeTheExportScaledDown)
         return (x / 80 + y / 80) % 2 ? QColor(240, 200, 30) : QColor(10, 40, 120);
     });
     ExportJob job;
-    job.imageUrl = stored(photo);
+    job.photo = *Photo::open(stored(photo));
     job.maskImage = PhotoImage::fromBitmap(filled(small, QImage::Format_RGBX8888, Qt::green));
     job.settings.blurAmount = 60.0f;
     job.settings.vignetteAmount = 0.0f;

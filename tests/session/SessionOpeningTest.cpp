@@ -32,7 +32,7 @@ TEST_P(SessionDrops, TheLastWholePhotoIsOpenAtTheEndWhereverAnotherBreaks)
     const std::string_view kinds(drop.kinds);
     std::vector<Gate> gates(kinds.size() + 1);
     gates[0].open();
-    m_work.reading.inspect = [&gates, real = m_work.reading.inspect](const QString &path) {
+    m_work.reading.open = [&gates, real = m_work.reading.open](const QString &path) {
         gates[std::size_t(path.chopped(4).right(1).toInt())].pass();
         return real(path);
     };
@@ -104,9 +104,9 @@ TEST_F(SessionOpening, ABrokenFileTouchesNothing)
 
 TEST_F(SessionOpening, APhotoSaysWhatIsKnownOfIt)
 {
-    m_work.reading.load = [real = m_work.reading.load](const QString &path, QSize bound) {
-        auto loaded = real(path, bound);
-        loaded->isPartlyDamaged = path.endsWith(QLatin1String("damaged.png"));
+    m_work.reading.load = [real = m_work.reading.load](Photo &photo, QSize bound) {
+        auto loaded = real(photo, bound);
+        loaded->isPartlyDamaged = photo.path().endsWith(QLatin1String("damaged.png"));
         return loaded;
     };
     start();
