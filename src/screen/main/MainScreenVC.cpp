@@ -388,7 +388,7 @@ void MainScreenVC::drawPaintCustomAlfterDelay()
     m_session->painting().redraw();
     m_brush->showToolInForce();
     btnProcessTapped();
-    QTimer::singleShot(kDiameterDelay, this, &MainScreenVC::hadleSliderBrushDiameter);
+    QTimer::singleShot(kDiameterDelay, m_brush.get(), &BrushControls::hadleSliderBrushDiameter);
 }
 
 // Previews
