@@ -41,6 +41,9 @@ TEST(Blend, OnlyTheGreenChannelOfTheMaskCounts)
     EXPECT_EQ(FlippedImage::blendWithAlphaMask(photoOf(front), nullptr, mask(Qt::black), 20)->bitmap(), front);
     EXPECT_EQ(FlippedImage::blendWithAlphaMask(nullptr, photoOf(front), mask(Qt::black), 20), nullptr);
     const QImage mixed = blend(QColor(0, 128, 0));
+    const PhotoImagePtr clear = photoOf(filled(kSize, QImage::Format_RGBA8888, QColor(0, 255, 0, 128)));
+    EXPECT_EQ(FlippedImage::blendWithAlphaMask(photoOf(front), photoOf(back), clear, 20)->bitmap(), mixed)
+        << "over black";
     for (int i = 0; i < 400; ++i) {
         const int x = i * 17 % kSize.width(), y = i * 7 % kSize.height();
         for (int c = 0; c < 3; ++c)
