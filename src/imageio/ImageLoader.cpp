@@ -123,12 +123,6 @@ Outcome<ImageLoader::Loaded> ImageLoader::loadReduced(Photo &photo, QSize bound)
     });
 }
 
-Outcome<ImageLoader::Loaded> ImageLoader::loadReduced(const QString &path, QSize bound)
-{
-    const Outcome<PhotoPtr> photo = Photo::open(path);
-    return photo ? loadReduced(**photo, bound) : photo.failure();
-}
-
 PhotoImagePtr ImageLoader::getImageWithFixedOrientionFromUrl(const QString &path)
 {
     return photoOf(load(path));

