@@ -36,45 +36,31 @@ MetadataBlocks tagged(int orientation)
 
 } // namespace
 
-class LoadedOrientations : public ImageLoaderFiles, public ::testing::WithParamInterface<int>
+TEST_F(ImageLoaderFiles, ThePictureStandsUprightWithItsProfile)
 {
-};
-
-TEST_P(LoadedOrientations, ThePictureStandsUpright)
-{
-    const int orientation = GetParam();
-    const QImage upright = noise({64, 48}, QImage::Format_RGBX8888);
-    const QString path = write(FlippedImage::RotateWithEXIF(upright, orientation), tagged(orientation));
-    EXPECT_EQ(ImageLoader::getImageOriginalSizeAtFilePathUrl(path), QSizeF(64, 48));
-    const PhotoImagePtr photo = ImageLoader::getImageWithFixedOrientionFromUrl(path);
-    ASSERT_TRUE(photo);
-    EXPECT_EQ(photo->size(), QSizeF(64, 48));
-    EXPECT_EQ(photo->bitmap(), upright);
-    const auto reduced = ImageLoader::loadReduced(**Photo::open(path), {32, 32});
-    ASSERT_TRUE(bool(reduced));
-    EXPECT_EQ(reduced->photo->pixelSize(), QSize(32, 24));
-    EXPECT_EQ((*ImageLoader::loadReduced(**Photo::open(path), {500, 500})).photo->bitmap(), upright);
-}
-
-INSTANTIATE_TEST_SUITE_P(All, LoadedOrientations, ::testing::Range(1, 9));
-
-TEST_F(ImageLoaderFiles, ARotatedPictureIsScaledToTheWidthAskedFor)
-{
-    const QString path = write(noise({80, 60}, QImage::Format_RGBX8888), tagged(6));
-    const PhotoImagePtr photo = ImageLoader::getImageFromFile(path, 30, 1000);
-    EXPECT_EQ(photo->size(), QSizeF(30, 40));
-    EXPECT_EQ(photo->pixelSize(), QSize(30, 40));
-    // One that is stored upright comes as it is.
-    const QString plain = write(noise({80, 60}, QImage::Format_RGBX8888), tagged(1));
-    EXPECT_EQ(ImageLoader::getImageFromFile(plain, 30, 1000)->pixelSize(), QSize(80, 60));
-}
-
-TEST_F(ImageLoaderFiles, WithoutMetadataTheFileLoadsAsStored)
-{
-    const QImage image = noise({31, 17}, QImage::Format_RGBA64);
-    const PhotoImagePtr photo = ImageLoader::getImageWithFixedOrientionFromUrl(write(image, {}));
-    EXPECT_EQ(photo->bitmap(), image);
-    EXPECT_EQ(photo->size(), QSizeF(31, 17));
+    for (const QImage::Format format : {QImage::Format_RGBX8888, QImage::Format_RGBA64}) {
+        const QImage upright = noise({64, 48}, format);
+        for (int orientation = 0; orientation <= 8; ++orientation) { // 0: no metadata
+            MetadataBlocks blocks = orientation > 0 ? tagged(orientation) : MetadataBlocks();
+            if (orientation % 2 == 1)
+                blocks.iccProfile = QColorSpace(QColorSpace::DisplayP3).iccProfile();
+            const QString path = write(FlippedImage::RotateWithEXIF(upright, orientation), blocks);
+            EXPECT_EQ(ImageLoader::getImageOriginalSizeAtFilePathUrl(path), QSizeF(64, 48));
+            const PhotoImagePtr photo = ImageLoader::getImageWithFixedOrientionFromUrl(path);
+            ASSERT_TRUE(photo);
+            EXPECT_EQ(photo->size(), QSizeF(64, 48)) << orientation;
+            EXPECT_EQ(photo->bitmap(), upright) << orientation;
+            EXPECT_EQ(photo->iccProfile(), blocks.iccProfile);
+            const auto reduced = ImageLoader::loadReduced(**Photo::open(path), {32, 32});
+            ASSERT_TRUE(bool(reduced));
+            EXPECT_EQ(reduced->photo->pixelSize(), QSize(32, 24)) << orientation;
+            EXPECT_EQ((*ImageLoader::loadReduced(**Photo::open(path), {500, 500})).photo->bitmap(), upright);
+            // One whose tag says that it is stored upright comes as it is, others at the width that is asked for.
+            const PhotoImagePtr sized = ImageLoader::getImageFromFile(path, 16, 1000);
+            EXPECT_EQ(sized->size(), orientation != 1 ? QSizeF(16, 12) : QSizeF(64, 48)) << orientation;
+            EXPECT_EQ(sized->pixelSize(), sized->size().toSize());
+        }
+    }
 }
 
 TEST_F(ImageLoaderFiles, GrayBecomesRgbWithTheSameLevels)
@@ -94,37 +80,25 @@ TEST_F(ImageLoaderFiles, GrayBecomesRgbWithTheSameLevels)
             EXPECT_EQ(samplesAt(rgb, x, 1)[c], x);
 }
 
-TEST_F(ImageLoaderFiles, TheProfileComesAlong)
-{
-    MetadataBlocks blocks;
-    blocks.iccProfile = QColorSpace(QColorSpace::DisplayP3).iccProfile();
-    const QString path = write(noise({9, 9}, QImage::Format_RGBX8888), blocks);
-    EXPECT_EQ(ImageLoader::getImageWithFixedOrientionFromUrl(path)->iccProfile(), blocks.iccProfile);
-}
-
 TEST_F(ImageLoaderFiles, FailuresAreToldOnStandardErrorWithoutALineEnd)
 {
-    ::testing::internal::CaptureStderr();
-    EXPECT_EQ(ImageLoader::getImageWithFixedOrientionFromUrl(m_folder.filePath(QStringLiteral("none.jpg"))), nullptr);
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Image source is NULL.");
-
-    const QString path = write(noise({64, 64}, QImage::Format_RGBX8888), {}, WriteFormat::Jpeg);
-    QFile file(path);
-    ASSERT_TRUE(file.resize(file.size() / 2));
-    ::testing::internal::CaptureStderr();
-    EXPECT_EQ(ImageLoader::getImageWithFixedOrientionFromUrl(path), nullptr);
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Image not created from image source.");
-    const auto loaded = ImageLoader::load(path);
-    ASSERT_FALSE(bool(loaded));
-    EXPECT_EQ(loaded.failure().reason, Failure::Reason::Truncated);
-
-    // The file opens, but nobody can make a picture of it: a lossless JPEG.
-    QByteArray lossless = readBytes(write(noise({64, 64}, QImage::Format_RGBX8888), {}, WriteFormat::Jpeg));
+    const QByteArray whole = readBytes(write(noise({64, 64}, QImage::Format_RGBX8888), {}, WriteFormat::Jpeg));
+    QByteArray lossless = whole; // the file opens, but nobody can make a picture of it
     lossless[lossless.indexOf("\xff\xc0") + 1] = '\xc3';
-    const QString unknown = writeBytes(m_folder, QStringLiteral("lossless.jpg"), lossless);
-    ::testing::internal::CaptureStderr();
-    EXPECT_EQ(ImageLoader::getImageWithFixedOrientionFromUrl(unknown), nullptr);
-    EXPECT_EQ(::testing::internal::GetCapturedStderr(), "Image not created from image source.");
+    using Reason = Failure::Reason;
+    for (const auto &[bytes, reason, told] :
+         {std::tuple(QByteArray(), Reason::NoSuchFile, "Image source is NULL."),
+          {whole.left(whole.size() / 2), Reason::Truncated, "Image not created from image source."},
+          {lossless, Reason::UnsupportedFormat, "Image not created from image source."}}) {
+        const QString path = bytes.isEmpty() ? m_folder.filePath(QStringLiteral("none.jpg"))
+                                             : writeBytes(m_folder, QStringLiteral("bad.jpg"), bytes);
+        ::testing::internal::CaptureStderr();
+        EXPECT_EQ(ImageLoader::getImageWithFixedOrientionFromUrl(path), nullptr);
+        EXPECT_EQ(::testing::internal::GetCapturedStderr(), told);
+        const auto loaded = ImageLoader::load(path);
+        ASSERT_FALSE(bool(loaded));
+        EXPECT_EQ(loaded.failure().reason, reason) << loaded.failure().sentence().toStdString();
+    }
 }
 
 } // namespace hazelmark
