@@ -22,6 +22,7 @@ constexpr qsizetype kRoomPerByte = 64;
 
 constexpr int8_t kNone = -1;
 constexpr int8_t kSlash = 63;
+constexpr int8_t kLargestDigit = 15;
 
 constexpr std::array<int8_t, 256> base64Values()
 {
@@ -55,7 +56,7 @@ constexpr std::array<int8_t, 256> hexValues()
 struct Letters
 {
     QByteArray values;
-    std::vector<qsizetype> starts; ///< where in `values` longer runs begin with a slash
+    std::vector<qsizetype> starts; ///< where in `values` longer runs begin with the letter that is looked for
 };
 
 class Unzip
@@ -212,7 +213,7 @@ private:
     {
         static constexpr std::array kValues = base64Values();
         const QByteArray plain = withoutEscapes(bytes);
-        const Letters letters = lettersOf(plain, kValues);
+        const Letters letters = lettersOf(plain, kValues, kSlash);
         if (letters.values.size() < kLeastLetters)
             return false;
         for (qsizetype shift = 0; shift < 4; ++shift) {
@@ -228,18 +229,26 @@ private:
         static constexpr std::array kValues = hexValues();
         QByteArray plain = bytes.toByteArray();
         plain.replace("0x", " ").replace("0X", " ");
-        const Letters digits = lettersOf(plain, kValues);
+        const Letters digits = lettersOf(plain, kValues, kLargestDigit);
         if (digits.values.size() < kLeastLetters)
             return false;
         for (qsizetype shift = 0; shift < 2; ++shift) {
-            QByteArray decoded;
-            decoded.reserve(digits.values.size() / 2);
-            for (qsizetype at = shift; at + 2 <= digits.values.size(); at += 2)
-                decoded += char(digits.values[at] << 4 | digits.values[at + 1]);
-            if (holds(decoded, true) || (shift == 0 && holds(decoded.left(kJpegXlStart), false)))
+            if (holds(fromHex(digits.values, shift, digits.values.size()), true))
                 return true;
         }
-        return false;
+        return std::any_of(digits.starts.begin(), digits.starts.end(), [&](qsizetype start) {
+            const qsizetype end = std::min(start + 2 * kJpegXlStart, digits.values.size());
+            return !plainPicturesIn(fromHex(digits.values, start, end), SearchIn::Value).empty();
+        });
+    }
+
+    static QByteArray fromHex(const QByteArray &values, qsizetype from, qsizetype end)
+    {
+        QByteArray decoded;
+        decoded.reserve((end - from) / 2);
+        for (qsizetype at = from; at + 2 <= end; at += 2)
+            decoded += char(values[at] << 4 | values[at + 1]);
+        return decoded;
     }
 
     /// Addresses escape the three letters that mean something else in them.
@@ -254,7 +263,7 @@ private:
         return plain;
     }
 
-    static Letters lettersOf(const QByteArray &bytes, const std::array<int8_t, 256> &values)
+    static Letters lettersOf(const QByteArray &bytes, const std::array<int8_t, 256> &values, int8_t first)
     {
         Letters letters;
         letters.values.reserve(bytes.size());
@@ -265,15 +274,18 @@ private:
             sureStarts = letters.starts.size();
         };
         bool isNew = true;
+        char before = 0;
         for (const char c : bytes) {
             const int8_t value = values[quint8(c)];
             if (value < 0) {
-                isNew = isNew || c != 0; // every other byte of UTF-16 text
-                if (c != 0 && c != '\\' && !(c >= '\t' && c <= '\r') && c != ' ')
+                isNew = isNew || c != 0 || before == 0; // every other byte of UTF-16 text is zero
+                before = c;
+                if (c != 0 && c != '\\' && !(c >= '\t' && c <= '\r') && c != ' ' && c != ',')
                     endRun();
                 continue;
             }
-            if (isNew && value == kSlash)
+            before = c;
+            if (isNew && value == first)
                 letters.starts.push_back(letters.values.size());
             isNew = false;
             letters.values += char(value);

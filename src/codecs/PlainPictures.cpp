@@ -346,7 +346,7 @@ private:
         constexpr qsizetype kMostBefore = 64;
         if (at <= kMostBefore && at + kLeast <= end() && textBefore(at, at) == at)
             return hasJpegXlSize(at + 2) || looksPacked(at + 2, 2 * kLeast);
-        return textBefore(at, kLeast) >= std::min(at, kLeast) * 3 / 4 && hasJpegXlSize(at + 2) &&
+        return textBefore(at, kLeast) >= std::min(at, kLeast) * 5 / 8 && hasJpegXlSize(at + 2) &&
                looksPacked(at + 2, m_where == SearchIn::Value ? 2 * kLeast : 8 * kLeast);
     }
 
