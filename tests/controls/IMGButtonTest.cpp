@@ -13,6 +13,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -213,9 +214,9 @@ TEST_F(IMGButtonTest, DrawsThePiecesAndTheTitleColourOfItsState)
     };
     const auto color = [](qsizetype state, int piece) { return QColor(int(40 * state), 0, 100 * piece); };
     for (qsizetype i = 0; i < 6; ++i) {
-        (m_button.*states[i].start)(m_images.image(color(i, 0)));
-        (m_button.*states[i].middle)(m_images.image(color(i, 1)));
-        (m_button.*states[i].end)(m_images.image(color(i, 2)));
+        std::invoke(states[i].start, m_button, m_images.image(color(i, 0)));
+        std::invoke(states[i].middle, m_button, m_images.image(color(i, 1)));
+        std::invoke(states[i].end, m_button, m_images.image(color(i, 2)));
     }
     EXPECT_EQ(m_button.sizeHint(), QSize(30, 10));
     m_button.setText(QStringLiteral("\u2588"));

@@ -133,13 +133,13 @@ HWY_INLINE WordVec blendAny(WordVec pixels, const StampRow &row, int pixel, bool
 template <bool kWhite, Spacing kSpacing>
 HWY_INLINE WordVec blendTimes(WordVec pixels, const StampRow &row, int pixel, bool addsGreen)
 {
-    const Words words;
-    WordVec blended = blendAny<kWhite, kSpacing>(pixels, row, pixel, addsGreen);
-    for (int time = 1; time < row.times && !hn::AllTrue(words, hn::Eq(pixels, blended)); ++time) {
+    // The blend is inlined once: compilers take minutes over several.
+    for (int time = 1;; ++time) {
+        const WordVec blended = blendAny<kWhite, kSpacing>(pixels, row, pixel, addsGreen);
+        if (time >= row.times || hn::AllTrue(Words(), hn::Eq(pixels, blended)))
+            return blended;
         pixels = blended;
-        blended = blendAny<kWhite, kSpacing>(pixels, row, pixel, addsGreen);
     }
-    return blended;
 }
 
 template <bool kWhite, Spacing kSpacing>
