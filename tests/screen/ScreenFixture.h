@@ -1,5 +1,6 @@
 #pragma once
 
+#include "../support/Gate.h"
 #include "ApplicationDelegate.h"
 #include "MainScreenVC.h"
 #include "NotificationCenter.h"
@@ -14,7 +15,6 @@
 #include <atomic>
 #include <memory>
 #include <mutex>
-#include <semaphore>
 #include <vector>
 
 namespace hazelmark {
@@ -43,17 +43,6 @@ class NamedSession : public UserSession
 public:
     QString loginName() const override { return m_login; }
     QString m_login = QStringLiteral("somebody");
-};
-
-/// Holds threads up until it is opened.
-class Gate
-{
-public:
-    void open(int times = 1000) { m_semaphore.release(times); }
-    void pass() { m_semaphore.acquire(); }
-
-private:
-    std::counting_semaphore<> m_semaphore{0};
 };
 
 /// The main screen in a window of 1300 × 800 points, with the photos and the notifications of the test's own. Loading

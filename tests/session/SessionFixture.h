@@ -1,5 +1,6 @@
 #pragma once
 
+#include "../support/Gate.h"
 #include "PaintCanvas.h"
 #include "PaintControl.h"
 #include "PhotoFile.h"
@@ -12,21 +13,9 @@
 
 #include <atomic>
 #include <memory>
-#include <semaphore>
 #include <vector>
 
 namespace hazelmark {
-
-/// Holds threads up until it is opened.
-class Gate
-{
-public:
-    void open(int times = 1000) { m_semaphore.release(times); }
-    void pass() { m_semaphore.acquire(); }
-
-private:
-    std::counting_semaphore<> m_semaphore{0};
-};
 
 /// A session with a canvas that nobody sees. Reading, rendering and writing are the real ones unless `work` says
 /// otherwise before `start()`. A photo that is handed over is opened at half its size, ready to be painted on.
