@@ -25,7 +25,11 @@ protected:
             return PhotoImage::fromBitmap(result);
         };
     }
-    ~SessionPreviews() override { m_gate.open(); }
+    ~SessionPreviews() override
+    {
+        m_gate.open();
+        m_session.reset(); // waits for the render that uses what follows
+    }
 
     int lastShown() const { return m_previews.empty() ? -1 : m_previews.back().pixelColor(3, 3).red(); }
     bool shows(std::size_t count)
