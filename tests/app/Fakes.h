@@ -13,8 +13,6 @@
 #include <QTemporaryDir>
 #include <QWidget>
 
-#include <vector>
-
 namespace hazelmark {
 
 struct FakeUserSession : UserSession
@@ -37,12 +35,12 @@ struct FakeWorkspace : Workspace
 {
     void openUrl(const QUrl &url, Completion completion) override
     {
-        m_opened.push_back(url);
+        m_opened << (url.isLocalFile() ? url.fileName() : url.toString());
         if (completion)
             completion(m_succeeds);
     }
 
-    std::vector<QUrl> m_opened;
+    QStringList m_opened;
     bool m_succeeds = true;
 };
 
@@ -62,12 +60,8 @@ public:
     {
         m_tokens.clear();
         m_posted.clear();
-        for (const QString &name : names) {
-            m_tokens.push_back(m_center.addObserver(name, [this, name](const QVariantMap &userInfo) {
-                m_posted.append(name);
-                m_lastUserInfo = userInfo;
-            }));
-        }
+        for (const QString &name : names)
+            m_tokens.push_back(m_center.addObserver(name, [this, name](const auto &) { m_posted << name; }));
     }
 
     QTemporaryDir m_folder;
@@ -78,7 +72,6 @@ public:
     FakeWorkspace m_workspace;
     ProcessState m_state;
     QStringList m_posted;
-    QVariantMap m_lastUserInfo;
 
 private:
     std::vector<NotificationCenter::Token> m_tokens;

@@ -22,14 +22,12 @@ namespace {
 class LocalisationTest : public testing::Test
 {
 protected:
-    /// `texts`: key, text, key, text, ...
-    void write(const QString &name, const QStringList &texts)
+    void write(const QString &name, const QList<std::pair<QString, QString>> &texts, QString entries = {})
     {
-        QFile file(m_folder.filePath(name));
+        for (const auto &[key, text] : texts)
+            entries += u"<key>%1</key><string>%2</string>"_s.arg(key, text);
+        QFile file(m_folder.filePath(name + u".plist"_s));
         ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        QString entries;
-        for (qsizetype i = 0; i < texts.size(); ++i)
-            entries += (i % 2 ? u"<string>%1</string>"_s : u"<key>%1</key>"_s).arg(texts[i]);
         file.write(u"<plist><dict>%1</dict></plist>"_s.arg(entries).toUtf8());
     }
     static QString save(Localisation &texts) { return texts.getLocalizedStringForKey(u"SAVE"_s); }
@@ -83,52 +81,50 @@ QSet<QString> keysOfTheSources()
 
 } // namespace
 
-TEST_F(LocalisationTest, FollowsTheFirstPreferredLanguage)
+TEST_F(LocalisationTest, TextsAreOfTheFirstPreferredLanguageWithSpecifiersForPlaceholders)
 {
     for (const char *code : {"en", "fr", "de", "zh"})
-        write(u"BS_%1.plist"_s.arg(QLatin1String(code)), {u"SAVE"_s, QLatin1String(code)});
-    const std::pair<const char *, const char *> languages[] = {{"en", "en"},         {"fr-CA", "fr"}, {"de-DE", "de"},
-                                                               {"zh-Hans-CN", "zh"}, {"it-IT", "en"}, {"", "en"},
-                                                               {"../x", "en"}};
-    for (const auto &[preferred, code] : languages) {
+        write(u"BS_%1"_s.arg(QLatin1String(code)), {{u"SAVE"_s, QLatin1String(code)}});
+    for (const auto &[preferred, code] : {std::pair{"en", "en"},
+                                          {"fr-CA", "fr"},
+                                          {"de-DE", "de"},
+                                          {"zh-Hans-CN", "zh"},
+                                          {"it-IT", "en"},
+                                          {"", "en"},
+                                          {"../x", "en"}}) {
         m_session.m_languages = {QLatin1String(preferred), u"fr"_s};
         Localisation texts;
         EXPECT_EQ(save(texts), QLatin1String(code)) << preferred;
     }
-}
-
-TEST_F(LocalisationTest, PlaceholdersBecomeSpecifiers)
-{
-    write(u"BS_en.plist"_s, {u"A"_s, u"{1} of {0}, {2}, {3} and {4}, not {5}; 100 %"_s, u"B"_s,
-                             u"DONOT_TRANSLATE_INTEGER_VALUE x DONOT_TRANSLATE_STRING_VALUE"_s, u"C"_s, u""_s});
-    const std::pair<QString, QString> formats[] = {{u"A"_s, u"%@ of %@, %@, %@ and %@, not {5}; 100 %"_s},
-                                                   {u"B"_s, u"%d x %@"_s},
-                                                   {u"C"_s, u""_s},
-                                                   {u"D"_s, u"(null)"_s}};
-    for (const auto &[key, format] : formats) {
-        EXPECT_EQ(m_texts.getLocalizedStringForKey(key), format);
-        EXPECT_EQ(m_texts.getLocalizedString(key, u"old"_s), format);
+    write(u"BS_en"_s, {{u"A"_s, u"{1} of {0}, {2}, {3} and {4}, not {5}; 100 %"_s},
+                       {u"B"_s, u"DONOT_TRANSLATE_INTEGER_VALUE x DONOT_TRANSLATE_STRING_VALUE"_s},
+                       {u"C"_s, u""_s}});
+    for (const auto &[key, format] :
+         {std::pair{"A", "%@ of %@, %@, %@ and %@, not {5}; 100 %"}, {"B", "%d x %@"}, {"C", ""}, {"D", "(null)"}}) {
+        EXPECT_EQ(m_texts.getLocalizedStringForKey(QLatin1String(key)), QLatin1String(format));
+        EXPECT_EQ(m_texts.getLocalizedString(QLatin1String(key), u"old"_s), QLatin1String(format));
     }
 }
 
 TEST_F(LocalisationTest, ATableThatIsMissingOrBrokenIsTriedAgainAndAGoodOneKept)
 {
     EXPECT_EQ(save(m_texts), u"(null)"_s);
-    write(u"BS_en.plist"_s, {u"SAVE"_s});
+    write(u"BS_en"_s, {}, u"<key>SAVE"_s);
     EXPECT_EQ(save(m_texts), u"(null)"_s);
     EXPECT_FALSE(m_texts.dictLanguageTokens());
     for (const QString &text : {u"Save"_s, u"changed"_s}) {
-        write(u"BS_en.plist"_s, {u"SAVE"_s, text});
+        write(u"BS_en"_s, {{u"SAVE"_s, text}});
         EXPECT_EQ(save(m_texts), u"Save"_s);
     }
     for (const QString &name : {u"EN"_s, u"FR"_s, u"DE"_s, u"JA"_s})
-        write(u"Hazelmark_%1.plist"_s.arg(name), {u"SAVE"_s, name});
+        write(u"Hazelmark_"_s + name, {{u"SAVE"_s, name}});
     EXPECT_FALSE(m_texts.languageSettingsDict());
-    const std::pair<int, QString> tags[] = {{0, u"EN"_s}, {1, u"FR"_s},  {2, u"DE"_s}, {4, u"JA"_s},
-                                            {5, u"EN"_s}, {-1, u"EN"_s}, {3, u""_s}};
-    for (const auto &[tag, picked] : tags) {
+    for (const auto &[tag, picked] :
+         {std::pair{0, "EN"}, {1, "FR"}, {2, "DE"}, {4, "JA"}, {5, "EN"}, {-1, "EN"}, {3, ""}}) {
         m_texts.loadLanguageSettings(tag);
-        EXPECT_EQ(m_texts.languageSettingsDict().value_or(QVariantMap()).value(u"SAVE"_s).toString(), picked) << tag;
+        EXPECT_EQ(m_texts.languageSettingsDict().value_or(QVariantMap()).value(u"SAVE"_s).toString(),
+                  QLatin1String(picked))
+            << tag;
         EXPECT_EQ(save(m_texts), u"Save"_s) << "no lookup reads it";
     }
     EXPECT_FALSE(m_texts.languageSettingsDict()) << "the last one is missing";
@@ -140,30 +136,30 @@ TEST_F(LocalisationTest, LinksLeadToPagesAndToFilesOfTheProgramOnly)
     EXPECT_FALSE(menu.btnRecommendedApps->isVisible() || menu.btnStorePage) << "without any there is nothing to head";
     delete menu.menuBar();
     ASSERT_TRUE(QDir(m_folder.path()).mkpath(u"manual/index.html"_s));
-    const QStringList links{u"manual/index.html"_s,
-                            u"http://example.org"_s,
-                            u"https://example.org/x"_s,
-                            u"appstream:org.example.App"_s,
-                            u"file:///etc/passwd"_s,
-                            u"manual/none.html"_s,
-                            u"../outside"_s,
-                            u""_s,
-                            u"https://beyond.the.last.tag"_s};
+    const std::pair<QString, bool> links[]{{u"manual/index.html"_s, true},
+                                           {u"http://example.org"_s, true},
+                                           {u"https://example.org/x"_s, true},
+                                           {u"appstream:org.example.App"_s, true},
+                                           {u"file:///etc/passwd"_s, false},
+                                           {u"manual/none.html"_s, false},
+                                           {u"../outside"_s, false},
+                                           {u""_s, false},
+                                           {u"https://beyond.the.last.tag"_s, false}};
     QString entries;
-    for (qsizetype tag = 0; tag < links.size(); ++tag)
+    for (const auto &[address, isFollowed] : links)
         entries +=
             u"<key>%1</key><dict><key>name</key><string>Page</string><key>address</key><string>%2</string></dict>"_s
-                .arg(QString::number(tag), links[tag]);
-    QFile file(m_folder.filePath(u"Links.plist"_s));
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(u"<plist><dict>%1</dict></plist>"_s.arg(entries).toUtf8());
-    file.close();
+                .arg(QString::number(entries.count(u"<dict>"_s)), address);
+    write(u"Links"_s, {}, entries);
     const LinkTable table;
-    EXPECT_EQ(table.address(0), QUrl::fromLocalFile(m_folder.filePath(links[0])));
-    for (const int tag : {1, 2, 3})
-        EXPECT_EQ(table.address(tag), QUrl(links[tag]));
-    for (const int tag : {-1, 4, 5, 6, 7, 8})
-        EXPECT_TRUE(table.address(tag).isEmpty()) << tag;
+    for (int tag = 0; tag < int(std::size(links)); ++tag) {
+        const auto &[address, isFollowed] = links[tag];
+        EXPECT_EQ(table.address(tag), !isFollowed ? QUrl()
+                                      : tag == 0  ? QUrl::fromLocalFile(m_folder.filePath(address))
+                                                  : QUrl(address))
+            << tag;
+    }
+    EXPECT_TRUE(table.address(-1).isEmpty());
     EXPECT_EQ(table.name(7) + table.name(8), u"Page"_s);
 }
 
