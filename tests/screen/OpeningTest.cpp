@@ -120,7 +120,7 @@ TEST_F(Opening, AfterAnExportADropIsIgnoredUntilTheNextPreviewAndThePanelIsNot)
     m_screen->panel().slider(Setting::Vignette)->setValue(0.04);
     m_screen->session().setLastExportedImage(m_screen->inputImage());
     m_screen->photoDraggedWithPath(after);
-    QTest::qWait(100);
+    letTimersFire(100);
     EXPECT_EQ(m_screen->imageUrl(), before);
     m_screen->applyCustomEnhanceFilterOnPreviewImage();
     open(after);

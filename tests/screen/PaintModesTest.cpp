@@ -46,7 +46,7 @@ TEST_F(PaintModes, WithoutAToolNothingHappens)
     m_screen->hadleSliderBrushHardness();
     post(kNotificationMouseIn);
     post(kNotificationBurshDrawedRegionUpdated);
-    QTest::qWait(50);
+    letTimersFire(50);
     EXPECT_EQ(canvas()->pointSize(), before);
     EXPECT_EQ(panel()->field(Setting::BrushDiameter)->text(), text);
     EXPECT_FALSE(canvas()->isVisible());
@@ -96,7 +96,7 @@ TEST_F(PaintModes, StrokesKeepTheirPlaceAcrossAResizeAlsoOneThatIsUnderWay)
     EXPECT_GT(paintAt({0.3, 0.25}), 200) << "stretched at once";
     post(kNotificationWindowEndResizing);
     stroke({0.1, 0.75}, {0.4, 0.75}, false); // the button is still down when the redraw comes
-    QTest::qWait(kAfterRedraw);
+    letTimersFire(kAfterRedraw);
     EXPECT_GT(paintAt({0.3, 0.25}), 200);
     EXPECT_GT(paintAt({0.3, 0.75}), 200);
     EXPECT_EQ(paintAt({0.7, 0.75}), 0);
@@ -136,12 +136,14 @@ TEST_F(PaintModes, AReplayLeavesTheLastStrokesToolAndTheHighlightSaysSo)
     panel()->slider(Setting::BrushDiameter)->setValueByUser(100);
     post(kNotificationWindowEndResizing);
     EXPECT_FALSE(eraserIsHighlighted());
-    QTest::qWait(kAfterRedraw);
+    float sizeAtRedraw = 0;
+    QObject::connect(panel()->btnEraser(), &QAbstractButton::toggled, canvas(),
+                     [&] { sizeAtRedraw = canvas()->pointSize(); });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return eraserIsHighlighted(); }));
     EXPECT_TRUE(canvas()->eraser());
-    EXPECT_TRUE(eraserIsHighlighted());
     EXPECT_EQ(m_screen->toolType(), Painting::kToolPaint);
-    EXPECT_FLOAT_EQ(canvas()->pointSize(), 64.8F) << "the last stroke's";
-    QTest::qWait(kAfterDiameter);
+    EXPECT_FLOAT_EQ(sizeAtRedraw, 64.8F) << "the last stroke's";
+    letTimersFire(kAfterDiameter);
     EXPECT_FLOAT_EQ(canvas()->pointSize(), 162) << "the slider's again";
     chooseBrush();
     EXPECT_FALSE(canvas()->eraser());
@@ -156,7 +158,7 @@ TEST_F(PaintModes, ANewPhotoStartsEmptyWhateverIsStillDue)
     open(photo(u"b.png"_qs, {1000, 1500}, Qt::blue));
     EXPECT_EQ(m_screen->toolType(), Painting::kToolPaint);
     stroke({0.5, 0.1}, {0.5, 0.2});
-    QTest::qWait(kAfterRedraw + 200);
+    letTimersFire(kAfterRedraw);
     EXPECT_EQ(paintAt({0.5, 0.5}), 0) << "the stroke on the photo before";
     EXPECT_GT(paintAt({0.5, 0.15}), 200) << "the stroke on this one";
     EXPECT_EQ(canvas()->arrDrawedPoints()->size(), 11U);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "../support/Gate.h"
+#include "../support/Timers.h"
 #include "ApplicationDelegate.h"
 #include "MainScreenVC.h"
 #include "NotificationCenter.h"
@@ -62,7 +63,7 @@ protected:
 
     /// Drops the file and waits until it is the open photo.
     void open(const QString &path);
-    /// Waits until as many previews came into view as there were in the whole test, or more.
+    /// Waits until as many previews as that, or more, have come into view in the whole test.
     void waitForPreviews(int shown);
     /// Drags the mouse over the canvas between two fractions of it; lets go unless told otherwise.
     void stroke(QPointF from, QPointF to, bool letGo = true);

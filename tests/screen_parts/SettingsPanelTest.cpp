@@ -1,5 +1,7 @@
 #include "SettingsPanel.h"
 
+#include "../support/Timers.h"
+
 #include "ColorWell.h"
 #include "FakeApplication.h"
 #include "FloatSlider.h"
@@ -174,7 +176,7 @@ TEST_F(SettingsPanelTest, WhatIsTypedWaitsForTheDelayAndChangesNothingOnceAnExpo
         QTest::keyClicks(field, exporting ? QStringLiteral("7") : QStringLiteral("9"));
         EXPECT_EQ(value(Setting::BlurAmount), exporting ? 9 : 60);
         m_panel.setEnabled(!exporting);
-        QTest::qWait(350);
+        letTimersFire(300);
         EXPECT_EQ(value(Setting::BlurAmount), 9);
         EXPECT_EQ(field->text(), QStringLiteral("9"));
         EXPECT_EQ(m_effect.size(), 1);
