@@ -24,10 +24,12 @@ void Localisation::loadLanguageDict()
     if (m_dictLanguageTokens)
         return;
     // "de-DE" gives "de", "zh-Hans-CN" gives "zh".
-    const QString code = UserSession::current().preferredLanguages().value(0).section(QLatin1Char('-'), 0, 0);
-    QString path = lookupTablePath(code);
-    if (path.isEmpty())
-        path = lookupTablePath(QStringLiteral("en"));
+    m_languageCode = UserSession::current().preferredLanguages().value(0).section(QLatin1Char('-'), 0, 0);
+    QString path = lookupTablePath(m_languageCode);
+    if (path.isEmpty()) {
+        m_languageCode = QStringLiteral("en");
+        path = lookupTablePath(m_languageCode);
+    }
     m_dictLanguageTokens = readPropertyList(path);
 }
 
@@ -53,6 +55,17 @@ QString Localisation::getLocalizedStringForKey(const QString &key)
 QString Localisation::getLocalizedString(const QString &key, const QString &)
 {
     return getLocalizedStringForKey(key);
+}
+
+int Localisation::languageInForce()
+{
+    loadLanguageDict();
+    constexpr std::array kCodes{"en", "fr", "de", "zh", "ja"};
+    for (size_t tag = 0; tag < kCodes.size(); ++tag) {
+        if (m_languageCode == QLatin1String(kCodes[tag]))
+            return static_cast<int>(tag);
+    }
+    return 0;
 }
 
 void Localisation::loadLanguageSettings(int tag)

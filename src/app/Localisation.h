@@ -24,6 +24,9 @@ public:
     void loadLanguageDict();
     const std::optional<QVariantMap> &dictLanguageTokens() const { return m_dictLanguageTokens; }
 
+    /// The tag in the language menu of the language that lookups give.
+    int languageInForce();
+
     /// Loads the table that the language menu's item with `tag` (0 to 4) names; any other tag stands for English.
     void loadLanguageSettings(int tag);
     /// The table that was picked in the language menu; absent before that, and when its file is missing.
@@ -31,6 +34,7 @@ public:
 
 private:
     std::optional<QVariantMap> m_dictLanguageTokens;
+    QString m_languageCode = QStringLiteral("en"); ///< of that table
     std::optional<QVariantMap> m_languageSettingsDict;
 };
 

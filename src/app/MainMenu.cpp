@@ -54,13 +54,18 @@ void MainMenu::makeFileMenu()
 void MainMenu::makeLanguageMenu()
 {
     menuLanguage = m_menuBar->addMenu(QString());
+    for (size_t tag = 0; tag < kLanguages.size(); ++tag) {
+        QAction *language = menuLanguage->addAction(QString::fromUtf16(kLanguages[tag]));
+        language->setCheckable(true);
+        connect(language, &QAction::triggered, this, [this, tag] {
+            markLanguage(); // a choice changes no text: the mark stays where it was
+            emit languageTapped(static_cast<int>(tag));
+        });
+        m_languages.append(language);
+    }
+    menuLanguage->addSeparator();
     m_languageFollowsSystem = menuLanguage->addAction(QString());
     m_languageFollowsSystem->setEnabled(false);
-    menuLanguage->addSeparator();
-    for (size_t tag = 0; tag < kLanguages.size(); ++tag) {
-        menuLanguage->addAction(QString::fromUtf16(kLanguages[tag]), this,
-                                [this, tag] { emit languageTapped(static_cast<int>(tag)); });
-    }
 }
 
 void MainMenu::makeHelpMenu(const LinkTable &links)
@@ -88,6 +93,12 @@ void MainMenu::makeHelpMenu(const LinkTable &links)
     btnAboutApp->setMenuRole(QAction::AboutRole);
 }
 
+void MainMenu::markLanguage()
+{
+    for (qsizetype tag = 0; tag < m_languages.size(); ++tag)
+        m_languages[tag]->setChecked(tag == m_languageInForce);
+}
+
 void MainMenu::setLocalizedStrings(Localisation &texts)
 {
     const auto lookup = [&](const char *key) { return texts.getLocalizedStringForKey(QString::fromLatin1(key)); };
@@ -106,6 +117,8 @@ void MainMenu::setLocalizedStrings(Localisation &texts)
     btnRecommendedApps->setText(asTitle(formatString(QStringLiteral("%@ :-"), {lookup("RECOMMENDED_APPS")})));
     btnTips->setText(asTitle(lookup("SHOW_TIPS")));
     menuLanguage->setTitle(asTitle(lookup("LANGUAGE")));
+    m_languageInForce = texts.languageInForce();
+    markLanguage();
     m_languageFollowsSystem->setText(asTitle(lookup("LANGUAGE_FOLLOWS_SYSTEM")));
     if (btnStorePage)
         btnStorePage->setText(asTitle(formatString(lookup("STORE_PAGE"), {bundleName()})));

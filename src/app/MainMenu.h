@@ -57,9 +57,12 @@ signals:
 private:
     void makeFileMenu();
     void makeLanguageMenu();
+    void markLanguage();
     void makeHelpMenu(const LinkTable &links);
 
     QMenuBar *m_menuBar;
+    QList<QAction *> m_languages; ///< by tag
+    int m_languageInForce = 0;    ///< its tag
     QAction *m_languageFollowsSystem = nullptr;
 };
 

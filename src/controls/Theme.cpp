@@ -47,6 +47,8 @@ QPalette darkPalette()
 QString filled(QString text)
 {
     const std::pair<QLatin1String, QColor> colors[] = {
+        {QLatin1String("@border@"), kBorder},
+        {QLatin1String("@blueborder@"), kBlueBorder},
         {QLatin1String("@field@"), kField},
         {QLatin1String("@hairline@"), kHairline},
         {QLatin1String("@hover@"), kHover},
@@ -55,6 +57,7 @@ QString filled(QString text)
         {QLatin1String("@text@"), kText},
         {QLatin1String("@disabled@"), kDisabledText},
         {QLatin1String("@focus@"), kFocus},
+        {QLatin1String("@readable@"), kReadableDisabledText},
         {QLatin1String("@blue@"), QColor(kBlue.rgb())},
         {QLatin1String("@highlight@"), QColor(kBlueHighlight.rgb())},
     };
@@ -74,31 +77,32 @@ QMenuBar::item:selected, QMenuBar::item:pressed { background: @hover@; }
 QMenu { background: @panel@; border: 1px solid @hairline@; padding: 4px; }
 QMenu::item { padding: 6px 28px 6px 12px; border-radius: 4px; }
 QMenu::item:selected { background: @highlight@; color: white; }
-QMenu::item:disabled { color: @disabled@; background: transparent; }
+QMenu::item:disabled { color: @readable@; background: transparent; }
 QMenu::separator { height: 1px; background: @hairline@; margin: 4px 8px; }
 
-QPushButton { background: @raised@; border: 1px solid @hairline@; border-radius: 4px; padding: 0 16px;
+QPushButton { background: @raised@; border: 1px solid @border@; border-radius: 4px; padding: 0 16px;
               min-height: 26px; min-width: 48px; }
 QPushButton:hover { background: @hover@; }
-QPushButton:default { background: @blue@; border-color: @highlight@; color: white; }
+QPushButton:default { background: @blue@; border-color: @blueborder@; color: white; }
 QPushButton:default:hover { background: @highlight@; }
 QPushButton:pressed { background: @field@; }
-QPushButton:disabled { color: @disabled@; background: @panel@; }
+QPushButton:disabled { color: @disabled@; background: @panel@; border-color: @hairline@; }
 QPushButton:focus { border: 2px solid @focus@; padding: 0 15px; min-height: 24px; }
 
-QComboBox { background: @raised@; border: 1px solid @hairline@; border-radius: 4px; padding: 0 8px;
+QComboBox { background: @raised@; border: 1px solid @border@; border-radius: 4px; padding: 0 8px;
             min-height: 26px; }
 QComboBox:hover { background: @hover@; }
 QComboBox:focus { border-color: @focus@; }
 QComboBox::drop-down { border: none; width: 24px; }
 QComboBox::down-arrow { image: url(@icons@/chevron-down.svg); width: 20px; height: 20px; }
 
-QLineEdit { background: @field@; border: 1px solid @hairline@; border-radius: 4px; padding: 0 6px; min-height: 22px; }
+QLineEdit { background: @field@; border: 1px solid @border@; border-radius: 4px; padding: 0 6px; min-height: 22px; }
 QLineEdit:focus { border-color: @focus@; }
-QLineEdit:disabled { color: @disabled@; }
+QLineEdit:disabled { color: @disabled@; border-color: @hairline@; }
+QLineEdit:read-only { background: transparent; border-color: transparent; }
 
 QCheckBox { spacing: 8px; }
-QCheckBox::indicator { width: 14px; height: 14px; border: 1px solid @disabled@; border-radius: 3px;
+QCheckBox::indicator { width: 14px; height: 14px; border: 1px solid @border@; border-radius: 3px;
                        background: @field@; }
 QCheckBox::indicator:checked { background: @highlight@; image: url(@icons@/check.svg); }
 QCheckBox::indicator:focus { border-color: @focus@; }

@@ -19,12 +19,15 @@ inline constexpr QColor kField{0x1f, 0x1f, 0x1f};     ///< text fields, wells
 inline constexpr QColor kRaised{0x45, 0x45, 0x45};    ///< plain push buttons
 inline constexpr QColor kHover{0x50, 0x50, 0x50};     ///< the same under the pointer
 inline constexpr QColor kHairline{0x4a, 0x4a, 0x4a};  ///< lines of one pixel between areas
+inline constexpr QColor kBorder{0x82, 0x82, 0x82};    ///< around fields and buttons: 3:1 on kPanel, and more on darker
 inline constexpr QColor kText{0xea, 0xea, 0xea};      ///< 10:1 on kPanel
 inline constexpr QColor kQuietText{0xb0, 0xb0, 0xb0}; ///< 5.8:1 on kPanel
 inline constexpr QColor kDisabledText{0x7c, 0x7c, 0x7c};
-inline constexpr QColor kFocus{0x9a, 0xa4, 0xff}; ///< the ring around what the keyboard acts on
+inline constexpr QColor kReadableDisabledText{0x9e, 0x9e, 0x9e}; ///< in menus, where it is to be read: 4.6:1 on kPanel
+inline constexpr QColor kFocus{0x9a, 0xa4, 0xff};                ///< the ring around what the keyboard acts on
 
 inline constexpr QColor kGreen{52, 215, 64};
+inline constexpr QColor kBlueBorder{0x86, 0x8e, 0xe0};    ///< around the default button: 5:1 on kSurround
 inline constexpr QColor kBlue{55, 68, 170, 204};          ///< alpha 0.8
 inline constexpr QColor kBlueHighlight{75, 78, 190, 204}; ///< alpha 0.8
 

@@ -44,7 +44,8 @@ protected:
         for (const QMenu *menu : {menu().menuFile, menu().menuLanguage, menu().menuHelp}) {
             titles << u'#' + menu->title();
             for (const QAction *action : menu->actions())
-                titles << (action->isEnabled() ? action->text() : u'(' + action->text() + u')');
+                titles << (action->isEnabled() ? action->text() : u'(' + action->text() + u')') +
+                              (action->isChecked() ? u"*"_s : u""_s);
         }
         return titles.join(u'|');
     }
@@ -74,11 +75,11 @@ TEST_F(AppDelegateTest, LaunchesActiveWithTheMainScreenAndMenusInTheSystemsLangu
     EXPECT_TRUE(QTest::qWaitFor([this] { return menu().menuBar()->width() > 100; })) << "room for its titles";
     const QString german =
         u"#Datei|Öffnen …|Schließen||(Speichern)|(Speichern unter …)||Beenden Hazelmark|"
-        "#Sprache|(Die Texte folgen der Sprache des Systems)||English|Français|Deutsch|中文|日本語|"
-        "#Hilfe|Tipps zeigen|Hazelmark Hilfe|Hazelmark in der Softwareverwaltung||(Empfohlene Programme :-)|GIMP|darktable|digiKam||Über Hazelmark"_s;
+        "#Sprache|English|Français|Deutsch*|中文|日本語||(Richtet sich nach der Sprache des Systems)|"
+        "#Hilfe|Tipps anzeigen|Hazelmark Hilfe|Hazelmark in der Softwareverwaltung||(Empfohlene Programme :-)|GIMP|darktable|digiKam||Über Hazelmark"_s;
     EXPECT_EQ(titles(), german);
     m_desktop.observe({kNotificationUpdateLanguage});
-    menu().menuLanguage->actions().last()->trigger();
+    menu().menuLanguage->actions()[4]->trigger();
     EXPECT_EQ(m_desktop.m_posted, QStringList(kNotificationUpdateLanguage));
     EXPECT_EQ(m_delegate.localisation().languageSettingsDict()->value(u"SAVE"_s).toString(), u"保存"_s);
     EXPECT_EQ(titles(), german);

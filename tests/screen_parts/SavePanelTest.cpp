@@ -1,4 +1,6 @@
 #include "SavePanel.h"
+#include "ProcessWide.h"
+#include "ViewSettings.h"
 
 #include "FakeApplication.h"
 #include "FloatSlider.h"
@@ -111,6 +113,11 @@ INSTANTIATE_TEST_SUITE_P(
 
 TEST_F(SavePanelTest, ThePopupShowsTheQualityForJpegOnly)
 {
+    UserDefaults defaults(m_folder.filePath(QStringLiteral("defaults.conf")));
+    const ProcessWide<UserDefaults>::Replacement replacement(defaults);
+    open(QStringLiteral("a.jpg"));
+    EXPECT_FALSE(m_panel->viewExportQuality()->isVisible()) << "it changes nothing, and comes with all settings";
+    ViewSettings::setShowsAllSettings(true);
     open(QStringLiteral("a.png"));
     EXPECT_EQ(m_panel->btnPopupFileFormat()->itemText(0), QStringLiteral("PNG (*.png)"));
     EXPECT_FALSE(m_panel->viewExportQuality()->isVisible());

@@ -14,6 +14,7 @@
 #include "Screen.h"
 #include "Session.h"
 #include "UserDefaults.h"
+#include "ViewSettings.h"
 #include "Workspace.h"
 
 #include <QFileInfo>
@@ -60,7 +61,7 @@ QString ExportFlow::lookup(const char *key) const
 
 QString ExportFlow::startFolder() const
 {
-    const QString last = pathWithoutLastComponent(m_pathToExportImage);
+    const QString last = ViewSettings::exportFolder();
     return !last.isEmpty() && QFileInfo(last).isDir() ? last : picturesFolder();
 }
 
@@ -128,6 +129,7 @@ void ExportFlow::savePanelChose(const QString &path)
 {
     m_fileTypeToExportImage = pathExtension(path);
     m_pathToExportImage = path;
+    ViewSettings::setExportFolder(pathWithoutLastComponent(path));
     m_exportQuality = m_savePanel->sliderExportQuality()->value();
     m_savePanel.clear();
     emit openChanged();

@@ -1,5 +1,6 @@
 #include "FilePanelLook.h"
 
+#include "ApplicationDelegate.h"
 #include "ImageCatalog.h"
 #include "Theme.h"
 #include "UserSession.h"
@@ -47,6 +48,19 @@ public:
         }
     }
 
+    explicit PanelIcons(ApplicationDelegate &application)
+        : m_nameOfFolders(application.getLocalizedStringForKey(QStringLiteral("FILE_KIND_FOLDER")))
+        , m_nameOfDrives(application.getLocalizedStringForKey(QStringLiteral("FILE_KIND_DRIVE")))
+    {
+    }
+
+    QString type(const QFileInfo &info) const override
+    {
+        if (info.isDir())
+            return info.isRoot() ? m_nameOfDrives : m_nameOfFolders;
+        return m_types.mimeTypeForFile(info, QMimeDatabase::MatchExtension).comment();
+    }
+
     QIcon icon(const QFileInfo &info) const override
     {
         if (info.isDir())
@@ -57,6 +71,8 @@ public:
 
 private:
     QMimeDatabase m_types;
+    QString m_nameOfFolders;
+    QString m_nameOfDrives;
     QIcon m_computer = ImageCatalog::iconNamed(QStringLiteral("computer"));
     QIcon m_folder = ImageCatalog::iconNamed(QStringLiteral("folder"));
     QIcon m_picture = ImageCatalog::iconNamed(QStringLiteral("picture"));
@@ -91,9 +107,9 @@ QString picturesFolder()
     return QFileInfo(pictures).isDir() ? pictures : QDir::homePath();
 }
 
-void dressFilePanel(QFileDialog &panel)
+void dressFilePanel(QFileDialog &panel, ApplicationDelegate &application)
 {
-    static PanelIcons icons;
+    static PanelIcons icons(application);
     panel.setIconProvider(&icons);
     panel.setSidebarUrls(places());
     panel.setViewMode(QFileDialog::Detail);

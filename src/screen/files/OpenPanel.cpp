@@ -41,7 +41,7 @@ void OpenPanel::show(QWidget &window, ApplicationDelegate &application, const QS
     panel->setLabelText(QFileDialog::Accept, text("OPEN_IMAGE"));
     panel->setLabelText(QFileDialog::Reject, text("CANCEL"));
     if (panel->layout()) // the toolkit's own dialog, where the desktop has none
-        dressFilePanel(*panel);
+        dressFilePanel(*panel, application);
     QObject::connect(panel, &QDialog::accepted, context, [panel, chosen = std::move(chosen)] {
         const QStringList files = panel->selectedFiles();
         if (!files.isEmpty())

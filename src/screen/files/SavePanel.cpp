@@ -10,6 +10,7 @@
 #include "RefusalKey.h"
 #include "SafeFile.h"
 #include "Theme.h"
+#include "ViewSettings.h"
 
 #include <QAbstractItemView>
 #include <QComboBox>
@@ -69,7 +70,7 @@ SavePanel::SavePanel(ApplicationDelegate &application, const Photo &photo, const
     setFileMode(QFileDialog::AnyFile);
     setLabelText(QFileDialog::Accept, lookup("SAVE"));
     setLabelText(QFileDialog::Reject, lookup("CANCEL"));
-    dressFilePanel(*this);
+    dressFilePanel(*this, application);
     setDirectory(folder);
     m_nameField = findChild<QLineEdit *>(QStringLiteral("fileNameEdit"));
     makeOptions();
@@ -77,7 +78,7 @@ SavePanel::SavePanel(ApplicationDelegate &application, const Photo &photo, const
 
     showFileName(nameWithoutExtension(photo.path));
     // The quality is a JPEG's matter, and at first only for photos that are JPEG themselves.
-    m_viewExportQuality->setVisible(isJpeg(formats.formats.first()));
+    showQuality(formats.formats.first());
     clearMessage();
     connect(m_nameField, &QLineEdit::textEdited, this, &SavePanel::followTypedExtension);
     connect(m_nameField, &QLineEdit::textChanged, this, &SavePanel::clearMessage);
@@ -177,6 +178,12 @@ void SavePanel::arrange()
     layout->addWidget(makeMessage(), row + 1, 0, 1, -1);
 }
 
+/// The slider changes nothing, and is there with the other settings that do not.
+void SavePanel::showQuality(const QString &format)
+{
+    m_viewExportQuality->setVisible(isJpeg(format) && ViewSettings::showsAllSettings());
+}
+
 void SavePanel::showFileName(const QString &baseName)
 {
     const QString format = m_formats.formats[m_btnPopupFileFormat->currentIndex()];
@@ -189,7 +196,7 @@ void SavePanel::selectFormat(int index)
 {
     const QString format = m_formats.formats[index];
     m_btnPopupFileFormat->setCurrentIndex(index);
-    m_viewExportQuality->setVisible(isJpeg(format));
+    showQuality(format);
     const QString name = m_nameField->text();
     const QString extension = pathExtension(name);
     const bool isFormat = !m_formats.formFor(extension).isEmpty();
@@ -206,7 +213,7 @@ void SavePanel::followTypedExtension()
     if (index < 0)
         return;
     m_btnPopupFileFormat->setCurrentIndex(static_cast<int>(index));
-    m_viewExportQuality->setVisible(isJpeg(m_formats.formats[index]));
+    showQuality(m_formats.formats[index]);
 }
 
 QString SavePanel::pathToWrite(const QString &path) const

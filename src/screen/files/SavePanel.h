@@ -66,6 +66,7 @@ private:
     QWidget *makeQuality();
     QWidget *makeMessage();
     void arrange();
+    void showQuality(const QString &format);
     void showFileName(const QString &baseName);
     void followTypedExtension();
     QString namedPath() const;

@@ -6,6 +6,7 @@
 
 #include <QGridLayout>
 #include <QKeyEvent>
+#include <QRegularExpressionValidator>
 #include <QWheelEvent>
 
 namespace hazelmark {
@@ -63,6 +64,14 @@ SettingRowView::SettingRowView(const SettingRow &row, QWidget *parent)
     m_field->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
     m_field->setMaxLength(kLongestNumber);
     m_field->installEventFilter(this);
+    if (row.isTyped) {
+        static const QRegularExpressionValidator kNumbers(QRegularExpression(QStringLiteral("[^\\p{L}\\[\\]{}]*")));
+        m_field->setValidator(&kNumbers); // a letter is a key of the window's, not a part of a number
+    } else {
+        m_field->setReadOnly(true);
+        m_field->setFrame(false);
+        m_field->setFocusPolicy(Qt::NoFocus); // the slider is what the keyboard acts on
+    }
     m_slider->setObjectName(QStringLiteral("slider") + name);
     m_slider->setRange(row.minValue, row.maxValue);
     m_slider->setValue(row.initialValue);

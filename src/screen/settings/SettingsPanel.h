@@ -60,6 +60,8 @@ public:
     void scrollToTop();
     void setUnfolded(bool unfolded);
     bool isUnfolded() const;
+    /// Whether the group of settings without effect is there at all. When it comes it is unfolded.
+    void setAllSettingsShown(bool shown);
 
     /// Says whether a preview is under way: the sliders that ask for one wait with the moves of a drag so long.
     void setBusyTest(const std::function<bool()> &isBusy);
@@ -119,6 +121,7 @@ private:
     QLabel *m_toolName = nullptr;
     QScrollArea *m_scrollvwSettings = nullptr;
     DisclosureButton *m_disclosure = nullptr;
+    QWidget *m_withoutEffect = nullptr; ///< the group: its disclosure, and what that folds
     QWidget *m_folded = nullptr;
     QLabel *m_vignetteNote = nullptr;
     QLabel *m_lblVignetteColor = nullptr;

@@ -10,6 +10,7 @@
 #include "ImageButton.h"
 #include "SettingRowView.h"
 #include "Theme.h"
+#include "ViewSettings.h"
 
 #include <QLabel>
 #include <QScrollArea>
@@ -86,7 +87,7 @@ SettingsPanel::SettingsPanel(ApplicationDelegate &application, QWidget *parent)
 
     connectActions();
     setLocalizedStrings();
-    setUnfolded(false);
+    setAllSettingsShown(ViewSettings::showsAllSettings());
     setAllTextsForSliders();
 }
 
@@ -162,7 +163,12 @@ void SettingsPanel::makeGroups(QVBoxLayout *layout)
     addGroup(layout, "GROUP_BLUR", kResetBlur, {S::BlurAmount, S::Vignette});
     m_vignetteNote = quietLabel();
     layout->addWidget(m_vignetteNote);
-    layout->addSpacing(kGroupSpacing);
+    m_withoutEffect = new QWidget;
+    m_withoutEffect->setObjectName(QStringLiteral("vwWithoutEffect"));
+    layout->addWidget(m_withoutEffect);
+    layout = new QVBoxLayout(m_withoutEffect);
+    layout->setContentsMargins(0, kGroupSpacing, 0, 0);
+    layout->setSpacing(kRowSpacing);
     layout->addWidget(hairline());
     layout->addSpacing(theme::kGrid);
     m_disclosure = new DisclosureButton;
@@ -239,6 +245,12 @@ void SettingsPanel::setUnfolded(bool unfolded)
 {
     m_disclosure->setChecked(unfolded);
     m_folded->setVisible(unfolded);
+}
+
+void SettingsPanel::setAllSettingsShown(bool shown)
+{
+    m_withoutEffect->setVisible(shown);
+    setUnfolded(shown);
 }
 
 bool SettingsPanel::isUnfolded() const

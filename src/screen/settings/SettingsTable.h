@@ -41,6 +41,7 @@ struct SettingRow
     double maxValue;
     double initialValue;
     SettingRegion region;
+    bool isTyped; ///< a number that is typed into the field is applied; the other fields only show theirs
 };
 
 /// In the order of Setting.

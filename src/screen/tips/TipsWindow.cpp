@@ -66,7 +66,7 @@ TipsWindow::TipsWindow(ApplicationDelegate &application, QWidget *mainWindow)
     , m_lblDemoMsg(label(kHeadingSize, true))
     , m_pageController(new PageSlider)
     , m_pageButtons(new DotPageControl)
-    , m_btnCheckShowTipsAgain(new QCheckBox)
+    , m_btnCheckShowTipsAgain(new QCheckBox(this))
     , m_btnBackPage(new QPushButton)
     , m_btnNextpage(new QPushButton)
 {
@@ -79,6 +79,7 @@ TipsWindow::TipsWindow(ApplicationDelegate &application, QWidget *mainWindow)
     m_pageButtons->setNumberOfPages(m_pageController->count());
     m_btnCheckShowTipsAgain->setObjectName(QStringLiteral("btnCheckShowTipsAgain"));
     m_btnCheckShowTipsAgain->setChecked(true);
+    m_btnCheckShowTipsAgain->hide(); // what it stores nobody reads
 
     auto *turning = new QHBoxLayout;
     turning->setSpacing(theme::kSpacing);
@@ -90,17 +91,16 @@ TipsWindow::TipsWindow(ApplicationDelegate &application, QWidget *mainWindow)
 
     auto *layout = new QVBoxLayout(this);
     const int margin = theme::kMargin + theme::kSpacing;
-    layout->setContentsMargins(margin, margin, margin, theme::kMargin);
+    layout->setContentsMargins(margin, margin, margin, margin);
     layout->setSpacing(theme::kMargin);
     layout->addWidget(m_lblDemoMsg);
     layout->addWidget(m_pageController, 1);
     layout->addLayout(turning);
-    layout->addWidget(m_btnCheckShowTipsAgain);
     layout->setSizeConstraint(QLayout::SetFixedSize);
 
     // As shortcuts: buttons that have the focus would take the arrows to hand it on.
     connect(new QShortcut(Qt::Key_Left, this), &QShortcut::activated, this, &TipsWindow::btnBackPageTapped);
-    connect(new QShortcut(Qt::Key_Right, this), &QShortcut::activated, this, &TipsWindow::btnNextpageTapped);
+    connect(new QShortcut(Qt::Key_Right, this), &QShortcut::activated, m_pageController, &PageSlider::navigateForward);
     connect(m_pageButtons, &DotPageControl::pageSelected, this, &TipsWindow::pageButtonsAction);
     connect(m_btnBackPage, &QPushButton::clicked, this, &TipsWindow::btnBackPageTapped);
     connect(m_btnNextpage, &QPushButton::clicked, this, &TipsWindow::btnNextpageTapped);
@@ -139,15 +139,20 @@ QString TipsWindow::lookup(const char *key) const
     return m_application.getLocalizedStringForKey(QLatin1String(key));
 }
 
+int TipsWindow::widthOfNext(const char *key)
+{
+    m_btnNextpage->setText(lookup(key));
+    return m_btnNextpage->sizeHint().width();
+}
+
 void TipsWindow::setLocalizedStrings()
 {
     setWindowTitle(lookup("TIPS_TITLE"));
     m_lblDemoMsg->setText(lookup("ID_ALERT_DEMO_MSG"));
     m_btnBackPage->setText(lookup("TIP_BACK"));
-    m_btnNextpage->setText(lookup("TIP_NEXT"));
     m_btnCheckShowTipsAgain->setText(lookup("TIPS_SHOW_AGAIN"));
     const int buttonWidth =
-        std::max({kButtonWidth, m_btnBackPage->sizeHint().width(), m_btnNextpage->sizeHint().width()});
+        std::max({kButtonWidth, m_btnBackPage->sizeHint().width(), widthOfNext("TIP_NEXT"), widthOfNext("TIP_DONE")});
     m_btnBackPage->setFixedWidth(buttonWidth); // equal, so that the dots stand in the middle
     m_btnNextpage->setFixedWidth(buttonWidth);
     for (int page = 0; page < m_titles.size(); ++page) {
@@ -192,7 +197,10 @@ void TipsWindow::btnBackPageTapped()
 
 void TipsWindow::btnNextpageTapped()
 {
-    m_pageController->navigateForward();
+    if (isLastPage())
+        close();
+    else
+        m_pageController->navigateForward();
 }
 
 void TipsWindow::btnLaunchAppTapped()
@@ -201,13 +209,18 @@ void TipsWindow::btnLaunchAppTapped()
         UserDefaults::standardUserDefaults().setBoolean(kNotShowTips, true);
 }
 
+bool TipsWindow::isLastPage() const
+{
+    return m_pageController->selectedIndex() + 1 == m_pageController->count();
+}
+
 void TipsWindow::showPage(int page)
 {
     m_pageButtons->setCurrentPage(page);
     m_pageButtons->setAccessibleName(
         formatString(lookup("TIP_PAGE"), {QString::number(page + 1), QString::number(m_pageController->count())}));
     m_btnBackPage->setEnabled(page > 0);
-    m_btnNextpage->setEnabled(page + 1 < m_pageController->count());
+    m_btnNextpage->setText(lookup(isLastPage() ? "TIP_DONE" : "TIP_NEXT"));
 }
 
 bool TipsWindow::eventFilter(QObject *watched, QEvent *event)

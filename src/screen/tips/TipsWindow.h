@@ -35,7 +35,7 @@ public:
 
     void pageButtonsAction(int selectedColumn);
     void btnBackPageTapped();
-    void btnNextpageTapped();
+    void btnNextpageTapped(); ///< on the last page "Done": closes the window
     /// Off is remembered in the user's defaults; on changes nothing there.
     void btnLaunchAppTapped();
 
@@ -46,6 +46,8 @@ protected:
 private:
     QString lookup(const char *key) const;
     QWidget *makePage(int page);
+    bool isLastPage() const;
+    int widthOfNext(const char *key);
     void showPage(int page);
 
     ApplicationDelegate &m_application;
