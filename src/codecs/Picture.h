@@ -73,12 +73,12 @@ bool isRegisteredKeyword(const QByteArray &keyword);
 /// Metadata as the bytes that a file embeds.
 struct MetadataBlocks
 {
-    QByteArray exif; ///< a TIFF-structured block, without the "Exif\0\0" lead-in
-    QByteArray iptc; ///< IIM records, without an image-resource wrapper
-    QByteArray xmp;  ///< the packet, UTF-8
-    QByteArray iccProfile;
-    std::optional<QSizeF> dpi;
-    std::vector<PngText> texts; ///< of PNG files alone
+    QByteArray exif = {}; ///< a TIFF-structured block, without the "Exif\0\0" lead-in
+    QByteArray iptc = {}; ///< IIM records, without an image-resource wrapper
+    QByteArray xmp = {};  ///< the packet, UTF-8
+    QByteArray iccProfile = {};
+    std::optional<QSizeF> dpi = {};
+    std::vector<PngText> texts = {}; ///< of PNG files alone
 };
 
 } // namespace hazelmark

@@ -16,6 +16,16 @@ QVariantMap mapOf(std::initializer_list<std::pair<const char *, QVariant>> entri
     return map;
 }
 
+QVariant fieldOf(const ExifInfo &info, const char *name)
+{
+    for (const auto &[field, value] : info.fields()) {
+        if (field == QLatin1String(name))
+            return value;
+    }
+    ADD_FAILURE() << "no field " << name;
+    return {};
+}
+
 } // namespace
 
 TEST(ExifInfo, AFreshRecordHasEveryObjectAbsentAndEveryNumberZero)
@@ -36,65 +46,75 @@ TEST(ExifInfo, OnlyTheSizeToDisplayFollowsTheTopLevelOrientation)
         const bool isTurned = orientation >= 5 && orientation <= 8;
         EXPECT_EQ(info.imageSize(), QStringLiteral("4000 x 3000"));
         EXPECT_EQ(info.imageSizeToDisplay(), isTurned ? QStringLiteral("3000 x 4000") : QStringLiteral("4000 x 3000"));
-        EXPECT_EQ(info.pixelWidth(), 4000);
         EXPECT_EQ(info.orientation(), 0);
     }
-    const ExifInfo info(mapOf({{"{TIFF}", mapOf({{"Orientation", 6}})}}));
-    EXPECT_EQ(info.orientation(), 6);
-    EXPECT_EQ(info.imageSize(), QStringLiteral("(null) x (null)"));
-    EXPECT_EQ(info.imageSizeToDisplay(), QStringLiteral("0 x 0"));
+}
+
+TEST(ExifInfo, EachFieldIsShownAsTheSummaryHasIt)
+{
+    const QVariantList list{u"a b"_qs, 7};
+    const struct
+    {
+        const char *group; ///< empty: the top level
+        const char *key;
+        QVariant object;
+        const char *field;
+        QVariant expected;
+    } rows[] = {{"", "ProfileName", u"P3"_qs, "profileName", u"P3"_qs},
+                {"", "ColorModel", u"RGB"_qs, "colorModel", u"RGB"_qs},
+                {"", "PixelWidth", u"4000 pixels"_qs, "pixelWidth", 4000},
+                {"", "PixelWidth", u"4000 pixels"_qs, "imageSize", u"4000 pixels x (null)"_qs},
+                {"", "PixelHeight", 1e30, "pixelHeight", std::numeric_limits<int>::max()},
+                {"", "PixelHeight", 1e30, "imageSize", u"(null) x 1e+30"_qs},
+                {"{TIFF}", "Make", u"Acme"_qs, "cameraMaker", u"Acme"_qs},
+                {"{TIFF}", "Model", u"One"_qs, "cameraModel", u"One"_qs},
+                {"{TIFF}", "Software", u"S"_qs, "editingSoftware", u"S"_qs},
+                {"{TIFF}", "Orientation", 6, "orientation", 6},
+                {"{TIFF}", "Orientation", 6, "imageSize", u"(null) x (null)"_qs},
+                {"{TIFF}", "Orientation", 6, "imageSizeToDisplay", u"0 x 0"_qs},
+                {"{Exif}", "FocalLength", 4.2, "folcalLength", u"4.2 mm"_qs},
+                {"{Exif}", "FocalLength", 50.0, "folcalLength", u"50 mm"_qs},
+                {"{Exif}", "ExposureBiasValue", -0.333, "exposureBias", u"-0.33 EV"_qs},
+                {"{Exif}", "ExposureBiasValue", -0.333, "exposureMode", -0.333},
+                {"{Exif}", "ISOSpeedRatings", QVariantList{100, 200}, "isoSpeedRating", u"100,200"_qs},
+                {"{Exif}", "Flash", 16, "flashFired", 1},
+                {"{Exif}", "Flash", 0, "flashFired", 0},
+                {"{Exif}", "Rating", 3, "rating", 3},
+                {"{Exif}", "ExposureProgram", 2, "exposureProgram", 2},
+                {"{Exif}", "MeteringMode", 5, "meteringMode", 5},
+                {"{Exif}", "LightSource", 4, "lightSource", 4},
+                {"{Exif}", "SensingMethod", 2, "sensingMethod", 2},
+                {"{Exif}", "SceneCaptureType", 1, "sceneCaptureType", 1},
+                {"{Exif}", "DigitalZoomRatio", 1.5, "digitalZoomRatio", 1.5},
+                {"{Exif}", "ColorSpace", 65535, "colorSpace", 65535},
+                {"{Exif}", "UserComment", u"on"_qs, "userComment", u"on"_qs},
+                {"{GPS}", "Latitude", 33.5, "gpsLatitude", 33.5},
+                {"{GPS}", "Longitude", 151.5, "gpsLongitude", 151.5},
+                {"{GPS}", "LatitudeRef", u"S"_qs, "gpsLatitudeRef", u"S"_qs},
+                {"{GPS}", "LongitudeRef", u"E"_qs, "gpsLongitudeRef", u"E"_qs},
+                {"{GPS}", "Altitude", -2.5, "gpsAltitude", -2.5},
+                {"{IPTC}", "Keywords", list, "keywords", u"a b,7"_qs},
+                {"{ExifAux}", "LensModel", u"50mm"_qs, "cameraLensModel", u"50mm"_qs}};
+    for (const auto &[group, key, object, field, expected] : rows) {
+        const QVariantMap map = mapOf({{key, object}});
+        ExifInfo info(*group ? mapOf({{group, map}}) : map);
+        EXPECT_EQ(fieldOf(info, field), expected) << field;
+        // What another dictionary lacks keeps its value.
+        info.resetAllWithDict(mapOf({{"{TIFF}", 5}}));
+        info.resetAllWithDict(std::nullopt);
+        EXPECT_EQ(fieldOf(info, field), expected) << field;
+    }
 }
 
 TEST(ExifInfo, ResolutionsAreCrossedAndNeedBoth)
 {
     ExifInfo info(mapOf({{"DPIWidth", 300}, {"DPIHeight", 72.0}}));
-    EXPECT_EQ(info.imageDPI(), QStringLiteral("300.0 x 72.0"));
-    EXPECT_EQ(info.dpiHeight(), 300.0);
-    EXPECT_EQ(info.dpiWidth(), 72.0);
-
-    info.resetAllWithDict(mapOf({{"DPIWidth", 150}}));
-    EXPECT_EQ(info.imageDPI(), QStringLiteral("300.0 x 72.0"));
-    EXPECT_EQ(info.dpiHeight(), 0.0);
-    EXPECT_EQ(info.dpiWidth(), 0.0);
-}
-
-TEST(ExifInfo, ExposureIsFormattedAsTheSummaryShowsIt)
-{
-    ExifInfo info(mapOf({{"{Exif}", mapOf({{"FocalLength", 4.2},
-                                           {"ExposureBiasValue", -0.333},
-                                           {"ISOSpeedRatings", QVariantList{100, 200}},
-                                           {"Flash", 16},
-                                           {"Rating", 3}})}}));
-    EXPECT_EQ(info.folcalLength().toString(), QStringLiteral("4.2 mm"));
-    EXPECT_EQ(info.exposureBias().toString(), QStringLiteral("-0.33 EV"));
-    EXPECT_EQ(info.exposureMode().toDouble(), -0.333);
-    EXPECT_EQ(info.isoSpeedRating(), QStringLiteral("100,200"));
-    EXPECT_EQ(info.flashFired(), 1);
-    EXPECT_EQ(info.rating().toInt(), 3);
-
-    // A second dictionary changes what it has and leaves the rest.
-    info.resetAllWithDict(mapOf({{"{Exif}", mapOf({{"FocalLength", 50.0}, {"Flash", qlonglong(0)}})}}));
-    EXPECT_EQ(info.folcalLength().toString(), QStringLiteral("50 mm"));
-    EXPECT_EQ(info.flashFired(), 0);
-    EXPECT_EQ(info.isoSpeedRating(), QStringLiteral("100,200"));
-    EXPECT_EQ(info.exposureBias().toString(), QStringLiteral("-0.33 EV"));
-    info.resetAllWithDict(mapOf({{"{IPTC}", mapOf({{"Keywords", QVariantList{QStringLiteral("a b"), 7}}})}}));
-    EXPECT_EQ(info.keywords(), QStringLiteral("a b,7"));
-    info.resetAllWithDict(std::nullopt);
-    EXPECT_EQ(info.flashFired(), 0);
-    EXPECT_EQ(info.keywords(), QStringLiteral("a b,7"));
-}
-
-TEST(ExifInfo, OddObjectsAreReadAsFarAsTheyGo)
-{
-    const ExifInfo info(mapOf({{"PixelWidth", QStringLiteral("4000 pixels")},
-                               {"PixelHeight", 1e30},
-                               {"{TIFF}", 5},
-                               {"{GPS}", mapOf({{"Altitude", -2.5}})}}));
-    EXPECT_EQ(info.pixelWidth(), 4000);
-    EXPECT_EQ(info.pixelHeight(), std::numeric_limits<int>::max());
-    EXPECT_EQ(info.imageSize(), QStringLiteral("4000 pixels x 1e+30"));
-    EXPECT_EQ(info.gpsAltitude(), -2.5);
+    for (const bool hasBoth : {true, false}) {
+        EXPECT_EQ(info.imageDPI(), QStringLiteral("300.0 x 72.0"));
+        EXPECT_EQ(info.dpiHeight(), hasBoth ? 300.0 : 0.0);
+        EXPECT_EQ(info.dpiWidth(), hasBoth ? 72.0 : 0.0);
+        info.resetAllWithDict(mapOf({{"DPIWidth", 150}}));
+    }
 }
 
 } // namespace hazelmark

@@ -1,30 +1,35 @@
 #include "PathParts.h"
 
-#include "SamplePhotos.h"
-
 #include <gtest/gtest.h>
 
 namespace hazelmark {
 
 TEST(PathParts, TakeAPathApart)
 {
-    struct Case
+    const struct
     {
         const char *path;
         const char *folder;
-        const char *name;
-        const char *extension;
-    };
-    for (const Case &c : {Case{"/a/b/c.jpg", "/a/b", "c.jpg", "jpg"}, Case{"/c.JPG", "/", "c.JPG", "JPG"},
-                          Case{"c.tar.gz", "", "c.tar.gz", "gz"}, Case{"/a.b/c", "/a.b", "c", ""},
-                          Case{"/a/.hidden", "/a", ".hidden", ""}, Case{"/a/.hidden.png", "/a", ".hidden.png", "png"},
-                          Case{"/a/b.", "/a", "b.", ""}, Case{"/a/b.png//", "/a", "b.png", "png"},
-                          Case{"/a//b.png", "/a", "b.png", "png"}, Case{"/", "/", "/", ""}, Case{"", "", "", ""}}) {
-        const QString path = QString::fromUtf8(c.path);
-        EXPECT_EQ(pathWithoutLastComponent(path), QString::fromUtf8(c.folder)) << c.path;
-        EXPECT_EQ(lastPathComponent(path), QString::fromUtf8(c.name)) << c.path;
-        EXPECT_FALSE(lastPathComponent(pathWithoutLastComponent(path)).isNull()) << c.path;
-        EXPECT_EQ(pathExtension(path), QString::fromUtf8(c.extension)) << c.path;
+        const char *stem;
+        const char *extension; ///< with its dot
+    } rows[] = {{"/a/b/c.jpg", "/a/b", "c", ".jpg"},
+                {"/c.JPG", "/", "c", ".JPG"},
+                {"c.tar.gz", "", "c.tar", ".gz"},
+                {"/a.b/c", "/a.b", "c", ""},
+                {"/a/.hidden", "/a", ".hidden", ""},
+                {"/a/.h.png", "/a", ".h", ".png"},
+                {"/a/b.", "/a", "b", "."},
+                {"/a/b.png//", "/a", "b", ".png"},
+                {"/a//b.png", "/a", "b", ".png"},
+                {"/", "/", "/", ""},
+                {"", "", "", ""}};
+    for (const auto &[path, folder, stem, extension] : rows) {
+        const QString text = QString::fromUtf8(path);
+        EXPECT_EQ(pathWithoutLastComponent(text).toStdString(), folder) << path;
+        EXPECT_FALSE(lastPathComponent(pathWithoutLastComponent(text)).isNull()) << path;
+        EXPECT_EQ(lastPathComponent(text).toStdString(), std::string(stem) + extension) << path;
+        EXPECT_EQ(nameWithoutExtension(text).toStdString(), stem) << path;
+        EXPECT_EQ(pathExtension(text).toStdString(), *extension ? extension + 1 : "") << path;
     }
 }
 

@@ -12,23 +12,19 @@ namespace hazelmark {
 TEST(PhotoFile, DescribesTheFileAndTheUprightPicture)
 {
     const QTemporaryDir folder;
-    for (const int orientation : {1, 3, 6, 8}) {
-        MetadataBlocks blocks;
-        blocks.exif = exifBlock({{"Exif.Image.Orientation", std::to_string(orientation).c_str()}});
-        for (const WriteFormat format : {WriteFormat::Jpeg, WriteFormat::Png}) {
-            const QString path = writePhoto(folder, format, blocks);
-            const PhotoFile photo(path);
-            EXPECT_EQ(photo.width(), orientation >= 5 ? 30 : 40) << orientation;
-            EXPECT_EQ(photo.height(), orientation >= 5 ? 40 : 30) << orientation;
-            EXPECT_EQ(photo.fileURL(), path);
-            EXPECT_EQ(photo.fileName(), path.section(QLatin1Char('/'), -1));
-            EXPECT_EQ(photo.fileContainerFolderName(), path.section(QLatin1Char('/'), -2, -2));
-            EXPECT_EQ(photo.fileSize(), QString::number(readBytes(path).size()));
-            EXPECT_EQ(photo.identity(), FileIdentity::ofPath(path));
-            ASSERT_TRUE(photo.metaInfoDict());
-            EXPECT_EQ(photo.metaInfoDict()->value(QStringLiteral("Orientation")).toInt(), orientation);
-            EXPECT_EQ(photo.metaInfoDict()->value(QStringLiteral("PixelWidth")).toInt(), 40);
-        }
+    for (const char *orientation : {"1", "3", "6", "8"}) {
+        const QString path = writePhoto(folder, WriteFormat::Jpeg,
+                                        {.exif = exifBlock({{"Exif.Image.Orientation", orientation}})}, QSize(40, 30));
+        const PhotoFile photo(path);
+        EXPECT_EQ(photo.width(), *orientation >= '5' ? 30 : 40) << orientation;
+        EXPECT_EQ(photo.height(), *orientation >= '5' ? 40 : 30) << orientation;
+        EXPECT_EQ(photo.fileURL(), path);
+        EXPECT_EQ(photo.fileName(), path.section(QLatin1Char('/'), -1));
+        EXPECT_EQ(photo.fileContainerFolderName(), path.section(QLatin1Char('/'), -2, -2));
+        EXPECT_EQ(photo.fileSize(), QString::number(readBytes(path).size()));
+        EXPECT_EQ(photo.identity(), FileIdentity::ofPath(path));
+        ASSERT_TRUE(photo.metaInfoDict());
+        EXPECT_EQ(photo.metaInfoDict(), PhotoFile::exifDict(path));
     }
 }
 
@@ -53,31 +49,30 @@ TEST(Photo, IsReadFromOneOpenFileAndAgainOnlyWhileItIsTheSame)
 
 TEST(PhotoFile, TheCreationDateHasUnpaddedSecondsAndTheUsersWords)
 {
-    const QDateTime time(QDate(2016, 3, 5), QTime(21, 41, 7));
-    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
-    EXPECT_EQ(PhotoFile::creationDateText(time), QStringLiteral("Mar-05-2016 09:41:7 PM"));
-    EXPECT_EQ(PhotoFile::creationDateText(time.addSecs(3 * 3600)), QStringLiteral("Mar-06-2016 12:41:7 AM"));
-    QLocale::setDefault(QLocale(QLocale::French, QLocale::France));
-    EXPECT_EQ(PhotoFile::creationDateText(time), QStringLiteral("mars-05-2016 09:41:7 PM"));
+    const QDateTime evening(QDate(2016, 3, 5), QTime(21, 41, 7));
+    for (const auto &[language, time, text] : {std::tuple(QLocale::English, evening, "Mar-05-2016 09:41:7 PM"),
+                                               {QLocale::English, evening.addSecs(3 * 3600), "Mar-06-2016 12:41:7 AM"},
+                                               {QLocale::French, evening, "mars-05-2016 09:41:7 PM"}}) {
+        QLocale::setDefault(QLocale(language));
+        EXPECT_EQ(PhotoFile::creationDateText(time).toStdString(), text);
+    }
     QLocale::setDefault(QLocale::system());
 }
 
 TEST(PhotoFile, WhatIsNoPictureStillGivesARecord)
 {
     const QTemporaryDir folder;
-    const PhotoFile text(writeBytes(folder, QStringLiteral("notes.jpg"), "not a picture"));
-    EXPECT_EQ(text.width(), 0);
-    EXPECT_EQ(text.height(), 0);
-    EXPECT_FALSE(text.metaInfoDict());
-    EXPECT_EQ(text.fileSize(), QStringLiteral("13"));
-    EXPECT_FALSE(text.fileCreationDate().isNull());
-
-    const PhotoFile missing(QStringLiteral("/missing"));
-    EXPECT_EQ(missing.fileSize(), QStringLiteral("0"));
-    EXPECT_TRUE(missing.fileCreationDate().isNull());
-    EXPECT_EQ(missing.fileContainerFolderName(), QStringLiteral("/"));
-    EXPECT_FALSE(PhotoFile::exifDict(QStringLiteral("/missing")));
-    EXPECT_FALSE(missing.fields().at(6).second.isValid());
+    const QString text = writeBytes(folder, QStringLiteral("notes.jpg"), "not a picture");
+    for (const QString &path : {text, QStringLiteral("/missing")}) {
+        const PhotoFile file(path);
+        EXPECT_EQ(file.width(), 0);
+        EXPECT_EQ(file.height(), 0);
+        EXPECT_FALSE(file.metaInfoDict() || PhotoFile::exifDict(path));
+        EXPECT_EQ(file.fileSize(), path == text ? QStringLiteral("13") : QStringLiteral("0"));
+        EXPECT_EQ(file.fileCreationDate().isNull(), path != text);
+        EXPECT_EQ(file.fields().at(6).second.isValid(), path == text); // the date
+    }
+    EXPECT_EQ(PhotoFile(QStringLiteral("/missing")).fileContainerFolderName(), QStringLiteral("/"));
 }
 
 } // namespace hazelmark

@@ -210,6 +210,7 @@ TEST_F(SafeFiles, ASignalRemovesTheTemporaryName)
         const int status = inChild([&] {
             const rlimit none = {0, 0};
             ::setrlimit(RLIMIT_CORE, &none);
+            ::signal(signal, SIG_DFL); // whoever started the tests may have it ignored
             SafeFile::handleSignals();
             TemporaryName name;
             if (TemporaryName::openNamed(m_descriptor.get(), 0600, name) >= 0 && entries().size() == 3)

@@ -1,0 +1,93 @@
+// TIFF files of every form: what they say of the photo is read and carried as from any other.
+#include "OpenPhotos.h"
+#include "PhotoFile.h"
+#include "SamplePhotos.h"
+#include "TiffMaker.h"
+
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+namespace hazelmark {
+
+namespace {
+
+struct Form
+{
+    const char *what;
+    bool isBigEndian;
+    bool isLarge;              ///< offsets of 64 bits
+    qsizetype pixelBytes = 36; ///< in front of the metadata
+    bool leadsBack = false;    ///< the directory for EXIF is the first one
+};
+
+QByteArray photo(const Form &form)
+{
+    TiffMaker tiff(form.isBigEndian, form.isLarge);
+    TiffEntries first, exif, gps;
+    const auto numberIn = [&](TiffEntries &entries, quint16 tag, quint32 value) {
+        tiff.set(entries, tag, TiffMaker::kLong, tiff.number(value));
+    };
+    numberIn(first, 0x0111, quint32(tiff.add(QByteArray(form.pixelBytes, '\x55'))));
+    tiff.set(exif, 0x829a, TiffMaker::kRational, tiff.number(quint32(1)) + tiff.number(quint32(3)));
+    tiff.set(exif, 0x8827, TiffMaker::kShort, tiff.number(quint16(400)));
+    tiff.set(exif, 0x9286, TiffMaker::kUndefined, 0x7fffffff, tiff.place(8)); // said to be two gigabytes long
+    tiff.set(gps, 1, TiffMaker::kAscii, QByteArray("S", 2));
+    for (const auto &[tag, value] : {std::pair<quint16, quint32>(0x0100, 4),
+                                     {0x0101, 3},
+                                     {0x0102, 8},
+                                     {0x0103, 1},
+                                     {0x0106, 1},
+                                     {0x0112, 6},
+                                     {0x0115, 1},
+                                     {0x0116, 3},
+                                     {0x0117, 12}})
+        numberIn(first, tag, value);
+    tiff.set(first, 0x010f, TiffMaker::kAscii, QByteArray("A maker with a long name", 25));
+    tiff.set(first, 0x83bb, TiffMaker::kUndefined, QByteArray("\x1c\x02\x19\0\3sea", 8));
+    const quint16 pointer = form.isLarge ? TiffMaker::kDirectory : TiffMaker::kLong;
+    tiff.set(first, 0x8825, TiffMaker::Type(pointer), tiff.place(tiff.directory(gps)));
+    const quint64 below = tiff.directory(exif);
+    tiff.set(first, 0x8769, TiffMaker::Type(pointer), tiff.place(below));
+    const quint64 start = tiff.directory(first);
+    QByteArray file = tiff.startingAt(start);
+    const QByteArray entry = tiff.number(quint16(0x8769)) + tiff.number(pointer) + tiff.place(1);
+    if (form.leadsBack)
+        file.replace(entry + tiff.place(below), entry + tiff.place(start));
+    return file;
+}
+
+} // namespace
+
+TEST(TiffForms, AllSayAndCarryTheSame)
+{
+    const QTemporaryDir folder;
+    for (const Form &form : {Form{"plain", false, false}, Form{"other bytes", true, false}, Form{"large", false, true},
+                             Form{"large, other bytes", true, true}, Form{"far", false, false, 2 << 20},
+                             Form{"far, large", true, true, 2 << 20}, Form{"back", false, false, 36, true},
+                             Form{"large, back", true, true, 36, true}}) {
+        SCOPED_TRACE(form.what);
+        const QString path = writeBytes(folder, QStringLiteral("photo.tif"), photo(form));
+        EXPECT_EQ(PhotoFile(path).width(), 3);
+        EXPECT_EQ(PhotoFile(path).height(), 4);
+        const QString copy = writePhoto(folder, WriteFormat::Jpeg, carriedOf(path, {4, 3}, WriteFormat::Jpeg), {4, 3});
+        for (const QString &file : {path, copy}) {
+            const QVariantMap dict = dictionaryOf(file).value_or(QVariantMap());
+            const auto valueOf = [&](const char *group, const char *key) {
+                return dict[QLatin1String(group)].toMap()[QLatin1String(key)];
+            };
+            EXPECT_EQ(dict[QStringLiteral("Orientation")].toInt(), 6);
+            EXPECT_EQ(valueOf("{TIFF}", "Make").toString(), QStringLiteral("A maker with a long name"));
+            EXPECT_EQ(valueOf("{TIFF}", "PhotometricInterpretation"), file == path ? QVariant(1) : QVariant());
+            EXPECT_EQ(valueOf("{GPS}", "LatitudeRef").toString(), QStringLiteral("S"));
+            EXPECT_EQ(valueOf("{IPTC}", "Keywords").toList(), QVariantList{QStringLiteral("sea")});
+            EXPECT_FALSE(valueOf("{Exif}", "UserComment").isValid());
+            if (!form.leadsBack) {
+                EXPECT_DOUBLE_EQ(valueOf("{Exif}", "ExposureTime").toDouble(), 1.0 / 3);
+                EXPECT_EQ(valueOf("{Exif}", "ISOSpeedRatings").toList(), QVariantList{400});
+            }
+        }
+    }
+}
+
+} // namespace hazelmark
