@@ -51,6 +51,8 @@ QString reasonText(Failure::Reason reason)
         return QStringLiteral("it could not be written");
     case Reason::EncodeFailed:
         return QStringLiteral("the picture could not be encoded");
+    case Reason::NotAPainting:
+        return QStringLiteral("it holds no painting that can be read");
     }
     Q_UNREACHABLE();
 }

@@ -29,6 +29,7 @@ struct Failure
         DiskFull,
         WriteFailed,
         EncodeFailed,
+        NotAPainting, ///< no file of strokes, or one of a newer version
     };
 
     Reason reason;

@@ -10,6 +10,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
 #include <functional>
 #include <utility>
 
@@ -72,9 +73,22 @@ QSize PaintCanvas::bufferSize() const
     return QSize(int(m_canvasSize.width()), int(m_canvasSize.height())).expandedTo(QSize(0, 0));
 }
 
+void PaintCanvas::setBrushState(const BrushState &state)
+{
+    m_brush = state.brush;
+    m_brushColor = state.brushColor;
+    m_pointSize = state.pointSize;
+    m_brushPixelStep = state.brushPixelStep;
+    m_pointAlpha = state.pointAlpha;
+    m_hardness = state.hardness;
+    m_eraser = state.eraser;
+}
+
 PaintStep PaintCanvas::paintStepFromPoint(QPointF from, QPointF to) const
 {
-    return {m_brushColor, from, to, m_pointSize, m_hardness, m_eraser, m_pointAlpha, m_brushPixelStep};
+    PaintStep step(m_brushColor, from, to, m_pointSize, m_hardness, m_eraser, m_pointAlpha, m_brushPixelStep);
+    step.setCanvasWidth(m_canvasSize.width());
+    return step;
 }
 
 void PaintCanvas::appendStep(const PaintStep &step)
@@ -90,7 +104,7 @@ void PaintCanvas::drawNewestStep()
         clearBuffer();
     m_brush = PaintControl::brushImageWithHardness(m_hardness, m_eraser, 1.0F);
     if (!steps.empty() && isDrawable(steps.back()))
-        drawStep(steps.back());
+        drawStep(asDrawn(steps.back()));
 }
 
 bool PaintCanvas::isDrawable(const PaintStep &step) const
@@ -181,9 +195,11 @@ void PaintCanvas::fitBufferToFrame()
     if (m_buffer.isNull()) {
         m_buffer = QImage(size, QImage::Format_RGBA8888_Premultiplied);
         m_buffer.fill(0);
+        m_drawnSize = m_canvasSize;
     } else if (m_buffer.size() != size) {
         m_buffer = m_buffer.scaled(size, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
         m_buffer.convertTo(QImage::Format_RGBA8888_Premultiplied);
+        m_drawnSize = {};
         bufferChanged(m_buffer.rect());
     }
 }
@@ -205,7 +221,7 @@ void PaintCanvas::removeAllPixelsDrawed()
     // to the brush state stays.
     for (const PaintStep &step : *m_paintSession->steps()) {
         if (isDrawable(step))
-            syncBrushState(step);
+            syncBrushState(asDrawn(step));
     }
 }
 
@@ -219,44 +235,105 @@ void PaintCanvas::clearDrawing()
     clearBuffer();
 }
 
-void PaintCanvas::restoreDrawedPoints(const std::shared_ptr<PaintStepList> &steps)
+void PaintCanvas::restoreDrawedPoints(const std::shared_ptr<PaintStepList> &steps, const Progress &drawn)
 {
     removeAllPixelsDrawed();
     clearBuffer();
     m_paintSession->setSteps(steps && !steps->empty() ? steps : std::make_shared<PaintStepList>());
+    const PaintStepList &all = *m_paintSession->steps();
+    replay(firstSeenStep(all, all.size()), QRect(QPoint(), bufferSize()), drawn);
+}
+
+void PaintCanvas::replay(std::size_t first, const QRect &clip, const Progress &drawn)
+{
+    const PaintStepList &steps = *m_paintSession->steps();
     std::vector<Segment> segments;
     std::size_t stamps = 0;
-    for (const PaintStep &step : *m_paintSession->steps()) {
-        if (!isDrawable(step))
+    const auto draw = [&](std::size_t count) {
+        drawSegments(segments, clip);
+        segments.clear();
+        stamps = 0;
+        if (drawn)
+            drawn(count);
+    };
+    for (std::size_t i = first; i < steps.size(); ++i) {
+        if (!isDrawable(steps[i]))
             continue;
+        const PaintStep step = asDrawn(steps[i]);
         syncBrushState(step);
+        if (!boundsOf(steps.begin() + std::ptrdiff_t(i), steps.begin() + std::ptrdiff_t(i) + 1).intersects(clip))
+            continue;
         bindBrush();
         Segment &segment = segments.emplace_back(Segment{boundPainter(), {}});
         placeStamps(Geometry::convertedPointToFrameBase(step.start(), m_canvasSize),
                     Geometry::convertedPointToFrameBase(step.end(), m_canvasSize), segment.centres);
         stamps += segment.centres.places.size();
-        if (stamps >= kStampsAtOnce) {
-            drawSegments(segments);
-            segments.clear();
-            stamps = 0;
-        }
+        if (stamps >= kStampsAtOnce)
+            draw(i + 1);
     }
-    drawSegments(segments);
+    draw(steps.size());
 }
 
-void PaintCanvas::drawSegments(const std::vector<Segment> &segments)
+void PaintCanvas::drawSegments(const std::vector<Segment> &segments, const QRect &clip)
 {
     if (segments.empty() || bufferSize().isEmpty())
         return;
     fitBufferToFrame();
-    const StampTarget target(m_buffer);
-    const int height = m_buffer.height();
-    parallelFor((height + kBandLines - 1) / kBandLines, defaultThreadCount(), [&](int band) {
-        const StampTarget lines = target.lines(band * kBandLines, (band + 1) * kBandLines);
+    const StampTarget target = StampTarget(m_buffer).part(clip);
+    const int height = target.endLine - target.beginLine;
+    const int bands = std::max((height + kBandLines - 1) / kBandLines, defaultThreadCount());
+    const auto lineOf = [&](int band) { return target.beginLine + int(qint64(height) * band / bands); };
+    parallelFor(bands, defaultThreadCount(), [&](int band) {
+        const QRect lines(clip.left(), lineOf(band), clip.width(), lineOf(band + 1) - lineOf(band));
+        const StampTarget part = target.part(lines);
         for (const Segment &segment : segments)
-            segment.painter.stamp(lines, segment.centres);
+            segment.painter.stamp(part, segment.centres);
     });
-    bufferChanged(m_buffer.rect());
+    bufferChanged(clip);
+}
+
+void PaintCanvas::drawSteps(std::size_t first, const QRect &clip)
+{
+    const BrushState brush = brushState();
+    replay(first, clip, {});
+    setBrushState(brush);
+}
+
+void PaintCanvas::setPixels(const QImage &pixels, const QRect &clip)
+{
+    if (clip.contains(QRect(QPoint(), bufferSize()))) {
+        clearBuffer();
+        m_buffer = pixels;
+        m_drawnSize = m_canvasSize;
+    } else if (!clip.isEmpty()) {
+        fitBufferToFrame();
+        const qsizetype bytes = 4 * qsizetype(clip.width());
+        for (int y = clip.top(); y <= clip.bottom(); ++y) {
+            uchar *line = m_buffer.scanLine(y) + 4 * qsizetype(clip.left());
+            if (pixels.isNull())
+                std::memset(line, 0, std::size_t(bytes));
+            else
+                std::memcpy(line, pixels.constScanLine(y) + 4 * qsizetype(clip.left()), std::size_t(bytes));
+        }
+    }
+    bufferChanged(clip);
+}
+
+QRect PaintCanvas::boundsOf(PaintStepList::const_iterator begin, PaintStepList::const_iterator end) const
+{
+    const QRectF buffer(QPointF(), bufferSize());
+    QRectF reached;
+    for (auto step = begin; step != end; ++step) {
+        const float size = asDrawn(*step).pointSize();
+        if (!isDrawable(*step) || !(size > 0) || !std::isfinite(size))
+            continue;
+        // The stamps lie between the ends, and pixels on their rim.
+        const double reach = size / 2.0 + 2;
+        const QPointF from = Geometry::convertedPointToFrameBase(step->start(), m_canvasSize);
+        const QPointF to = Geometry::convertedPointToFrameBase(step->end(), m_canvasSize);
+        reached |= QRectF(from, to).normalized().adjusted(-reach, -reach, reach, reach) & buffer;
+    }
+    return reached.toAlignedRect() & QRect(QPoint(), bufferSize());
 }
 
 void PaintCanvas::updatePaintCanvasBySessionDataArray(const QVariantList &dataArray)
@@ -289,6 +366,8 @@ void PaintCanvas::mouseDown(QPointF place)
 {
     m_firstLocation = Geometry::convertedPointToPercentBase(place, m_canvasSize);
     appendStep(paintStepFromPoint(m_firstLocation, m_firstLocation));
+    if (m_stepAppended)
+        m_stepAppended();
 }
 
 void PaintCanvas::mouseDragged(QPointF place)
@@ -297,6 +376,8 @@ void PaintCanvas::mouseDragged(QPointF place)
     const PaintStep step = paintStepFromPoint(m_firstLocation, location);
     m_firstLocation = location;
     appendStep(step);
+    if (m_stepAppended)
+        m_stepAppended();
 }
 
 void PaintCanvas::mouseUp()

@@ -11,6 +11,7 @@
 #include <QSizeF>
 #include <QUndoStack>
 
+#include <functional>
 #include <memory>
 #include <vector>
 
@@ -63,6 +64,27 @@ public:
     int toolType() const { return m_toolType; }
     void setToolType(int toolType) { m_toolType = toolType; }
 
+    struct BrushState
+    {
+        QImage brush;
+        Color brushColor;
+        float pointSize = 0;
+        float brushPixelStep = 0;
+        float pointAlpha = 0;
+        float hardness = 0;
+        bool eraser = false;
+    };
+    BrushState brushState() const
+    {
+        return {m_brush, m_brushColor, m_pointSize, m_brushPixelStep, m_pointAlpha, m_hardness, m_eraser};
+    }
+    void setBrushState(const BrushState &state);
+
+    /// Whether point sizes and pixel steps are scaled with the frame's width since the step was painted, so that what
+    /// was covered stays covered. Off at first: sizes are points of the present frame.
+    bool scalesStrokes() const { return m_scalesStrokes; }
+    void setScalesStrokes(bool scales) { m_scalesStrokes = scales; }
+
     const std::shared_ptr<PaintSession> &paintSession() const { return m_paintSession; }
     /// `session` must be there.
     void setPaintSession(std::shared_ptr<PaintSession> session) { m_paintSession = std::move(session); }
@@ -87,7 +109,23 @@ public:
     void clearDrawing();
     /// Draws `steps` from scratch at the present frame size and makes that very list the session's. None or an empty
     /// one leaves an empty session. Steps with an end outside the frame are skipped, not clipped.
-    void restoreDrawedPoints(const std::shared_ptr<PaintStepList> &steps);
+    /// `drawn` hears, now and then, how many steps the buffer holds by then.
+    using Progress = std::function<void(std::size_t steps)>;
+    void restoreDrawedPoints(const std::shared_ptr<PaintStepList> &steps, const Progress &drawn = {});
+
+    // Parts of a replay.
+
+    /// Draws the session's steps from number `first` on, onto what the buffer holds, as a replay does; pixels outside
+    /// `clip` stay as they are. Unlike a replay it leaves the brush state alone.
+    void drawSteps(std::size_t first, const QRect &clip);
+    /// Puts `pixels`, of the buffer's size, into the buffer, inside `clip`; none stand for transparent ones.
+    void setPixels(const QImage &pixels, const QRect &clip);
+    /// The pixels that some steps may reach at the present frame size.
+    QRect boundsOf(PaintStepList::const_iterator begin, PaintStepList::const_iterator end) const;
+    /// Whether the buffer is what a replay would draw, and not stretched from another frame's size.
+    bool isDrawnSharply() const { return m_buffer.isNull() || m_drawnSize == m_canvasSize; }
+    /// Called after each step that the pointer appends.
+    void setStepAppended(std::function<void()> stepAppended) { m_stepAppended = std::move(stepAppended); }
 
     /// Replaces the session's steps by those of the records, undoably (undoStack()), and draws as after one new step.
     void updatePaintCanvasBySessionDataArray(const QVariantList &dataArray);
@@ -128,11 +166,18 @@ private:
     };
     void placeStamps(QPointF from, QPointF to, StampCentres &centres) const;
     StampPainter boundPainter();
-    void drawSegments(const std::vector<Segment> &segments);
+    void drawSegments(const std::vector<Segment> &segments, const QRect &clip);
+    void replay(std::size_t first, const QRect &clip, const Progress &drawn);
+    PaintStep asDrawn(const PaintStep &step) const
+    {
+        return m_scalesStrokes ? step.scaledTo(m_canvasSize.width()) : step;
+    }
 
     std::shared_ptr<PaintSession> m_paintSession;
     QSizeF m_canvasSize;
     QImage m_buffer;
+    QSizeF m_drawnSize; ///< the frame that the buffer's content was drawn for; empty once it was stretched
+    bool m_scalesStrokes = false;
 
     QImage m_brush;
     BrushTexture m_brushTexture;
@@ -148,6 +193,7 @@ private:
     QVariantList m_sessionPrevDataArray;
     StampCentres m_centres; ///< reused by every segment, never shrunk
     QUndoStack m_undoStack;
+    std::function<void()> m_stepAppended;
 };
 
 } // namespace hazelmark

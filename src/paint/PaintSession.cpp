@@ -14,6 +14,19 @@ void PaintSession::addStep(const PaintStep &step)
     m_steps->push_back(step);
 }
 
+void PaintSession::addSteps(const PaintStepList &steps)
+{
+    m_steps->insert(m_steps->end(), steps.begin(), steps.end());
+}
+
+PaintStepList PaintSession::takeSteps(std::size_t first)
+{
+    const auto begin = m_steps->begin() + std::ptrdiff_t(first);
+    PaintStepList taken(begin, m_steps->end());
+    m_steps->erase(begin, m_steps->end());
+    return taken;
+}
+
 void PaintSession::clear()
 {
     m_steps->clear();

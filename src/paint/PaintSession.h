@@ -20,6 +20,9 @@ public:
     explicit PaintSession(const QVariantList &dataArray);
 
     void addStep(const PaintStep &step);
+    void addSteps(const PaintStepList &steps);
+    /// Takes the steps from number `first` on out of the list.
+    PaintStepList takeSteps(std::size_t first);
     /// Empties the list object that is held now.
     void clear();
 

@@ -2,7 +2,18 @@
 
 #include "PointString.h"
 
+#include <algorithm>
+
 namespace hazelmark {
+
+namespace {
+
+/// The full part of a hard tip this wide reaches from the middle to the corners of the largest canvas, whose sides have
+/// 32767 points.
+constexpr float kCoveringPointSize = 131072;
+constexpr QPointF kMiddle(0.5, 0.5);
+
+} // namespace
 
 PaintStep::PaintStep(Color color, QPointF start, QPointF end, float pointSize, float hardness, bool eraser, float alpha,
                      float brushPixelStep)
@@ -23,6 +34,37 @@ PaintStep::PaintStep(const QVariantList &data)
                 pointFromString(data.at(1).toString()).value_or(QPointF()), data.at(6).toFloat(), data.at(7).toFloat(),
                 data.at(8).toBool(), data.at(9).toFloat(), data.at(10).toFloat())
 {
+}
+
+PaintStep PaintStep::scaledTo(double canvasWidth) const
+{
+    if (m_canvasWidth <= 0 || canvasWidth <= 0 || m_canvasWidth == canvasWidth)
+        return *this;
+    PaintStep scaled = *this;
+    scaled.m_pointSize = float(m_pointSize * (canvasWidth / m_canvasWidth));
+    scaled.m_brushPixelStep = float(m_brushPixelStep * (canvasWidth / m_canvasWidth));
+    scaled.m_canvasWidth = canvasWidth;
+    return scaled;
+}
+
+PaintStep PaintStep::covering(Color color, bool eraser)
+{
+    return {color, kMiddle, kMiddle, kCoveringPointSize, 1, eraser, 1, kCoveringPointSize / 10};
+}
+
+bool PaintStep::coversCanvas() const
+{
+    return m_pointSize == kCoveringPointSize && m_start == kMiddle && m_end == kMiddle && m_hardness == 1 &&
+           (m_eraser || m_color.alpha == 1);
+}
+
+std::size_t firstSeenStep(const PaintStepList &steps, std::size_t count)
+{
+    for (std::size_t i = std::min(count, steps.size()); i > 0; --i) {
+        if (steps[i - 1].coversCanvas())
+            return i - 1;
+    }
+    return 0;
 }
 
 QVariantList PaintStep::data() const

@@ -5,6 +5,7 @@
 #include <QPointF>
 #include <QVariantList>
 
+#include <cstddef>
 #include <vector>
 
 namespace hazelmark {
@@ -49,6 +50,18 @@ public:
     /// Distance between two stamps in canvas points.
     float brushPixelStep() const { return m_brushPixelStep; }
     void setBrushPixelStep(float brushPixelStep) { m_brushPixelStep = brushPixelStep; }
+    /// Width in points of the frame that point size and pixel step are meant for; 0: they hold on every frame. No part
+    /// of the record form.
+    double canvasWidth() const { return m_canvasWidth; }
+    void setCanvasWidth(double canvasWidth) { m_canvasWidth = canvasWidth; }
+    /// The step with the sizes that cover the same part of a frame of another width.
+    PaintStep scaledTo(double canvasWidth) const;
+
+    /// A step with one stamp that covers the canvas at every size with the brush's full coverage: it fills it, or as an
+    /// eraser empties it.
+    static PaintStep covering(Color color, bool eraser);
+    /// Whether nothing is seen of what was painted before it, whatever the canvas's size.
+    bool coversCanvas() const;
 
 private:
     Color m_color;
@@ -59,9 +72,13 @@ private:
     float m_hardness;
     float m_alpha;
     float m_brushPixelStep;
+    double m_canvasWidth = 0;
 };
 
 /// Steps in drawing order, the oldest first.
 using PaintStepList = std::vector<PaintStep>;
+
+/// The first of the steps before `count` that can be seen of: the last one that covers the canvas; 0 when none does.
+std::size_t firstSeenStep(const PaintStepList &steps, std::size_t count);
 
 } // namespace hazelmark

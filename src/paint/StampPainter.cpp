@@ -106,18 +106,18 @@ public:
         return true;
     }
 
-    /// The pixels that the last mix covers, of a stamp that begins at `left`. Where the buffer's width allows, they
+    /// The pixels that the last mix covers, of a stamp that begins at `left`. Where the target's width allows, they
     /// go on to a whole number of blocks: pixels behind the covered ones sample 0 and stay as they are.
-    Span pixels(double left, int width) const
+    Span pixels(double left, Span columns) const
     {
         const double columnsPerTexel = 1 / m_texelsPerColumn;
         const bool reachesEnd = m_last == m_texels.width - 1;
         const double begin = m_first > 0 ? (m_first + 0.5) * columnsPerTexel : 0;
         const double end = (reachesEnd ? m_texels.width : m_last + 0.5) * columnsPerTexel;
-        Span span = coveredPixels(left + begin, left + end, width);
+        Span span = coveredPixels(left + begin, left + end, columns.end, columns.begin);
         if (!reachesEnd) {
             const int blocks = (span.end - span.begin + kernels::kMaxStampLanes - 1) / kernels::kMaxStampLanes;
-            span.end = std::min(span.begin + blocks * kernels::kMaxStampLanes, width);
+            span.end = std::min(span.begin + blocks * kernels::kMaxStampLanes, columns.end);
         }
         return span;
     }
@@ -144,17 +144,20 @@ private:
 StampTarget::StampTarget(QImage &image)
     : bits(image.bits())
     , stride(image.bytesPerLine())
-    , width(image.width())
+    , beginColumn(0)
+    , endColumn(image.width())
     , beginLine(0)
     , endLine(image.height())
 {
 }
 
-StampTarget StampTarget::lines(int begin, int end) const
+StampTarget StampTarget::part(const QRect &rect) const
 {
     StampTarget part = *this;
-    part.beginLine = std::max(begin, beginLine);
-    part.endLine = std::min(end, endLine);
+    part.beginColumn = std::clamp(rect.left(), beginColumn, endColumn);
+    part.endColumn = std::clamp(rect.left() + rect.width(), part.beginColumn, endColumn);
+    part.beginLine = std::clamp(rect.top(), beginLine, endLine);
+    part.endLine = std::clamp(rect.top() + rect.height(), part.beginLine, endLine);
     return part;
 }
 
@@ -191,7 +194,7 @@ QRect StampPainter::stamp(const StampTarget &target, const StampCentres &centres
             continue;
         const double left = centre.x - m_pointSize / 2;
         const double top = centre.y - m_pointSize / 2;
-        const Span columns = coveredPixels(left, left + m_pointSize, target.width);
+        const Span columns = coveredPixels(left, left + m_pointSize, target.endColumn, target.beginColumn);
         const Span lines = coveredPixels(top, top + m_pointSize, target.endLine, target.beginLine);
         if (columns.begin >= columns.end || lines.begin >= lines.end)
             continue;
@@ -199,7 +202,7 @@ QRect StampPainter::stamp(const StampTarget &target, const StampCentres &centres
         for (int line = lines.begin; line < lines.end; ++line) {
             if (!tip.mix((line + 0.5 - top) * texelsPerLine - 0.5))
                 continue;
-            const Span span = tip.pixels(left, target.width);
+            const Span span = tip.pixels(left, {target.beginColumn, target.endColumn});
             row.texel = stampColumns.texels(span.begin);
             row.fraction = stampColumns.fractions(span.begin);
             kernels::blendStampRow(target.bits + line * target.stride + 4 * qsizetype(span.begin),

@@ -32,17 +32,19 @@ struct StampCentres
     int times; ///< how often each place is stamped
 };
 
-/// The pixels that are stamped on: some lines of an image of Format_RGBA8888_Premultiplied.
+/// The pixels that are stamped on: a rectangle in an image of Format_RGBA8888_Premultiplied. Each gets what it would
+/// get in the whole image.
 struct StampTarget
 {
     /// All of the image, which must outlive this and not be copied meanwhile. Makes its memory its own.
     explicit StampTarget(QImage &image);
-    /// The lines [begin, end) alone. Targets without common lines may be stamped on by several threads at once.
-    StampTarget lines(int begin, int end) const;
+    /// What lies in `rect` alone. Targets without common pixels may be stamped on by several threads at once.
+    StampTarget part(const QRect &rect) const;
 
     uchar *bits; ///< of the image's first line
     qsizetype stride;
-    int width;
+    int beginColumn;
+    int endColumn;
     int beginLine;
     int endLine;
 };

@@ -3,11 +3,27 @@
 #include "PaintCanvas.h"
 #include "Utils.h"
 
+#include <algorithm>
+#include <cmath>
+
 namespace hazelmark {
+
+namespace {
+
+constexpr Color kGreen{0, 1, 0, 1};
+
+} // namespace
 
 Painting::Painting(PaintCanvas &canvas)
     : m_canvas(canvas)
+    , m_history(canvas)
 {
+    m_canvas.setScalesStrokes(true);
+}
+
+bool Painting::isEmpty() const
+{
+    return m_strokes->empty() || (m_strokes->back().coversCanvas() && m_strokes->back().eraser());
 }
 
 void Painting::keepStrokes()
@@ -17,15 +33,76 @@ void Painting::keepStrokes()
 
 void Painting::redraw()
 {
+    const PaintCanvas::BrushState brush = m_canvas.brushState();
     m_canvas.clearDrawing();
-    m_canvas.restoreDrawedPoints(m_strokes);
+    m_history.redraw(m_strokes);
     keepStrokes();
+    if (!m_strokes->empty() && m_strokes->back().coversCanvas())
+        m_canvas.setBrushState(brush); // no stroke is to be as wide as that
 }
 
 void Painting::clear()
 {
     m_canvas.clearDrawing();
     keepStrokes();
+    m_history.forget();
+}
+
+bool Painting::blurEverything()
+{
+    if (!m_strokes->empty() && m_strokes->back().coversCanvas() && !m_strokes->back().eraser())
+        return false;
+    m_history.append(PaintEdit::Everything, {PaintStep::covering(kGreen, false)});
+    keepStrokes();
+    return true;
+}
+
+bool Painting::clearPainting()
+{
+    if (isEmpty())
+        return false;
+    m_history.append(PaintEdit::Clear, {PaintStep::covering(kGreen, true)});
+    keepStrokes();
+    return true;
+}
+
+PaintStepList Painting::seenSteps() const
+{
+    std::size_t first = firstSeenStep(*m_strokes, m_strokes->size());
+    if (first < m_strokes->size() && (*m_strokes)[first].coversCanvas() && (*m_strokes)[first].eraser())
+        ++first; // as the canvas is at first
+    PaintStepList seen(m_strokes->begin() + std::ptrdiff_t(first), m_strokes->end());
+    for (PaintStep &step : seen)
+        step = step.scaledTo(m_canvas.canvasSize().width());
+    return seen;
+}
+
+void Painting::replaceBy(const PaintStepList &steps)
+{
+    PaintStepList appended;
+    if (!isEmpty())
+        appended.push_back(PaintStep::covering(kGreen, true));
+    appended.insert(appended.end(), steps.begin(), steps.end());
+    if (!appended.empty())
+        m_history.append(PaintEdit::Restore, appended);
+    keepStrokes();
+}
+
+double Painting::paintedFraction() const
+{
+    const QImage pixels = m_canvas.snapshot();
+    if (isEmpty() || pixels.isNull())
+        return 0;
+    // A grid of some 100,000 pixels is enough for a number in per cent.
+    const int every = std::max(1, int(std::sqrt(double(pixels.width()) * pixels.height() / 1e5)));
+    qint64 alpha = 0;
+    qint64 count = 0;
+    for (int y = every / 2; y < pixels.height(); y += every) {
+        const uchar *line = pixels.constScanLine(y);
+        for (int x = every / 2; x < pixels.width(); x += every, ++count)
+            alpha += line[4 * x + 3];
+    }
+    return count > 0 ? double(alpha) / (255.0 * double(count)) : 0;
 }
 
 void Painting::reset()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PaintHistory.h"
 #include "PaintStep.h"
 #include "PhotoImage.h"
 
@@ -23,19 +24,35 @@ public:
         kToolNone = 14, ///< no painting: before a photo is open, and for a moment while one is opened
     };
 
-    /// `canvas` outlives the painting.
+    /// `canvas` outlives the painting. Its strokes keep to the picture when its size changes.
     explicit Painting(PaintCanvas &canvas);
 
     qint32 toolType() const { return m_toolType; }
     void setToolType(qint32 toolType) { m_toolType = toolType; }
     bool isPainting() const { return m_toolType == kToolPaint || m_toolType == kToolErase; }
 
-    bool isEmpty() const { return m_strokes->empty(); }
+    /// Nothing was painted, or it was cleared since.
+    bool isEmpty() const;
     /// The canvas's own list, as it was kept last. A redraw draws it.
     const std::shared_ptr<PaintStepList> &strokes() const { return m_strokes; }
     void keepStrokes();
-    /// Draws the strokes sharply at the canvas's present size.
+    /// Draws the strokes sharply at the canvas's present size, and as wide in the picture as they were painted. Leaves
+    /// the brush state of the last step behind, except where that covers the canvas.
     void redraw();
+
+    /// The edits since the last clearing.
+    PaintHistory &history() { return m_history; }
+    const PaintHistory &history() const { return m_history; }
+    /// Fills the canvas or empties it; one edit. Not during a stroke. Nothing happens where nothing would change.
+    bool blurEverything();
+    bool clearPainting();
+    /// The steps that are seen: those before the last one that covers the canvas are left out. With the sizes that they
+    /// have on the canvas as it is.
+    PaintStepList seenSteps() const;
+    /// Puts `steps` in the place of what is painted; one edit. Not during a stroke.
+    void replaceBy(const PaintStepList &steps);
+    /// How much of the canvas is painted, 0..1; of a large one to within a few thousandths.
+    double paintedFraction() const;
 
     /// Every clearing leaves the canvas with a list of its own, and that is the one which is kept: strokes on the photo
     /// before never come back, and one that is under way is in it.
@@ -55,14 +72,15 @@ public:
     /// Tells one state of the painting from another: a redraw changes nothing of it.
     struct Version
     {
-        std::shared_ptr<PaintStepList> strokes;
-        std::size_t count = 0;
+        quint64 state = 0; ///< of the history
+        std::size_t steps = 0;
         bool operator==(const Version &) const = default;
     };
-    Version version() const { return {m_strokes, m_strokes->size()}; }
+    Version version() const { return {m_history.state(), m_strokes->size()}; }
 
 private:
     PaintCanvas &m_canvas;
+    PaintHistory m_history;
     qint32 m_toolType = kToolNone;
     std::shared_ptr<PaintStepList> m_strokes = std::make_shared<PaintStepList>();
     PhotoImagePtr m_maskImage;

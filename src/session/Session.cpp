@@ -33,6 +33,7 @@ void Session::setState(State state)
 {
     m_state = state;
     emit stateChanged();
+    emit historyChanged();
 }
 
 // The photo
@@ -99,6 +100,68 @@ void Session::fit(QSizeF size)
     m_previews.requestInput(m_resizedInputImage);
 }
 
+// Edits
+
+bool Session::mayEdit() const
+{
+    return m_state == State::Editing && m_painting.isPainting() && !m_painting.history().isStrokeUnderWay();
+}
+
+void Session::endStroke()
+{
+    m_painting.keepStrokes();
+    if (m_painting.history().commitStroke())
+        emit historyChanged();
+}
+
+std::optional<PaintEdit> Session::undoEdit() const
+{
+    return mayEdit() ? m_painting.history().undoEdit() : std::nullopt;
+}
+
+std::optional<PaintEdit> Session::redoEdit() const
+{
+    return mayEdit() ? m_painting.history().redoEdit() : std::nullopt;
+}
+
+void Session::undo()
+{
+    if (mayEdit() && m_painting.history().undo())
+        paintingChanged();
+}
+
+void Session::redo()
+{
+    if (mayEdit() && m_painting.history().redo())
+        paintingChanged();
+}
+
+void Session::blurEverything()
+{
+    if (mayEdit() && m_painting.blurEverything())
+        paintingChanged();
+}
+
+void Session::clearPainting()
+{
+    if (mayEdit() && m_painting.clearPainting())
+        paintingChanged();
+}
+
+void Session::paintingChanged()
+{
+    emit paintingReplaced();
+    emit historyChanged();
+    emit editsChanged();
+}
+
+// Paintings in files
+
+void Session::restore(const StoredPainting & /*painting*/) {}
+void Session::forgetStoredPaintings() {}
+void Session::savePaintingAs(const QString & /*path*/, const CoreFilterObject & /*settings*/) {}
+void Session::openPainting(const QString & /*path*/) {}
+
 // Previews
 
 void Session::requestPreview(const CoreFilterObject &settings)
@@ -127,7 +190,7 @@ void Session::startExport(const ExportRequest &request)
     m_isRunningAlgorithm = true;
     setState(State::Exporting);
     // All the green that is seen goes into it, also that of a stroke whose preview is still to come.
-    if (!m_painting.isEmpty())
+    if (!m_painting.isEmpty() || m_painting.maskImage())
         m_painting.updateMask();
 
     ExportJob job;

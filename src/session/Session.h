@@ -6,6 +6,7 @@
 #include "Painting.h"
 #include "PhotoExport.h"
 #include "PreviewRunner.h"
+#include "StoredPainting.h"
 #include "WorkQueue.h"
 
 #include <QImage>
@@ -17,6 +18,7 @@
 #include <memory>
 #include <optional>
 #include <set>
+#include <vector>
 
 namespace hazelmark {
 
@@ -72,6 +74,34 @@ public:
     Painting &painting() { return m_painting; }
     const Painting &painting() const { return m_painting; }
 
+    // Edits of the painting. What comes during a stroke, an export or without a photo changes nothing.
+
+    /// The end of a stroke, from press to release: one edit.
+    void endStroke();
+    /// What undo() takes back and redo() brings back; nothing when there is nothing, or not now.
+    std::optional<PaintEdit> undoEdit() const;
+    std::optional<PaintEdit> redoEdit() const;
+    void undo();
+    void redo();
+    void blurEverything();
+    void clearPainting();
+
+    // Paintings in files.
+
+    /// What is kept of the open photo, the newest first, at most three; known a moment after the opening. What is
+    /// painted now is not among them.
+    const std::vector<StoredPainting> &storedPaintings() const { return m_storedPaintings; }
+    /// Puts a stored painting in the place of what is painted; one edit. What fails is in the log.
+    void restore(const StoredPainting &painting);
+    /// Takes the stored paintings of all photos away.
+    void forgetStoredPaintings();
+    /// Writes what is painted, with blur and vignette of `settings`, as a file of strokes. paintingSaved() follows, or
+    /// paintingRefused().
+    void savePaintingAs(const QString &path, const CoreFilterObject &settings);
+    /// Puts the painting in a file of strokes in the place of what is painted; one edit. paintingRefused() when it is
+    /// none.
+    void openPainting(const QString &path);
+
     // Previews.
 
     /// Renders what is painted now. Nothing to render: nothing comes.
@@ -123,6 +153,19 @@ signals:
     void exportEnded(const hazelmark::PhotoExport::Result &result);
     /// isSaved() may answer otherwise now.
     void editsChanged();
+    /// undoEdit() and redoEdit() may answer otherwise now.
+    void historyChanged();
+    /// The canvas shows another painting, other than by a stroke: the brush is to be what its controls say, and a
+    /// preview is due.
+    void paintingReplaced();
+    /// With a painting came the values that belong to it, as the sliders have them; a value that the file does not
+    /// have is empty. Before paintingReplaced().
+    void paintingSettingsRead(std::optional<float> blurAmount, std::optional<float> vignetteAmount);
+    void storedPaintingsChanged();
+    /// Once: paintings cannot be kept. Painting goes on.
+    void storingFailed(const Failure &failure);
+    void paintingSaved(const QString &path);
+    void paintingRefused(const Failure &failure);
 
 private:
     using Request = quint64;
@@ -134,6 +177,8 @@ private:
     };
 
     void handOver();
+    bool mayEdit() const;
+    void paintingChanged();
     void setState(State state);
     Edits edits(const CoreFilterObject &settings) const;
 
@@ -152,6 +197,7 @@ private:
     PhotoImagePtr m_fittedImage; ///< what `m_resizedInputImage` was made from
     PhotoImagePtr m_overlayImage;
     Painting m_painting;
+    std::vector<StoredPainting> m_storedPaintings;
     PhotoImagePtr m_lastExportedImage;
     std::optional<Edits> m_writtenEdits; ///< of the result that was written last, into a file
 

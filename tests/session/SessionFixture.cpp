@@ -71,7 +71,7 @@ void SessionFixture::paint(QPointF from, QPointF to)
 
 void SessionFixture::endStroke()
 {
-    m_session->painting().keepStrokes();
+    m_session->endStroke();
     requestPreview();
 }
 

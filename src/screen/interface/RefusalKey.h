@@ -52,6 +52,8 @@ inline QString refusalKey(Failure::Reason reason)
         return QStringLiteral("REFUSED_WRITE_FAILED");
     case Reason::EncodeFailed:
         return QStringLiteral("REFUSED_ENCODE_FAILED");
+    case Reason::NotAPainting:
+        return QStringLiteral("REFUSED_NOT_A_PAINTING");
     }
     Q_UNREACHABLE();
 }

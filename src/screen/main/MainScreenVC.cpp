@@ -354,7 +354,7 @@ void MainScreenVC::brushDrawedRegionUpdate()
 {
     if (!isPainting())
         return;
-    m_session->painting().keepStrokes();
+    m_session->endStroke();
     btnProcessTapped();
 }
 
@@ -426,6 +426,10 @@ void MainScreenVC::connectSession()
     connect(m_session.get(), &Session::refused, this, &MainScreenVC::photoRefused);
     connect(m_session.get(), &Session::stateChanged, this, &MainScreenVC::sessionStateChanged);
     connect(m_session.get(), &Session::editsChanged, this, &MainScreenVC::updateUnsavedMark);
+    connect(m_session.get(), &Session::paintingReplaced, this, [this] {
+        m_brush->apply();
+        btnProcessTapped();
+    });
     connect(m_session.get(), &Session::inputDrawn, this, [this](const QImage &shown) {
         m_view->imgvwBeforeBokesh->setImage(shown);
         m_view->imgvwAfterBokesh->setImage(shown);

@@ -1,0 +1,132 @@
+#include "SessionFixture.h"
+
+namespace hazelmark {
+
+namespace {
+
+using Edits = SessionFixture;
+
+constexpr QPointF kLeft(0.25, 0.5);
+constexpr QPointF kRight(0.75, 0.5);
+
+} // namespace
+
+TEST_F(Edits, EachCanBeUndoneAndRedoneWithTheBrushAsItWas)
+{
+    start();
+    open(photo("photo.png"));
+    int replaced = 0;
+    QObject::connect(m_session.get(), &Session::paintingReplaced, [&] { ++replaced; });
+    std::vector<QImage> pictures{m_canvas.snapshot()};
+    const std::vector<std::pair<PaintEdit, std::function<void()>>> edits = {
+        {PaintEdit::Stroke, [&] { paint(kLeft, kRight), endStroke(); }},
+        {PaintEdit::Erase,
+         [&] {
+             m_brush.setEraser(true), paint(kLeft, {0.4, 0.5}), endStroke();
+         }},
+        {PaintEdit::Everything, [&] { m_session->blurEverything(); }},
+        {PaintEdit::Erase, [&] { paint(kLeft, kLeft), endStroke(); }},
+        {PaintEdit::Clear, [&] { m_session->clearPainting(); }},
+        {PaintEdit::Stroke, [&] { m_brush.setEraser(false), paint(kRight, kRight), endStroke(); }},
+    };
+    for (const auto &[edit, make] : edits) {
+        make();
+        EXPECT_EQ(m_session->undoEdit(), edit);
+        EXPECT_FALSE(m_session->redoEdit());
+        pictures.push_back(m_canvas.snapshot().copy());
+        EXPECT_EQ(m_session->painting().isEmpty(), edit == PaintEdit::Clear);
+        EXPECT_LT(m_canvas.pointSize(), 100) << "the covering stamp is no brush";
+    }
+    EXPECT_EQ(pictures[3].pixel(0, 0), qRgba(0, 255, 0, 255));
+    EXPECT_EQ(pictures[3].pixel(pictures[3].width() - 1, pictures[3].height() - 1), qRgba(0, 255, 0, 255));
+    EXPECT_EQ(pictures[5], pictures[0]);
+    EXPECT_NEAR(m_session->painting().paintedFraction(), 0.02, 0.01);
+
+    m_brush.setEraser(true);
+    m_brush.setLineWidth(33);
+    const float pointSize = m_canvas.pointSize();
+    for (std::size_t left = edits.size(); left > 0; --left) {
+        EXPECT_EQ(m_session->undoEdit(), edits[left - 1].first);
+        m_session->undo();
+        EXPECT_EQ(m_canvas.snapshot(), pictures[left - 1]) << left;
+        EXPECT_EQ(m_session->redoEdit(), edits[left - 1].first);
+    }
+    m_session->undo(); // nothing is left
+    for (std::size_t done = 0; done < edits.size(); ++done) {
+        m_session->redo();
+        EXPECT_EQ(m_canvas.snapshot(), pictures[done + 1]) << done;
+    }
+    EXPECT_EQ(replaced, 2 + 6 + 6);
+    EXPECT_EQ(m_canvas.pointSize(), pointSize);
+    EXPECT_TRUE(m_canvas.eraser());
+}
+
+TEST_F(Edits, ManyAreUndoneFromFewSnapshots)
+{
+    start();
+    open(photo("photo.png", {1600, 1200}));
+    std::vector<QImage> pictures;
+    for (int i = 0; i < 40; ++i) {
+        pictures.push_back(m_canvas.snapshot().copy());
+        m_brush.setEraser(i % 4 == 3);
+        m_brush.setHardness(float(i % 3) / 2);
+        m_brush.setLineWidth(float(60 + i * 7 % 90));
+        paint({0.05 + i * 37 % 90 / 100.0, 0.1 + i * 61 % 80 / 100.0}, {0.1 + i * 13 % 80 / 100.0, 0.5});
+        endStroke();
+    }
+    for (const bool resizes : {false, true}) {
+        if (resizes)
+            m_session->painting().redraw(); // snapshots of its own
+        for (std::size_t left = pictures.size(); left > 0; --left) {
+            m_session->undo();
+            ASSERT_EQ(m_canvas.snapshot(), pictures[left - 1]) << left;
+        }
+        while (m_session->redoEdit())
+            m_session->redo();
+    }
+}
+
+TEST_F(Edits, AreNeverUndoneByHalf)
+{
+    Gate gate;
+    m_work.exporting.write = [&](const auto &, const QString &, const PhotoImagePtr &) -> Outcome<Done> {
+        gate.pass();
+        return Done();
+    };
+    start();
+    m_session->undo();
+    m_session->blurEverything();
+    EXPECT_FALSE(m_session->undoEdit());
+    open(photo("photo.png"));
+    paint(kLeft, kLeft);
+    endStroke();
+    const QImage first = m_canvas.snapshot().copy();
+    paint(kRight, kRight); // is still under way
+    const QImage second = m_canvas.snapshot().copy();
+    m_session->undo();
+    m_session->clearPainting();
+    EXPECT_EQ(m_canvas.snapshot(), second);
+    endStroke();
+
+    m_session->startExport(exportRequest(out("out.png")));
+    EXPECT_FALSE(m_session->undoEdit());
+    m_session->undo();
+    EXPECT_EQ(m_canvas.snapshot(), second);
+    gate.open();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !m_results.empty(); }));
+    EXPECT_TRUE(m_session->isSaved(m_settings));
+    m_session->undo();
+    EXPECT_EQ(m_canvas.snapshot(), first);
+    EXPECT_FALSE(m_session->isSaved(m_settings));
+    paint({0.5, 0.25}, {0.5, 0.25}); // as many steps as were written, but others
+    endStroke();
+    EXPECT_FALSE(m_session->isSaved(m_settings));
+    EXPECT_FALSE(m_session->redoEdit());
+
+    open(photo("next.png"));
+    EXPECT_FALSE(m_session->undoEdit());
+    m_session->undo();
+    EXPECT_TRUE(m_session->painting().isEmpty());
+}
+
+} // namespace hazelmark
