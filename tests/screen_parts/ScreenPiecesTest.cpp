@@ -1,6 +1,6 @@
 // The smaller pieces of the main screen: summary bar, alerts, and the view that photos are dropped on.
+#include "../support/ScreenApplication.h"
 #include "AlertSheet.h"
-#include "FakeApplication.h"
 #include "FileDraggingView.h"
 #include "SheetQueue.h"
 #include "SummaryBar.h"
@@ -8,7 +8,6 @@
 #include <QApplication>
 #include <QDragEnterEvent>
 #include <QFile>
-#include <QLabel>
 #include <QMimeData>
 #include <QPushButton>
 #include <QSignalSpy>
@@ -20,32 +19,28 @@
 
 using namespace hazelmark;
 
-TEST(SummaryBarTest, CountsInThousandsAndCallsBytesKilobytes)
+TEST(SummaryBarTest, TellsOfThePhotoAndOfItsExportInThousandsAndCallsBytesKilobytes)
 {
-    const std::pair<double, const char *> cases[] = {
-        {0, "0 KB"},         {532, "532 KB"},      {999, "999 KB"},      {1000, "1 KB"},        {1499, "1 KB"},
-        {999999, "1000 KB"}, {1000000, "1.00 MB"}, {4567890, "4.57 MB"}, {2.5e9, "2500.00 MB"},
-    };
-    for (const auto &[bytes, text] : cases)
+    for (const auto &[bytes, text] : {std::pair{0.0, "0 KB"},
+                                      {999, "999 KB"},
+                                      {1000, "1 KB"},
+                                      {1499, "1 KB"},
+                                      {999999, "1000 KB"},
+                                      {1000000, "1.00 MB"},
+                                      {4567890, "4.57 MB"},
+                                      {2.5e9, "2500.00 MB"}})
         EXPECT_EQ(SummaryBar::photoSizeText(bytes).toStdString(), text);
-}
-
-TEST(SummaryBarTest, TellsOfThePhotoAndOfItsExport)
-{
-    FakeApplication application;
+    ScreenApplication application;
     SummaryBar bar(application);
     QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("a photo.jpg"));
-    QFile file(path);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write(QByteArray(532, 'x'));
-    file.close();
-    bar.setupBottomSummaryInfo(path);
+    QFile file(folder.filePath(QStringLiteral("a photo.jpg")));
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) && file.resize(532));
+    bar.setupBottomSummaryInfo(file.fileName());
     EXPECT_TRUE(bar.isVisible());
     EXPECT_EQ(bar.txtFilePath(), QStringLiteral("a photo.jpg"));
     EXPECT_EQ(bar.txtPhotoSize(), QStringLiteral("532 KB"));
     bar.showExported(QStringLiteral("/somewhere/b.tiff"));
-    EXPECT_EQ(bar.exportText(), QStringLiteral("EXPORTED<b.tiff>"));
+    EXPECT_EQ(bar.exportText(), QStringLiteral("EXPORTED b.tiff"));
     bar.setupBottomSummaryInfo(folder.filePath(QStringLiteral("gone.png")));
     EXPECT_EQ(bar.txtPhotoSize(), QStringLiteral("0 KB"));
     EXPECT_TRUE(bar.exportText().isEmpty()) << "another photo's export";
@@ -54,82 +49,65 @@ TEST(SummaryBarTest, TellsOfThePhotoAndOfItsExport)
     EXPECT_LT(bar.minimumSizeHint().width(), 300) << "a long name never widens the window";
 }
 
-TEST(AlertSheetTest, OneButtonHasOneAnswer)
+TEST(AlertSheetTest, TellsItsAnswersFromNone)
 {
-    FakeApplication application;
+    ScreenApplication application;
     QWidget window;
     window.show();
-    AlertSheet::showAlertWithTitle(window, application, QStringLiteral("Title"), QStringLiteral("\n Message"));
-    auto *sheet = qobject_cast<AlertSheet *>(SheetQueue::forWindow(window).current());
-    ASSERT_NE(sheet, nullptr);
-    EXPECT_EQ(sheet->messageText(), QStringLiteral("Title"));
-    EXPECT_EQ(sheet->informativeText(), QStringLiteral("\n Message"));
-    EXPECT_EQ(sheet->defaultButton()->text(), QStringLiteral("OK<%@>"));
-    EXPECT_EQ(sheet->alternateButton(), nullptr);
-    QSignalSpy finished(sheet, &QDialog::finished);
-    QTest::keyClick(sheet, Qt::Key_Escape);
-    ASSERT_EQ(finished.size(), 1);
-    EXPECT_EQ(finished[0][0].toInt(), AlertSheet::DefaultReturn);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return SheetQueue::forWindow(window).current() == nullptr; }));
-}
-
-TEST(AlertSheetTest, TwoButtonsTellTheirAnswersFromNone)
-{
-    const auto answer = [](const std::function<void(AlertSheet &)> &act) {
-        AlertSheet sheet(QStringLiteral("a"), QStringLiteral("<b>b</b>"), QStringLiteral("YES"), QStringLiteral("NO"));
+    const auto answer = [](AlertSheet &sheet, const std::function<void(AlertSheet &)> &act) {
         QSignalSpy finished(&sheet, &QDialog::finished);
-        sheet.open();
         act(sheet);
         return finished.size() == 1 ? finished[0][0].toInt() : -99;
     };
-    EXPECT_EQ(answer([](AlertSheet &sheet) { QTest::mouseClick(sheet.defaultButton(), Qt::LeftButton); }),
-              AlertSheet::DefaultReturn);
-    EXPECT_EQ(answer([](AlertSheet &sheet) { QTest::keyClick(&sheet, Qt::Key_Return); }), AlertSheet::DefaultReturn);
-    EXPECT_EQ(answer([](AlertSheet &sheet) { QTest::mouseClick(sheet.alternateButton(), Qt::LeftButton); }),
-              AlertSheet::AlternateReturn);
-    EXPECT_EQ(answer([](AlertSheet &sheet) { sheet.close(); }), AlertSheet::Dismissed);
+    AlertSheet::showAlertWithTitle(window, application, QStringLiteral("Title"), QStringLiteral("\n Message"));
+    auto *sheet = qobject_cast<AlertSheet *>(SheetQueue::forWindow(window).current());
+    ASSERT_NE(sheet, nullptr);
+    EXPECT_EQ(sheet->messageText() + sheet->informativeText(), QStringLiteral("Title\n Message"));
+    EXPECT_EQ(sheet->defaultButton()->text(), QStringLiteral("OK %@"));
+    EXPECT_EQ(sheet->alternateButton(), nullptr);
+    EXPECT_EQ(answer(*sheet, [](AlertSheet &one) { QTest::keyClick(&one, Qt::Key_Escape); }), AlertSheet::DefaultReturn)
+        << "there is but one";
+    const std::pair<std::function<void(AlertSheet &)>, int> acts[]{
+        {[](AlertSheet &two) { QTest::mouseClick(two.defaultButton(), Qt::LeftButton); }, AlertSheet::DefaultReturn},
+        {[](AlertSheet &two) { QTest::keyClick(&two, Qt::Key_Return); }, AlertSheet::DefaultReturn},
+        {[](AlertSheet &two) { QTest::mouseClick(two.alternateButton(), Qt::LeftButton); },
+         AlertSheet::AlternateReturn},
+        {[](AlertSheet &two) { two.close(); }, AlertSheet::Dismissed}};
+    for (const auto &[act, expected] : acts) {
+        AlertSheet two(QStringLiteral("a"), QStringLiteral("<b>b</b>"), QStringLiteral("YES"), QStringLiteral("NO"));
+        two.open();
+        EXPECT_EQ(answer(two, act), expected);
+    }
 }
 
 namespace {
 
-class OpenDraggingView : public FileDraggingView
-{
-public:
-    using FileDraggingView::dropEvent;
-    using FileDraggingView::FileDraggingView;
-};
-
 class FileDraggingViewTest : public testing::Test
 {
 protected:
+    struct OpenDraggingView : FileDraggingView
+    {
+        using FileDraggingView::dropEvent;
+        using FileDraggingView::FileDraggingView;
+    };
+
     FileDraggingViewTest()
     {
         m_view.resize(400, 300);
         QObject::connect(&m_view, &FileDraggingView::photoDraggedWithPath,
                          [this](const QString &path) { m_dropped << path; });
     }
-
-    static QList<QUrl> urls(const QStringList &paths)
+    /// Drags as a file manager that would rather move; what the view makes of it, if it takes it.
+    template <typename Event>
+    std::optional<Qt::DropAction> drag(const QMimeData &data)
     {
-        QList<QUrl> urls;
-        for (const QString &path : paths)
-            urls << (path.contains(QLatin1String("://")) ? QUrl(path) : QUrl::fromLocalFile(path));
-        return urls;
-    }
-    /// Drags as a file manager that would rather move.
-    std::optional<Qt::DropAction> enter(const QMimeData &data)
-    {
-        QDragEnterEvent event({5, 5}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
+        Event event({5, 5}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
         event.setDropAction(Qt::MoveAction);
-        QCoreApplication::sendEvent(&m_view, &event);
+        if constexpr (std::is_same_v<Event, QDropEvent>)
+            m_view.dropEvent(&event);
+        else
+            QCoreApplication::sendEvent(&m_view, &event);
         return event.isAccepted() ? std::optional(event.dropAction()) : std::nullopt;
-    }
-    Qt::DropAction drop(const QMimeData &data)
-    {
-        QDropEvent event({5, 5}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
-        event.setDropAction(Qt::MoveAction);
-        m_view.dropEvent(&event);
-        return event.dropAction();
     }
 
     QStringList m_tested;
@@ -142,50 +120,42 @@ protected:
 
 } // namespace
 
-TEST_F(FileDraggingViewTest, TakesPhotosInOrderAndAlwaysAsACopy)
+TEST_F(FileDraggingViewTest, TakesPhotosInOrderAndAlwaysAsACopyAndNothingSwitchesTheHighlightOn)
 {
-    const QStringList paths{QStringLiteral("/p/50 % ü.jpg"), QStringLiteral("/p/a#b?.jpg"), QStringLiteral("/p/2.jpg")};
     QMimeData data;
     data.setData(QStringLiteral("text/uri-list"),
                  "file:///p/50%20%25%20%C3%BC.jpg\r\nfile:///p/a%23b%3F.jpg\r\nfile:///p/2.jpg\r\n");
-    EXPECT_EQ(enter(data), Qt::CopyAction);
-    QDragMoveEvent move({6, 6}, Qt::CopyAction | Qt::MoveAction, &data, Qt::LeftButton, Qt::NoModifier);
-    move.setDropAction(Qt::MoveAction);
-    QCoreApplication::sendEvent(&m_view, &move);
-    EXPECT_EQ(move.dropAction(), Qt::CopyAction);
-    EXPECT_EQ(drop(data), Qt::CopyAction);
-    EXPECT_EQ(m_dropped, paths);
-}
-
-TEST_F(FileDraggingViewTest, OneOtherFileRefusesTheWholeDrag)
-{
-    for (const char *other : {"/p/folder", "/p/text.pdf", "https://example.org/a.jpg", "smb://nas/a.jpg"}) {
-        QMimeData data;
-        data.setUrls(urls({QStringLiteral("/p/1.jpg"), QLatin1String(other), QStringLiteral("/p/2.jpg")}));
-        m_dropped.clear();
-        m_tested.clear();
-        EXPECT_EQ(enter(data), std::nullopt) << other;
-        EXPECT_FALSE(m_tested.contains(QStringLiteral("/p/2.jpg"))) << "it stops at the first";
-        // It may arrive all the same: then the photos count.
-        drop(data);
-        EXPECT_EQ(m_dropped, QStringList({QStringLiteral("/p/1.jpg"), QStringLiteral("/p/2.jpg")})) << other;
-    }
-}
-
-TEST_F(FileDraggingViewTest, TextIsNotRefusedAndNothingSwitchesTheHighlightOn)
-{
-    QMimeData text;
-    text.setText(QStringLiteral("/p/1.jpg"));
-    EXPECT_NE(enter(text), std::nullopt);
-    drop(text);
-    EXPECT_TRUE(m_dropped.isEmpty() && m_tested.isEmpty());
-    QMimeData data;
-    data.setUrls(urls({QStringLiteral("/p/1.jpg")}));
-    enter(data);
+    EXPECT_EQ(drag<QDragEnterEvent>(data), Qt::CopyAction);
+    EXPECT_EQ(drag<QDragMoveEvent>(data), Qt::CopyAction);
     EXPECT_FALSE(m_view.isHighlighted());
     const QImage plain = m_view.grab().toImage();
     m_view.setHighlighted(true);
     EXPECT_NE(m_view.grab().toImage(), plain);
-    drop(data);
+    EXPECT_EQ(drag<QDropEvent>(data), Qt::CopyAction);
     EXPECT_FALSE(m_view.isHighlighted());
+    EXPECT_EQ(m_dropped, QStringList({QStringLiteral("/p/50 % ü.jpg"), QStringLiteral("/p/a#b?.jpg"),
+                                      QStringLiteral("/p/2.jpg")}));
+}
+
+TEST_F(FileDraggingViewTest, OneOtherFileRefusesTheWholeDragAndTextDoesNot)
+{
+    const QUrl first(QStringLiteral("file:///p/1.jpg")), last(QStringLiteral("file:///p/2.jpg"));
+    for (const char *other :
+         {"file:///p/folder", "file:///p/text.pdf", "https://example.org/a.jpg", "smb://nas/a.jpg"}) {
+        QMimeData data;
+        data.setUrls({first, QUrl(QLatin1String(other)), last});
+        m_dropped.clear();
+        m_tested.clear();
+        EXPECT_EQ(drag<QDragEnterEvent>(data), std::nullopt) << other;
+        EXPECT_FALSE(m_tested.contains(last.path())) << "it stops at the first";
+        // It may arrive all the same: then the photos count.
+        drag<QDropEvent>(data);
+        EXPECT_EQ(m_dropped, QStringList({first.path(), last.path()})) << other;
+    }
+    m_dropped.clear();
+    QMimeData text;
+    text.setText(first.path());
+    EXPECT_NE(drag<QDragEnterEvent>(text), std::nullopt);
+    drag<QDropEvent>(text);
+    EXPECT_TRUE(m_dropped.isEmpty());
 }

@@ -1,13 +1,12 @@
 #include "SharePicker.h"
 
+#include "../support/ScreenApplication.h"
 #include "AlertSheet.h"
 #include "Decoder.h"
-#include "FakeApplication.h"
 #include "ProcessWide.h"
 #include "Workspace.h"
 
 #include <QApplication>
-#include <QClipboard>
 #include <QDBusArgument>
 #include <QDBusConnectionInterface>
 #include <QDBusContext>
@@ -16,9 +15,7 @@
 #include <QDialog>
 #include <QDir>
 #include <QFile>
-#include <QMimeData>
 #include <QProcess>
-#include <QSignalSpy>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -60,7 +57,7 @@ void writeFile(const QString &path, const QByteArray &content, bool executable =
         file.setPermissions(file.permissions() | QFile::ExeOwner);
 }
 
-/// A desktop with one viewer, "Ansicht & Co", and no bus, mail portal or Bluetooth.
+/// A desktop with one viewer, "View & Co", and no bus, mail portal or Bluetooth.
 class SharePickerTest : public testing::Test
 {
 protected:
@@ -71,11 +68,9 @@ protected:
         writeFile(m_folder.filePath(QStringLiteral("applications/viewer.desktop")),
                   "[Desktop Entry]\nType=Application\nName=View & Co\nExec=viewer --open %f\n"
                   "MimeType=image/jpeg;image/png;\n");
-        qputenv("XDG_DATA_HOME", m_folder.path().toUtf8());
-        qputenv("XDG_DATA_DIRS", m_folder.path().toUtf8());
-        qputenv("PATH", m_folder.path().toUtf8());
-        qputenv("DBUS_SESSION_BUS_ADDRESS", "");
-        qputenv("XDG_RUNTIME_DIR", m_folder.path().toUtf8());
+        for (const char *name : {"XDG_DATA_HOME", "XDG_DATA_DIRS", "PATH", "XDG_RUNTIME_DIR"})
+            set(name, m_folder.path().toUtf8());
+        set("DBUS_SESSION_BUS_ADDRESS", "");
         m_window.resize(600, 400);
         m_button.setGeometry(300, 10, 32, 32);
         m_window.show();
@@ -85,171 +80,125 @@ protected:
         for (const auto &[name, value] : m_environment)
             qputenv(name, value);
     }
-
-    void show(const PhotoImagePtr &image, const QString &photoPath = QStringLiteral("/photos/A day. 50 %.JPG"))
+    void set(const char *name, const QByteArray &value)
     {
-        m_picker.showSharingServicePickerWithImage(image, photoPath, m_button);
-        ASSERT_TRUE(m_picker.menu() && m_picker.menu()->isVisible());
+        m_environment.emplace_back(name, qgetenv(name));
+        qputenv(name, value);
     }
     QAction *service(const char *key) const
     {
-        for (QAction *action : m_picker.menu()->actions()) {
+        for (QAction *action : m_picker->menu()->actions()) {
             if (action->text().startsWith(QLatin1String(key)))
                 return action;
         }
         return nullptr;
     }
-    /// Chooses as a person does: the pop-up goes, then the service starts.
-    void choose(QAction *action)
+    void show()
     {
-        m_picker.menu()->close();
+        m_picker->showSharingServicePickerWithImage(m_picture, QStringLiteral("/A day. 50 %.JPG"), m_button);
+    }
+    /// Chooses as a person does: the pop-up goes, then the service starts.
+    void choose(const char *key)
+    {
+        show();
+        QAction *action = service(key);
+        m_picker->menu()->close();
         action->trigger();
+    }
+    /// Waits for as many commands; the last one.
+    QStringList launched(int count)
+    {
+        EXPECT_TRUE(QTest::qWaitFor([&] { return m_workspace.m_launched.size() == count; }));
+        return m_workspace.m_launched.value(count - 1);
     }
     AlertSheet *alert() { return qobject_cast<AlertSheet *>(SheetQueue::forWindow(m_window).current()); }
 
-    std::vector<std::pair<const char *, QByteArray>> m_environment = [] {
-        std::vector<std::pair<const char *, QByteArray>> all;
-        for (const char *name :
-             {"XDG_DATA_HOME", "XDG_DATA_DIRS", "PATH", "DBUS_SESSION_BUS_ADDRESS", "XDG_RUNTIME_DIR"})
-            all.emplace_back(name, qgetenv(name));
-        return all;
-    }();
+    std::vector<std::pair<const char *, QByteArray>> m_environment; ///< as it was
     QTemporaryDir m_folder;
     LaunchingWorkspace m_workspace;
     ProcessWide<Workspace>::Replacement m_replacement{m_workspace};
-    FakeApplication m_application;
+    ScreenApplication m_application;
+    PhotoImagePtr m_picture = picture();
     QWidget m_window;
     QWidget m_button{&m_window};
-    SharePicker m_picker{m_application, m_window};
+    std::optional<SharePicker> m_picker{std::in_place, m_application, m_window};
 };
 
 } // namespace
 
-TEST_F(SharePickerTest, OpensAtTheButtonAndOffersWhatThereIs)
+TEST_F(SharePickerTest, OffersWhatThereIsAndHandsTheFileOver)
 {
     testing::internal::CaptureStderr();
-    show(picture());
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("show SocialServiceProvider !!"), std::string::npos);
-    EXPECT_EQ(m_picker.menu()->geometry().topRight(), m_button.mapToGlobal(QPoint(31, 32)));
-    EXPECT_TRUE(service("SHARE_EMAIL")->isEnabled());
-    EXPECT_TRUE(service("SHARE_COPY")->isEnabled());
+    show();
+    EXPECT_EQ(m_picker->menu()->geometry().topRight(), m_button.mapToGlobal(QPoint(31, 32)));
+    EXPECT_TRUE(service("SHARE_EMAIL")->isEnabled() && service("SHARE_COPY")->isEnabled());
     EXPECT_EQ(service("SHARE_BLUETOOTH"), nullptr) << "nothing here can send by Bluetooth";
     QAction *openWith = service("SHARE_OPEN_WITH");
     ASSERT_TRUE(QTest::qWaitFor([&] { return openWith->isEnabled(); }));
     ASSERT_EQ(openWith->menu()->actions().size(), 1);
     EXPECT_EQ(openWith->menu()->actions().first()->text(), QStringLiteral("View && Co"));
-
-    writeFile(m_folder.filePath(QStringLiteral("bluedevil-sendfile")), "#!/bin/sh\n", true);
-    show(picture());
-    EXPECT_NE(service("SHARE_BLUETOOTH"), nullptr);
-}
-
-TEST_F(SharePickerTest, SheetsWaitUntilItIsClosedAndWithoutAPictureThereIsNothingToChoose)
-{
-    show(nullptr);
-    for (const QAction *action : m_picker.menu()->actions())
-        EXPECT_FALSE(action->isEnabled());
-    auto *sheet = new QDialog;
-    SheetQueue::forWindow(m_window).present(sheet);
-    QCoreApplication::processEvents();
-    EXPECT_FALSE(sheet->isVisible());
-    m_picker.menu()->close();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return sheet->isVisible(); }));
-}
-
-TEST_F(SharePickerTest, AMessageTakesThePictureAsAFileThatStays)
-{
-    testing::internal::CaptureStderr();
-    const PhotoImagePtr image = picture();
-    show(image);
-    choose(service("SHARE_EMAIL"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return m_workspace.m_launched.size() == 1; }));
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("Picked this service: SHARE_EMAIL"), std::string::npos);
-    const QStringList command = m_workspace.m_launched.first();
-    ASSERT_EQ(command.size(), 3);
-    EXPECT_EQ(command.mid(0, 2), QStringList({QStringLiteral("xdg-email"), QStringLiteral("--attach")}));
-    EXPECT_EQ(QFileInfo(command[2]).fileName(), QStringLiteral("A day. 50 %.jpg"));
-    const Outcome<Picture> sent = decodePicture(command[2]);
+    openWith->menu()->actions().first()->trigger();
+    const QStringList viewer = launched(1);
+    EXPECT_EQ(viewer.mid(0, 2), QStringList({QStringLiteral("viewer"), QStringLiteral("--open")}));
+    choose("SHARE_EMAIL");
+    EXPECT_EQ(launched(2), QStringList({QStringLiteral("xdg-email"), QStringLiteral("--attach"), viewer.value(2)}))
+        << "one picture, one file";
+    EXPECT_EQ(QFileInfo(viewer.value(2)).fileName(), QStringLiteral("A day. 50 %.jpg"));
+    const Outcome<Picture> sent = decodePicture(viewer.value(2));
     ASSERT_TRUE(sent);
     EXPECT_EQ(sent->pixels.size(), QSize(40, 30));
     EXPECT_GT(sent->pixels.pixelColor(3, 3).red(), 250);
-    EXPECT_LT(sent->pixels.pixelColor(3, 3).blue(), 5);
-    show(image);
-    choose(service("SHARE_EMAIL"));
-    ASSERT_TRUE(QTest::qWaitFor([&] { return m_workspace.m_launched.size() == 2; }));
-    EXPECT_EQ(m_workspace.m_launched.last(), command) << "one picture, one file";
     EXPECT_EQ(alert(), nullptr);
+    const std::string log = testing::internal::GetCapturedStderr();
+    for (const char *line : {"show SocialServiceProvider !!", "Picked this service: SHARE_OPEN_WITH %@: View & Co",
+                             "Picked this service: SHARE_EMAIL"})
+        EXPECT_NE(log.find(line), std::string::npos) << line;
+
+    writeFile(m_folder.filePath(QStringLiteral("bluedevil-sendfile")), "#!/bin/sh\n", true);
+    show();
+    EXPECT_NE(service("SHARE_BLUETOOTH"), nullptr);
+    m_picture = nullptr;
+    show();
+    for (const QAction *action : m_picker->menu()->actions())
+        EXPECT_FALSE(action->isEnabled()) << "without a picture";
+    auto *sheet = new QDialog;
+    SheetQueue::forWindow(m_window).present(sheet);
+    QCoreApplication::processEvents();
+    EXPECT_FALSE(sheet->isVisible()) << "it waits until the pop-up is closed";
+    m_picker->menu()->close();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return sheet->isVisible(); }));
 }
 
 TEST_F(SharePickerTest, AServiceThatFailsSaysSo)
 {
-    for (const bool written : {true, false}) {
-        m_workspace.m_succeeds = false;
-        if (!written)
-            qputenv("TMPDIR", "/proc"); // where not even the superuser can make a folder
-        SharePicker picker(m_application, m_window);
-        picker.showSharingServicePickerWithImage(picture(), QStringLiteral("/a.png"), m_button);
-        for (QAction *action : picker.menu()->actions()) {
-            if (action->text().startsWith(QLatin1String("SHARE_EMAIL"))) {
-                picker.menu()->close();
-                action->trigger();
-                break;
-            }
-        }
+    m_workspace.m_succeeds = false;
+    for (const bool isWritten : {true, false}) {
+        if (!isWritten)
+            set("TMPDIR", "/proc"); // where not even the superuser can make a folder
+        m_picker.emplace(m_application, m_window);
+        choose("SHARE_EMAIL");
         ASSERT_TRUE(QTest::qWaitFor([&] { return alert() != nullptr; }));
-        qunsetenv("TMPDIR");
         EXPECT_EQ(m_workspace.m_launched.size(), 1) << "only what is written is sent";
-        EXPECT_EQ(alert()->messageText(), QStringLiteral("ERROR_CANT_SHARE_IMAGE<%@>"));
-        EXPECT_EQ(alert()->informativeText(), QStringLiteral("SHARE_SERVICE_FAILED<SHARE_EMAIL<%@>>"));
+        EXPECT_EQ(alert()->messageText(), QStringLiteral("ERROR_CANT_SHARE_IMAGE %@"));
+        EXPECT_EQ(alert()->informativeText(), QStringLiteral("SHARE_SERVICE_FAILED SHARE_EMAIL %@"));
         alert()->accept();
         ASSERT_TRUE(QTest::qWaitFor([&] { return alert() == nullptr; }));
     }
+    qunsetenv("TMPDIR");
 }
 
-TEST_F(SharePickerTest, TheClipboardHasThePictureAsPng)
-{
-    QSignalSpy shared(&m_picker, &SharePicker::shared);
-    show(picture());
-    choose(service("SHARE_COPY"));
-    ASSERT_TRUE(shared.wait());
-    EXPECT_EQ(shared[0][0].toString(), QStringLiteral("SHARE_COPIED<%@>"));
-    const QImage pasted = QImage::fromData(QGuiApplication::clipboard()->mimeData()->data(QStringLiteral("image/png")));
-    EXPECT_EQ(pasted.size(), QSize(40, 30));
-    EXPECT_EQ(pasted.pixelColor(5, 5), QColor(Qt::red));
-}
-
-TEST_F(SharePickerTest, AnotherApplicationGetsTheFile)
-{
-    testing::internal::CaptureStderr();
-    show(picture());
-    QAction *openWith = service("SHARE_OPEN_WITH");
-    ASSERT_TRUE(QTest::qWaitFor([&] { return openWith->isEnabled(); }));
-    QAction *viewer = openWith->menu()->actions().first();
-    viewer->trigger();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return m_workspace.m_launched.size() == 1; }));
-    EXPECT_NE(testing::internal::GetCapturedStderr().find("Picked this service: SHARE_OPEN_WITH<%@>: View & Co"),
-              std::string::npos);
-    const QStringList command = m_workspace.m_launched.first();
-    EXPECT_EQ(command.mid(0, 2), QStringList({QStringLiteral("viewer"), QStringLiteral("--open")}));
-    EXPECT_TRUE(QFile::exists(command.last()));
-}
-
-TEST_F(SharePickerTest, PicturesGoInTheirKindAndNothingIsLeftBehind)
+TEST(OutgoingPicturesTest, GoInTheirKindAndNothingIsLeftBehind)
 {
     EXPECT_TRUE(OutgoingPictures::goesAsJpeg(picture(), QStringLiteral("/a.Jpeg")));
     EXPECT_FALSE(OutgoingPictures::goesAsJpeg(picture(QImage::Format_RGBA8888), QStringLiteral("/a.jpg")));
     EXPECT_FALSE(OutgoingPictures::goesAsJpeg(picture(), QStringLiteral("/a.tiff")));
-    QString folder;
-    {
-        OutgoingPictures pictures;
-        bool ready = false;
-        pictures.prepare(picture(), QStringLiteral("/a.png"), [&](const QString &path) { ready = !path.isEmpty(); });
-        ASSERT_TRUE(QTest::qWaitFor([&] { return ready; }));
-        folder = pictures.folder();
-        EXPECT_TRUE(QDir(folder).exists());
-        pictures.prepare(picture(), QStringLiteral("/b.png"), [](const QString &) {}); // still at it when the end comes
-    }
-    EXPECT_FALSE(QDir(folder).exists());
+    std::optional<OutgoingPictures> pictures(std::in_place);
+    QString written;
+    pictures->prepare(picture(), QStringLiteral("/a.png"), [&](const QString &path) { written = path; });
+    ASSERT_TRUE(QTest::qWaitFor([&] { return QFile::exists(written); }));
+    pictures->prepare(picture(), QStringLiteral("/b.png"), [](const QString &) {}); // still at it when the end comes
+    pictures.reset();
+    EXPECT_FALSE(QDir(QFileInfo(written).path()).exists());
 }
 
 #define ENTRY "[Desktop Entry]\nType=Application\nName=A\nExec=/bin/sh %f\nMimeType=image/png;\n"
@@ -272,49 +221,37 @@ TEST(DesktopApplicationTest, OffersProgramsThatPeopleCanStart)
         {"empty", "", false},
         {"noise", "\xff\xfe=\n=\n[", false},
     };
-    const QTemporaryDir folder;
+    const QString png = QStringLiteral("image/png"), name = QStringLiteral("a.desktop");
+    const QTemporaryDir system, user;
     for (const auto &[what, lines, offered] : entries) {
-        writeFile(folder.filePath(QStringLiteral("a.desktop")), lines);
-        EXPECT_EQ(DesktopApplication::forType(QStringLiteral("image/png"), {folder.path()}).size(), offered) << what;
+        writeFile(system.filePath(name), lines);
+        EXPECT_EQ(DesktopApplication::forType(png, {system.path()}).size(), offered) << what;
     }
-}
-
-TEST(DesktopApplicationTest, TheUsersEntryReplacesTheSystemsOne)
-{
-    QTemporaryDir user, system;
-    const QString name = QStringLiteral("a.desktop");
+    // The user's entry replaces the system's one.
     writeFile(user.filePath(name), ENTRY "Hidden=true\n");
     writeFile(system.filePath(name), ENTRY);
     QGuiApplication::setDesktopFileName(QStringLiteral("own.program"));
     writeFile(system.filePath(QStringLiteral("own.program.desktop")), ENTRY);
-    EXPECT_TRUE(DesktopApplication::forType(QStringLiteral("image/png"), {user.path(), system.path()}).isEmpty());
-    EXPECT_EQ(DesktopApplication::forType(QStringLiteral("image/png"), {system.path(), user.path()}).size(), 1);
+    EXPECT_TRUE(DesktopApplication::forType(png, {user.path(), system.path()}).isEmpty());
+    EXPECT_EQ(DesktopApplication::forType(png, {system.path(), user.path()}).size(), 1);
 }
 
 TEST(DesktopApplicationTest, FillsItsCommandLine)
 {
-    QTemporaryDir folder;
+    const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("a.desktop"));
-    const QString photo = QStringLiteral("/p/a b%.png");
-    const auto command = [&](const char *exec) {
+    for (const auto &[exec, command] :
+         {std::pair{"/bin/sh %U -x", "/bin/sh|file:///p/a%20b%25.png|-x"},
+          {"/bin/sh --file=%f %i %c 100%%", "/bin/sh|--file=/p/a b%.png|--icon|pic|Ä|100%"},
+          {"/bin/sh \"two words\" \"a \\\\\"q\\\\\"\" %n", "/bin/sh|two words|a \"q\"|/p/a b%.png"},
+          {"/bin/sh", "/bin/sh|/p/a b%.png"}}) {
         writeFile(path, QByteArray("[Desktop Entry]\nType=Application\nName=A\nName[de]=Ä\nName[de_AT]=Ö\nIcon=pic\n"
                                    "Exec=") +
                             exec + "\n");
         const auto application = DesktopApplication::fromEntry(path, {QStringLiteral("de_DE"), QStringLiteral("de")});
-        return application ? application->command(photo) : QStringList();
-    };
-    const auto list = [](std::initializer_list<const char *> words) {
-        QStringList strings;
-        for (const char *word : words)
-            strings << QString::fromUtf8(word);
-        return strings;
-    };
-    EXPECT_EQ(command("/bin/sh %U -x"), list({"/bin/sh", "file:///p/a%20b%25.png", "-x"}));
-    EXPECT_EQ(command("/bin/sh --file=%f %i %c 100%%"),
-              list({"/bin/sh", "--file=/p/a b%.png", "--icon", "pic", "Ä", "100%"}));
-    EXPECT_EQ(command("/bin/sh \"two words\" \"a \\\\\"q\\\\\"\" %n"),
-              list({"/bin/sh", "two words", "a \"q\"", "/p/a b%.png"}));
-    EXPECT_EQ(command("/bin/sh"), list({"/bin/sh", "/p/a b%.png"}));
+        ASSERT_TRUE(application);
+        EXPECT_EQ(application->command(QStringLiteral("/p/a b%.png")).join(QLatin1Char('|')).toStdString(), command);
+    }
 }
 
 namespace {
