@@ -5,7 +5,7 @@
 #include "FloatSlider.h"
 #include "HighlightButton.h"
 #include "ScaleToFillImageView.h"
-#include "Theme.h"
+#include "WidgetEvents.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -22,16 +22,6 @@ using namespace hazelmark;
 
 namespace {
 
-const QColor kSliderGreen(52, 215, 64);
-
-QImage drawn(QWidget &widget)
-{
-    QImage image(widget.size(), QImage::Format_ARGB32);
-    image.fill(Qt::transparent);
-    widget.render(&image, {}, {}, QWidget::RenderFlags());
-    return image;
-}
-
 /// How many pixels `isCounted` says yes to.
 template <typename Test>
 int count(const QImage &image, Test isCounted)
@@ -47,18 +37,6 @@ void wheel(QWidget &widget, int angle)
 {
     QWheelEvent event(QPointF(5, 5), widget.mapToGlobal(QPointF(5, 5)), {}, {0, angle}, Qt::NoButton, {},
                       Qt::NoScrollPhase, false);
-    QCoreApplication::sendEvent(&widget, &event);
-}
-
-void enter(QWidget &widget)
-{
-    QEnterEvent event(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
-    QCoreApplication::sendEvent(&widget, &event);
-}
-
-void leave(QWidget &widget)
-{
-    QEvent event(QEvent::Leave);
     QCoreApplication::sendEvent(&widget, &event);
 }
 
@@ -112,48 +90,37 @@ TEST_F(FloatSliderTest, OnlyAPersonsChangeSendsTheActionAndTheRangeHolds)
     drawn(m_slider);
 }
 
-TEST_F(FloatSliderTest, FollowsThePointerFromWhereItTookTheKnob)
+TEST_F(FloatSliderTest, FollowsThePointerFromWhereItTookTheKnobAndWaitsForWhatThatHasStarted)
 {
     m_slider.setValue(50); // knob centre at x = 110
     QTest::mousePress(&m_slider, Qt::LeftButton, {}, {114, 10});
     EXPECT_TRUE(m_action.isEmpty()) << "taking hold of the knob moved it";
     QTest::mouseMove(&m_slider, {124, 10});
     EXPECT_DOUBLE_EQ(m_slider.value(), 55) << "the first move counts at once";
-    for (int x = 125; x < 1000; ++x)
-        QCoreApplication::sendEvent(&m_slider,
-                                    std::make_unique<QMouseEvent>(QEvent::MouseMove, QPointF(x, -50), QPointF(x, -50),
-                                                                  Qt::NoButton, Qt::LeftButton, Qt::NoModifier)
-                                        .get());
+    for (int x = 125; x < 1000; ++x) {
+        QMouseEvent move(QEvent::MouseMove, QPointF(x, -50), QPointF(x, -50), Qt::NoButton, Qt::LeftButton, {});
+        QCoreApplication::sendEvent(&m_slider, &move);
+    }
     EXPECT_EQ(m_action.size(), 1) << "no more than one a frame";
     EXPECT_TRUE(QTest::qWaitFor([this] { return m_slider.value() == 100; }));
-    const auto actions = m_action.size();
     QTest::mouseMove(&m_slider, {1100, -50});
     letTimersFire(50);
-    EXPECT_EQ(m_action.size(), actions) << "no action without a change";
-    QTest::mouseMove(&m_slider, {115, -50});
-    QTest::mouseMove(&m_slider, {94, -50});
-    QTest::mouseRelease(&m_slider, Qt::LeftButton, {}, {94, -50});
-    EXPECT_DOUBLE_EQ(m_slider.value(), 40) << "the last move counts, too";
-    QTest::mouseMove(&m_slider, {30, 10});
-    EXPECT_DOUBLE_EQ(m_slider.value(), 40);
-}
-
-TEST_F(FloatSliderTest, WaitsWithADragForWhatItHasStarted)
-{
-    bool isBusy = false;
+    EXPECT_EQ(m_action.size(), 2) << "no action without a change";
+    bool isBusy = true;
     m_slider.setBusyTest([&] { return isBusy; });
-    QTest::mousePress(&m_slider, Qt::LeftButton, {}, {110, 10});
-    isBusy = true;
-    QTest::mouseMove(&m_slider, {130, 10});
+    QTest::mouseMove(&m_slider, {134, -50});
     letTimersFire(50);
-    EXPECT_DOUBLE_EQ(m_slider.value(), 50) << "where it was pressed";
-    QTest::mouseMove(&m_slider, {150, 10});
+    EXPECT_DOUBLE_EQ(m_slider.value(), 100);
+    QTest::mouseMove(&m_slider, {154, -50});
     isBusy = false;
     EXPECT_TRUE(QTest::qWaitFor([this] { return m_slider.value() == 70; }));
     isBusy = true;
-    QTest::mouseMove(&m_slider, {170, 10});
-    QTest::mouseRelease(&m_slider, Qt::LeftButton, {}, {170, 10});
-    EXPECT_DOUBLE_EQ(m_slider.value(), 80) << "the last move counts, whatever is being done";
+    QTest::mouseMove(&m_slider, {115, -50});
+    QTest::mouseMove(&m_slider, {94, -50});
+    QTest::mouseRelease(&m_slider, Qt::LeftButton, {}, {94, -50});
+    EXPECT_DOUBLE_EQ(m_slider.value(), 40) << "the last move counts, whatever is being done";
+    QTest::mouseMove(&m_slider, {30, 10});
+    EXPECT_DOUBLE_EQ(m_slider.value(), 40);
 }
 
 TEST_F(FloatSliderTest, StepsWithKeysAndWheel)
@@ -205,7 +172,7 @@ TEST_F(FloatSliderTest, DrawsAGrayTrackAndAGreenPart)
                                         {20, 13, false},
                                         {210, 10, true},
                                         {210, 5, true}})
-        EXPECT_EQ(full.pixelColor(x, y) == kSliderGreen, isGreen) << x << ' ' << y;
+        EXPECT_EQ(full.pixelColor(x, y) == QColor(52, 215, 64), isGreen) << x << ' ' << y;
 }
 
 TEST(BarProgressIndicatorTest, FillsWholePointsOfTheMaximum)
@@ -236,12 +203,13 @@ protected:
     void show(HighlightButton &button)
     {
         QCursor::setPos(0, 0);
+        button.setText(QStringLiteral("Reset"));
         button.setGeometry(200, 200, 100, 32);
         button.show();
         button.activateWindow();
         ASSERT_TRUE(QTest::qWaitForWindowActive(&button));
         drawn(button);
-        leave(button); // where the window opened the pointer may have been
+        send(button, QEvent::Leave); // where the window opened the pointer may have been
     }
     /// How much of the title there is: bold letters are more.
     static int ink(QWidget &button)
@@ -252,10 +220,10 @@ protected:
 
 } // namespace
 
-TEST_F(HighlightButtonTest, AFlatButtonTurnsLighterAndBoldUnderThePointer)
+TEST_F(HighlightButtonTest, AFlatButtonTurnsLighterAndBoldUnderThePointerAndForTheMomentOfAPress)
 {
     HighlightButton button(HighlightButton::kFlatTag, QStringLiteral("up"), QStringLiteral("file"));
-    button.setText(QStringLiteral("Reset"));
+    QSignalSpy clicked(&button, &HighlightButton::clicked);
     show(button);
     EXPECT_TRUE(button.image().isEmpty());
     EXPECT_EQ(button.backgroundColor(), QColor(55, 68, 170, 204));
@@ -263,18 +231,30 @@ TEST_F(HighlightButtonTest, AFlatButtonTurnsLighterAndBoldUnderThePointer)
     EXPECT_EQ(drawn(button).pixelColor(0, 0).alpha(), 0) << "the corner is round";
     const int resting = ink(button);
     EXPECT_GT(resting, 0);
-    enter(button);
+    send(button, QEvent::Enter);
     EXPECT_EQ(button.backgroundColor(), QColor(75, 78, 190, 204));
     EXPECT_NEAR(drawn(button).pixelColor(50, 2).blue(), 190, 1);
     EXPECT_GT(ink(button), resting * 11 / 10) << "not bold";
     EXPECT_EQ(button.cursor().shape(), Qt::PointingHandCursor);
-    leave(button);
+    send(button, QEvent::Leave);
     EXPECT_EQ(ink(button), resting);
     EXPECT_EQ(button.cursor().shape(), Qt::ArrowCursor);
     button.hide();
     button.show();
-    enter(button);
+    send(button, QEvent::Enter);
     EXPECT_EQ(ink(button), resting) << "it appeared under the pointer";
+    send(button, QEvent::Leave);
+    QTest::mousePress(&button, Qt::LeftButton, {}, {5, 5});
+    EXPECT_GT(ink(button), resting);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !button.isHighlighted(); }));
+    EXPECT_EQ(ink(button), resting);
+    QTest::mouseRelease(&button, Qt::LeftButton, {}, {5, 5});
+    for (const auto key : {Qt::Key_Return, Qt::Key_Space})
+        QTest::keyClick(&button, key);
+    EXPECT_EQ(clicked.size(), 3);
+    button.setEnabled(false);
+    QTest::mouseClick(&button, Qt::LeftButton, {}, {5, 5});
+    EXPECT_EQ(clicked.size(), 3);
 }
 
 TEST_F(HighlightButtonTest, AnImageButtonSwapsItsImage)
@@ -282,34 +262,14 @@ TEST_F(HighlightButtonTest, AnImageButtonSwapsItsImage)
     HighlightButton button(HighlightButton::kImageTag, QStringLiteral("brush"), QStringLiteral("brush_selected"));
     EXPECT_EQ(button.sizeHint(), QSize(40, 40));
     show(button);
-    enter(button);
+    send(button, QEvent::Enter);
     EXPECT_EQ(button.image(), QStringLiteral("brush_selected"));
     button.setImgNormalState(QStringLiteral("hazelmark.png"));
     const QImage hovered = drawn(button);
-    leave(button);
+    send(button, QEvent::Leave);
     EXPECT_EQ(button.image(), QStringLiteral("hazelmark.png"));
     EXPECT_NE(drawn(button), hovered);
     EXPECT_GT(drawn(button).pixelColor(50, 16).alpha(), 0) << "a name with a bitmap's extension is drawn";
-}
-
-TEST_F(HighlightButtonTest, APressHighlightsForAMomentAndClicks)
-{
-    HighlightButton button(HighlightButton::kFlatTag);
-    button.setText(QStringLiteral("Reset"));
-    show(button);
-    const int resting = ink(button);
-    QSignalSpy clicked(&button, &HighlightButton::clicked);
-    QTest::mousePress(&button, Qt::LeftButton, {}, {5, 5});
-    EXPECT_GT(ink(button), resting);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !button.isHighlighted(); }));
-    EXPECT_EQ(ink(button), resting);
-    QTest::mouseRelease(&button, Qt::LeftButton, {}, {5, 5});
-    QTest::keyClick(&button, Qt::Key_Return);
-    QTest::keyClick(&button, Qt::Key_Space);
-    EXPECT_EQ(clicked.size(), 3);
-    button.setEnabled(false);
-    QTest::mouseClick(&button, Qt::LeftButton, {}, {5, 5});
-    EXPECT_EQ(clicked.size(), 3);
 }
 
 TEST(DotPageControlTest, OnlyAPersonsChoiceIsSent)
@@ -351,5 +311,5 @@ TEST(ScaleToFillImageViewTest, CoversTheViewWithoutDistortion)
         EXPECT_EQ(view.grab().toImage().pixelColor(x, 50), QColor(color)) << width << ' ' << x;
     }
     view.setImage({});
-    view.grab();
+    EXPECT_EQ(view.grab().toImage().pixelColor(5, 5), view.palette().color(QPalette::Window));
 }

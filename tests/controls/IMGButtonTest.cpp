@@ -2,6 +2,7 @@
 
 #include "Bundle.h"
 #include "ProcessWide.h"
+#include "WidgetEvents.h"
 
 #include <QApplication>
 #include <QCursor>
@@ -43,17 +44,6 @@ private:
     ProcessWide<Bundle>::Replacement m_replaceBundle{m_bundle};
 };
 
-void send(QWidget &widget, QEvent::Type type)
-{
-    if (type == QEvent::Enter) {
-        QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
-        QCoreApplication::sendEvent(&widget, &enter);
-    } else {
-        QEvent event(type);
-        QCoreApplication::sendEvent(&widget, &event);
-    }
-}
-
 class IMGButtonTest : public testing::Test
 {
 protected:
@@ -74,13 +64,7 @@ protected:
 
     void press(QPoint point = {60, 16}) { QTest::mousePress(&m_button, Qt::LeftButton, {}, point); }
     void release(QPoint point = {60, 16}) { QTest::mouseRelease(&m_button, Qt::LeftButton, {}, point); }
-    QImage drawn()
-    {
-        QImage image(m_button.size(), QImage::Format_ARGB32);
-        image.fill(Qt::transparent);
-        m_button.render(&image, {}, {}, QWidget::RenderFlags());
-        return image;
-    }
+    QImage drawn() { return hazelmark::drawn(m_button); }
     /// The rows (or columns) that have something drawn in them, as runs without a gap.
     static std::vector<std::pair<int, int>> inked(const QImage &image, bool rows)
     {
@@ -161,7 +145,7 @@ TEST_F(IMGButtonTest, WhatIsToStayIsSetWhenTheClickIsOver)
     }
 }
 
-TEST_F(IMGButtonTest, APressWhoseReleaseGoesElsewhereLeavesNoDeadButton)
+TEST_F(IMGButtonTest, APressWhoseReleaseGoesElsewhereLeavesNoDeadButtonAndADeadOneNoTrace)
 {
     QWidget other;
     other.show();
@@ -177,10 +161,7 @@ TEST_F(IMGButtonTest, APressWhoseReleaseGoesElsewhereLeavesNoDeadButton)
     m_button.hide();
     EXPECT_TRUE(m_button.isEnabled());
     EXPECT_TRUE(m_seen.empty());
-}
-
-TEST_F(IMGButtonTest, AnActionMayEndTheButton)
-{
+    // An action may end the button.
     auto button = std::make_unique<IMGButton>();
     button->resize(40, 20);
     button->show();
@@ -248,20 +229,41 @@ TEST_F(IMGButtonTest, UnderThePointerAnOffButtonIsDrawnOnceMoreWithTheHoverCap)
     m_button.setImgOnState_St(m_images.image(start));
     m_button.setImgOnState_Md(m_images.image(middle));
     m_button.setImgMouseHover(m_images.image(hover));
+    m_button.setText(QStringLiteral("\u2588"));
     const auto colors = [this] {
         const QImage image = drawn();
+        EXPECT_EQ(image.pixelColor(60, 16), QColor(Qt::white)) << "the title lies over it";
         return QList<QColor>{image.pixelColor(9, 31), image.pixelColor(10, 0), image.pixelColor(110, 31)};
     };
     EXPECT_EQ(colors(), QList<QColor>({off, off, off}));
     send(m_button, QEvent::Enter);
     EXPECT_EQ(colors(), QList<QColor>({start, middle, hover}));
-    m_button.setText(QStringLiteral("\u2588"));
-    EXPECT_EQ(drawn().pixelColor(60, 16), QColor(Qt::white)) << "the title lies over it";
     m_button.setChecked(true);
     EXPECT_EQ(colors(), QList<QColor>({start, middle, middle})) << "on: the state's own pieces, and no hover cap";
     m_button.setChecked(false);
     send(m_button, QEvent::Leave);
     EXPECT_EQ(colors(), QList<QColor>({off, off, off}));
+    // A pointer that it appears under does not light it.
+    for (const bool entersBeforeItIsDrawn : {true, false}) {
+        m_button.hide();
+        QCursor::setPos(260, 216);
+        m_button.show();
+        if (entersBeforeItIsDrawn)
+            send(m_button, QEvent::Enter);
+        drawn();
+        send(m_button, QEvent::Enter);
+        EXPECT_EQ(colors()[2], off);
+        send(m_button, QEvent::Leave);
+        EXPECT_EQ(colors()[2], off);
+        send(m_button, QEvent::Enter);
+        EXPECT_EQ(colors()[2], hover);
+    }
+    m_button.hide();
+    QCursor::setPos(0, 0);
+    m_button.show();
+    EXPECT_EQ(colors()[2], off);
+    send(m_button, QEvent::Enter);
+    EXPECT_EQ(colors()[2], hover);
 }
 
 TEST_F(IMGButtonTest, FitsTheLargestFontThatTheMarginsLeaveRoomFor)
@@ -299,6 +301,12 @@ TEST_F(IMGButtonTest, ATitleOfMediumWidthMayBeBold)
         EXPECT_EQ(font.bold(), bold) << width;
         EXPECT_EQ(font.pixelSize() == 20, bold) << width;
     }
+    // Larger than what was fitted: then the words of a title of two lines that is too wide are wrapped.
+    m_button.resize(225, 200);
+    m_button.setText(QStringLiteral("Export the picture that has been blurred to a new file on the disk"));
+    const auto columns = inked(drawn(), false);
+    EXPECT_TRUE(columns.front().first >= 5 && columns.back().second < 220);
+    EXPECT_GT(inked(drawn(), true).size(), 2U);
     m_button.setMakeBoldFont(false);
     EXPECT_FALSE(m_button.getAttributesForRect({0, 0, 225, 200}).font.bold());
 }
@@ -339,42 +347,4 @@ TEST_F(IMGButtonTest, BreaksATitleAfterItsMiddlePartWhereThatGivesItMoreRoom)
             EXPECT_EQ(inked(held, rows).back().second, inked(atRest, rows).back().second + shift) << c.title;
         }
     }
-}
-
-TEST_F(IMGButtonTest, WrapsTheWordsOfATitleOfTwoLinesThatIsTooWide)
-{
-    m_button.resize(225, 200);
-    m_button.setMakeBoldFont(true); // larger than what was fitted
-    m_button.setText(QStringLiteral("Export the picture that has been blurred to a new file on the disk"));
-    const auto columns = inked(drawn(), false);
-    EXPECT_TRUE(columns.front().first >= 5 && columns.back().second < 220);
-    EXPECT_GT(inked(drawn(), true).size(), 2U);
-}
-
-TEST_F(IMGButtonTest, IsNotLitByAPointerThatItAppearsUnder)
-{
-    const QColor hover(0, 0, 200);
-    m_button.setImgMouseHover(m_images.image(hover));
-    const auto isLit = [&] { return drawn().pixelColor(115, 16) == hover; };
-    for (const bool entersBeforeItIsDrawn : {true, false}) {
-        m_button.hide();
-        QCursor::setPos(260, 216);
-        m_button.show();
-        if (entersBeforeItIsDrawn)
-            send(m_button, QEvent::Enter);
-        drawn();
-        send(m_button, QEvent::Enter);
-        EXPECT_FALSE(isLit());
-        send(m_button, QEvent::Leave);
-        EXPECT_FALSE(isLit());
-        send(m_button, QEvent::Enter);
-        EXPECT_TRUE(isLit());
-    }
-    m_button.hide();
-    QCursor::setPos(0, 0);
-    m_button.show();
-    drawn();
-    EXPECT_FALSE(isLit());
-    send(m_button, QEvent::Enter);
-    EXPECT_TRUE(isLit());
 }

@@ -1,6 +1,6 @@
 // The programs beside this one on a desktop, as far as the stories need them; independent of the project's own code.
-//   other_program photo FILE        writes a JPEG of 1000 x 600 pixels, dark on the left and bright on the right
-//   other_program pixels FILE X,Y … prints width and height, then the red, green and blue of each place, as stored
+//   other_program stripes FILE WIDTH HEIGHT PERIOD  writes a grey picture: PERIOD columns of 40, as many of 220, ...
+//   other_program pixels FILE X,Y … prints width and height, then the grey value of each place, as stored
 //   other_program drag FILE …       a file manager: a window from which the files can be dragged; prints the action
 //   other_program clipboard FILE    writes the picture on the clipboard to a file, once there is one
 #include <QApplication>
@@ -15,9 +15,6 @@
 #include <QWidget>
 
 namespace {
-
-constexpr QSize kPhotoSize{1000, 600};
-constexpr int kQuality = 95;
 
 class FileManager : public QWidget
 {
@@ -52,14 +49,15 @@ private:
     QStringList m_files;
 };
 
-bool writePhoto(const QString &path)
+bool writeStripes(const QStringList &arguments)
 {
-    QImage image(kPhotoSize, QImage::Format_RGB32);
+    QImage image(arguments[3].toInt(), arguments[4].toInt(), QImage::Format_Grayscale8);
     for (int y = 0; y < image.height(); ++y) {
         for (int x = 0; x < image.width(); ++x)
-            image.setPixelColor(x, y, x < image.width() / 2 ? QColor(40, 40, 40) : QColor(220, 220, 220));
+            image.scanLine(y)[x] = x / arguments[5].toInt() % 2 ? 220 : 40;
     }
-    return image.save(path, "JPEG", kQuality);
+    constexpr int kQuality = 95;
+    return image.save(arguments[2], nullptr, kQuality);
 }
 
 bool printPixels(const QString &path, const QStringList &places)
@@ -70,9 +68,8 @@ bool printPixels(const QString &path, const QStringList &places)
     QTextStream out(stdout);
     out << image.width() << ' ' << image.height() << Qt::endl;
     for (const QString &place : places) {
-        const QColor color =
-            image.pixelColor(place.section(QLatin1Char(','), 0, 0).toInt(), place.section(QLatin1Char(','), 1).toInt());
-        out << color.red() << ' ' << color.green() << ' ' << color.blue() << Qt::endl;
+        const QStringList xy = place.split(QLatin1Char(','));
+        out << image.pixelColor(xy[0].toInt(), xy[1].toInt()).green() << Qt::endl;
     }
     return !image.isNull();
 }
@@ -85,8 +82,8 @@ int main(int argc, char **argv)
     const QStringList arguments = QApplication::arguments();
     const QString what = arguments.value(1);
     const QString path = arguments.value(2);
-    if (what == QLatin1String("photo"))
-        return writePhoto(path) ? 0 : 1;
+    if (what == QLatin1String("stripes"))
+        return writeStripes(arguments) ? 0 : 1;
     if (what == QLatin1String("pixels"))
         return printPixels(path, arguments.mid(3)) ? 0 : 1;
     if (what == QLatin1String("drag")) {

@@ -6,16 +6,13 @@ import shutil
 import signal
 import struct
 import subprocess
+import sys
 import tempfile
 import time
-import zlib
+import unittest
 
 
-class Timeout(AssertionError):
-    pass
-
-
-def wait_until(condition, what, seconds=20.0):
+def wait_until(condition, what, seconds=60.0):
     """Asks again and again; hands back the first answer that is true."""
     end = time.monotonic() + seconds
     while True:
@@ -23,7 +20,7 @@ def wait_until(condition, what, seconds=20.0):
         if answer:
             return answer
         if time.monotonic() > end:
-            raise Timeout(f"not within {seconds} s: {what}")
+            raise AssertionError(f"not within {seconds} s: {what}")
         time.sleep(0.05)
 
 
@@ -51,18 +48,6 @@ class Screenshot:
     def greenness(self, x, y, length=60):
         """How far green stands above red, at most, on a level line around a place: paint is green, the photo grey."""
         return max(g - r for r, g, _ in (self.at(x + i - length // 2, y) for i in range(length)))
-
-
-def write_png(path, width, height, pixel_row):
-    """A grey picture whose rows are all alike: pixel_row(x) gives 0..255."""
-    row = b"\0" + bytes(pixel_row(x) for x in range(width))
-
-    def chunk(name, content):
-        return struct.pack(">I", len(content)) + name + content + struct.pack(">I", zlib.crc32(name + content))
-
-    with open(path, "wb") as file:
-        file.write(b"\x89PNG\r\n\x1a\n" + chunk(b"IHDR", struct.pack(">IIBBBBB", width, height, 8, 0, 0, 0, 0)) +
-                   chunk(b"IDAT", zlib.compress(row * height)) + chunk(b"IEND", b""))
 
 
 class Desktop:
@@ -166,6 +151,11 @@ class Desktop:
     def type(self, text):
         self.xdotool("type", "--delay", 2, text)
 
+    def resize(self, *size):
+        """Comes back when the window has it: what is pressed then lies where the new size puts it."""
+        self.xdotool("windowsize", self.window, *size)
+        wait_until(lambda: self.geometry()[2:] == size, "the new size")
+
     def click(self, x, y):
         self.xdotool("mousemove", x, y, "sleep", 0.1, "click", 1)
 
@@ -182,3 +172,64 @@ class Desktop:
         """Of all windows on show."""
         windows = self._output("xdotool", "search", "--onlyvisible", "--name", ".").split()
         return [self._output("xdotool", "getwindowname", window) for window in windows]
+
+    def is_in_front(self, title):
+        return title in self._output("xdotool", "getactivewindow", "getwindowname")
+
+
+PANEL = 250
+STRIP = 60
+BAR = 36
+MARGIN = 20
+
+
+class Story(unittest.TestCase):
+    """What both stories see and do. Places on the photo are fractions of it."""
+    program = other_program = ""
+
+    def setUp(self):
+        self.desktop = Desktop()
+        self.addCleanup(self.desktop.close)
+
+    def other(self, *arguments):
+        return subprocess.run([self.other_program, *arguments], env=self.desktop.environment, check=True,
+                              stdout=subprocess.PIPE, text=True).stdout
+
+    def wait_for(self, condition, what):
+        return wait_until(condition, what + "; the log: " + self.desktop.program_log())
+
+    def do_until(self, act, condition, what):
+        """Acts again and again, as a person who sees that nothing has come of it: on a machine that is busy what was
+        there before may still take a click or a key."""
+        def done():
+            if not condition():
+                act()
+            try:
+                return wait_until(condition, what, 3)
+            except AssertionError:
+                return False
+        self.wait_for(done, what)
+
+    def place(self, fx, fy, size):
+        """Where a photo of that many pixels has the fraction on the screen."""
+        left, top, width, height = self.desktop.geometry()
+        room = (width - PANEL - 2 * MARGIN, height - STRIP - BAR - 2 * MARGIN)
+        scale = min(room[0] / size[0], room[1] / size[1])
+        fitted = (size[0] * scale, size[1] * scale)
+        return (round(left + MARGIN + (room[0] - fitted[0]) / 2 + fx * fitted[0]),
+                round(top + STRIP + MARGIN + (room[1] - fitted[1]) / 2 + fy * fitted[1]))
+
+    def point_away(self):
+        left, top, width, _ = self.desktop.geometry()
+        self.desktop.xdotool("mousemove", left + width // 2, top + 20)
+
+    def click_from_right(self, x, y):
+        left, top, width, _ = self.desktop.geometry()
+        self.desktop.click(left + width - x, top + y)
+
+
+def main():
+    """Runs the stories of the script: SCRIPT PROGRAM OTHER_PROGRAM [unittest options]"""
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit(1))
+    Story.program, Story.other_program = (os.path.abspath(sys.argv.pop(1)) for _ in range(2))
+    unittest.main("__main__")
