@@ -29,8 +29,7 @@ TEST(MetadataBombs, TagsThatShareTheirValuesAreLeftOut)
     TiffMaker file;
     TiffEntries first;
     file.set(first, 0x8769, TiffMaker::kLong, file.place(addSharing(file)));
-    for (const quint16 tag : {0x0100, 0x0101, 0x0111, 0x0117})
-        file.set(first, tag, TiffMaker::kShort, file.number(quint16(1)));
+    file.setNumbers(first, {{0x0100, 1}, {0x0101, 1}, {0x0111, 1}, {0x0117, 1}});
     const QByteArray tiff = file.startingAt(file.directory(first)).leftJustified(kSize, '\0');
     for (const QString &path : {writePhoto(folder, WriteFormat::Png, {.exif = exif}),
                                 writeBytes(folder, QStringLiteral("sharing.tif"), tiff)}) {

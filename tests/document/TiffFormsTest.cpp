@@ -25,24 +25,20 @@ QByteArray photo(const Form &form)
 {
     TiffMaker tiff(form.isBigEndian, form.isLarge);
     TiffEntries first, exif, gps;
-    const auto numberIn = [&](TiffEntries &entries, quint16 tag, quint32 value) {
-        tiff.set(entries, tag, TiffMaker::kLong, tiff.number(value));
-    };
-    numberIn(first, 0x0111, quint32(tiff.add(QByteArray(form.pixelBytes, '\x55'))));
+    tiff.setNumbers(first, {{0x0100, 4},
+                            {0x0101, 3},
+                            {0x0102, 8},
+                            {0x0103, 1},
+                            {0x0106, 1},
+                            {0x0111, quint32(tiff.add(QByteArray(form.pixelBytes, '\x55')))},
+                            {0x0112, 6},
+                            {0x0115, 1},
+                            {0x0116, 3},
+                            {0x0117, 12}});
     tiff.set(exif, 0x829a, TiffMaker::kRational, tiff.number(quint32(1)) + tiff.number(quint32(3)));
     tiff.set(exif, 0x8827, TiffMaker::kShort, tiff.number(quint16(400)));
     tiff.set(exif, 0x9286, TiffMaker::kUndefined, 0x7fffffff, tiff.place(8)); // said to be two gigabytes long
     tiff.set(gps, 1, TiffMaker::kAscii, QByteArray("S", 2));
-    for (const auto &[tag, value] : {std::pair<quint16, quint32>(0x0100, 4),
-                                     {0x0101, 3},
-                                     {0x0102, 8},
-                                     {0x0103, 1},
-                                     {0x0106, 1},
-                                     {0x0112, 6},
-                                     {0x0115, 1},
-                                     {0x0116, 3},
-                                     {0x0117, 12}})
-        numberIn(first, tag, value);
     tiff.set(first, 0x010f, TiffMaker::kAscii, QByteArray("A maker with a long name", 25));
     tiff.set(first, 0x83bb, TiffMaker::kUndefined, QByteArray("\x1c\x02\x19\0\3sea", 8));
     const quint16 pointer = form.isLarge ? TiffMaker::kDirectory : TiffMaker::kLong;

@@ -46,6 +46,14 @@ public:
         entries[tag] = number(tag) + number(quint16(type)) + place(count) + field;
     }
 
+    /// Single numbers.
+    void setNumbers(TiffEntries &entries, std::initializer_list<std::pair<quint16, quint32>> numbers)
+    {
+        for (const auto &[tag, value] : numbers)
+            set(entries, tag, kLong, number(value));
+    }
+
+    /// Where it is; `next`: the place of the one that follows.
     quint64 directory(const TiffEntries &entries, quint64 next = 0)
     {
         QByteArray bytes = m_isLarge ? number(quint64(entries.size())) : number(quint16(entries.size()));
