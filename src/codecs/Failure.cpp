@@ -2,60 +2,37 @@
 
 #include <cerrno>
 #include <cstring>
+#include <iterator>
 
 namespace hazelmark {
 
 namespace {
 
-QString reasonText(Failure::Reason reason)
-{
-    using Reason = Failure::Reason;
-    switch (reason) {
-    case Reason::NoSuchFile:
-        return QStringLiteral("there is no such file");
-    case Reason::IsFolder:
-        return QStringLiteral("it is a folder");
-    case Reason::NotReadable:
-        return QStringLiteral("it cannot be read");
-    case Reason::Empty:
-        return QStringLiteral("it is empty");
-    case Reason::NotAPicture:
-        return QStringLiteral("it is not a picture of a known type");
-    case Reason::Damaged:
-        return QStringLiteral("its picture data is damaged");
-    case Reason::Truncated:
-        return QStringLiteral("its picture data is cut off");
-    case Reason::TooLarge:
-        return QStringLiteral("it has more than a thousand megapixels");
-    case Reason::OutOfMemory:
-        return QStringLiteral("there is not enough memory for it");
-    case Reason::UnsupportedFormat:
-        return QStringLiteral("this format is not supported");
-    case Reason::NoSuchFolder:
-        return QStringLiteral("its folder does not exist");
-    case Reason::FolderNotWritable:
-        return QStringLiteral("its folder cannot be written to");
-    case Reason::ReadOnly:
-        return QStringLiteral("the existing file is read-only");
-    case Reason::Immutable:
-        return QStringLiteral("the existing file is locked");
-    case Reason::NotARegularFile:
-        return QStringLiteral("it is not a regular file");
-    case Reason::SameAsSource:
-        return QStringLiteral("it is a file that the picture is made from, which is never changed");
-    case Reason::SourceChanged:
-        return QStringLiteral("it has changed since it was opened");
-    case Reason::DiskFull:
-        return QStringLiteral("the disk is full");
-    case Reason::WriteFailed:
-        return QStringLiteral("it could not be written");
-    case Reason::EncodeFailed:
-        return QStringLiteral("the picture could not be encoded");
-    case Reason::NotAPainting:
-        return QStringLiteral("it holds no painting that can be read");
-    }
-    Q_UNREACHABLE();
-}
+/// In the order of the reasons.
+constexpr const char *kReasonTexts[] = {
+    "there is no such file",
+    "it is a folder",
+    "it cannot be read",
+    "it is empty",
+    "it is not a picture of a known type",
+    "its picture data is damaged",
+    "its picture data is cut off",
+    "it has more than a thousand megapixels",
+    "there is not enough memory for it",
+    "this format is not supported",
+    "its folder does not exist",
+    "its folder cannot be written to",
+    "the existing file is read-only",
+    "the existing file is locked",
+    "it is not a regular file",
+    "it is a file that the picture is made from, which is never changed",
+    "it has changed since it was opened",
+    "the disk is full",
+    "it could not be written",
+    "the picture could not be encoded",
+    "it holds no painting that can be read",
+};
+static_assert(std::size(kReasonTexts) == size_t(Failure::Reason::NotAPainting) + 1);
 
 } // namespace
 
@@ -81,7 +58,7 @@ Failure Failure::ofWriteError(int error, const QString &path)
 
 QString Failure::sentence() const
 {
-    QString text = path + QStringLiteral(": ") + reasonText(reason);
+    QString text = path + QStringLiteral(": ") + QLatin1String(kReasonTexts[int(reason)]);
     if (!detail.isEmpty())
         text += QStringLiteral(" (") + detail.simplified() + QLatin1Char(')');
     return text + QLatin1Char('.');

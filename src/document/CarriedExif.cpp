@@ -72,15 +72,8 @@ bool isMadeUp(const Exiv2::Exifdatum &datum)
     return group == "MakerNote" || (group == "Canon" && isAutofocus);
 }
 
-void correctNumber(Exiv2::ExifData &exif, const char *key, int value)
-{
-    const auto found = exif.findKey(Exiv2::ExifKey(key));
-    if (found != exif.end() && (found->count() != 1 || found->toLong() != value))
-        *found = uint32_t(value);
-}
-
 /// A TIFF file's tags say how its data lies, a block's at most repeat the size.
-Exiv2::ExifData carriedTags(const PhotoMetadata &metadata, QSize size)
+Exiv2::ExifData carriedTags(const PhotoMetadata &metadata)
 {
     const bool isOfTiff = metadata.blocks.exif.isEmpty();
     Exiv2::ExifData carried;
@@ -90,10 +83,6 @@ Exiv2::ExifData carriedTags(const PhotoMetadata &metadata, QSize size)
         if (!isOfPicture(datum) && !isPreview(datum) && !isMadeUp(datum) && !isOfFile)
             carried.add(datum);
     }
-    correctNumber(carried, "Exif.Photo.PixelXDimension", size.width());
-    correctNumber(carried, "Exif.Photo.PixelYDimension", size.height());
-    correctNumber(carried, "Exif.Image.ImageWidth", size.width());
-    correctNumber(carried, "Exif.Image.ImageLength", size.height());
     return carried;
 }
 
@@ -162,10 +151,9 @@ QByteArray carriedExif(const PhotoMetadata &metadata, QSize size, bool forJpeg, 
 {
     if (metadata.exif.empty())
         return {};
-    std::optional<TiffBlock> block =
-        TiffBlock::of(isCarriedInPlace(metadata, forJpeg)
-                          ? metadata.blocks.exif
-                          : encoded(carriedTags(metadata, size), metadata.byteOrder, forJpeg, leftOut));
+    std::optional<TiffBlock> block = TiffBlock::of(
+        isCarriedInPlace(metadata, forJpeg) ? metadata.blocks.exif
+                                            : encoded(carriedTags(metadata), metadata.byteOrder, forJpeg, leftOut));
     if (!block)
         return {};
     correctSizes(*block, size);

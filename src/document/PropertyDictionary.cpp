@@ -46,17 +46,8 @@ constexpr QLatin1String kMicrosoftPhoto("http://ns.microsoft.com/photo/1.0/");
 
 QString colorModelName(ColorModel model)
 {
-    switch (model) {
-    case ColorModel::Rgb:
-        return QStringLiteral("RGB");
-    case ColorModel::Gray:
-        return QStringLiteral("Gray");
-    case ColorModel::Cmyk:
-        return QStringLiteral("CMYK");
-    case ColorModel::Lab:
-        return QStringLiteral("Lab");
-    }
-    Q_UNREACHABLE();
+    constexpr const char *kNames[] = {"RGB", "Gray", "CMYK", "Lab"}; // in the order of the models
+    return QLatin1String(kNames[int(model)]);
 }
 
 /// Fills the groups of the dictionary from what was parsed. Every group is a step of its own, so that one which makes

@@ -8,23 +8,17 @@ struct FormatRow
 {
     QString form;
     QString title;
+    WriteFormat format;
 };
 
 const QString kJpeg = QStringLiteral("jpeg");
 const QString kJpg = QStringLiteral("jpg");
-const QString kTiff = QStringLiteral("tiff");
 
-const QList<FormatRow> &defaultRows()
-{
-    static const QList<FormatRow> rows{
-        {kJpeg, QStringLiteral("JPEG (*.jpg)")},
-        {kTiff, QStringLiteral("Tiff (*.tiff)")},
-        {QStringLiteral("bmp"), QStringLiteral("BMP (*.bmp)")},
-        {QStringLiteral("gif"), QStringLiteral("GIF (*.gif)")},
-        {QStringLiteral("png"), QStringLiteral("PNG (*.png)")},
-    };
-    return rows;
-}
+const QList<FormatRow> kRows{{kJpeg, QStringLiteral("JPEG (*.jpg)"), WriteFormat::Jpeg},
+                             {QStringLiteral("tiff"), QStringLiteral("Tiff (*.tiff)"), WriteFormat::Tiff},
+                             {QStringLiteral("bmp"), QStringLiteral("BMP (*.bmp)"), WriteFormat::Bmp},
+                             {QStringLiteral("gif"), QStringLiteral("GIF (*.gif)"), WriteFormat::Gif},
+                             {QStringLiteral("png"), QStringLiteral("PNG (*.png)"), WriteFormat::Png}};
 
 bool isEitherCaseOf(const QString &extension, const QString &form)
 {
@@ -35,7 +29,7 @@ bool isEitherCaseOf(const QString &extension, const QString &form)
 
 ExportFormats ExportFormats::forSource(const QString &extension)
 {
-    QList<FormatRow> rows = defaultRows();
+    QList<FormatRow> rows = kRows;
     for (int i = 0; i < rows.size(); ++i) {
         if (isEitherCaseOf(extension, rows[i].form)) {
             rows.move(i, 0);
@@ -55,13 +49,9 @@ ExportFormats ExportFormats::forSource(const QString &extension)
 QString ExportFormats::formFor(const QString &extension) const
 {
     const QString lower = extension.toLower();
-    const auto isSameFormat = [&lower](const QString &form) {
-        const bool jpeg = form == kJpeg || form == kJpg;
-        return form == lower || (jpeg && (lower == kJpeg || lower == kJpg)) ||
-               (form == kTiff && lower == QLatin1String("tif"));
-    };
+    const std::optional<WriteFormat> format = writeFormat(lower == QLatin1String("tif") ? lower + u'f' : lower);
     for (const QString &form : formats) {
-        if (isSameFormat(form))
+        if (format && writeFormat(form) == format)
             return form;
     }
     return {};
@@ -69,17 +59,9 @@ QString ExportFormats::formFor(const QString &extension) const
 
 std::optional<WriteFormat> ExportFormats::writeFormat(const QString &format)
 {
-    static const QList<std::pair<QString, WriteFormat>> table{
-        {QStringLiteral("png"), WriteFormat::Png},   {QStringLiteral("PNG"), WriteFormat::Png},
-        {QStringLiteral("jpeg"), WriteFormat::Jpeg}, {QStringLiteral("JPEG"), WriteFormat::Jpeg},
-        {QStringLiteral("jpg"), WriteFormat::Jpeg},  {QStringLiteral("JPG"), WriteFormat::Jpeg},
-        {QStringLiteral("bmp"), WriteFormat::Bmp},   {QStringLiteral("BMP"), WriteFormat::Bmp},
-        {QStringLiteral("tiff"), WriteFormat::Tiff}, {QStringLiteral("TIFF"), WriteFormat::Tiff},
-        {QStringLiteral("gif"), WriteFormat::Gif},   {QStringLiteral("GIF"), WriteFormat::Gif},
-    };
-    for (const auto &[name, writeFormat] : table) {
-        if (name == format)
-            return writeFormat;
+    for (const FormatRow &row : kRows) {
+        if (isEitherCaseOf(format, row.form) || (row.form == kJpeg && isEitherCaseOf(format, kJpg)))
+            return row.format;
     }
     return std::nullopt;
 }

@@ -5,6 +5,7 @@
 #include "Log.h"
 #include "ParallelFor.h"
 #include "PictureSearch.h"
+#include "TiffBytes.h"
 
 #include <QtEndian>
 
@@ -119,9 +120,7 @@ bool isIndispensable(const QByteArray &tag)
 
 QByteArray bigEndian32(qsizetype value)
 {
-    QByteArray bytes(4, Qt::Uninitialized);
-    qToBigEndian(quint32(value), bytes.data());
-    return bytes;
+    return tiffBytes(quint32(value), true);
 }
 
 struct ProfileTag

@@ -3,7 +3,6 @@
 #include <QByteArray>
 
 #include <memory>
-#include <type_traits>
 
 #include <lcms2.h>
 
@@ -33,15 +32,6 @@ inline ProfileHandle openProfile(const QByteArray &iccProfile)
     if (iccProfile.isEmpty())
         return {};
     return ProfileHandle(cmsOpenProfileFromMem(iccProfile.constData(), cmsUInt32Number(iccProfile.size())));
-}
-
-/// Runs a row through a transform to RGBA and fills the fourth samples, which the library leaves alone.
-template <typename From, typename Sample>
-void transformToRgbx(const TransformHandle &transform, const From *source, Sample *rgbx, int pixelCount)
-{
-    cmsDoTransform(transform.get(), source, rgbx, cmsUInt32Number(pixelCount));
-    for (int x = 0; x < pixelCount; ++x)
-        rgbx[4 * x + 3] = Sample(~Sample(0));
 }
 
 } // namespace hazelmark

@@ -35,8 +35,7 @@ private:
     [[noreturn]] static void leave(j_common_ptr lib);
     void setUp(const JpegBandOptions &options);
     void setDensity(QSizeF dpi);
-    void writeOwnRows(const uchar *rows, qsizetype stride);
-    void writeConvertedRows(const QImage &pixels, int firstRow, uint8_t *scratch);
+    void writeRows(const QImage &pixels, int firstRow, uint8_t *scratch);
 
     jpeg_compress_struct m_lib = {};
     jpeg_error_mgr m_errors = {};
@@ -74,10 +73,7 @@ bool JpegCompressor::encode(const QImage &pixels, int firstRow, int endRow, cons
                jpeg_mem_dest(&m_lib, bytes, size);
                setUp(options);
                jpeg_start_compress(&m_lib, TRUE);
-               if (isReady)
-                   writeOwnRows(pixels.constScanLine(firstRow), pixels.bytesPerLine());
-               else
-                   writeConvertedRows(pixels, firstRow, scratch.data());
+               writeRows(pixels, firstRow, isReady ? nullptr : scratch.data());
                jpeg_finish_compress(&m_lib);
            });
 }
@@ -106,27 +102,19 @@ void JpegCompressor::setDensity(QSizeF dpi)
     m_lib.Y_density = UINT16(y);
 }
 
-void JpegCompressor::writeOwnRows(const uchar *rows, qsizetype stride)
-{
-    JSAMPROW pointers[kRowsPerCall];
-    while (m_lib.next_scanline < m_lib.image_height) {
-        const JDIMENSION first = m_lib.next_scanline;
-        const JDIMENSION count = std::min(JDIMENSION(kRowsPerCall), m_lib.image_height - first);
-        for (JDIMENSION row = 0; row < count; ++row)
-            pointers[row] = const_cast<uchar *>(rows) + qsizetype(first + row) * stride; // the library only reads them
-        jpeg_write_scanlines(&m_lib, pointers, count);
-    }
-}
-
-void JpegCompressor::writeConvertedRows(const QImage &pixels, int firstRow, uint8_t *scratch)
+/// Converts the rows into `scratch`; without one they go to the library as they are.
+void JpegCompressor::writeRows(const QImage &pixels, int firstRow, uint8_t *scratch)
 {
     JSAMPROW pointers[kRowsPerCall];
     while (m_lib.next_scanline < m_lib.image_height) {
         const JDIMENSION first = m_lib.next_scanline;
         const JDIMENSION count = std::min(JDIMENSION(kRowsPerCall), m_lib.image_height - first);
         for (JDIMENSION row = 0; row < count; ++row) {
-            pointers[row] = scratch + size_t(row) * m_lib.image_width * 3;
-            readRowOnWhite(pixels, firstRow + int(first + row), pointers[row]);
+            const int y = firstRow + int(first + row);
+            pointers[row] = scratch ? scratch + size_t(row) * m_lib.image_width * 3
+                                    : const_cast<uchar *>(pixels.constScanLine(y)); // the library only reads it
+            if (scratch)
+                readRowOnWhite(pixels, y, pointers[row]);
         }
         jpeg_write_scanlines(&m_lib, pointers, count);
     }

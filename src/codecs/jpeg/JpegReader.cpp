@@ -1,9 +1,9 @@
 #include "JpegSource.h"
 
-#include "CmykToSrgb.h"
 #include "Guarded.h"
 #include "LargeMemory.h"
 #include "PictureFormat.h"
+#include "ToSrgb.h"
 
 #include <algorithm>
 
@@ -53,7 +53,7 @@ private:
     static void watchScan(j_common_ptr lib);
     void chooseScale(QSize atLeast);
     void readRows(uchar *bits, qsizetype stride);
-    void readCmykRows(const CmykToSrgb &converter, uint8_t *cmyk, uchar *bits, qsizetype stride);
+    void readCmykRows(const ToSrgb &converter, uint8_t *cmyk, uchar *bits, qsizetype stride);
     qint64 blockCount() const;
     bool lacksScans();
 
@@ -207,18 +207,14 @@ Outcome<Picture> JpegReader::decode(QSize atLeast)
     uchar *bits = picture.pixels.bits();
     const qsizetype stride = picture.pixels.bytesPerLine();
 
-    std::optional<CmykToSrgb> converter;
-    std::vector<uint8_t> cmyk;
-    if (isCmyk) {
-        converter.emplace(profile);
-        cmyk.resize(size_t(size.width()) * 4);
-        picture.convertedToSrgb = true;
-    } else {
+    const ToSrgb converter = isCmyk ? ToSrgb::fromCmyk(profile) : ToSrgb();
+    std::vector<uint8_t> cmyk(isCmyk ? size_t(size.width()) * 4 : 0);
+    picture.convertedToSrgb = isCmyk;
+    if (!isCmyk)
         picture.iccProfile = profile;
-    }
     const bool read = runGuarded(m_errors.jump, [&] {
         if (isCmyk)
-            readCmykRows(*converter, cmyk.data(), bits, stride);
+            readCmykRows(converter, cmyk.data(), bits, stride);
         else
             readRows(bits, stride);
     });
@@ -244,7 +240,7 @@ void JpegReader::readRows(uchar *bits, qsizetype stride)
     }
 }
 
-void JpegReader::readCmykRows(const CmykToSrgb &converter, uint8_t *cmyk, uchar *bits, qsizetype stride)
+void JpegReader::readCmykRows(const ToSrgb &converter, uint8_t *cmyk, uchar *bits, qsizetype stride)
 {
     const int width = int(m_lib.output_width);
     const bool isInverted = m_lib.saw_Adobe_marker; // such files store the light that is left, not the ink

@@ -2,6 +2,7 @@
 
 #include "EmbeddedBlocks.h"
 #include "Log.h"
+#include "TiffBytes.h"
 
 #include <QCryptographicHash>
 #include <QtEndian>
@@ -18,13 +19,6 @@ constexpr int kApp13 = 0xed;
 constexpr qsizetype kMaxSegmentData = 65535 - 2;
 
 const QByteArray kIccLeadIn("ICC_PROFILE", 12); // with its closing zero byte
-
-QByteArray bigEndian32(quint32 value)
-{
-    QByteArray bytes(4, Qt::Uninitialized);
-    qToBigEndian(value, bytes.data());
-    return bytes;
-}
 
 /// The packet without its wrapper ("<?xpacket ...?>") and the blank padding before the closing one.
 QByteArray withoutPacketWrapper(const QByteArray &packet)
@@ -51,8 +45,8 @@ void appendExtendedXmp(std::vector<JpegSegment> &segments, const QByteArray &xmp
                                    guid + "\"/></rdf:RDF></x:xmpmeta><?xpacket end=\"w\"?>"});
     const qsizetype room = kMaxSegmentData - kExtendedXmpLeadIn.size() - guid.size() - 8;
     for (qsizetype offset = 0; offset < xmp.size(); offset += room) {
-        segments.push_back({kApp1, kExtendedXmpLeadIn + guid + bigEndian32(quint32(xmp.size())) +
-                                       bigEndian32(quint32(offset)) + xmp.mid(offset, room)});
+        segments.push_back({kApp1, kExtendedXmpLeadIn + guid + tiffBytes(quint32(xmp.size()), true) +
+                                       tiffBytes(quint32(offset), true) + xmp.mid(offset, room)});
     }
 }
 
@@ -98,7 +92,7 @@ void appendProfile(std::vector<JpegSegment> &segments, const QByteArray &profile
 QByteArray iptcResourceBlock(const QByteArray &iptc)
 {
     // Number 0x0404, an empty name padded to two bytes, and the size; data is padded to an even length.
-    QByteArray block = QByteArray("8BIM\x04\x04\0\0", 8) + bigEndian32(quint32(iptc.size())) + iptc;
+    QByteArray block = QByteArray("8BIM\x04\x04\0\0", 8) + tiffBytes(quint32(iptc.size()), true) + iptc;
     if (block.size() % 2 != 0)
         block += '\0';
     return block;

@@ -20,7 +20,6 @@ namespace hazelmark {
 namespace {
 
 constexpr int kBlockSide = 8;
-constexpr int kMaxSide = 65500; ///< the library's limit
 
 /// Rows that are encoded as a unit. Depends on the picture's size alone, so that the file does not depend on the number
 /// of threads.
@@ -81,8 +80,6 @@ JpegWriter::JpegWriter(const QImage &pixels, const EncodeOptions &options, FileS
 
 Outcome<Done> JpegWriter::encode()
 {
-    if (m_pixels.width() > kMaxSide || m_pixels.height() > kMaxSide)
-        return m_sink.failure(QStringLiteral("a JPEG file cannot hold more than 65500 x 65500 pixels"));
     const int threads = std::min(defaultThreadCount(), m_bandCount);
     parallelFor(threads, threads, [this](int) { work(); });
     if (m_hasFailed)

@@ -1,5 +1,3 @@
-#include "CmykToSrgb.h"
-#include "LabToSrgb.h"
 #include "LargeMemory.h"
 #include "PictureFormat.h"
 #include "PixelRows.h"
@@ -7,6 +5,7 @@
 #include "TiffHandle.h"
 #include "TiffLayout.h"
 #include "TiffSamples.h"
+#include "ToSrgb.h"
 
 #include <QtEndian>
 
@@ -361,10 +360,14 @@ bool TiffReader::finishRows()
 {
     if (m_layout.photometric == PHOTOMETRIC_PALETTE)
         return applyPalette();
-    if (m_picture.fileColorModel == ColorModel::Cmyk)
-        return finishInk<Sample>();
-    if (m_picture.fileColorModel == ColorModel::Lab)
-        return finishLab<Sample>();
+    m_picture.convertedToSrgb =
+        m_picture.fileColorModel == ColorModel::Cmyk || m_picture.fileColorModel == ColorModel::Lab;
+    if (m_picture.convertedToSrgb) {
+        const bool isConverted =
+            m_picture.fileColorModel == ColorModel::Cmyk ? finishInk<Sample>() : finishLab<Sample>();
+        m_picture.iccProfile.clear();
+        return isConverted;
+    }
     for (int y = 0; y < int(m_layout.height); ++y) {
         Sample *row = rowAt<Sample>(y);
         if (m_picture.fileColorModel == ColorModel::Gray)
@@ -410,15 +413,13 @@ void TiffReader::finishAlpha(Sample *row) const
 template <typename Sample>
 bool TiffReader::finishInk()
 {
-    const CmykToSrgb converter(m_picture.iccProfile);
+    const ToSrgb converter = ToSrgb::fromCmyk(m_picture.iccProfile);
     std::vector<Sample> cmyk(size_t(m_layout.width) * 4);
     for (int y = 0; y < int(m_layout.height); ++y) {
         Sample *row = rowAt<Sample>(y);
         std::copy(row, row + cmyk.size(), cmyk.data());
         converter.convertRow(cmyk.data(), row, int(m_layout.width));
     }
-    m_picture.convertedToSrgb = true;
-    m_picture.iccProfile.clear();
     return true;
 }
 
@@ -426,7 +427,7 @@ bool TiffReader::finishInk()
 template <typename Sample>
 bool TiffReader::finishLab()
 {
-    const LabToSrgb converter;
+    const ToSrgb converter = ToSrgb::fromLab();
     if (!converter.isValid())
         return false;
     constexpr bool is8Bit = sizeof(Sample) == 1;
@@ -443,10 +444,8 @@ bool TiffReader::finishLab()
                 lab[3 * x + i] = is8Bit ? uint16_t(value * 257) : isFullRange ? uint16_t(value) : scaled(value);
             }
         }
-        converter.convertRow(lab.data(), row, int(m_layout.width));
+        converter.convertLabRow(lab.data(), row, int(m_layout.width));
     }
-    m_picture.convertedToSrgb = true;
-    m_picture.iccProfile.clear();
     return true;
 }
 
