@@ -22,11 +22,8 @@ inline constexpr char kIptcRecordMarker = 0x1c;
 /// Blocks larger than this are passed over.
 inline constexpr qint64 kMaxBlockSize = 64 * 1024 * 1024;
 
-/// Whether the blocks of files in this format are found here: "jpeg", "png", "webp" and "gif", as PictureInfo::format
-/// names them.
-bool hasEmbeddedBlocks(const QByteArray &format);
-
-/// What the file embeds; `format` as above. Damage ends the search; what was found before it counts.
-EmbeddedBlocks readEmbeddedBlocks(const SourceFile &source, const QByteArray &format);
+/// What the file embeds. Damage ends the search; what was found before it counts. Nothing for a `format` whose blocks
+/// are not found here; they are of "jpeg", "png", "webp" and "gif", as PictureInfo::format names them.
+std::optional<EmbeddedBlocks> readEmbeddedBlocks(const SourceFile &source, const QByteArray &format);
 
 } // namespace hazelmark

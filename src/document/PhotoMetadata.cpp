@@ -109,8 +109,8 @@ PhotoMetadata readPhotoMetadata(const SourceFile &source, const QByteArray &form
 {
     if (format == "tiff")
         return parseBlocks(source.path(), readTiffBlocksToShow(source), size);
-    if (hasEmbeddedBlocks(format))
-        return parseBlocks(source.path(), readEmbeddedBlocks(source, format), size);
+    if (const auto blocks = readEmbeddedBlocks(source, format))
+        return parseBlocks(source.path(), *blocks, size);
     return isToBeParsedWhole(source) ? parseFile(source, {}, size) : PhotoMetadata();
 }
 

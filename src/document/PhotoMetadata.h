@@ -20,7 +20,7 @@ struct PhotoMetadata
 };
 
 /// Reads the metadata of the file, of the format that PictureInfo names, with a first picture of `size`
-/// pixels as stored: from its blocks where they are known here (see hasEmbeddedBlocks()), else as far as Exiv2 reads
+/// pixels as stored: from its blocks where they are known here (see readEmbeddedBlocks()), else as far as Exiv2 reads
 /// the file. What cannot be parsed is left out with a warning, each block for itself.
 PhotoMetadata readPhotoMetadata(const SourceFile &source, const QByteArray &format, QSize size);
 

@@ -26,8 +26,7 @@ protected:
     EmbeddedBlocks blocksOf(const QByteArray &file, const QByteArray &format) const
     {
         const auto source = SourceFile::open(write(QStringLiteral("file"), file));
-        EXPECT_TRUE(source);
-        return source ? readEmbeddedBlocks(**source, format) : EmbeddedBlocks();
+        return readEmbeddedBlocks(**source, format).value_or(EmbeddedBlocks());
     }
 };
 
@@ -74,6 +73,14 @@ TEST_F(EmbeddedBlocksOf, PngTextsOfOlderProgramsAreRead)
     blocks = blocksOf(kPngSignature + texts + proper + end, "png");
     EXPECT_EQ(blocks.exif, kTiffHead + "proper");
     EXPECT_EQ(blocks.xmp, "proper xmp");
+}
+
+TEST_F(EmbeddedBlocksOf, PackedPngTextsHaveRoomForOneLargeBlockTogether)
+{
+    const QByteArray xmp(40 << 20, ' ');
+    const QByteArray chunk = pngChunk("iTXt", QByteArray("XML:com.adobe.xmp\0\1\0\0\0", 22) + deflateZlib(xmp));
+    EXPECT_EQ(blocksOf(kPngSignature + chunk, "png").xmp, xmp);                        // however large, it is carried
+    EXPECT_EQ(blocksOf(kPngSignature + chunk.repeated(500), "png").xmp, QByteArray()); // the last one found no room
 }
 
 TEST_F(EmbeddedBlocksOf, WebpChunksAreRead)

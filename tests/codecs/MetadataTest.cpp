@@ -32,7 +32,7 @@ protected:
         const auto info = readPictureInfo(**source);
         EXPECT_EQ(info->iccProfile, metadata.iccProfile);
         EXPECT_TRUE(decodePicture(**source));
-        return format == WriteFormat::Tiff ? readTiffBlocks(**source) : readEmbeddedBlocks(**source, info->format);
+        return format == WriteFormat::Tiff ? readTiffBlocks(**source) : *readEmbeddedBlocks(**source, info->format);
     }
     std::optional<QSizeF> dpiOfWritten(WriteFormat format, QSizeF dpi) const
     {
