@@ -82,6 +82,7 @@ public:
         environment.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("xcb"));
         environment.insert(QStringLiteral("XDG_CONFIG_HOME"), m_folder.path());
         environment.insert(QStringLiteral("XDG_RUNTIME_DIR"), m_folder.path());
+        environment.insert(QStringLiteral("XDG_STATE_HOME"), m_folder.path());
         process.setProcessEnvironment(environment);
         process.setStandardErrorFile(QProcess::nullDevice());
         process.start(program, arguments);

@@ -27,8 +27,10 @@ const QString kOverview = QStringLiteral(
     "    --mask MASK     a picture of any size; its green channel, over black, says where to blur (255: fully)\n"
     "    --strokes FILE  in its place, strokes as JSON; the mask is what they paint (see the manual page)\n"
     "    --output OUT    the file to write; its extension says the format: png, jpg, tiff, gif or bmp\n"
-    "    --blur B        strength of the blur, 60 when not given: the disc's radius is B/5 thousandths of the width\n"
-    "    --vignette V    darkens what is blurred by 10 x V stops, 0 when not given\n"
+    "    --blur B        strength of the blur: the disc's radius is B/5 thousandths of the width. When not given, "
+    "what\n"
+    "                    the file of strokes says, else 60\n"
+    "    --vignette V    darkens what is blurred by 10 x V stops. When not given, what the file says, else 0\n"
     "  mask            writes the mask that strokes paint, green on black, as a picture\n"
     "    --strokes FILE, --output MASK as above\n"
     "\n"
@@ -105,7 +107,7 @@ public:
             if (!value)
                 return QStringLiteral("--%1 needs a number, not \"%2\".")
                     .arg(option->names().constFirst(), m_parser.value(*option));
-            *field = *value;
+            *field = value;
         }
         return {};
     }

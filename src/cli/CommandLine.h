@@ -27,8 +27,9 @@ struct RenderRequest
     QString mask;    ///< a picture
     QString strokes; ///< strokes to paint the mask with
     QString output;
-    float blur = 60.0f;    ///< the blur slider's value
-    float vignette = 0.0f; ///< the vignette slider's value
+    // The sliders' values. Where none is given, a file of strokes may have one.
+    std::optional<float> blur;
+    std::optional<float> vignette;
 };
 
 struct MaskRequest

@@ -3,16 +3,22 @@
 #include "ExportFormats.h"
 #include "PathParts.h"
 #include "SafeFile.h"
-#include "StrokesFile.h"
 
 namespace hazelmark {
 
-QImage maskOfStrokes(const QString &path)
+std::optional<StrokesFile> readStrokes(const QString &path)
 {
     QString fault;
-    QImage mask;
-    if (const std::optional<StrokesFile> strokes = StrokesFile::read(path, fault))
-        mask = strokes->mask(fault);
+    std::optional<StrokesFile> strokes = StrokesFile::read(path, fault);
+    if (!strokes)
+        printError(fault);
+    return strokes;
+}
+
+QImage maskOfStrokes(const StrokesFile &strokes)
+{
+    QString fault;
+    const QImage mask = strokes.mask(fault);
     if (mask.isNull())
         printError(fault);
     return mask;
@@ -27,7 +33,8 @@ int runMask(const MaskRequest &request)
         printError(unknownFormatSentence(request.output));
         return exitcode::kFailed;
     }
-    const QImage mask = maskOfStrokes(request.strokes);
+    const std::optional<StrokesFile> strokes = readStrokes(request.strokes);
+    const QImage mask = strokes ? maskOfStrokes(*strokes) : QImage();
     if (mask.isNull())
         return exitcode::kFailed;
     EncodeOptions options;

@@ -37,13 +37,26 @@ Outcome<PhotoPtr> openedPhoto(const QString &path)
     return photo;
 }
 
+constexpr float kBlurWhenNotGiven = 60.0F;
+constexpr float kVignetteWhenNotGiven = 0.0F;
+
+/// Adds what the strokes say: the mask, and the values that no option gave. False when there is no mask; then the
+/// reason has been printed.
+bool addStrokes(ExportJob &job, const RenderRequest &request)
+{
+    const std::optional<StrokesFile> strokes = readStrokes(request.strokes);
+    const QImage painted = strokes ? maskOfStrokes(*strokes) : QImage();
+    if (painted.isNull())
+        return false;
+    job.maskImage = PhotoImage::fromBitmap(painted);
+    job.settings.blurAmount = request.blur.value_or(strokes->blur.value_or(kBlurWhenNotGiven));
+    job.settings.vignetteAmount = request.vignette.value_or(strokes->vignette.value_or(kVignetteWhenNotGiven));
+    return true;
+}
+
 /// Null when there is none; then the reason has been printed.
 PhotoImagePtr maskOf(const RenderRequest &request, const PhotoPtr &picture)
 {
-    if (!picture) {
-        const QImage painted = maskOfStrokes(request.strokes);
-        return painted.isNull() ? nullptr : PhotoImage::fromBitmap(painted);
-    }
     const Outcome<ImageLoader::Loaded> mask = ImageLoader::load(*picture);
     if (!mask) {
         printError(mask.failure().sentence());
@@ -78,11 +91,14 @@ int runRender(const RenderRequest &request)
 
     ExportJob job;
     job.photo = *photo;
-    job.maskImage = maskOf(request, *mask);
+    job.settings.blurAmount = request.blur.value_or(kBlurWhenNotGiven);
+    job.settings.vignetteAmount = request.vignette.value_or(kVignetteWhenNotGiven);
+    if (*mask)
+        job.maskImage = maskOf(request, *mask);
+    else if (!addStrokes(job, request))
+        return exitcode::kFailed;
     if (!job.maskImage)
         return exitcode::kFailed;
-    job.settings.blurAmount = request.blur;
-    job.settings.vignetteAmount = request.vignette;
     const Outcome<ImageLoader::Loaded> rendered = job.run();
     if (!rendered)
         return failed(rendered.failure());

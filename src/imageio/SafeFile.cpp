@@ -5,6 +5,7 @@
 
 #include <QFile>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <fcntl.h>
@@ -166,6 +167,17 @@ SafeFile::SafeFile(QString path, SourcePaths sources, QByteArray place)
     , m_sources(std::move(sources))
     , m_place(std::move(place))
 {
+}
+
+Outcome<Done> SafeFile::write(const QByteArray &bytes)
+{
+    for (qsizetype written = 0; written < bytes.size();) {
+        const ssize_t count = ::write(m_file.get(), bytes.constData() + written, std::size_t(bytes.size() - written));
+        if (count < 0 && errno != EINTR)
+            return Failure::ofWriteError(errno, m_path);
+        written += std::max<ssize_t>(count, 0);
+    }
+    return Done();
 }
 
 Outcome<Done> SafeFile::commit()

@@ -43,6 +43,9 @@ public:
     /// Where the content is to be written: empty, open for reading and writing. It stays open until this goes.
     int descriptor() const { return m_file.get(); }
 
+    /// Writes bytes behind what was written before.
+    Outcome<Done> write(const QByteArray &bytes);
+
     /// Flushes the content to the disk and puts it in place. A new file has the mode that the process gives to new
     /// files, one that replaces another has its mode and, where allowed, its owner and group. Fails with SourceChanged
     /// where a source is no more what it was.

@@ -138,10 +138,13 @@ void PaintCanvas::bindBrush()
 
 void PaintCanvas::drawStep(const PaintStep &step)
 {
+    const BrushState brush = brushState();
     syncBrushState(step);
     bindBrush();
     renderLineFromPoint(Geometry::convertedPointToFrameBase(step.start(), m_canvasSize),
                         Geometry::convertedPointToFrameBase(step.end(), m_canvasSize));
+    if (step.coversCanvas())
+        setBrushState(brush);
 }
 
 void PaintCanvas::renderLineFromPoint(QPointF from, QPointF to)
@@ -220,7 +223,7 @@ void PaintCanvas::removeAllPixelsDrawed()
     // The pass stamps with a fully transparent colour: no pixel changes, so the stamps are left out. What the steps do
     // to the brush state stays.
     for (const PaintStep &step : *m_paintSession->steps()) {
-        if (isDrawable(step))
+        if (isDrawable(step) && !step.coversCanvas())
             syncBrushState(asDrawn(step));
     }
 }
@@ -260,11 +263,14 @@ void PaintCanvas::replay(std::size_t first, const QRect &clip, const Progress &d
         if (!isDrawable(steps[i]))
             continue;
         const PaintStep step = asDrawn(steps[i]);
+        const BrushState brush = brushState();
         syncBrushState(step);
         if (!boundsOf(steps.begin() + std::ptrdiff_t(i), steps.begin() + std::ptrdiff_t(i) + 1).intersects(clip))
             continue;
         bindBrush();
         Segment &segment = segments.emplace_back(Segment{boundPainter(), {}});
+        if (step.coversCanvas())
+            setBrushState(brush);
         placeStamps(Geometry::convertedPointToFrameBase(step.start(), m_canvasSize),
                     Geometry::convertedPointToFrameBase(step.end(), m_canvasSize), segment.centres);
         stamps += segment.centres.places.size();

@@ -25,7 +25,8 @@ namespace hazelmark {
 /// memory only while something is.
 ///
 /// Each step is stamped once, when it is appended, onto what the buffer holds already. The whole list is drawn only
-/// by restoreDrawedPoints(). Drawing a step leaves the brush state equal to that step's.
+/// by restoreDrawedPoints(). Drawing a step leaves the brush state equal to that step's, except where the step covers
+/// the canvas: that is no brush.
 ///
 /// Main thread only.
 class PaintCanvas

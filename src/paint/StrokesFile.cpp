@@ -92,6 +92,26 @@ QString faultOfCanvas(const QJsonValue &value)
     return {};
 }
 
+QString faultOfVersion(const QJsonValue &value)
+{
+    if (value.isUndefined() || (value.isDouble() && value.toDouble() <= StrokesFile::kVersion))
+        return {};
+    return value.isDouble() ? u"it was written by a newer version"_qs : u"its \"version\" is not a number"_qs;
+}
+
+/// A number that may be absent, in single precision.
+QString readNumber(const QJsonObject &root, const QString &key, std::optional<float> &number)
+{
+    const QJsonValue value = root[key];
+    if (value.isUndefined())
+        return {};
+    const QString fault = faultOf(value, Kind::Number);
+    if (!fault.isEmpty())
+        return u"its \"%1\" %2"_qs.arg(key, fault);
+    number = float(value.toDouble());
+    return {};
+}
+
 /// The step that the byte at `offset` belongs to, counted from 0; -1 for none. Steps are the lists in a list of the
 /// outermost object.
 int stepAt(const QByteArray &json, qsizetype offset)
@@ -132,7 +152,14 @@ std::optional<StrokesFile> StrokesFile::parse(const QByteArray &json, QString &f
     }
     const QJsonObject root = document.object();
     const QJsonValue steps = root[u"steps"];
-    QString wrong = document.isObject() ? faultOfCanvas(root[u"canvas"]) : u"it is not a JSON object"_qs;
+    StrokesFile file;
+    QString wrong = document.isObject() ? faultOfVersion(root[u"version"]) : u"it is not a JSON object"_qs;
+    if (wrong.isEmpty())
+        wrong = faultOfCanvas(root[u"canvas"]);
+    if (wrong.isEmpty())
+        wrong = readNumber(root, u"blur"_qs, file.blur);
+    if (wrong.isEmpty())
+        wrong = readNumber(root, u"vignette"_qs, file.vignette);
     if (wrong.isEmpty() && !steps.isArray())
         wrong = u"its \"steps\" is not a list"_qs;
     const QJsonArray records = steps.toArray();
@@ -147,11 +174,32 @@ std::optional<StrokesFile> StrokesFile::parse(const QByteArray &json, QString &f
     }
 
     const QJsonArray sides = root[u"canvas"].toArray();
-    StrokesFile file{{sides[0].toDouble(), sides[1].toDouble()}, std::make_shared<PaintStepList>()};
+    file.canvas = {sides[0].toDouble(), sides[1].toDouble()};
+    file.photo = root[u"photo"].toString();
+    file.steps = std::make_shared<PaintStepList>();
     file.steps->reserve(std::size_t(records.size()));
-    for (const QJsonValue record : records)
-        file.steps->emplace_back(record.toArray().toVariantList());
+    for (const QJsonValue record : records) {
+        PaintStep &step = file.steps->emplace_back(record.toArray().toVariantList());
+        if (!step.coversCanvas()) // that does at every size
+            step.setCanvasWidth(file.canvas.width());
+    }
     return file;
+}
+
+QByteArray StrokesFile::toJson() const
+{
+    QJsonArray records;
+    for (const PaintStep &step : *steps)
+        records.append(QJsonArray::fromVariantList(step.data()));
+    QJsonObject root{
+        {u"version"_qs, kVersion}, {u"canvas"_qs, QJsonArray{canvas.width(), canvas.height()}}, {u"steps"_qs, records}};
+    if (blur)
+        root[u"blur"] = double(*blur);
+    if (vignette)
+        root[u"vignette"] = double(*vignette);
+    if (!photo.isEmpty())
+        root[u"photo"] = photo;
+    return QJsonDocument(root).toJson(QJsonDocument::Compact);
 }
 
 std::optional<StrokesFile> StrokesFile::read(const QString &path, QString &fault)

@@ -13,15 +13,25 @@
 namespace hazelmark {
 
 /// A painting as a JSON file: {"canvas": [width, height], "steps": [[...], ...]}, the canvas in points, each step in
-/// the record form of PaintStep::data(). Other keys are ignored.
+/// the record form of PaintStep::data(). It may have "blur" and "vignette", the sliders' values that belong to the
+/// painting, "photo", by which a kept painting knows its photo, and "version" (absent: 1); one of a later version than
+/// kVersion is refused. Other keys are ignored.
 struct StrokesFile
 {
     /// Larger canvases are refused: no screen shows one, and it would be a gigabyte of pixels.
     static constexpr double kLargestSide = 32767;
     static constexpr double kMostPixels = 1 << 28;
 
+    static constexpr int kVersion = 1;
+
     QSizeF canvas;
+    /// Their canvas width is the canvas's.
     std::shared_ptr<PaintStepList> steps;
+    std::optional<float> blur;
+    std::optional<float> vignette;
+    QString photo;
+
+    QByteArray toJson() const;
 
     /// Nothing for a file that cannot be read or means nothing; then `fault` is a sentence that names the file and,
     /// where one is to blame, the step, counted from 0.

@@ -33,12 +33,9 @@ void Painting::keepStrokes()
 
 void Painting::redraw()
 {
-    const PaintCanvas::BrushState brush = m_canvas.brushState();
     m_canvas.clearDrawing();
     m_history.redraw(m_strokes);
     keepStrokes();
-    if (!m_strokes->empty() && m_strokes->back().coversCanvas())
-        m_canvas.setBrushState(brush); // no stroke is to be as wide as that
 }
 
 void Painting::clear()
@@ -66,15 +63,17 @@ bool Painting::clearPainting()
     return true;
 }
 
-PaintStepList Painting::seenSteps() const
+StrokesFile Painting::file() const
 {
     std::size_t first = firstSeenStep(*m_strokes, m_strokes->size());
     if (first < m_strokes->size() && (*m_strokes)[first].coversCanvas() && (*m_strokes)[first].eraser())
         ++first; // as the canvas is at first
-    PaintStepList seen(m_strokes->begin() + std::ptrdiff_t(first), m_strokes->end());
-    for (PaintStep &step : seen)
-        step = step.scaledTo(m_canvas.canvasSize().width());
-    return seen;
+    StrokesFile file;
+    file.canvas = m_canvas.canvasSize();
+    file.steps = std::make_shared<PaintStepList>(m_strokes->begin() + std::ptrdiff_t(first), m_strokes->end());
+    for (PaintStep &step : *file.steps)
+        step = step.scaledTo(file.canvas.width());
+    return file;
 }
 
 void Painting::replaceBy(const PaintStepList &steps)

@@ -3,6 +3,7 @@
 #include "PaintHistory.h"
 #include "PaintStep.h"
 #include "PhotoImage.h"
+#include "StrokesFile.h"
 
 #include <QSizeF>
 
@@ -36,8 +37,7 @@ public:
     /// The canvas's own list, as it was kept last. A redraw draws it.
     const std::shared_ptr<PaintStepList> &strokes() const { return m_strokes; }
     void keepStrokes();
-    /// Draws the strokes sharply at the canvas's present size, and as wide in the picture as they were painted. Leaves
-    /// the brush state of the last step behind, except where that covers the canvas.
+    /// Draws the strokes sharply at the canvas's present size, and as wide in the picture as they were painted.
     void redraw();
 
     /// The edits since the last clearing.
@@ -46,9 +46,9 @@ public:
     /// Fills the canvas or empties it; one edit. Not during a stroke. Nothing happens where nothing would change.
     bool blurEverything();
     bool clearPainting();
-    /// The steps that are seen: those before the last one that covers the canvas are left out. With the sizes that they
-    /// have on the canvas as it is.
-    PaintStepList seenSteps() const;
+    /// What is painted, for a file: the steps before the last one that covers the canvas are left out, the others have
+    /// the sizes that they have on the canvas as it is.
+    StrokesFile file() const;
     /// Puts `steps` in the place of what is painted; one edit. Not during a stroke.
     void replaceBy(const PaintStepList &steps);
     /// How much of the canvas is painted, 0..1; of a large one to within a few thousandths.

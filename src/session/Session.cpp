@@ -12,7 +12,9 @@ namespace hazelmark {
 Session::Session(PaintCanvas &canvas, Work work, QObject *parent)
     : QObject(parent)
     , m_work(std::move(work))
+    , m_canvas(canvas)
     , m_painting(canvas)
+    , m_keeper(m_painting, m_work.paintingsFolder)
     , m_previews(m_work.render)
     , m_export(m_work.exporting)
 {
@@ -22,10 +24,14 @@ Session::Session(PaintCanvas &canvas, Work work, QObject *parent)
         emit previewRendered(shown);
     });
     connect(&m_export, &PhotoExport::progressChanged, this, &Session::exportProgressed);
+    connect(&m_keeper, &PaintingKeeper::storedChanged, this, &Session::storedPaintingsChanged);
+    connect(&m_keeper, &PaintingKeeper::failed, this, &Session::storingFailed);
+    m_canvas.setStepAppended([this] { m_keeper.touch(); });
 }
 
 Session::~Session()
 {
+    m_canvas.setStepAppended({});
     *m_oldestWanted = std::numeric_limits<Request>::max();
 }
 
@@ -80,6 +86,7 @@ bool Session::isLoading() const
 
 void Session::setPhoto(const OpenPhoto &photo)
 {
+    m_keeper.startPhoto(photo.record);
     m_previews.startPhoto();
     m_photo = photo;
     m_writtenEdits.reset();
@@ -144,12 +151,16 @@ void Session::blurEverything()
 
 void Session::clearPainting()
 {
-    if (mayEdit() && m_painting.clearPainting())
-        paintingChanged();
+    if (!mayEdit() || m_painting.isEmpty())
+        return;
+    m_keeper.startFile();
+    m_painting.clearPainting();
+    paintingChanged();
 }
 
 void Session::paintingChanged()
 {
+    m_keeper.touch();
     emit paintingReplaced();
     emit historyChanged();
     emit editsChanged();
@@ -157,15 +168,60 @@ void Session::paintingChanged()
 
 // Paintings in files
 
-void Session::restore(const StoredPainting & /*painting*/) {}
-void Session::forgetStoredPaintings() {}
-void Session::savePaintingAs(const QString & /*path*/, const CoreFilterObject & /*settings*/) {}
-void Session::openPainting(const QString & /*path*/) {}
+void Session::restore(const StoredPainting &painting)
+{
+    m_keeper.read(painting.path, true, [this, photo = m_photo.record](const Outcome<StrokesFile> &file) {
+        if (file && photo == m_photo.record)
+            take(*file, true);
+    });
+}
+
+void Session::openPainting(const QString &path)
+{
+    m_keeper.read(path, false, [this, photo = m_photo.record](const Outcome<StrokesFile> &file) {
+        if (!file)
+            emit paintingRefused(file.failure());
+        else if (photo == m_photo.record)
+            take(*file, false);
+    });
+}
+
+void Session::take(const StrokesFile &painting, bool isStored)
+{
+    if (!mayEdit())
+        return;
+    m_keeper.startFile();
+    m_painting.replaceBy(*painting.steps);
+    m_keeper.setValues({painting.blur ? painting.blur : m_keeper.values().blur,
+                        painting.vignette ? painting.vignette : m_keeper.values().vignette});
+    if (isStored)
+        m_keeper.setKept();
+    emit paintingSettingsRead(painting.blur, painting.vignette);
+    paintingChanged();
+}
+
+void Session::forgetStoredPaintings()
+{
+    m_keeper.forget();
+}
+
+void Session::savePaintingAs(const QString &path, const CoreFilterObject &settings)
+{
+    if (m_state == State::Empty)
+        return;
+    m_keeper.writeTo(path, {settings.blurAmount, settings.vignetteAmount}, [this, path](const Outcome<Done> &written) {
+        if (written)
+            emit paintingSaved(path);
+        else
+            emit paintingRefused(written.failure());
+    });
+}
 
 // Previews
 
 void Session::requestPreview(const CoreFilterObject &settings)
 {
+    m_keeper.setValues({settings.blurAmount, settings.vignetteAmount});
     setLastExportedImage(nullptr);
     m_painting.updateMask();
     if (!m_resizedInputImage || (!m_painting.maskImage() && !m_overlayImage))

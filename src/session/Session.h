@@ -4,9 +4,9 @@
 #include "Failure.h"
 #include "OpenPhoto.h"
 #include "Painting.h"
+#include "PaintingKeeper.h"
 #include "PhotoExport.h"
 #include "PreviewRunner.h"
-#include "StoredPainting.h"
 #include "WorkQueue.h"
 
 #include <QImage>
@@ -43,6 +43,7 @@ public:
         PhotoReading reading;
         PreviewRunner::Render render = PreviewRunner::realRender();
         PhotoExport::Work exporting;
+        QString paintingsFolder = PaintingStore::personsFolder();
     };
 
     /// `canvas` outlives the session.
@@ -90,7 +91,7 @@ public:
 
     /// What is kept of the open photo, the newest first, at most three; known a moment after the opening. What is
     /// painted now is not among them.
-    const std::vector<StoredPainting> &storedPaintings() const { return m_storedPaintings; }
+    const std::vector<StoredPainting> &storedPaintings() const { return m_keeper.stored(); }
     /// Puts a stored painting in the place of what is painted; one edit. What fails is in the log.
     void restore(const StoredPainting &painting);
     /// Takes the stored paintings of all photos away.
@@ -178,6 +179,7 @@ private:
 
     void handOver();
     bool mayEdit() const;
+    void take(const StrokesFile &painting, bool isStored);
     void paintingChanged();
     void setState(State state);
     Edits edits(const CoreFilterObject &settings) const;
@@ -196,8 +198,9 @@ private:
     PhotoImagePtr m_resizedInputImage;
     PhotoImagePtr m_fittedImage; ///< what `m_resizedInputImage` was made from
     PhotoImagePtr m_overlayImage;
+    PaintCanvas &m_canvas;
     Painting m_painting;
-    std::vector<StoredPainting> m_storedPaintings;
+    PaintingKeeper m_keeper;
     PhotoImagePtr m_lastExportedImage;
     std::optional<Edits> m_writtenEdits; ///< of the result that was written last, into a file
 

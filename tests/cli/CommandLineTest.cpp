@@ -233,6 +233,11 @@ TEST_F(CommandLineProgram, PaintedPartsAreBlurredAndTheDefaultsAreThoseOfTheSlid
     const QImage painted = rendered("--strokes s.json");
     EXPECT_EQ(painted, rendered("--mask mask.png"));
     EXPECT_NE(painted, m_image);
+    // What a painting was kept with holds where no option says otherwise.
+    file("kept.json",
+         QByteArray(m_strokes).replace("{\"canvas", R"({"version": 1, "blur": 20, "vignette": 0.1, "canvas)"));
+    EXPECT_EQ(rendered("--strokes kept.json"), rendered("--strokes s.json --blur 20 --vignette 0.1"));
+    EXPECT_EQ(rendered("--strokes kept.json --blur 60 --vignette 0"), painted);
 }
 
 TEST_F(CommandLineProgram, ARotatedPhotoKeepsItsPixelSizeAndTag)

@@ -68,6 +68,7 @@ class Desktop:
         self.environment = {
             "DISPLAY": ":" + display, "HOME": self.folder, "LANG": "C.UTF-8", "PATH": os.environ["PATH"],
             "QT_QPA_PLATFORM": "xcb", "XDG_CONFIG_HOME": self.folder, "XDG_RUNTIME_DIR": self.folder,
+            "XDG_STATE_HOME": self.folder,
         }
         # The desktop's libraries (libdbus) keep memory to the end; the other tests look for the program's own leaks.
         self.environment["ASAN_OPTIONS"] = "detect_leaks=0"

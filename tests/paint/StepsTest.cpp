@@ -152,6 +152,11 @@ TEST(StrokesFile, FaultsAreSentencesThatNameWhatIsToBlame)
     for (const char *canvas : {"null", "[]", "[100]", "[100, 50, 1]", "[\"100\", 50]", "{}", "[0, 50]", "[100, -50]",
                                "[0.9, 50]", "[1e6, 50]", "[30000, 30000]"})
         cases.emplace_back(withSteps(stepWith(2, "0"), canvas), "canvas");
+    for (const auto &[more, part] : {std::pair("\"version\": 2", "newer"),
+                                     {"\"version\": []", "version"},
+                                     {"\"blur\": \"60\"", "blur"},
+                                     {"\"vignette\": 1e39", "vignette"}})
+        cases.emplace_back("{\"canvas\": [1, 1], \"steps\": [], " + QByteArray(more) + "}", part);
     for (const char *json : {"", "[]", "{", "7", "{\"canvas\": [1, 1]}", "{\"canvas\": [1, 1], \"steps\": {}}",
                              "{\"canvas\": [1e999, 1], \"steps\": []}", "\xff\xfe"})
         cases.emplace_back(json, "it");

@@ -14,6 +14,7 @@ namespace hazelmark {
 ScreenFixture::ScreenFixture()
 {
     m_state.isAppActive = true;
+    m_work.paintingsFolder = m_folder.filePath(QStringLiteral("paintings"));
     m_work.render = [this, real = m_work.render](const PreviewJob &job) {
         ++m_rendered;
         return real(job);

@@ -86,6 +86,35 @@ TEST_F(Edits, ManyAreUndoneFromFewSnapshots)
     }
 }
 
+TEST_F(Edits, KeepToThePictureWhateverSizesTheCanvasHad)
+{
+    start();
+    open(photo("photo.png", {600, 400}));
+    m_brush.setLineWidth(60);
+    paint({0.3, 0.5}, {0.3, 0.5});
+    endStroke();
+    const QImage first = m_canvas.snapshot().copy();
+    m_session->blurEverything();
+    m_session->undo();
+    const auto alphaBeside = [&](double diameters) {
+        const QImage pixels = m_canvas.snapshot();
+        return qAlpha(pixels.pixel(int(pixels.width() * (0.3 + diameters * 0.2)), pixels.height() / 2));
+    };
+    for (int i = 1; i <= 40; ++i) {
+        m_canvas.setCanvasSize(i == 40 ? QSizeF(300, 200) : QSizeF(300, 200) * (0.31 + i * 17 % 40 / 9.7));
+        if (i == 20)
+            m_session->redo(); // onto pixels that are stretched still
+        m_session->painting().redraw();
+        if (i == 20)
+            m_session->undo();
+        EXPECT_EQ(alphaBeside(0.45), 255) << i;
+        EXPECT_EQ(alphaBeside(0.6), 0) << i;
+    }
+    EXPECT_EQ(m_canvas.snapshot(), first);
+    m_session->undo();
+    EXPECT_EQ(m_session->painting().paintedFraction(), 0);
+}
+
 TEST_F(Edits, AreNeverUndoneByHalf)
 {
     Gate gate;

@@ -12,6 +12,7 @@ void SessionFixture::start()
     m_brush.setColor({0, 1, 0, 1});
     m_brush.setHardness(1);
     m_brush.setLineWidth(20);
+    m_work.paintingsFolder = m_folder.filePath(QStringLiteral("state/hazelmark/paintings"));
     m_session = std::make_unique<Session>(m_canvas, m_work);
     Session *session = m_session.get();
     QObject::connect(session, &Session::photoRead, session, [this](const OpenPhoto &photo) {

@@ -6,6 +6,7 @@
 #include "ColorWell.h"
 #include "DrawTrackingView.h"
 #include "FileDraggingView.h"
+#include "FloatSlider.h"
 #include "FormatString.h"
 #include "Geometry.h"
 #include "IMGButton.h"
@@ -426,6 +427,14 @@ void MainScreenVC::connectSession()
     connect(m_session.get(), &Session::refused, this, &MainScreenVC::photoRefused);
     connect(m_session.get(), &Session::stateChanged, this, &MainScreenVC::sessionStateChanged);
     connect(m_session.get(), &Session::editsChanged, this, &MainScreenVC::updateUnsavedMark);
+    connect(m_session.get(), &Session::paintingSettingsRead, this,
+            [this](std::optional<float> blurAmount, std::optional<float> vignetteAmount) {
+                if (blurAmount)
+                    panel().slider(Setting::BlurAmount)->setValue(*blurAmount);
+                if (vignetteAmount)
+                    panel().slider(Setting::Vignette)->setValue(*vignetteAmount);
+                panel().setAllTextsForSliders();
+            });
     connect(m_session.get(), &Session::paintingReplaced, this, [this] {
         m_brush->apply();
         btnProcessTapped();

@@ -1,0 +1,217 @@
+#include "SessionFixture.h"
+
+#include <QDir>
+
+#include <sys/stat.h>
+#include <utime.h>
+
+namespace hazelmark {
+
+namespace {
+
+class StoredPaintings : public SessionFixture
+{
+protected:
+    QString folder() const { return m_folder.filePath(QStringLiteral("state/hazelmark/paintings")); }
+    QFileInfoList files() const { return QDir(folder()).entryInfoList(QDir::Files | QDir::Hidden, QDir::Time); }
+    void stroke(QPointF place, float diameter = 20)
+    {
+        m_brush.setLineWidth(diameter);
+        paint(place, place);
+        endStroke();
+    }
+    /// Starts anew, with the stored paintings of the photo.
+    void startAgain(const QString &path, std::size_t stored)
+    {
+        m_session.reset();
+        start();
+        QObject::connect(m_session.get(), &Session::storingFailed, m_session.get(),
+                         [this](const Failure &failure) { m_notStored.push_back(failure); });
+        QObject::connect(m_session.get(), &Session::paintingRefused, m_session.get(),
+                         [this](const Failure &failure) { m_refused.push_back(failure); });
+        open(path);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return m_session->storedPaintings().size() == stored; }));
+    }
+    void restore(std::size_t number)
+    {
+        bool restored = false;
+        const auto connection = QObject::connect(m_session.get(), &Session::paintingReplaced, [&] { restored = true; });
+        m_session->restore(m_session->storedPaintings().at(number));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return restored; }));
+        QObject::disconnect(connection);
+    }
+    int alphaAt(QPointF place) const
+    {
+        QImage pixels = const_cast<PaintCanvas &>(m_canvas).snapshot();
+        return qAlpha(pixels.pixel(int(place.x() * pixels.width()), int(place.y() * pixels.height())));
+    }
+    static void write(const QString &path, const QByteArray &content)
+    {
+        QFile file(path);
+        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
+    }
+    /// As if the file had been written so many days ago.
+    static void age(const QString &path, int days)
+    {
+        const time_t then = time(nullptr) - time_t(days) * 86400;
+        const utimbuf times{then, then};
+        EXPECT_EQ(::utime(path.toLocal8Bit().constData(), &times), 0);
+    }
+
+    std::vector<Failure> m_notStored;
+};
+
+constexpr QPointF kLeft(0.25, 0.5);
+constexpr QPointF kRight(0.75, 0.5);
+
+} // namespace
+
+TEST_F(StoredPaintings, ComeBackInAWindowOfAnotherSizeAsOneEdit)
+{
+    const QString path = photo("photo.png", {800, 600});
+    startAgain(path, 0);
+    stroke(kLeft, 80);
+    requestPreview(35);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return files().size() == 1; })) << "by itself, while the program runs";
+    m_brush.setLineWidth(80);
+    paint(kRight, kRight); // is still under way when all ends
+    startAgain(path, 1);
+    struct stat status;
+    ASSERT_EQ(::stat(files()[0].filePath().toLocal8Bit().constData(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0600U);
+    ASSERT_EQ(::stat(folder().toLocal8Bit().constData(), &status), 0);
+    EXPECT_EQ(status.st_mode & 0777, 0700U);
+    EXPECT_TRUE(m_session->painting().isEmpty());
+
+    m_canvas.setCanvasSize({200, 150});
+    std::optional<float> blur;
+    QObject::connect(m_session.get(), &Session::paintingSettingsRead,
+                     [&](std::optional<float> amount, std::optional<float>) { blur = amount; });
+    stroke({0.5, 0.1});
+    restore(0);
+    EXPECT_EQ(blur, 35);
+    for (const QPointF place : {kLeft, kRight}) {
+        EXPECT_EQ(alphaAt(place), 255);
+        EXPECT_EQ(alphaAt(place + QPointF(0.09, 0)), 255) << "as wide in the picture as it was";
+        EXPECT_EQ(alphaAt(place + QPointF(0.12, 0)), 0);
+    }
+    EXPECT_EQ(alphaAt({0.5, 0.1}), 0);
+    EXPECT_EQ(m_session->undoEdit(), PaintEdit::Restore);
+    m_session->undo();
+    EXPECT_EQ(alphaAt({0.5, 0.1}), 255);
+    EXPECT_EQ(alphaAt(kLeft), 0);
+}
+
+TEST_F(StoredPaintings, AreTheLastThreeOfAPhotoKnownByItsContentOrElseItsPath)
+{
+    const QString path = photo("photo.png");
+    for (std::size_t i = 0; i < 5; ++i) { // each begins anew, none is restored
+        startAgain(path, std::min<std::size_t>(i, 3));
+        stroke({0.1 + 0.2 * double(i), 0.5});
+        m_session->clearPainting(); // which is not what is kept
+        m_session.reset();
+        EXPECT_EQ(files().size(), qsizetype(std::min<std::size_t>(i + 1, 3)));
+        for (qsizetype age_ = files().size(); age_ > 0; --age_)
+            age(files().at(age_ - 1).filePath(), int(2 * age_ + 1)); // times may be too coarse to order them
+    }
+    startAgain(path, 3);
+    for (std::size_t i = 0; i < 3; ++i) {
+        restore(i);
+        EXPECT_EQ(alphaAt({0.9 - 0.2 * double(i), 0.5}), 255) << "the newest first";
+        EXPECT_FALSE(m_session->storedPaintings()[i].photoHasChanged);
+    }
+    m_session.reset();
+    EXPECT_EQ(files().size(), 3) << "what was only restored is not kept twice";
+
+    ASSERT_TRUE(QFile::rename(path, out("moved.png")));
+    startAgain(out("moved.png"), 3);
+    photo("photo.png", {310, 200});
+    startAgain(path, 3);
+    EXPECT_TRUE(m_session->storedPaintings()[0].photoHasChanged);
+    startAgain(photo("another.png", {320, 200}), 0);
+
+    age(files()[1].filePath(), 366);
+    startAgain(path, 2);
+    m_session->forgetStoredPaintings();
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_session->storedPaintings().empty(); }));
+    EXPECT_TRUE(files().isEmpty());
+}
+
+TEST_F(StoredPaintings, ThatCannotBeUsedAreSetAsideAndOnesOfAHundredPhotosAreKept)
+{
+    const QString path = photo("photo.png");
+    startAgain(path, 0);
+    stroke(kLeft);
+    m_session.reset();
+    ASSERT_EQ(files().size(), 1);
+    const QString good = files()[0].filePath();
+    const QByteArray content = contentOf(good);
+    for (const QByteArray &bad :
+         {content.left(content.size() / 2), QByteArray(content).replace("\"version\":1", "\"version\":2"),
+          QByteArray(content).replace("\"photo\":\"", "\"photo\":\"0")}) {
+        write(good, bad);
+        startAgain(path, 0);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !QFile::exists(good); }));
+    }
+    write(good, content);
+    startAgain(path, 1);
+    for (int i = 0; i < 120; ++i) {
+        QString other = good;
+        other.replace(folder().size() + 1, 32, QStringLiteral("%1").arg(i, 32, 16, QLatin1Char('f')));
+        write(other, content);
+        age(other, 1 + i);
+    }
+    stroke(kRight);
+    m_session.reset();
+    EXPECT_EQ(files().size(), 102) << "two of this photo, one that was set aside, and one of each of the others";
+    EXPECT_TRUE(QFile::exists(good));
+}
+
+TEST_F(StoredPaintings, AFolderThatTakesNoneIsSaidOnce)
+{
+    file(QStringLiteral("state"), "no folder");
+    startAgain(photo("photo.png"), 0);
+    for (const QPointF place : {kLeft, kRight}) {
+        stroke(place);
+        requestPreview();
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !m_notStored.empty(); }));
+        m_session->blurEverything();
+    }
+    m_session.reset();
+    EXPECT_EQ(m_notStored.size(), 1U);
+}
+
+TEST_F(StoredPaintings, AreSavedAndOpenedByHandAndGiveTheSamePicture)
+{
+    startAgain(photo("photo.png"), 0);
+    stroke(kLeft, 50);
+    m_session->blurEverything();
+    m_brush.setEraser(true);
+    stroke(kRight, 40);
+    QString saved;
+    QObject::connect(m_session.get(), &Session::paintingSaved, [&](const QString &path) { saved = path; });
+    m_session->savePaintingAs(out("painting.json"), m_settings);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !saved.isEmpty(); }));
+    requestPreview();
+    const QImage mask = m_session->painting().maskImage()->bitmap();
+    QString fault;
+    EXPECT_EQ(StrokesFile::read(saved, fault)->mask(fault), mask);
+    EXPECT_EQ(StrokesFile::read(saved, fault)->steps->size(), 3U) << "without what was covered";
+    EXPECT_EQ(StrokesFile::read(saved, fault)->blur, 60);
+
+    open(photo("next.png"));
+    m_session->openPainting(saved);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !m_session->painting().isEmpty(); }));
+    requestPreview();
+    EXPECT_EQ(m_session->painting().maskImage()->bitmap(), mask);
+
+    m_session->openPainting(m_session->photo().path());
+    m_session->savePaintingAs(m_session->photo().path(), m_settings);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_refused.size() == 2; }));
+    EXPECT_EQ(m_refused[0].reason, Failure::Reason::NotAPainting);
+    EXPECT_EQ(m_refused[1].reason, Failure::Reason::SameAsSource);
+    requestPreview();
+    EXPECT_EQ(m_session->painting().maskImage()->bitmap(), mask);
+}
+
+} // namespace hazelmark
