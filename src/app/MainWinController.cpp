@@ -58,7 +58,6 @@ void MainWinController::changeViewController(int index)
     TitlebarWindow::setMovesWindow(*view);
     m_myCurrentViewController->setRepresentedObject(
         static_cast<int>(view->findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly).size()));
-    emit viewControllerChanged();
     NotificationCenter::defaultCenter().post(kNotificationSetupHeader,
                                              {{kWindowObjectKey, QVariant::fromValue<QObject *>(m_windowMain.get())}});
     setUpWindow();

@@ -45,9 +45,6 @@ public:
     /// is not added, and y is down, so that the title strip is on the screen.
     static QRectF frameForVisibleSize(QSizeF visible);
 
-signals:
-    void viewControllerChanged();
-
 private:
     void setUpWindow();
     void windowDidResize();

@@ -63,10 +63,9 @@ TEST_P(DiscKernels, SamplesAreRoundedAndClamped)
     std::copy_n(odd, std::min<std::size_t>(std::size(odd), width()), values.begin());
     std::vector<std::uint16_t> samples(width() + kRoom);
     quantizeRow(values.data(), samples.data(), width());
-    for (std::size_t i = 0; i < width(); ++i) {
-        const float value = std::isnan(values[i]) ? 0.0f : std::clamp(values[i], 0.0f, 1.0f);
-        EXPECT_EQ(samples[i], std::lrintf(value * 65535.0f)) << values[i];
-    }
+    expectEach(samples.data(), 0, [&](std::size_t i) {
+        return std::isnan(values[i]) ? 0 : std::lrintf(std::clamp(values[i], 0.0f, 1.0f) * 65535.0f);
+    });
 }
 
 TEST_P(DiscKernels, EightBitSamplesAreToldFromOthers)
@@ -76,8 +75,7 @@ TEST_P(DiscKernels, EightBitSamplesAreToldFromOthers)
         values[i] = float(i % 256) * (1.0f / 255.0f);
     std::vector<std::uint16_t> samples(width() + kRoom);
     ASSERT_TRUE(quantizeRow8(values.data(), samples.data(), width()));
-    for (std::size_t i = 0; i < width(); ++i)
-        EXPECT_EQ(samples[i], i % 256);
+    expectEach(samples.data(), 0, [](std::size_t i) { return i % 256; });
     for (const std::size_t at : {std::size_t(0), width() / 2, width() - 1}) {
         std::vector<float> deep = values;
         deep[at] = (257.0f * float(at % 255) + 1.0f) / 65535.0f;
@@ -95,10 +93,8 @@ TEST_P(DiscKernels, PrefixRowsGoOnFromTheOneBeforeAndWrapAround)
         appendPrefixRows(samples.data(), wide.data(), stride, fractions, width());
         appendPrefixRows(samples.data(), narrow.data(), stride, fractions, width());
         for (std::size_t f = 0; f <= std::size_t(fractions); ++f) {
-            for (std::size_t i = 0; i < width(); ++i) {
-                EXPECT_EQ(wide[f * stride + i], 4294900000u + std::uint32_t(f) * samples[i]);
-                EXPECT_EQ(narrow[f * stride + i], std::uint16_t(65000u + f * samples[i]));
-            }
+            expectEach(&wide[f * stride], 0, [&](auto i) { return 4294900000u + std::uint32_t(f) * samples[i]; });
+            expectEach(&narrow[f * stride], 0, [&](auto i) { return std::uint16_t(65000u + f * samples[i]); });
         }
     }
 }
@@ -166,14 +162,14 @@ TEST_P(DiscKernels, WeightsOneByOneAddUp)
     const std::vector<float> plane = randomValues(stride * (2 * kReach + 1), 7);
     std::vector<float> means(width() + kRoom, kUntouched);
     weighRow(plane.data() + kReach * stride, stride, weights.data(), kReach, means.data(), width());
-    for (std::size_t i = 0; i < width(); ++i) {
+    expectEach(means.data(), 2e-5, [&](std::size_t i) {
         double sum = 0.0;
         for (int dy = -kReach; dy <= kReach; ++dy)
             for (int dx = -kReach; dx <= kReach; ++dx)
                 sum += double(weights[std::size_t(std::abs(dy) * (kReach + 1) + std::abs(dx))]) *
                        plane[std::size_t(kReach + dy) * stride + i + std::size_t(kReach + dx)];
-        EXPECT_NEAR(means[i], sum, 2e-5);
-    }
+        return sum;
+    });
     EXPECT_EQ(means[upTo(kRowGrain, width())], kUntouched);
 }
 
@@ -187,12 +183,12 @@ TEST_P(DiscKernels, CellsAreMeansOfTheirPixels)
         addRow(lower.data(), sums.data(), true, pixels);
         addRow(upper.data(), sums.data(), false, pixels);
         averageCells(sums.data(), scale, 65535.0f / (2.0f * float(scale)), cells.data(), width());
-        for (std::size_t k = 0; k < width(); ++k) {
+        expectEach(cells.data(), 0.51, [&](std::size_t k) {
             double sum = 0.0;
             for (std::size_t x = k * std::size_t(scale); x < (k + 1) * std::size_t(scale); ++x)
                 sum += double(lower[x]) + double(upper[x]);
-            EXPECT_NEAR(cells[k], sum * 65535.0 / (2.0 * scale), 0.51);
-        }
+            return sum * 65535.0 / (2.0 * scale);
+        });
     }
 }
 
@@ -226,12 +222,12 @@ TEST_P(DiscKernels, CellsAreDrawnUpByTheirTaps)
     const CellRun runs[] = {{0, middle, -3}, {middle, width(), 4}};
     std::vector<float> values(width() + kRoom);
     expandWideRow(cells, runs, 2, taps.starts, values.data());
-    for (std::size_t x = 0; x < width(); ++x) {
+    expectEach(values.data(), 1e-6, [&](std::size_t x) {
         float own[kTaps];
         for (int t = 0; t < kTaps; ++t)
             own[t] = taps.starts[t][x];
-        EXPECT_NEAR(values[x], drawn(x < middle ? -3 : 4, own), 1e-6);
-    }
+        return drawn(x < middle ? -3 : 4, own);
+    });
 }
 
 TEST_P(DiscKernels, RowsOfCellsAreCombinedAndClamped)
@@ -240,12 +236,12 @@ TEST_P(DiscKernels, RowsOfCellsAreCombinedAndClamped)
     const Rows rows(width(), 30);
     std::vector<float> values(width() + kRoom);
     combineRows(rows.starts, taps, values.data(), width());
-    for (std::size_t i = 0; i < width(); ++i) {
+    expectEach(values.data(), 1e-6, [&](std::size_t i) {
         double sum = 0.0;
         for (std::size_t t = 0; t < kTaps; ++t)
             sum += double(taps[t]) * rows.starts[t][i];
-        EXPECT_NEAR(values[i], std::clamp(sum, 0.0, 1.0), 1e-6);
-    }
+        return std::clamp(sum, 0.0, 1.0);
+    });
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryInstructionSet, DiscKernels, testing::everyTargetAndWidth(), testing::targetAndWidth);

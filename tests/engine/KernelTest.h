@@ -17,6 +17,13 @@ protected:
     void SetUp() override { use(std::get<0>(GetParam())); }
     void TearDown() override { use(0); }
     std::size_t width() const { return std::get<1>(GetParam()); }
+    /// Every value of a row against the twin's.
+    template <typename Value, typename Twin>
+    void expectEach(const Value *values, double tolerance, const Twin &twin) const
+    {
+        for (std::size_t i = 0; i < width(); ++i)
+            ASSERT_NEAR(double(values[i]), double(twin(i)), tolerance) << i;
+    }
 
 private:
     /// Makes the dispatch choose one instruction set; 0: the best.

@@ -92,11 +92,9 @@ TEST_P(PixelKernels, ColoursAreMultipliedAndDividedByAlpha)
     const std::vector<float> before = rows[2].storage;
     const std::ptrdiff_t start = rows[2].data - rows[2].storage.data();
     kernels::pixelRows().premultiply(colours, rows[3].data, width);
-    for (std::size_t i = 0; i < width; ++i)
-        ASSERT_FLOAT_EQ(colours[2][i], before[std::size_t(start) + i] * rows[3].data[i]);
+    expectEach(colours[2], 1e-7, [&](std::size_t i) { return before[std::size_t(start) + i] * rows[3].data[i]; });
     kernels::pixelRows().unpremultiply(colours, rows[3].data, width);
-    for (std::size_t i = 0; i < width; ++i)
-        ASSERT_NEAR(colours[2][i], i == width / 2 ? 0 : before[std::size_t(start) + i], 1e-6);
+    expectEach(colours[2], 1e-6, [&](std::size_t i) { return i == width / 2 ? 0 : before[std::size_t(start) + i]; });
 }
 
 TEST_P(PixelKernels, BlendsAgreeWithDoublePrecision)
@@ -128,8 +126,9 @@ TEST_P(PixelKernels, BlendsAgreeWithDoublePrecision)
     }
     kernels::blendOpaque(foreground[0], background[0], weight.data, result[0], width);
     EXPECT_EQ(result[0][0], background[0][0]);
-    for (std::size_t i = 0; i < width; ++i)
-        EXPECT_NEAR(result[0][i], weight.data[i] * foreground[0][i] + (1.0 - weight.data[i]) * background[0][i], 1e-6);
+    expectEach(result[0], 1e-6, [&](std::size_t i) {
+        return weight.data[i] * foreground[0][i] + (1.0 - weight.data[i]) * background[0][i];
+    });
 }
 
 TEST_P(PixelKernels, LinearLightIsScaledAlongTheSrgbCurve)
@@ -142,10 +141,9 @@ TEST_P(PixelKernels, LinearLightIsScaledAlongTheSrgbCurve)
         values[width - 1] = width > 1 ? 1.0f : 0.0f;
         Row row = rowOf(values);
         kernels::scaleLinearLight(row.data, gain, width);
-        for (std::size_t i = 0; i < width; ++i)
-            EXPECT_NEAR(row.data[i], testing::srgbFromLinear(testing::linearFromSrgb(double(values[i])) * double(gain)),
-                        4e-6)
-                << values[i] << " x " << gain;
+        expectEach(row.data, 4e-6, [&](std::size_t i) {
+            return testing::srgbFromLinear(testing::linearFromSrgb(double(values[i])) * double(gain));
+        });
     }
 }
 
@@ -166,15 +164,17 @@ TEST_P(PixelKernels, WeighedSumsAgreeWithDoublePrecision)
             starts.push_back(rows.emplace_back(rowOf(randomValues(width, unsigned(20 + t)))).data);
         Row along(width);
         kernels::weighRows(starts.data(), weights.data(), taps, along.data, width);
-        for (std::size_t i = 0; i < width; ++i) {
-            double across = 0, down = 0;
-            for (int t = 0; t < taps; ++t) {
-                across += double(weights[i * std::size_t(taps) + std::size_t(t)]) * input[std::size_t(first[i] + t)];
-                down += double(weights[std::size_t(t)]) * starts[std::size_t(t)][i];
-            }
-            ASSERT_NEAR(out.data[i], across, 1e-5);
-            ASSERT_NEAR(along.data[i], down, 1e-5);
-        }
+        const auto sum = [&](auto term) {
+            double all = 0;
+            for (std::size_t t = 0; t < std::size_t(taps); ++t)
+                all += double(term(t));
+            return all;
+        };
+        expectEach(out.data, 1e-5, [&](std::size_t i) {
+            return sum([&](auto t) { return weights[i * std::size_t(taps) + t] * input[std::size_t(first[i]) + t]; });
+        });
+        expectEach(along.data, 1e-5,
+                   [&](std::size_t i) { return sum([&](auto t) { return weights[t] * starts[t][i]; }); });
     }
 }
 
@@ -193,17 +193,13 @@ TEST_P(PixelKernels, PackingClampsAndNeverPassesNaNOn)
     const int wanted[] = {0, 0, 0, 128, 255, 255, 2};
     for (std::size_t i = 0; i < width; ++i)
         EXPECT_EQ(packed[4 * i], wanted[i % 7]) << i;
-}
-
-TEST_P(PixelKernels, ClampingKeepsFullAreasFull)
-{
-    Row row(16);
-    const float values[] = {-0.2f, 0.0f, 0.25f, 1.0f - 0x1p-22f, 1.0f, 1.3f, 65534.0f / 65535};
-    std::copy(std::begin(values), std::end(values), row.data);
-    kernels::clampToUnit(row.data, 7);
-    const float wanted[] = {0.0f, 0.0f, 0.25f, 1.0f, 1.0f, 1.0f, 65534.0f / 65535};
-    for (std::size_t i = 0; i < 7; ++i)
-        EXPECT_EQ(row.data[i], wanted[i]);
+    // Clamping keeps full areas full.
+    const float nearly[] = {-0.2f, 0.0f, 0.25f, 1.0f - 0x1p-22f, 1.0f, 1.3f, 65534.0f / 65535};
+    const float clamped[] = {0.0f, 0.0f, 0.25f, 1.0f, 1.0f, 1.0f, 65534.0f / 65535};
+    for (std::size_t i = 0; i < width; ++i)
+        values.data[i] = nearly[i % 7];
+    kernels::clampToUnit(values.data, width);
+    expectEach(values.data, 0, [&](std::size_t i) { return clamped[i % 7]; });
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryInstructionSet, PixelKernels, testing::everyTargetAndWidth(), testing::targetAndWidth);

@@ -7,10 +7,8 @@
 #include "FloatSlider.h"
 #include "IMGButton.h"
 #include "NotificationNames.h"
-#include "PaintView.h"
 #include "RenderCommand.h"
 #include "SavePanel.h"
-#include "SettingsPanel.h"
 #include "SheetQueue.h"
 #include "SummaryBar.h"
 #include "UserDefaults.h"
@@ -60,16 +58,16 @@ protected:
     void openPanel()
     {
         post(kNotificationSavePhotoFromMenuTapped);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return panel() && panel()->isVisible(); }));
+        ASSERT_TRUE(QTest::qWaitFor([&] { return savePanel() && savePanel()->isVisible(); }));
     }
-    SavePanel *panel() const { return m_screen->exportFlow()->savePanel(); }
+    SavePanel *savePanel() const { return m_screen->exportFlow()->savePanel(); }
     void save(const QString &path)
     {
         openPanel();
-        panel()->nameField()->setText(path);
-        QTest::mouseClick(panel()->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Save), Qt::LeftButton);
-        if (panel())
-            QTest::mouseClick(panel()->replaceButton(), Qt::LeftButton);
+        savePanel()->nameField()->setText(path);
+        QTest::mouseClick(savePanel()->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Save), Qt::LeftButton);
+        if (savePanel())
+            QTest::mouseClick(savePanel()->replaceButton(), Qt::LeftButton);
         ASSERT_TRUE(isExporting());
     }
     void share()
@@ -90,7 +88,6 @@ protected:
     }
     bool isExporting() const { return m_screen->session().state() == Session::State::Exporting; }
     bool isMarked() const { return m_screen->view()->findChild<QWidget *>(QStringLiteral("unsavedMark"))->isVisible(); }
-    MainScreenView &view() const { return *m_screen->mainScreenView(); }
 
     const int kAfterExport = 250; ///< milliseconds until the result is opened
     SilentWorkspace m_workspace;
@@ -110,8 +107,8 @@ TEST_F(Export, WritesWhatThePreviewShowed)
     int posted = 0;
     const auto token = m_center.addObserver(kNotificationSaveChnagesUnsaved, [&](const QVariantMap &) { ++posted; });
     openPanel();
-    EXPECT_EQ(panel()->nameField()->text(), QStringLiteral("photo.png"));
-    panel()->reject();
+    EXPECT_EQ(savePanel()->nameField()->text(), QStringLiteral("photo.png"));
+    savePanel()->reject();
     ASSERT_TRUE(QTest::qWaitFor([&] { return SheetQueue::forWindow(*m_window).current() == nullptr; }));
     save(m_folder.filePath(QStringLiteral("out.TIF")));
     EXPECT_EQ(posted, 1);
@@ -182,14 +179,11 @@ TEST_F(Export, APhotoThatIsNoLongerTheOneThatWasOpenedIsNeitherSavedNorShared)
         gone ? void(QFile::remove(m_screen->imageUrl())) : void(photo(QStringLiteral("photo.png"), {600, 400}));
         for (IMGButton *button : {view().btnExport, view().btnShareService}) {
             QTest::mouseClick(button, Qt::LeftButton);
-            ASSERT_TRUE(QTest::qWaitFor([&] { return !sheetText().isEmpty(); }));
-            EXPECT_EQ(sheetText(), (button == view().btnExport ? QStringLiteral("ERROR_CANT_EXPORT_IMAGE %@|\n ")
-                                                               : QStringLiteral("ERROR_CANT_SHARE_IMAGE %@|\n ")) +
-                                       (gone ? QStringLiteral("ERROR_PHOTO_NOT_AVAILABLE %@")
-                                             : QStringLiteral("REFUSED_SOURCE_CHANGED photo.png")));
-            EXPECT_FALSE(button->isChecked() || isExporting() || panel());
-            SheetQueue::forWindow(*m_window).current()->accept();
-            ASSERT_TRUE(QTest::qWaitFor([&] { return sheetText().isEmpty(); }));
+            EXPECT_EQ(answeredSheet(), (button == view().btnExport ? QStringLiteral("ERROR_CANT_EXPORT_IMAGE %@|\n ")
+                                                                   : QStringLiteral("ERROR_CANT_SHARE_IMAGE %@|\n ")) +
+                                           (gone ? QStringLiteral("ERROR_PHOTO_NOT_AVAILABLE %@")
+                                                 : QStringLiteral("REFUSED_SOURCE_CHANGED photo.png")));
+            EXPECT_FALSE(button->isChecked() || isExporting() || savePanel());
         }
     }
 }
@@ -197,7 +191,7 @@ TEST_F(Export, APhotoThatIsNoLongerTheOneThatWasOpenedIsNeitherSavedNorShared)
 TEST_F(Export, LeavesTheFocusWhereItWas)
 {
     openAndPaint();
-    FloatSlider *slider = view().vwSettingOptions->slider(Setting::BlurAmount);
+    FloatSlider *slider = panel().slider(Setting::BlurAmount);
     for (QWidget *before : {static_cast<QWidget *>(slider), static_cast<QWidget *>(view().btnExport)}) {
         before->setFocus();
         save(m_folder.filePath(before->objectName() + QStringLiteral(".png")));
@@ -210,16 +204,15 @@ TEST_F(Export, LeavesTheFocusWhereItWas)
 TEST_F(Export, TheCommandLineMakesTheSameFile)
 {
     openAndPaint();
-    view().vwSettingOptions->slider(Setting::BlurAmount)->setValueByUser(80);
-    view().vwSettingOptions->slider(Setting::Vignette)->setValueByUser(0.05);
+    panel().slider(Setting::BlurAmount)->setValueByUser(80);
+    panel().slider(Setting::Vignette)->setValueByUser(0.05);
     const QString path = m_folder.filePath(QStringLiteral("window.png"));
     save(path);
     waitForTheEnd();
 
-    const PaintView *canvas = view().paintView;
     const QJsonObject strokes{
-        {QStringLiteral("canvas"), QJsonArray{canvas->canvasSize().width(), canvas->canvasSize().height()}},
-        {QStringLiteral("steps"), QJsonArray::fromVariantList(canvas->paintSession()->dataArray())}};
+        {QStringLiteral("canvas"), QJsonArray{canvas().canvasSize().width(), canvas().canvasSize().height()}},
+        {QStringLiteral("steps"), QJsonArray::fromVariantList(canvas().paintSession()->dataArray())}};
     RenderRequest request;
     request.photo = m_screen->imageUrl();
     request.strokes = file(QStringLiteral("strokes.json"), QJsonDocument(strokes).toJson());
@@ -244,8 +237,7 @@ TEST_F(Export, EverythingThatWouldDisturbItRests)
     save(m_folder.filePath(QStringLiteral("out.png")));
     EXPECT_TRUE(m_application.isUiDisabled());
     EXPECT_FALSE(view().btnExport->isEnabled() || view().btnShareService->isEnabled() ||
-                 view().btnAddPhoto->isEnabled() || view().vwSettingOptions->isEnabled() ||
-                 view().paintView->isEnabled());
+                 view().btnAddPhoto->isEnabled() || panel().isEnabled() || canvas().isEnabled());
     EXPECT_TRUE(view().progressBar->isVisible());
     EXPECT_TRUE(QTest::qWaitFor([&] { return view().progressBar->value() == 0.5; }));
     EXPECT_EQ(view().vwBottom->exportText(), QStringLiteral("EXPORTING out.png"));
@@ -255,11 +247,11 @@ TEST_F(Export, EverythingThatWouldDisturbItRests)
     waitForPreviews(m_shown + 1);
     EXPECT_FALSE(m_screen->isRunningAlgorithm());
     post(kNotificationSavePhotoFromMenuTapped);
-    EXPECT_FALSE(panel());
+    EXPECT_FALSE(savePanel());
     gate.open();
     waitForTheEnd();
     EXPECT_EQ(m_screen->imageUrl(), before);
-    EXPECT_TRUE(view().vwSettingOptions->isEnabled() && view().btnExport->isEnabled());
+    EXPECT_TRUE(panel().isEnabled() && view().btnExport->isEnabled());
     EXPECT_FALSE(m_application.isUiDisabled());
 }
 

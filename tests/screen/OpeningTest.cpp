@@ -1,13 +1,11 @@
 // How a photo gets onto the screen, and what happens to the one before. Which of several it is: tests of Session.
 #include "ScreenFixture.h"
 
+#include "DrawTrackingView.h"
 #include "FloatSlider.h"
 #include "IMGButton.h"
-#include "PaintView.h"
 #include "PhotoFile.h"
 #include "PhotoImageView.h"
-#include "SettingsPanel.h"
-#include "SheetQueue.h"
 #include "SummaryBar.h"
 
 #include <QFile>
@@ -25,18 +23,12 @@ class Opening : public ScreenFixture
 protected:
     void expectNoPhoto()
     {
-        const MainScreenView *view = m_screen->mainScreenView();
         EXPECT_FALSE(m_screen->hasPhoto());
         EXPECT_EQ(m_screen->toolType(), Painting::kToolNone);
-        EXPECT_TRUE(m_application.isUiDisabled());
-        EXPECT_FALSE(view->btnExport->isEnabled() || view->btnShareService->isEnabled());
-        EXPECT_FALSE(view->vwRightContainer->isVisible() || view->vwBottom->isVisible() ||
-                     view->vwPreviewContainer->isVisible());
-        EXPECT_TRUE(view->vwDragging->isVisible());
-    }
-    bool isRefused()
-    {
-        return QTest::qWaitFor([&] { return !sheetText().isEmpty(); });
+        EXPECT_TRUE(m_application.isUiDisabled() && view().vwDragging->isVisible());
+        EXPECT_FALSE(view().btnExport->isEnabled() || view().btnShareService->isEnabled());
+        EXPECT_FALSE(view().vwRightContainer->isVisible() || view().vwBottom->isVisible() ||
+                     view().vwPreviewContainer->isVisible());
     }
 };
 
@@ -51,7 +43,7 @@ TEST_F(Opening, APhotoIsShownWithPanelAndBarAndABrushReadyToPaint)
     };
     start();
     expectNoPhoto();
-    m_screen->mainScreenView()->btnAddPhotoOnPrompt->setFocus();
+    view().btnAddPhotoOnPrompt->setFocus();
     m_screen->photoDraggedWithPath(photo(u"a.png"_qs, {300, 200}));
     const auto *note = m_screen->view()->findChild<QLabel *>(u"loadingNote"_qs);
     ASSERT_TRUE(QTest::qWaitFor([&] { return note->isVisible(); }));
@@ -59,23 +51,46 @@ TEST_F(Opening, APhotoIsShownWithPanelAndBarAndABrushReadyToPaint)
     EXPECT_FALSE(m_screen->hasPhoto());
     gate.open();
     ASSERT_TRUE(QTest::qWaitFor([&] { return m_screen->hasPhoto(); }));
-    const MainScreenView *view = m_screen->mainScreenView();
     EXPECT_EQ(shownAt({0.5, 0.5}), QColor(Qt::red)) << "the first sight of it comes with it";
-    EXPECT_FALSE(note->isVisible() || view->vwDragging->isVisible());
+    EXPECT_FALSE(note->isVisible() || view().vwDragging->isVisible());
     EXPECT_EQ(m_screen->toolType(), Painting::kToolPaint);
     EXPECT_FALSE(m_application.isUiDisabled());
-    EXPECT_TRUE(view->btnExport->isEnabled() && view->btnShareService->isEnabled());
-    EXPECT_TRUE(view->vwRightContainer->isVisible());
-    EXPECT_EQ(view->vwRightContainer->width(), 250);
-    EXPECT_EQ(view->vwBottom->txtFilePath(), u"a.png"_qs);
+    EXPECT_TRUE(view().btnExport->isEnabled() && view().btnShareService->isEnabled());
+    EXPECT_TRUE(view().vwRightContainer->isVisible());
+    EXPECT_EQ(view().vwRightContainer->width(), 250);
+    EXPECT_EQ(view().vwBottom->txtFilePath(), u"a.png"_qs);
     EXPECT_EQ(m_application.m_file->filePath(), m_screen->imageUrl());
-    EXPECT_FLOAT_EQ(view->paintView->pointSize(), 64.8F) << "diameter 40, hardness 0";
-    EXPECT_FALSE(view->paintView->eraser());
+    EXPECT_FLOAT_EQ(canvas().pointSize(), 64.8F) << "diameter 40, hardness 0";
+    EXPECT_FALSE(canvas().eraser());
     EXPECT_EQ(m_window->focusWidget(), nullptr) << "it was on a button that is hidden now";
     open(photo(u"damaged.png"_qs, {300, 200}));
-    EXPECT_EQ(view->vwBottom->notice(), u"PHOTO_PARTLY_DAMAGED %@"_qs);
+    EXPECT_EQ(view().vwBottom->notice(), u"PHOTO_PARTLY_DAMAGED %@"_qs);
     open(photo(u"whole.png"_qs, {300, 200}));
-    EXPECT_EQ(view->vwBottom->notice(), QString());
+    EXPECT_EQ(view().vwBottom->notice(), QString());
+}
+
+TEST_F(Opening, ThePhotoIsCentredAndThePreviewIsMadeFromItsWholePoints)
+{
+    start();
+    open(photo(u"a.png"_qs, {3000, 2000}));
+    resizeWindow(m_window->frame().size() + QSize(1000, 800) - view().previewSize());
+    const QRectF frame = view().photoFrame();
+    EXPECT_NEAR(frame.width(), 1000, 1e-3);
+    EXPECT_NEAR(frame.height(), 666.667, 1e-3);
+    EXPECT_NEAR(frame.top(), 66.667, 1e-3);
+    EXPECT_EQ(canvas().frame(), frame);
+    EXPECT_EQ(view().drawTrackingView->geometry(), canvas().geometry());
+    EXPECT_EQ(m_screen->resizedInputImage()->pixelSize(), QSize(1000, 666));
+    EXPECT_EQ(view().imgvwBeforeBokesh->size(), QSize(1000, 800));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view().imgvwAfterBokesh->image().size() == QSize(1000, 666); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view().imgvwBeforeBokesh->image().size() == QSize(1000, 666); }));
+
+    // A name that says nothing opens by its content, and is shown.
+    open(photo(u"photo"_qs, {300, 200}, Qt::blue));
+    EXPECT_TRUE(view().vwPreviewContainer->isVisible());
+    m_screen->resizeImageToFitContainer(nullptr);
+    EXPECT_FALSE(view().vwPreviewContainer->isVisible());
+    EXPECT_TRUE(view().vwDragging->isVisible());
 }
 
 TEST_F(Opening, ABrokenFileIsRefusedWithASentenceAndCostsNobodyTheirPainting)
@@ -83,28 +98,23 @@ TEST_F(Opening, ABrokenFileIsRefusedWithASentenceAndCostsNobodyTheirPainting)
     start();
     const QString text = file(u"text.jpg"_qs, "just words");
     m_screen->photoDraggedWithPath(text);
-    ASSERT_TRUE(isRefused());
-    EXPECT_EQ(sheetText(), u"ERROR_CANT_OPEN %@|REFUSED_NOT_A_PICTURE text.jpg"_qs);
+    EXPECT_EQ(answeredSheet(), u"ERROR_CANT_OPEN %@|REFUSED_NOT_A_PICTURE text.jpg"_qs);
     expectNoPhoto();
-    SheetQueue::forWindow(*m_window).current()->accept();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return sheetText().isEmpty(); }));
-
     const QString before = photo(u"before.png"_qs, {300, 200});
     open(before);
     stroke({0.3, 0.5}, {0.6, 0.5});
-    m_screen->panel().slider(Setting::BlurAmount)->setValue(10);
-    m_screen->segmentPaintEraseTapped(m_screen->panel().btnEraser());
+    panel().slider(Setting::BlurAmount)->setValue(10);
+    m_screen->segmentPaintEraseTapped(panel().btnEraser());
     QFile whole(before);
     ASSERT_TRUE(whole.open(QIODevice::ReadOnly));
     const QString cut = file(u"cut.png"_qs, whole.read(whole.size() / 3));
     m_screen->photoDraggedWithPath(cut);
-    ASSERT_TRUE(isRefused());
-    EXPECT_EQ(sheetText(), u"ERROR_CANT_OPEN %@|REFUSED_TRUNCATED cut.png"_qs);
+    EXPECT_EQ(answeredSheet(), u"ERROR_CANT_OPEN %@|REFUSED_TRUNCATED cut.png"_qs);
     EXPECT_TRUE(m_screen->isValidImage(cut)) << "the answer is always yes";
     EXPECT_EQ(m_screen->imageUrl(), before);
     EXPECT_EQ(m_application.m_file->filePath(), before);
     EXPECT_GT(paintAt({0.4, 0.5}), 200);
-    EXPECT_EQ(m_screen->panel().slider(Setting::BlurAmount)->value(), 10);
+    EXPECT_EQ(panel().slider(Setting::BlurAmount)->value(), 10);
     EXPECT_EQ(m_screen->toolType(), Painting::kToolErase);
     EXPECT_TRUE(m_screen->isValidImage(photo(u"whole.png"_qs, {300, 200})));
     EXPECT_TRUE(m_screen->imageUrl().endsWith(u"whole.png"_qs));
@@ -116,23 +126,23 @@ TEST_F(Opening, AfterAnExportADropIsIgnoredUntilTheNextPreviewAndThePanelIsNot)
     const QString before = photo(u"before.png"_qs, {300, 200});
     const QString after = photo(u"after.png"_qs, {300, 200});
     open(before);
-    m_screen->panel().slider(Setting::BlurAmount)->setValue(10);
-    m_screen->panel().slider(Setting::Vignette)->setValue(0.04);
+    panel().slider(Setting::BlurAmount)->setValue(10);
+    panel().slider(Setting::Vignette)->setValue(0.04);
     m_screen->session().setLastExportedImage(m_screen->inputImage());
     m_screen->photoDraggedWithPath(after);
     letTimersFire(100);
     EXPECT_EQ(m_screen->imageUrl(), before);
     m_screen->applyCustomEnhanceFilterOnPreviewImage();
     open(after);
-    EXPECT_EQ(m_screen->panel().slider(Setting::BlurAmount)->value(), 60) << "set back";
-    EXPECT_FLOAT_EQ(float(m_screen->panel().slider(Setting::Vignette)->value()), 0.04F) << "kept";
+    EXPECT_EQ(panel().slider(Setting::BlurAmount)->value(), 60) << "set back";
+    EXPECT_FLOAT_EQ(float(panel().slider(Setting::Vignette)->value()), 0.04F) << "kept";
 
     m_screen->session().setLastExportedImage(m_screen->inputImage());
     m_screen->btnAddPhotoTapped();
-    auto *panel = m_window->findChild<QFileDialog *>();
-    ASSERT_NE(panel, nullptr);
-    panel->selectFile(before);
-    static_cast<QDialog *>(panel)->done(QDialog::Accepted);
+    auto *dialog = m_window->findChild<QFileDialog *>();
+    ASSERT_NE(dialog, nullptr);
+    dialog->selectFile(before);
+    static_cast<QDialog *>(dialog)->done(QDialog::Accepted);
     ASSERT_TRUE(QTest::qWaitFor([&] { return m_screen->imageUrl() == before; }));
     EXPECT_EQ(m_screen->lastExportedImage(), nullptr);
 }
@@ -154,10 +164,7 @@ TEST_F(Opening, TheTrashIsTestedWithTheLoginNameAsItIsAndThePathInLowerCase)
     for (const auto &[login, path, refused] : rows) {
         m_session.m_login = QString::fromUtf16(login);
         m_screen->openPanelFinished(QString::fromUtf16(path));
-        ASSERT_TRUE(isRefused());
-        EXPECT_EQ(sheetText().startsWith(u"ERROR_CANT_PROCESS"_qs), refused) << qPrintable(sheetText());
-        SheetQueue::forWindow(*m_window).current()->accept();
-        ASSERT_TRUE(QTest::qWaitFor([&] { return sheetText().isEmpty(); }));
+        EXPECT_EQ(answeredSheet().startsWith(u"ERROR_CANT_PROCESS"_qs), refused) << qPrintable(sheetText());
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include "AlertSheet.h"
 #include "NotificationNames.h"
-#include "PaintView.h"
 #include "PhotoImageView.h"
 #include "SheetQueue.h"
 
@@ -75,25 +74,17 @@ void ScreenFixture::waitForPreviews(int shown)
 
 void ScreenFixture::stroke(QPointF from, QPointF to, bool letGo)
 {
-    PaintView *canvas = m_screen->mainScreenView()->paintView;
     const auto place = [&](QPointF at) {
-        return QPointF(at.x() * canvas->width(), at.y() * canvas->height()).toPoint();
+        return QPointF(at.x() * canvas().width(), at.y() * canvas().height()).toPoint();
     };
-    QCursor::setPos(canvas->mapToGlobal(place(from)));
+    QCursor::setPos(canvas().mapToGlobal(place(from)));
     m_center.post(kNotificationMouseIn);
-    QTest::mousePress(canvas, Qt::LeftButton, {}, place(from));
+    QTest::mousePress(&canvas(), Qt::LeftButton, {}, place(from));
     constexpr int kMoves = 10;
     for (int i = 1; i <= kMoves; ++i)
-        QTest::mouseMove(canvas, place(from + (to - from) * i / kMoves));
+        QTest::mouseMove(&canvas(), place(from + (to - from) * i / kMoves));
     if (letGo)
-        this->letGo(to);
-}
-
-void ScreenFixture::letGo(QPointF at)
-{
-    PaintView *canvas = m_screen->mainScreenView()->paintView;
-    QTest::mouseRelease(canvas, Qt::LeftButton, {},
-                        QPointF(at.x() * canvas->width(), at.y() * canvas->height()).toPoint());
+        QTest::mouseRelease(&canvas(), Qt::LeftButton, {}, place(to));
 }
 
 void ScreenFixture::resizeWindow(QSize size)
@@ -104,13 +95,13 @@ void ScreenFixture::resizeWindow(QSize size)
 
 QColor ScreenFixture::shownAt(QPointF place) const
 {
-    const QImage &shown = m_screen->mainScreenView()->imgvwAfterBokesh->image();
+    const QImage &shown = view().imgvwAfterBokesh->image();
     return shown.pixelColor(int(place.x() * shown.width()), int(place.y() * shown.height()));
 }
 
 int ScreenFixture::paintAt(QPointF place) const
 {
-    const QImage pixels = m_screen->mainScreenView()->paintView->snapshot();
+    const QImage pixels = canvas().snapshot();
     return pixels.pixelColor(int(place.x() * pixels.width()), int(place.y() * pixels.height())).alpha();
 }
 
@@ -118,6 +109,16 @@ QString ScreenFixture::sheetText() const
 {
     const auto *sheet = qobject_cast<AlertSheet *>(SheetQueue::forWindow(*m_window).current());
     return sheet ? sheet->messageText() + QLatin1Char('|') + sheet->informativeText() : QString();
+}
+
+QString ScreenFixture::answeredSheet()
+{
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !sheetText().isEmpty(); }));
+    const QString text = sheetText();
+    if (!text.isEmpty())
+        SheetQueue::forWindow(*m_window).current()->accept();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return sheetText().isEmpty(); }));
+    return text;
 }
 
 } // namespace hazelmark

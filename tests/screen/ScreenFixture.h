@@ -5,6 +5,8 @@
 #include "../support/Timers.h"
 #include "MainScreenVC.h"
 #include "NotificationCenter.h"
+#include "PaintView.h"
+#include "SettingsPanel.h"
 #include "TitlebarWindow.h"
 #include "UserSession.h"
 
@@ -47,7 +49,9 @@ protected:
     void waitForPreviews(int shown);
     /// Drags the mouse over the canvas between two fractions of it; lets go unless told otherwise.
     void stroke(QPointF from, QPointF to, bool letGo = true);
-    void letGo(QPointF at);
+    MainScreenView &view() const { return *m_screen->mainScreenView(); }
+    PaintView &canvas() const { return *view().paintView; }
+    SettingsPanel &panel() const { return m_screen->panel(); }
     void resizeWindow(QSize size);
     /// What the after-image view shows at a fraction of the photo.
     QColor shownAt(QPointF place) const;
@@ -55,6 +59,8 @@ protected:
     int paintAt(QPointF place) const;
     /// The title or text of the sheet on show; empty when there is none.
     QString sheetText() const;
+    /// Waits for a sheet and answers it; its text.
+    QString answeredSheet();
 
     QTemporaryDir m_folder;
     NotificationCenter m_center;
