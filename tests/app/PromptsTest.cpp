@@ -92,7 +92,8 @@ TEST(PromotionWindowTest, TurnsRoundWhatIsNotInstalledUntilADotIsChosen)
         QStringList shown;
         for (const QLabel *label : window.findChildren<QLabel *>())
             shown << label->text();
-        return window.selectedRecommendedAppIndex() == index && window.control()->currentPage() == index &&
+        return shown.contains(texts.getLocalizedStringForKey(u"RECOMMENDED_APPS"_s)) &&
+               window.selectedRecommendedAppIndex() == index && window.control()->currentPage() == index &&
                shown.contains(entry(index, u"appName"_s)) && shown.contains(entry(index, u"Desc"_s));
     };
     window.present();

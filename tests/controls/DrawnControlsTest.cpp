@@ -4,6 +4,7 @@
 #include "DotPageControl.h"
 #include "FloatSlider.h"
 #include "HighlightButton.h"
+#include "IMGButton.h"
 #include "ScaleToFillImageView.h"
 #include "WidgetEvents.h"
 
@@ -312,4 +313,46 @@ TEST(ScaleToFillImageViewTest, CoversTheViewWithoutDistortion)
     }
     view.setImage({});
     EXPECT_EQ(view.grab().toImage().pixelColor(5, 5), view.palette().color(QPalette::Window));
+}
+
+TEST(DrawnControlsTest, WhatIsSeenToChangeIsDrawnAnew)
+{
+    QWidget window;
+    FloatSlider slider(&window);
+    BarProgressIndicator bar({0, 30, 100, 3}, Qt::blue, Qt::red, 0, 100, 0, &window);
+    HighlightButton button(HighlightButton::kFlatTag, {}, {}, &window);
+    DotPageControl dots(&window);
+    IMGButton image(&window);
+    const std::tuple<const char *, QWidget *, std::function<void()>> changes[]{
+        {"value", &slider, [&] { slider.setValue(0.5); }},
+        {"range", &slider, [&] { slider.setRange(0, 5); }},
+        {"progress", &bar, [&] { bar.setValue(50); }},
+        {"colour of what is done", &bar, [&] { bar.setProgressColor(Qt::green); }},
+        {"pointer", &button, [&] { send(button, QEvent::Enter); }},
+        {"no pointer", &button, [&] { send(button, QEvent::Leave); }},
+        {"press", &button, [&] { QTest::mousePress(&button, Qt::LeftButton); }},
+        {"pages", &dots, [&] { dots.setNumberOfPages(3); }},
+        {"page", &dots, [&] { dots.setCurrentPage(1); }},
+        {"state", &image, [&] { image.setChecked(true); }},
+        {"pointer over an image", &image, [&] { send(image, QEvent::Enter); }},
+        {"held", &image, [&] { QTest::mousePress(&image, Qt::LeftButton); }},
+    };
+    int top = 0;
+    for (QWidget *control : window.findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly))
+        control->setGeometry(0, top += 40, 100, 32);
+    window.resize(200, 300);
+    window.show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(&window));
+    struct Paints : QObject
+    {
+        bool eventFilter(QObject *, QEvent *event) override { return seen |= event->type() == QEvent::Paint, false; }
+        bool seen = false;
+    };
+    for (const auto &[what, control, change] : changes) {
+        QCoreApplication::processEvents(); // what is due from before
+        Paints paints;
+        control->installEventFilter(&paints);
+        change();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return paints.seen; })) << what;
+    }
 }

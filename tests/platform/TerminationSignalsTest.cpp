@@ -19,9 +19,7 @@ void previousHandler(int)
 
 } // namespace
 
-class TerminationSignalsTest : public ::testing::TestWithParam<int>
-{
-};
+using TerminationSignalsTest = ::testing::TestWithParam<int>;
 
 TEST_P(TerminationSignalsTest, TheFirstComesFromTheEventLoopAndTheNextTakesItsOldWay)
 {
