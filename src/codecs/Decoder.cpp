@@ -81,28 +81,29 @@ try {
     return m_source->failure(Failure::Reason::OutOfMemory);
 }
 
-Outcome<PictureInfo> readPictureInfo(SourceFile &source)
+namespace {
+
+/// What `read` makes of a decoder on the file.
+template <typename Result, typename Read>
+Outcome<Result> readFile(const QString &path, const Read &read)
 {
-    Outcome<Decoder> decoder = Decoder::open(source);
-    return decoder ? decoder->info() : decoder.failure();
+    const Outcome<std::unique_ptr<SourceFile>> source = SourceFile::open(path);
+    if (!source)
+        return source.failure();
+    Outcome<Decoder> decoder = Decoder::open(**source);
+    return decoder ? read(*decoder) : decoder.failure();
 }
 
-Outcome<Picture> decodePicture(SourceFile &source, QSize atLeast)
-{
-    Outcome<Decoder> decoder = Decoder::open(source);
-    return decoder ? decoder->decode(atLeast) : decoder.failure();
-}
+} // namespace
 
 Outcome<PictureInfo> readPictureInfo(const QString &path)
 {
-    const Outcome<std::unique_ptr<SourceFile>> source = SourceFile::open(path);
-    return source ? readPictureInfo(**source) : source.failure();
+    return readFile<PictureInfo>(path, [](Decoder &decoder) { return decoder.info(); });
 }
 
 Outcome<Picture> decodePicture(const QString &path, QSize atLeast)
 {
-    const Outcome<std::unique_ptr<SourceFile>> source = SourceFile::open(path);
-    return source ? decodePicture(**source, atLeast) : source.failure();
+    return readFile<Picture>(path, [=](Decoder &decoder) { return decoder.decode(atLeast); });
 }
 
 } // namespace hazelmark

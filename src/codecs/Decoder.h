@@ -43,9 +43,7 @@ private:
 
 /// What a Decoder tells of the file, or SourceFile::open() why it cannot be read.
 Outcome<PictureInfo> readPictureInfo(const QString &path);
-Outcome<PictureInfo> readPictureInfo(SourceFile &source);
 Outcome<Picture> decodePicture(const QString &path, QSize atLeast = {});
-Outcome<Picture> decodePicture(SourceFile &source, QSize atLeast = {});
 
 /// The formats that are read through Qt's plugins, by the names that Qt has for them, which are also the usual
 /// extensions. Beside them JPEG, PNG, TIFF and GIF are read.

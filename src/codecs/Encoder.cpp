@@ -8,6 +8,7 @@
 
 #include <QFile>
 
+#include <array>
 #include <cerrno>
 #include <new>
 
@@ -17,22 +18,8 @@ namespace hazelmark {
 
 namespace {
 
-Outcome<Done> encodeTo(FileSink &sink, const QImage &pixels, const EncodeOptions &options)
-{
-    switch (options.format) {
-    case WriteFormat::Png:
-        return encodePng(pixels, options, sink);
-    case WriteFormat::Jpeg:
-        return encodeJpeg(pixels, options, sink);
-    case WriteFormat::Tiff:
-        return encodeTiff(pixels, options, sink);
-    case WriteFormat::Bmp:
-        return encodeBmp(pixels, options, sink);
-    case WriteFormat::Gif:
-        return encodeGif(pixels, options, sink);
-    }
-    Q_UNREACHABLE();
-}
+constexpr std::array kEncoders = {encodePng, encodeJpeg, encodeBmp, encodeTiff,
+                                  encodeGif}; // in the order of WriteFormat
 
 } // namespace
 
@@ -56,7 +43,7 @@ Outcome<Done> encodePicture(const QImage &pixels, const EncodeOptions &options, 
         EncodeOptions harmless = options;
         harmless.metadata.iccProfile = profileWithoutPictures(options.metadata.iccProfile);
         FileSink sink(descriptor, path);
-        const Outcome<Done> encoded = encodeTo(sink, prepared, harmless);
+        const Outcome<Done> encoded = kEncoders.at(size_t(options.format))(prepared, harmless, sink);
         return encoded ? sink.finish() : encoded;
     } catch (const std::bad_alloc &) {
         return Failure{Failure::Reason::OutOfMemory, path, {}};

@@ -42,6 +42,16 @@ struct Picture
     bool isPartlyDamaged = false;
 };
 
+/// The one that Picture::pixels has.
+inline QImage::Format bitmapFormat(ColorModel model, bool hasAlpha, bool isDeep)
+{
+    if (hasAlpha)
+        return isDeep ? QImage::Format_RGBA64 : QImage::Format_RGBA8888;
+    if (model == ColorModel::Gray)
+        return isDeep ? QImage::Format_Grayscale16 : QImage::Format_Grayscale8;
+    return isDeep ? QImage::Format_RGBX64 : QImage::Format_RGBX8888;
+}
+
 /// What is known of a picture file from its headers alone.
 struct PictureInfo
 {

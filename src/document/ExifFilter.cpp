@@ -7,6 +7,7 @@
 #include <exiv2/exiv2.hpp>
 
 #include <algorithm>
+#include <array>
 #include <set>
 
 namespace hazelmark {
@@ -27,10 +28,20 @@ constexpr std::array kPictureTags = {std::pair(kJpegOffset, kJpegLength), std::p
 
 enum class Kind { Image, Photo, Gps, Interoperability };
 
-constexpr const char *groupOf(Kind kind)
+std::set<quint16> tagsOf(const char *group)
 {
-    constexpr const char *kGroups[] = {"Image", "Photo", "GPSInfo", "Iop"};
-    return kGroups[int(kind)];
+    std::set<quint16> tags;
+    constexpr quint16 kEnd = 0xffff;
+    for (const Exiv2::TagInfo *tag = Exiv2::ExifTags::tagList(group); tag && tag->tag_ != kEnd; ++tag)
+        tags.insert(tag->tag_);
+    return tags;
+}
+
+/// Whether the tag is known to belong into such a directory.
+bool isKnownTag(Kind kind, quint16 tag)
+{
+    static const std::array kTags = {tagsOf("Image"), tagsOf("Photo"), tagsOf("GPSInfo"), tagsOf("Iop")};
+    return kTags[size_t(kind)].count(tag) > 0; // in the order of the kinds
 }
 
 QString nameOf(const TiffBlock::Entry &entry)
@@ -105,7 +116,7 @@ private:
             break;
         }
         const bool hasValue = entry.type > 0 && entry.type <= kLastTiffType && entry.valueSize == entry.statedSize;
-        const bool isKnown = isKnownTag(groupOf(kind), entry.tag);
+        const bool isKnown = isKnownTag(kind, entry.tag);
         if (hasValue && !isTiffDataTag(entry.tag) && (isKnown || entry.valueSize <= kMostUnknown))
             return !isPicture(entry);
         const bool isStructure = entry.valueSize <= TiffBlock::kInlineSize; // a mere number
@@ -239,28 +250,11 @@ private:
     std::vector<TiffBlock::Directory> m_removed; ///< entries that were taken out of their directories
 };
 
-std::set<quint16> tagsOf(const char *group)
-{
-    std::set<quint16> tags;
-    constexpr quint16 kEnd = 0xffff;
-    for (const Exiv2::TagInfo *tag = Exiv2::ExifTags::tagList(group); tag && tag->tag_ != kEnd; ++tag)
-        tags.insert(tag->tag_);
-    return tags;
-}
-
 } // namespace
 
 void keepHarmless(TiffBlock &block, LeftOut &leftOut)
 {
     Filter(block, leftOut).run();
-}
-
-bool isKnownTag(const char *group, quint16 tag)
-{
-    static const std::map<QByteArray, std::set<quint16>> kTags = {
-        {"Image", tagsOf("Image")}, {"Photo", tagsOf("Photo")}, {"GPSInfo", tagsOf("GPSInfo")}, {"Iop", tagsOf("Iop")}};
-    const auto tags = kTags.find(group);
-    return tags != kTags.end() && tags->second.count(tag) > 0;
 }
 
 } // namespace hazelmark

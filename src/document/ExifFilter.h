@@ -14,7 +14,4 @@ namespace hazelmark {
 /// to it, are searched and lose their pictures; without a note nothing stays that nothing refers to.
 void keepHarmless(TiffBlock &block, LeftOut &leftOut);
 
-/// Whether a tag of the group that Exiv2 calls "Image", "Photo", "GPSInfo" or "Iop" is known to belong there.
-bool isKnownTag(const char *group, quint16 tag);
-
 } // namespace hazelmark

@@ -3,6 +3,7 @@
 #include "EmbeddedBlocks.h"
 #include "IptcNames.h"
 #include "PictureSearch.h"
+#include "TiffBytes.h"
 
 #include <QtEndian>
 
@@ -52,20 +53,13 @@ bool isCarried(const IptcRecord &record)
 
 void append(QByteArray &block, const IptcRecord &record)
 {
-    const auto bigEndian = [&block](auto number) {
-        char bytes[sizeof number];
-        qToBigEndian(number, bytes);
-        block.append(bytes, sizeof number);
-    };
     block += kIptcRecordMarker;
     block += char(record.record);
     block += char(record.dataSet);
-    if (record.value.size() <= kLongestPlain) {
-        bigEndian(quint16(record.value.size()));
-    } else {
-        bigEndian(quint16(0x8000 | sizeof(quint32)));
-        bigEndian(quint32(record.value.size()));
-    }
+    if (record.value.size() <= kLongestPlain)
+        block += tiffBytes(quint16(record.value.size()), true);
+    else
+        block += tiffBytes(quint16(0x8000 | sizeof(quint32)), true) + tiffBytes(quint32(record.value.size()), true);
     block.append(record.value);
 }
 

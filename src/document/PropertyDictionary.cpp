@@ -72,12 +72,15 @@ public:
         withExiv2(m_path, [this] { takeRating(); });
         withExiv2(m_path, [this] { takeAuxiliary(); });
         takeResolution();
-        insertGroup(kExifGroup, m_exif);
-        insertGroup(kTiffGroup, m_tiff);
-        insertGroup(kGpsGroup, m_gps);
-        insertGroup(kIptcGroup, m_iptc);
-        insertGroup(kExifAuxGroup, m_aux);
-        insertGroup(kPngGroup, m_png);
+        for (const auto &[key, group] : {std::pair(kExifGroup, m_exif),
+                                         {kTiffGroup, m_tiff},
+                                         {kGpsGroup, m_gps},
+                                         {kIptcGroup, m_iptc},
+                                         {kExifAuxGroup, m_aux},
+                                         {kPngGroup, m_png}}) {
+            if (!group.isEmpty())
+                m_top.insert(key, group);
+        }
         return m_top;
     }
 
@@ -86,12 +89,6 @@ private:
     {
         if (object.isValid() && !group.contains(key))
             group.insert(key, object);
-    }
-
-    void insertGroup(QLatin1String key, const QVariantMap &group)
-    {
-        if (!group.isEmpty())
-            m_top.insert(key, group);
     }
 
     void takeHeader()
@@ -287,9 +284,7 @@ private:
 
     void takeResolution()
     {
-        std::optional<QSizeF> dpi = m_info.dpi;
-        if (!dpi)
-            dpi = exifResolution();
+        const std::optional<QSizeF> dpi = m_info.dpi ? m_info.dpi : exifResolution();
         if (!dpi)
             return;
         m_top.insert(QStringLiteral("DPIWidth"), dpi->width());

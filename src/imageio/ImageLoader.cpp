@@ -38,25 +38,6 @@ Outcome<ImageLoader::Loaded> decodeUpright(Photo &photo, int orientation, QSize 
     return ImageLoader::Loaded{image, picture->fileColorModel, picture->convertedToSrgb, picture->isPartlyDamaged};
 }
 
-/// As it stands, without a line end, unless warnings of this module are off.
-void writeToStandardError(const QString &text)
-{
-    if (!lcImageIo().isWarningEnabled())
-        return;
-    std::fputs(text.toLocal8Bit().constData(), stderr);
-    std::fflush(stderr);
-}
-
-void reportNotLoaded(const Failure &failure)
-{
-    using Reason = Failure::Reason;
-    const bool opened = failure.reason == Reason::Damaged || failure.reason == Reason::Truncated ||
-                        failure.reason == Reason::TooLarge || failure.reason == Reason::OutOfMemory ||
-                        failure.reason == Reason::UnsupportedFormat;
-    writeToStandardError(opened ? QStringLiteral("Image not created from image source.")
-                                : QStringLiteral("Image source is NULL."));
-}
-
 /// What getImageFromFile() hands back, with the reason where there is none.
 Outcome<ImageLoader::Loaded> read(Photo &photo, float minWidth)
 {
@@ -89,10 +70,17 @@ Outcome<ImageLoader::Loaded> withinMemory(const Photo &photo, const Load &load)
     }
 }
 
+/// Tells of a failure on standard error, without a line end, unless warnings of this module are off.
 Outcome<ImageLoader::Loaded> reported(Outcome<ImageLoader::Loaded> loaded)
 {
-    if (!loaded)
-        reportNotLoaded(loaded.failure());
+    using Reason = Failure::Reason;
+    if (loaded || !lcImageIo().isWarningEnabled())
+        return loaded;
+    const Reason reason = loaded.failure().reason;
+    const bool opened = reason == Reason::Damaged || reason == Reason::Truncated || reason == Reason::TooLarge ||
+                        reason == Reason::OutOfMemory || reason == Reason::UnsupportedFormat;
+    std::fputs(opened ? "Image not created from image source." : "Image source is NULL.", stderr);
+    std::fflush(stderr);
     return loaded;
 }
 

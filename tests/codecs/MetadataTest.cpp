@@ -29,10 +29,9 @@ protected:
     {
         const QByteArray file = encoded(makePicture(20, 10, QImage::Format_RGBX8888), optionsFor(format, metadata));
         const auto source = SourceFile::open(write(QStringLiteral("written"), file));
-        const auto info = readPictureInfo(**source);
-        EXPECT_EQ(info->iccProfile, metadata.iccProfile);
-        EXPECT_TRUE(decodePicture(**source));
-        return format == WriteFormat::Tiff ? readTiffBlocks(**source) : *readEmbeddedBlocks(**source, info->format);
+        const auto [info, picture] = read(file);
+        EXPECT_EQ(info.iccProfile, metadata.iccProfile);
+        return format == WriteFormat::Tiff ? readTiffBlocks(**source) : *readEmbeddedBlocks(**source, info.format);
     }
     std::optional<QSizeF> dpiOfWritten(WriteFormat format, QSizeF dpi) const
     {

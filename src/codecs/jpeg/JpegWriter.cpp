@@ -2,6 +2,7 @@
 #include "JpegSegments.h"
 #include "ParallelFor.h"
 #include "PictureEncoders.h"
+#include "TiffBytes.h"
 
 #include <QtEndian>
 
@@ -142,11 +143,7 @@ bool JpegWriter::writeHead(const JpegBand &band)
 {
     QByteArray head = band.start().toByteArray();
     for (const JpegSegment &segment : m_segments) {
-        const auto length = quint16(segment.data.size() + 2);
-        head += char(0xff);
-        head += char(segment.marker);
-        head += char(length >> 8);
-        head += char(length & 0xff);
+        head += tiffBytes(quint16(0xff00 | segment.marker), true) + tiffBytes(quint16(segment.data.size() + 2), true);
         head += segment.data;
     }
     QByteArray headers = band.headers().toByteArray();

@@ -147,12 +147,7 @@ PictureInfo PngReader::info()
 
 QImage::Format PngReader::outputFormat() const
 {
-    const bool isDeep = m_bitDepth == 16;
-    if (hasAlpha())
-        return isDeep ? QImage::Format_RGBA64 : QImage::Format_RGBA8888;
-    if (isGray())
-        return isDeep ? QImage::Format_Grayscale16 : QImage::Format_Grayscale8;
-    return isDeep ? QImage::Format_RGBX64 : QImage::Format_RGBX8888;
+    return bitmapFormat(isGray() ? ColorModel::Gray : ColorModel::Rgb, hasAlpha(), m_bitDepth == 16);
 }
 
 /// How often every row is to be read until it is whole.

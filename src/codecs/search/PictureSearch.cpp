@@ -1,10 +1,10 @@
 #include "PictureSearch.h"
 
+#include "ZlibStream.h"
+
 #include <algorithm>
 #include <array>
 #include <cstdint>
-
-#include <zlib.h>
 
 namespace hazelmark {
 
@@ -57,48 +57,6 @@ struct Letters
 {
     QByteArray values;
     std::vector<qsizetype> starts; ///< where in `values` longer runs begin with the letter that is looked for
-};
-
-class Unzip
-{
-public:
-    Unzip() = default;
-    ~Unzip() { inflateEnd(&m_zlib); }
-    Unzip(const Unzip &) = delete;
-    Unzip &operator=(const Unzip &) = delete;
-
-    struct Content
-    {
-        QByteArray bytes; ///< as much as could be had, also of a damaged stream
-        qsizetype taken;  ///< bytes of the stream
-        bool isWhole;
-    };
-
-    Content unpacked(QByteArrayView stream, qsizetype limit)
-    {
-        m_isReady = m_isReady || inflateInit2(&m_zlib, kAnyHeader) == Z_OK;
-        if (!m_isReady || inflateReset(&m_zlib) != Z_OK)
-            return {{}, 0, false};
-        m_zlib.next_in = reinterpret_cast<Bytef *>(const_cast<char *>(stream.data()));
-        m_zlib.avail_in = uInt(std::min<qsizetype>(stream.size(), 1 << 30));
-        QByteArray bytes;
-        int status = Z_OK;
-        for (qsizetype step = 256; status == Z_OK && bytes.size() < limit;
-             step = std::min<qsizetype>(2 * step, 1 << 20)) {
-            const qsizetype filled = bytes.size();
-            bytes.resize(filled + step);
-            m_zlib.next_out = reinterpret_cast<Bytef *>(bytes.data() + filled);
-            m_zlib.avail_out = uInt(step);
-            status = inflate(&m_zlib, Z_NO_FLUSH);
-            bytes.resize(bytes.size() - qsizetype(m_zlib.avail_out));
-        }
-        return {bytes, qsizetype(m_zlib.total_in), status == Z_STREAM_END};
-    }
-
-private:
-    static constexpr int kAnyHeader = 15 + 32; // zlib or gzip, the largest window
-    z_stream m_zlib = {};
-    bool m_isReady = false;
 };
 
 class Search
@@ -168,7 +126,7 @@ private:
                 ++next;
             if (!beginsStream(bytes, at) || (next != plain.end() && next->from <= at))
                 continue;
-            const Unzip::Content content = m_unzip.unpacked(bytes.sliced(at), m_room + 1);
+            const Inflater::Content content = m_inflater.unpacked(bytes.sliced(at), m_room);
             if (!holds(content.bytes, false))
                 continue;
             const bool endsThere = where == SearchIn::Mixture && content.isWhole;
@@ -326,7 +284,7 @@ private:
 
     qsizetype m_room;
     int m_nested = 0;
-    Unzip m_unzip;
+    Inflater m_inflater{Inflater::AnyHeader};
 };
 
 } // namespace

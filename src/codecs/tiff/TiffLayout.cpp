@@ -11,6 +11,29 @@ T fieldOr(TIFF *tiff, uint32_t tag, T fallback)
     return TIFFGetFieldDefaulted(tiff, tag, &value) ? value : fallback;
 }
 
+struct Kind
+{
+    uint16_t photometric;
+    ColorModel model;
+    int samples; ///< of colour; 0 where they are not read as they are
+};
+
+Kind kindOf(uint16_t photometric)
+{
+    constexpr Kind kKinds[] = {
+        {PHOTOMETRIC_MINISWHITE, ColorModel::Gray, 1}, {PHOTOMETRIC_MINISBLACK, ColorModel::Gray, 1},
+        {PHOTOMETRIC_MASK, ColorModel::Gray, 1},       {PHOTOMETRIC_LOGL, ColorModel::Gray, 0},
+        {PHOTOMETRIC_PALETTE, ColorModel::Rgb, 1},     {PHOTOMETRIC_RGB, ColorModel::Rgb, 3},
+        {PHOTOMETRIC_YCBCR, ColorModel::Rgb, 3},       {PHOTOMETRIC_SEPARATED, ColorModel::Cmyk, 4},
+        {PHOTOMETRIC_CIELAB, ColorModel::Lab, 3},      {PHOTOMETRIC_ICCLAB, ColorModel::Lab, 3},
+        {PHOTOMETRIC_ITULAB, ColorModel::Lab, 0}};
+    for (const Kind &kind : kKinds) {
+        if (kind.photometric == photometric)
+            return kind;
+    }
+    return {photometric, ColorModel::Rgb, 0};
+}
+
 bool isLuminanceEncoded(uint16_t photometric)
 {
     return photometric == PHOTOMETRIC_LOGL || photometric == PHOTOMETRIC_LOGLUV;
@@ -62,41 +85,12 @@ TiffLayout TiffLayout::of(TIFF *tiff)
 
 ColorModel TiffLayout::colorModel() const
 {
-    switch (photometric) {
-    case PHOTOMETRIC_MINISWHITE:
-    case PHOTOMETRIC_MINISBLACK:
-    case PHOTOMETRIC_MASK:
-    case PHOTOMETRIC_LOGL:
-        return ColorModel::Gray;
-    case PHOTOMETRIC_SEPARATED:
-        return ColorModel::Cmyk;
-    case PHOTOMETRIC_CIELAB:
-    case PHOTOMETRIC_ICCLAB:
-    case PHOTOMETRIC_ITULAB:
-        return ColorModel::Lab;
-    default:
-        return ColorModel::Rgb;
-    }
+    return kindOf(photometric).model;
 }
 
 int TiffLayout::colorSamples() const
 {
-    switch (photometric) {
-    case PHOTOMETRIC_MINISWHITE:
-    case PHOTOMETRIC_MINISBLACK:
-    case PHOTOMETRIC_MASK:
-    case PHOTOMETRIC_PALETTE:
-        return 1;
-    case PHOTOMETRIC_RGB:
-    case PHOTOMETRIC_YCBCR:
-    case PHOTOMETRIC_CIELAB:
-    case PHOTOMETRIC_ICCLAB:
-        return 3;
-    case PHOTOMETRIC_SEPARATED:
-        return 4;
-    default:
-        return 0;
-    }
+    return kindOf(photometric).samples;
 }
 
 bool TiffLayout::needsLibraryConversion() const
@@ -125,11 +119,7 @@ QImage::Format TiffLayout::pixelFormat() const
 {
     if (needsLibraryConversion())
         return QImage::Format_RGBX8888;
-    if (hasAlpha())
-        return isDeep() ? QImage::Format_RGBA64 : QImage::Format_RGBA8888;
-    if (colorModel() == ColorModel::Gray)
-        return isDeep() ? QImage::Format_Grayscale16 : QImage::Format_Grayscale8;
-    return isDeep() ? QImage::Format_RGBX64 : QImage::Format_RGBX8888;
+    return bitmapFormat(colorModel(), hasAlpha(), isDeep());
 }
 
 } // namespace hazelmark
