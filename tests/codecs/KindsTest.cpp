@@ -167,59 +167,31 @@ TEST_F(Kinds, ColoursAndAlphaComeStraightAndUnconverted)
     TestPng gamma{.colorType = PNG_COLOR_TYPE_RGB};
     gamma.extraChunkType = "gAMA";
     gamma.extraChunk = QByteArray("\x00\x01\x86\xa0", 4); // 1.0
-    const TestPng gray{.colorType = PNG_COLOR_TYPE_GRAY_ALPHA};
-    const TestPng deepGray{.colorType = PNG_COLOR_TYPE_GRAY_ALPHA, .bitDepth = 16};
+    const QByteArray grays = makePng({.colorType = PNG_COLOR_TYPE_GRAY_ALPHA}, 2, 1, {50, 0, 60, 128});
+    const QByteArray deepGray = makePng({.colorType = PNG_COLOR_TYPE_GRAY_ALPHA, .bitDepth = 16}, 1, 1, {1, 2, 3, 4});
     const std::vector<int> opaque = {10, 20, 30, 255, 255, 0, 128, 255, 1, 2, 3, 255};
+    const std::vector<int> seeThrough = {10, 20, 30, 0, 255, 0, 128, 64, 1, 2, 3, 255};
     const std::vector<int> alphas = {50, 25, 0, 100, 9, 8, 7, 0, 200, 100, 1, 255};
+    const std::vector<int> divided = {128, 64, 0, 100, 9, 8, 7, 0, 200, 100, 1, 255};
     const TestTiff rgba = page(3, 8, 4, PHOTOMETRIC_RGB, {alphas.begin(), alphas.end()});
     const TestTiff deepTiff = page(2, 16, 2, PHOTOMETRIC_MINISBLACK, bytesOf<uint16_t>({1000, 30000, 7, 65535}));
+    const std::vector<int> deepGrays = {1000, 1000, 1000, 30000, 7, 7, 7, 65535};
+    const auto tiffWith = [&](const TestTiff &page, uint16_t extra) { return tiff({withAlpha(page, extra)}); };
+    // Not taken for luminance and chroma: the reds, then red and green of the last.
+    const QByteArray rgbJpeg = jpeg(TestJpeg::Colors::Rgb, {{200, 10, 30}, {0, 90, 250}});
+    constexpr ColorModel kGray = ColorModel::Gray;
     expectKinds({
         {"PNG palette", makePng(paletted, 3, 1, {0b00011000}), kRgb8, opaque},
-        {"PNG palette with alpha",
-         makePng(transparent, 3, 1, {0b00011000}),
-         kRgba8,
-         {10, 20, 30, 0, 255, 0, 128, 64, 1, 2, 3, 255}},
-        {"PNG with a transparent colour",
-         makePng(oneColour, 2, 1, {1, 2, 3, 1, 2, 4}),
-         kRgba8,
-         {1, 2, 3, 0, 1, 2, 4, 255}},
+        {"PNG palette with alpha", makePng(transparent, 3, 1, {0b00011000}), kRgba8, seeThrough},
+        {"PNG transparent colour", makePng(oneColour, 2, 1, {1, 2, 3, 1, 2, 4}), kRgba8, {1, 2, 3, 0, 1, 2, 4, 255}},
         {"PNG with a gamma", makePng(gamma, 1, 1, {100, 50, 3}), kRgb8, {100, 50, 3, 255}},
-        {"PNG grey and alpha",
-         makePng(gray, 2, 1, {50, 0, 60, 128}),
-         kRgba8,
-         {50, 50, 50, 0, 60, 60, 60, 128},
-         8,
-         ColorModel::Gray},
-        {"PNG deep grey and alpha",
-         makePng(deepGray, 1, 1, {1, 2, 3, 4}),
-         kRgba16,
-         {0x102, 0x102, 0x102, 0x304},
-         16,
-         ColorModel::Gray},
-        {"TIFF alpha", tiff({withAlpha(rgba, EXTRASAMPLE_UNASSALPHA)}), kRgba8, alphas},
-        {"TIFF multiplied alpha",
-         tiff({withAlpha(rgba, EXTRASAMPLE_ASSOCALPHA)}),
-         kRgba8,
-         {128, 64, 0, 100, 9, 8, 7, 0, 200, 100, 1, 255}},
-        {"TIFF with a selection",
-         tiff({withAlpha(rgba, EXTRASAMPLE_UNSPECIFIED)}),
-         kRgb8,
-         {50, 25, 0, 255, 9, 8, 7, 255}},
-        {"TIFF deep grey and alpha",
-         tiff({withAlpha(deepTiff, EXTRASAMPLE_UNASSALPHA)}),
-         kRgba16,
-         {1000, 1000, 1000, 30000, 7, 7, 7, 65535},
-         16,
-         ColorModel::Gray},
-        // Not taken for luminance and chroma: the reds, then red and green of the last.
-        {"JPEG of RGB",
-         jpeg(TestJpeg::Colors::Rgb, {{200, 10, 30}, {0, 90, 250}}),
-         kRgb8,
-         {200, 0},
-         8,
-         ColorModel::Rgb,
-         0,
-         64},
+        {"PNG grey and alpha", grays, kRgba8, {50, 50, 50, 0, 60, 60, 60, 128}, 8, kGray},
+        {"PNG deep grey and alpha", deepGray, kRgba16, {0x102, 0x102, 0x102, 0x304}, 16, kGray},
+        {"TIFF alpha", tiffWith(rgba, EXTRASAMPLE_UNASSALPHA), kRgba8, alphas},
+        {"TIFF multiplied alpha", tiffWith(rgba, EXTRASAMPLE_ASSOCALPHA), kRgba8, divided},
+        {"TIFF selection", tiffWith(rgba, EXTRASAMPLE_UNSPECIFIED), kRgb8, {50, 25, 0, 255, 9, 8, 7, 255}},
+        {"TIFF deep grey", tiffWith(deepTiff, EXTRASAMPLE_UNASSALPHA), kRgba16, deepGrays, 16, kGray},
+        {"JPEG of RGB", rgbJpeg, kRgb8, {200, 0}, 8, ColorModel::Rgb, 0, 64},
         {"TIFF palette", tiff({palette(257)}), kRgb8, opaque},
         {"TIFF palette of bytes", tiff({palette(1)}), kRgb8, opaque},
         {"TIFF palette of shifted bytes", tiff({palette(256)}), kRgb8, opaque},
@@ -238,36 +210,33 @@ TEST_F(Kinds, InkAndLabBecomeSrgb)
     const auto lab = [&](int bits, int photometric, const std::vector<uint8_t> &row) {
         return tiff({page(1, bits, 3, photometric, row)});
     };
+    const auto deep = [](double l, int a, int b) {
+        return bytesOf<uint16_t>({uint16_t(l), uint16_t(a * 256), uint16_t(b * 256)});
+    };
+    const auto signed8 = lab(8, PHOTOMETRIC_CIELAB, {l8, uint8_t(a), uint8_t(b)});
+    const auto offset8 = lab(8, PHOTOMETRIC_ICCLAB, {l8, uint8_t(a + 128), uint8_t(b + 128)});
+    const auto signed16 = lab(16, PHOTOMETRIC_CIELAB, deep(L * 655.35, a, b));
+    const auto offset16 = lab(16, PHOTOMETRIC_ICCLAB, deep(L * 652.8, a + 128, b + 128));
     using Colors = TestJpeg::Colors;
     const std::vector<std::vector<int>> inks = {{0, 0, 0, 0}, {0, 255, 255, 0}, {0, 0, 0, 255}, {51, 102, 0, 51}};
     const std::vector<int> reds = {255, 255, 0, 163}; // the profile is none: the plain formula is taken
+    const auto ink = tiff({page(3, 8, 4, PHOTOMETRIC_SEPARATED, {0, 0, 0, 0, 255, 0, 0, 0, 51, 102, 0, 51})});
+    const std::vector<int> shown = {255, 255, 255, 255, 0, 255, 255, 255, 163, 122, 204, 255};
+    const auto deepInk = tiff({page(3, 16, 4, PHOTOMETRIC_SEPARATED,
+                                    bytesOf<uint16_t>({0, 0, 0, 0, 65535, 0, 0, 0, 13107, 26214, 0, 13107}))});
+    const std::vector<int> deepShown = {65535, 65535, 65535, 65535, 0, 65535, 65535, 65535, 41942, 31457, 52428, 65535};
+    constexpr ColorModel kCmyk = ColorModel::Cmyk;
+    constexpr ColorModel kLab = ColorModel::Lab;
     expectKinds({
-        {"JPEG of ink", jpeg(Colors::Cmyk, inks), kRgb8, reds, 8, ColorModel::Cmyk, 2, 64},
-        {"JPEG of ink as it is", jpeg(Colors::Cmyk, inks, false), kRgb8, reds, 8, ColorModel::Cmyk, 2, 64},
-        {"JPEG of ink as luminance", jpeg(Colors::Ycck, inks), kRgb8, reds, 8, ColorModel::Cmyk, 2, 64},
-        {"ink",
-         tiff({page(3, 8, 4, PHOTOMETRIC_SEPARATED, {0, 0, 0, 0, 255, 0, 0, 0, 51, 102, 0, 51})}),
-         kRgb8,
-         {255, 255, 255, 255, 0, 255, 255, 255, 163, 122, 204, 255},
-         8,
-         ColorModel::Cmyk},
-        {"deep ink",
-         tiff({page(3, 16, 4, PHOTOMETRIC_SEPARATED,
-                    bytesOf<uint16_t>({0, 0, 0, 0, 65535, 0, 0, 0, 13107, 26214, 0, 13107}))}),
-         kRgb16,
-         {65535, 65535, 65535, 65535, 0, 65535, 65535, 65535, 41942, 31457, 52428, 65535},
-         16,
-         ColorModel::Cmyk},
-        {"Lab", lab(8, PHOTOMETRIC_CIELAB, {l8, uint8_t(a), uint8_t(b)}), kRgb8, lab8, 8, ColorModel::Lab, 1.3},
-        {"Lab of profiles", lab(8, PHOTOMETRIC_ICCLAB, {l8, uint8_t(a + 128), uint8_t(b + 128)}), kRgb8, lab8, 8,
-         ColorModel::Lab, 1.3},
-        {"deep Lab",
-         lab(16, PHOTOMETRIC_CIELAB, bytesOf<uint16_t>({uint16_t(L * 655.35), uint16_t(a * 256), uint16_t(b * 256)})),
-         kRgb16, lab16, 16, ColorModel::Lab, 1.01},
-        {"deep Lab of profiles",
-         lab(16, PHOTOMETRIC_ICCLAB,
-             bytesOf<uint16_t>({uint16_t(L * 652.8), uint16_t((a + 128) * 256), uint16_t((b + 128) * 256)})),
-         kRgb16, lab16, 16, ColorModel::Lab, 1.01},
+        {"JPEG of ink", jpeg(Colors::Cmyk, inks), kRgb8, reds, 8, kCmyk, 2, 64},
+        {"JPEG of ink as it is", jpeg(Colors::Cmyk, inks, false), kRgb8, reds, 8, kCmyk, 2, 64},
+        {"JPEG of ink as luminance", jpeg(Colors::Ycck, inks), kRgb8, reds, 8, kCmyk, 2, 64},
+        {"ink", ink, kRgb8, shown, 8, kCmyk},
+        {"deep ink", deepInk, kRgb16, deepShown, 16, kCmyk},
+        {"Lab", signed8, kRgb8, lab8, 8, kLab, 1.3},
+        {"Lab of profiles", offset8, kRgb8, lab8, 8, kLab, 1.3},
+        {"deep Lab", signed16, kRgb16, lab16, 16, kLab, 1.01},
+        {"deep Lab of profiles", offset16, kRgb16, lab16, 16, kLab, 1.01},
     });
 }
 

@@ -96,16 +96,13 @@ void addPictureDirectories(const QByteArray &hidden, std::vector<Hiding> &hiding
 
 void addIptcPlaces(const QByteArray &hidden, std::vector<Hiding> &hidings)
 {
-    const auto dataSet = [](char number, const QByteArray &value, char record = 2) {
-        return QByteArray("\x1c") + record + number + tiffBytes(quint16(value.size()), true) + value;
-    };
-    for (const auto &[name, bytes] : {std::pair("caption", dataSet(120, hidden)),
-                                      {"preview", dataSet(char(202), bare(hidden))},
-                                      {"object", dataSet(10, bare(hidden), 8)},
-                                      {"unknown data set", dataSet(char(250), QByteArray(4096, 'a') + bare(hidden))},
+    for (const auto &[name, bytes] : {std::pair("caption", iptcDataSet(120, hidden)),
+                                      {"preview", iptcDataSet(202, bare(hidden))},
+                                      {"object", iptcDataSet(10, bare(hidden), 8)},
+                                      {"unknown data set", iptcDataSet(250, QByteArray(4096, 'a') + bare(hidden))},
                                       {"behind the data sets", "8BIM\4\x0c" + bare(hidden)},
                                       {"behind a broken one", "\x1c\2\5\x7f\xff" + bare(hidden)}})
-        hidings.push_back({name, {.iptc = dataSet(5, "kept") + bytes}});
+        hidings.push_back({name, {.iptc = iptcDataSet(5, "kept") + bytes}});
 }
 
 /// In the places of a packet there are letters alone.

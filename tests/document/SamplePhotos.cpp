@@ -1,5 +1,7 @@
 #include "SamplePhotos.h"
 
+#include "TiffBytes.h"
+
 #include <QFile>
 #include <QImage>
 #include <QTemporaryDir>
@@ -20,16 +22,9 @@ QByteArray exifBlock(std::initializer_list<std::pair<const char *, const char *>
     return QByteArray(reinterpret_cast<const char *>(blob.data()), qsizetype(blob.size()));
 }
 
-QByteArray iptcBlock(std::initializer_list<std::pair<const char *, const char *>> dataSets)
+QByteArray iptcDataSet(int dataSet, const QByteArray &value, int record)
 {
-    Exiv2::IptcData data;
-    for (const auto &[key, value] : dataSets) {
-        const auto text = Exiv2::Value::create(Exiv2::string);
-        text->read(value);
-        data.add(Exiv2::IptcKey(key), text.get());
-    }
-    const Exiv2::DataBuf bytes = Exiv2::IptcParser::encode(data);
-    return QByteArray(reinterpret_cast<const char *>(bytes.pData_), bytes.size_);
+    return QByteArray("\x1c") + char(record) + char(dataSet) + tiffBytes(quint16(value.size()), true) + value;
 }
 
 QByteArray xmpPacket(const QByteArray &properties, const QByteArray &attributes)
@@ -116,9 +111,7 @@ MetadataBlocks richMetadata()
                              {"Exif.GPSInfo.GPSLongitude", "151/1 12/1 0/0"},
                              {"Exif.GPSInfo.GPSAltitude", "125/10"},
                              {"Exif.GPSInfo.GPSTimeStamp", "9/1 41/1 7/1"}});
-    blocks.iptc = iptcBlock({{"Iptc.Application2.Keywords", "sea"},
-                             {"Iptc.Application2.Keywords", "Strand \xc3\xa4"},
-                             {"Iptc.Application2.Caption", "Low tide"}});
+    blocks.iptc = iptcDataSet(25, "sea") + iptcDataSet(25, "Strand \xc3\xa4") + iptcDataSet(120, "Low tide");
     blocks.xmp = xmpPacket("<xmp:Rating>4</xmp:Rating>");
     return blocks;
 }

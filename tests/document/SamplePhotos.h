@@ -23,8 +23,8 @@ inline void PrintTo(const QString &text, std::ostream *out)
 /// An EXIF block with the given tags ("Exif.Photo.FNumber", "28/10"), which Exiv2 types as its tables say.
 QByteArray exifBlock(std::initializer_list<std::pair<const char *, const char *>> tags, bool bigEndian = false);
 
-/// IIM records with the given data sets ("Iptc.Application2.Keywords", "sea").
-QByteArray iptcBlock(std::initializer_list<std::pair<const char *, const char *>> dataSets);
+/// A data set of IIM records: 25 of record 2 is a keyword, 120 the caption.
+QByteArray iptcDataSet(int dataSet, const QByteArray &value, int record = 2);
 
 /// An XMP packet whose one description holds `properties`, in which the usual prefixes are declared.
 QByteArray xmpPacket(const QByteArray &properties, const QByteArray &attributes = {});
