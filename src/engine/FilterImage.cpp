@@ -118,6 +118,14 @@ FilterImage FilterImage::drawnInto(QSize canvas, const QRectF &target, const QRe
     return image;
 }
 
+FilterImage FilterImage::croppedTo(const QRectF &rect) const
+{
+    FilterImage image = *this;
+    image.m_extent = m_extent & rect;
+    image.m_infinite = false;
+    return image;
+}
+
 FilterImage FilterImage::fittedTo(const QRectF &extent) const
 {
     if (isEmpty() || m_extent == extent)

@@ -47,6 +47,8 @@ public:
     FilterImage scaledTo(QSizeF size) const;
     /// The part of the picture in `source`, drawn into the rectangle (point, size) of a canvas of `canvas` pixels.
     FilterImage drawnInto(QSize canvas, const QRectF &target, const QRectF &source) const;
+    /// The part in `rect`, where it is.
+    FilterImage croppedTo(const QRectF &rect) const;
     /// Foreground where the mask's green channel is full, background where it is 0. All three are fitted to the
     /// foreground's extent.
     static FilterImage blendWithMask(const FilterImage &foreground, const FilterImage &background,

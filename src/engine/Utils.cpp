@@ -88,6 +88,12 @@ PhotoImagePtr Utils::addBackgroundToImage(const QImage &canvas, const QColor &Co
     return PhotoImage::fromBitmap(opaque);
 }
 
+float Utils::blurRadius(const CoreFilterObject &settings, double width) const
+{
+    const float b = settings.blurAmount.value_or(0.0f) / 5.0f;
+    return float(width * double(b) / 1000.0);
+}
+
 PhotoImagePtr Utils::applyfilterOnBlurImage(const PhotoImagePtr &photo, const QString &,
                                             const CoreFilterObject &FilterParameters) const
 {
@@ -98,7 +104,7 @@ PhotoImagePtr Utils::applyfilterOnBlurImage(const PhotoImagePtr &photo, const QS
     if (b > 0.0f || m > 0.0f)
         blur = blur.clamped();
     if (b > 0.0f)
-        blur = blur.discBlurred(float(size.width() * double(b) / 1000.0));
+        blur = blur.discBlurred(blurRadius(FilterParameters, size.width()));
     const PhotoImagePtr drawn = getDrawedImage(blur, size, QPointF(0, 0), QRectF(QPointF(0, 0), size));
     clearAllInPutParametersFromcurrentFilter(blur);
     return drawn;

@@ -55,6 +55,9 @@ public:
     /// to the nearest level; null for a null canvas.
     PhotoImagePtr addBackgroundToImage(const QImage &canvas, const QColor &Color) const;
 
+    /// The radius, in pixels, of the disc that blurs a picture of this width; not above 0 where nothing is blurred.
+    float blurRadius(const CoreFilterObject &settings, double width) const;
+
     /// What the painted region shows: the photo blurred by a disc whose radius in points is width x b / 5 / 1000,
     /// b being `blurAmount`, so that a small preview looks as soft as the full-size export. Not above 0, b leaves the
     /// pixels as they are. Nobody fills or reads `ImageURL`. Null for an invalid photo.

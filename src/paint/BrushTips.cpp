@@ -42,6 +42,7 @@ BrushTips &BrushTips::shared()
 
 QImage BrushTips::tipForHardness(float hardness)
 {
+    std::lock_guard lock(m_mutex);
     const float level = std::round(hardness * kHardestLevel);
     // A number that no name is made of (a not-a-number too) has no tip of its own.
     const bool nameable = std::abs(level) < 1e6F;

@@ -18,22 +18,6 @@ namespace hazelmark {
 
 namespace {
 
-/// More stamps than this change nothing that can be seen: the diagonal of the largest canvas has fewer pixels. A
-/// spacing of next to nothing in a file would ask for any number of them.
-constexpr float kMaxStampsPerSegment = 65536;
-/// How often the stamps of a segment may pass over a pixel one by one. With a spacing of less than a thousandth of the
-/// brush they are drawn together at places so near to each other that no pixel sees the difference: a segment takes no
-/// longer than the pixels that it reaches are worth.
-constexpr float kMostPasses = 1024;
-constexpr float kPlacesPerBrush = 256;
-constexpr float kFewestPlaces = 16;
-
-/// A replay stamps bands of the canvas on all processors, each step on every band in its turn: high enough that most
-/// stamps lie in one or two, many enough that the processors end together.
-constexpr int kBandLines = 128;
-/// How many stamps a replay places before it draws them; bounds what it takes besides the canvas.
-constexpr std::size_t kStampsAtOnce = 1 << 15;
-
 class ReplaceSession : public QUndoCommand
 {
 public:
@@ -70,7 +54,7 @@ void PaintCanvas::setCanvasSize(QSizeF canvasSize)
 
 QSize PaintCanvas::bufferSize() const
 {
-    return QSize(int(m_canvasSize.width()), int(m_canvasSize.height())).expandedTo(QSize(0, 0));
+    return canvasPixelSize(m_canvasSize);
 }
 
 void PaintCanvas::setBrushState(const BrushState &state)
@@ -103,18 +87,8 @@ void PaintCanvas::drawNewestStep()
     if (steps.empty())
         clearBuffer();
     m_brush = PaintControl::brushImageWithHardness(m_hardness, m_eraser, 1.0F);
-    if (!steps.empty() && isDrawable(steps.back()))
+    if (!steps.empty() && isStepInside(steps.back(), m_canvasSize))
         drawStep(asDrawn(steps.back()));
-}
-
-bool PaintCanvas::isDrawable(const PaintStep &step) const
-{
-    const auto inside = [this](QPointF fraction) {
-        const QPointF point = Geometry::convertedPointToFrameBase(fraction, m_canvasSize);
-        return point.x() >= 0 && point.y() >= 0 && point.x() <= m_canvasSize.width() &&
-               point.y() <= m_canvasSize.height();
-    };
-    return inside(step.start()) && inside(step.end());
 }
 
 void PaintCanvas::syncBrushState(const PaintStep &step)
@@ -151,7 +125,7 @@ void PaintCanvas::renderLineFromPoint(QPointF from, QPointF to)
 {
     if (bufferSize().isEmpty())
         return;
-    placeStamps(from, to, m_centres);
+    placeStamps(from, to, m_canvasSize, m_pointSize, m_brushPixelStep, m_centres);
     fitBufferToFrame();
     const QRect touched = boundPainter().stamp(StampTarget(m_buffer), m_centres);
     if (!touched.isEmpty())
@@ -162,34 +136,6 @@ StampPainter PaintCanvas::boundPainter()
 {
     return {m_eraser ? StampPainter::Mode::Erase : StampPainter::Mode::Paint, m_brushColor, m_pointSize,
             m_brushTexture};
-}
-
-void PaintCanvas::placeStamps(QPointF from, QPointF to, StampCentres &centres) const
-{
-    // Lengths in single precision, and stamps placed on the grid of single-precision numbers with y counted from
-    // below: it decides how many stamps a segment gets and which pixel a centre between two pixels falls to.
-    const double height = m_canvasSize.height();
-    const QPointF start(from.x(), height - from.y());
-    const double dx = to.x() - from.x();
-    const double dy = (height - to.y()) - start.y();
-    const float distance = std::sqrt(float(dx * dx + dy * dy));
-    const float wanted = std::ceil(distance / m_brushPixelStep);
-    centres.places.clear();
-    // A click gives 0 / step; not a number (0 / 0) fails the comparison too.
-    const int count = wanted >= 1 ? int(std::min(wanted, kMaxStampsPerSegment)) : 1;
-    const float brushes = distance / m_pointSize;
-    const bool together = float(count) > kMostPasses * (1 + brushes);
-    centres.times = together ? std::max(1, int(float(count) / (kPlacesPerBrush * brushes + kFewestPlaces))) : 1;
-
-    const QSize size = bufferSize();
-    const double columnsPerPoint = size.width() / m_canvasSize.width();
-    const double linesPerPoint = size.height() / height;
-    for (int first = 0; first < count; first += centres.times) {
-        const double middle = first + (centres.times - 1) / 2.0;
-        const auto x = float(start.x() + dx * middle / count);
-        const auto y = float(start.y() + dy * middle / count);
-        centres.places.push_back({x * columnsPerPoint, size.height() - y * linesPerPoint});
-    }
 }
 
 void PaintCanvas::fitBufferToFrame()
@@ -223,7 +169,7 @@ void PaintCanvas::removeAllPixelsDrawed()
     // The pass stamps with a fully transparent colour: no pixel changes, so the stamps are left out. What the steps do
     // to the brush state stays.
     for (const PaintStep &step : *m_paintSession->steps()) {
-        if (isDrawable(step) && !step.coversCanvas())
+        if (isStepInside(step, m_canvasSize) && !step.coversCanvas())
             syncBrushState(asDrawn(step));
     }
 }
@@ -250,7 +196,7 @@ void PaintCanvas::restoreDrawedPoints(const std::shared_ptr<PaintStepList> &step
 void PaintCanvas::replay(std::size_t first, const QRect &clip, const Progress &drawn)
 {
     const PaintStepList &steps = *m_paintSession->steps();
-    std::vector<Segment> segments;
+    std::vector<StampedSegment> segments;
     std::size_t stamps = 0;
     const auto draw = [&](std::size_t count) {
         drawSegments(segments, clip);
@@ -260,7 +206,7 @@ void PaintCanvas::replay(std::size_t first, const QRect &clip, const Progress &d
             drawn(count);
     };
     for (std::size_t i = first; i < steps.size(); ++i) {
-        if (!isDrawable(steps[i]))
+        if (!isStepInside(steps[i], m_canvasSize))
             continue;
         const PaintStep step = asDrawn(steps[i]);
         const BrushState brush = brushState();
@@ -268,11 +214,12 @@ void PaintCanvas::replay(std::size_t first, const QRect &clip, const Progress &d
         if (!boundsOf(steps.begin() + std::ptrdiff_t(i), steps.begin() + std::ptrdiff_t(i) + 1).intersects(clip))
             continue;
         bindBrush();
-        Segment &segment = segments.emplace_back(Segment{boundPainter(), {}});
+        StampedSegment &segment = segments.emplace_back(StampedSegment{boundPainter(), {}});
         if (step.coversCanvas())
             setBrushState(brush);
         placeStamps(Geometry::convertedPointToFrameBase(step.start(), m_canvasSize),
-                    Geometry::convertedPointToFrameBase(step.end(), m_canvasSize), segment.centres);
+                    Geometry::convertedPointToFrameBase(step.end(), m_canvasSize), m_canvasSize, step.pointSize(),
+                    step.brushPixelStep(), segment.centres);
         stamps += segment.centres.places.size();
         if (stamps >= kStampsAtOnce)
             draw(i + 1);
@@ -280,21 +227,12 @@ void PaintCanvas::replay(std::size_t first, const QRect &clip, const Progress &d
     draw(steps.size());
 }
 
-void PaintCanvas::drawSegments(const std::vector<Segment> &segments, const QRect &clip)
+void PaintCanvas::drawSegments(const std::vector<StampedSegment> &segments, const QRect &clip)
 {
     if (segments.empty() || bufferSize().isEmpty())
         return;
     fitBufferToFrame();
-    const StampTarget target = StampTarget(m_buffer).part(clip);
-    const int height = target.endLine - target.beginLine;
-    const int bands = std::max((height + kBandLines - 1) / kBandLines, defaultThreadCount());
-    const auto lineOf = [&](int band) { return target.beginLine + int(qint64(height) * band / bands); };
-    parallelFor(bands, defaultThreadCount(), [&](int band) {
-        const QRect lines(clip.left(), lineOf(band), clip.width(), lineOf(band + 1) - lineOf(band));
-        const StampTarget part = target.part(lines);
-        for (const Segment &segment : segments)
-            segment.painter.stamp(part, segment.centres);
-    });
+    stampSegments(segments, m_buffer, clip, defaultThreadCount());
     bufferChanged(clip);
 }
 
@@ -331,7 +269,7 @@ QRect PaintCanvas::boundsOf(PaintStepList::const_iterator begin, PaintStepList::
     QRectF reached;
     for (auto step = begin; step != end; ++step) {
         const float size = asDrawn(*step).pointSize();
-        if (!isDrawable(*step) || !(size > 0) || !std::isfinite(size))
+        if (!isStepInside(*step, m_canvasSize) || !(size > 0) || !std::isfinite(size))
             continue;
         // The stamps lie between the ends, and pixels on their rim.
         const double reach = size / 2.0 + 2;

@@ -3,7 +3,7 @@
 #include "BrushTexture.h"
 #include "Color.h"
 #include "PaintSession.h"
-#include "StampPainter.h"
+#include "StampPlacement.h"
 
 #include <QImage>
 #include <QPointF>
@@ -152,22 +152,14 @@ protected:
     void clearBuffer();
 
 private:
-    bool isDrawable(const PaintStep &step) const;
     void syncBrushState(const PaintStep &step);
     void bindBrush();
     void drawStep(const PaintStep &step);
     void loadSession(const QVariantList &dataArray);
     void fitBufferToFrame();
 
-    /// A step that a replay is going to draw.
-    struct Segment
-    {
-        StampPainter painter;
-        StampCentres centres;
-    };
-    void placeStamps(QPointF from, QPointF to, StampCentres &centres) const;
     StampPainter boundPainter();
-    void drawSegments(const std::vector<Segment> &segments, const QRect &clip);
+    void drawSegments(const std::vector<StampedSegment> &segments, const QRect &clip);
     void replay(std::size_t first, const QRect &clip, const Progress &drawn);
     PaintStep asDrawn(const PaintStep &step) const
     {

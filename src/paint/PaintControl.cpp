@@ -68,10 +68,23 @@ void PaintControl::setLineWidth(float lineWidth)
     if (!m_paintView)
         return;
     // 1 - hardness in single precision, the rest in double: 1.62 diameters when soft, 1.02 when hard.
-    const auto pointSize = float((double(1.0F - m_hardness) * 0.6 + 1.02) * double(lineWidth));
+    m_stampSize = float((double(1.0F - m_hardness) * 0.6 + 1.02) * double(lineWidth));
+    pushSizes();
+    m_paintView->setBrush(brushImage());
+}
+
+void PaintControl::setZoom(double zoom)
+{
+    m_zoom = zoom;
+    if (m_paintView)
+        pushSizes();
+}
+
+void PaintControl::pushSizes()
+{
+    const auto pointSize = float(m_stampSize / m_zoom);
     m_paintView->setPointSize(pointSize);
     m_paintView->setBrushPixelStep(float(double(pointSize) * 0.1));
-    m_paintView->setBrush(brushImage());
 }
 
 QImage PaintControl::brushImage() const

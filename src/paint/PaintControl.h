@@ -35,6 +35,10 @@ public:
     float lineWidth() const { return m_lineWidth; }
     void setLineWidth(float lineWidth);
 
+    /// How many times its size the canvas is shown. The diameter is one on the screen: the canvas gets it divided by
+    /// this, the one that was set last at once.
+    void setZoom(double zoom);
+
     /// The tip of the current settings, looked up anew.
     QImage brushImage() const;
     /// Keeps an image that nothing here reads: the getter looks the tip up.
@@ -47,11 +51,14 @@ public:
 
 private:
     void loadDefaults();
+    void pushSizes();
 
     PaintCanvas *m_paintView = nullptr;
     Color m_color;
     QImage m_brushImage;
     float m_lineWidth = 0;
+    float m_stampSize = 0; ///< on the screen
+    double m_zoom = 1;
     float m_alpha = 0;
     float m_hardness = 0;
     bool m_eraser = false;

@@ -63,6 +63,8 @@ public:
     /// Whether nothing is seen of what was painted before it, whatever the canvas's size.
     bool coversCanvas() const;
 
+    bool operator==(const PaintStep &) const = default;
+
 private:
     Color m_color;
     QPointF m_start;

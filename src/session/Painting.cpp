@@ -43,6 +43,7 @@ void Painting::clear()
     m_canvas.clearDrawing();
     keepStrokes();
     m_history.forget();
+    m_scales.clear();
 }
 
 bool Painting::blurEverything()
@@ -102,6 +103,29 @@ double Painting::paintedFraction() const
             alpha += line[4 * x + 3];
     }
     return count > 0 ? double(alpha) / (255.0 * double(count)) : 0;
+    m_scale = 1;
+}
+
+void Painting::raiseScale(double zoom)
+{
+    if (zoom > 1)
+        m_scales.push_back({m_canvas.arrDrawedPoints()->size(), zoom});
+}
+
+ScaledPainting Painting::scaled(QSizeF photo) const
+{
+    const QSizeF frame = m_canvas.canvasSize();
+    auto steps = std::make_shared<PaintStepList>(*m_canvas.arrDrawedPoints());
+    const std::size_t first = firstSeenStep(*steps, steps->size());
+    double scale = 1;
+    for (const BegunAt &begun : m_scales)
+        scale = begun.step < first ? scale : std::max(scale, begun.zoom);
+    return {std::move(steps), frame, std::min(scale, ScaledPainting::largestScale(frame, photo))};
+}
+
+QImage Painting::canvas() const
+{
+    return isEmpty() ? QImage() : m_canvas.snapshot();
 }
 
 void Painting::reset()

@@ -3,12 +3,15 @@
 #include "PaintHistory.h"
 #include "PaintStep.h"
 #include "PhotoImage.h"
+#include "ScaledPainting.h"
 #include "StrokesFile.h"
 
+#include <QImage>
 #include <QSizeF>
 
 #include <cstddef>
 #include <memory>
+#include <vector>
 
 namespace hazelmark {
 
@@ -53,6 +56,12 @@ public:
     void replaceBy(const PaintStepList &steps);
     /// How much of the canvas is painted, 0..1; of a large one to within a few thousandths.
     double paintedFraction() const;
+    /// A stroke begins at `zoom` times the size at fit: from now on the painting is drawn at least as finely.
+    void raiseScale(double zoom);
+    /// All of it as it is now, at the scale at which it is as fine as it was painted; for a photo of so many pixels.
+    ScaledPainting scaled(QSizeF photo) const;
+    /// The pixels of the canvas; null when nothing is painted.
+    QImage canvas() const;
 
     /// Every clearing leaves the canvas with a list of its own, and that is the one which is kept: strokes on the photo
     /// before never come back, and one that is under way is in it.
@@ -79,10 +88,18 @@ public:
     Version version() const { return {m_history.state(), m_strokes->size()}; }
 
 private:
+    /// A stroke that was begun near the photo, also one that was undone: what is done again is as fine.
+    struct BegunAt
+    {
+        std::size_t step;
+        double zoom;
+    };
+
     PaintCanvas &m_canvas;
     PaintHistory m_history;
     qint32 m_toolType = kToolNone;
     std::shared_ptr<PaintStepList> m_strokes = std::make_shared<PaintStepList>();
+    std::vector<BegunAt> m_scales;
     PhotoImagePtr m_maskImage;
     qint64 m_maskCanvasKey = 0; ///< which pixels of the canvas `m_maskImage` was made from
     PhotoImagePtr m_maskGreenImageWithCustomPaint;

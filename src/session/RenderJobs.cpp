@@ -1,5 +1,6 @@
 #include "RenderJobs.h"
 
+#include "FileIdentity.h"
 #include "FlippedImage.h"
 #include "Utils.h"
 
@@ -13,6 +14,13 @@ namespace {
 
 /// The blend ignores this number; it is handed over all the same.
 constexpr float kBlendNumber = 20.0f;
+
+Outcome<ImageLoader::Loaded> loadedPhoto(const ExportJob &job)
+{
+    if (job.loaded && FileIdentity::ofPath(job.photo->path()) == job.photo->identity())
+        return *job.loaded;
+    return ImageLoader::load(*job.photo);
+}
 
 } // namespace
 
@@ -29,13 +37,14 @@ PhotoImagePtr PreviewJob::run(int threads) const
 
 Outcome<ImageLoader::Loaded> ExportJob::run() const
 {
-    Outcome<ImageLoader::Loaded> loaded = ImageLoader::load(*photo);
+    Outcome<ImageLoader::Loaded> loaded = loadedPhoto(*this);
     if (!loaded || !maskImage)
         return loaded;
     try {
         const Utils &utils = Utils::sharedUtils();
         const PhotoImagePtr source = loaded->photo;
-        const PhotoImagePtr mask = utils.scaleImage(maskImage, source->size());
+        const PhotoImagePtr painted = painting.scale > 1 ? PhotoImage::fromBitmap(painting.mask(threads)) : maskImage;
+        const PhotoImagePtr mask = utils.scaleImage(painted, source->size());
         PhotoImagePtr blurred = utils.applyfilterOnBlurImage(source, {}, settings);
         const PhotoImagePtr inFocus = utils.applyfilterOnInFocusImage(source, {}, settings);
         const float v = settings.vignetteAmount.value_or(0.0f);

@@ -5,8 +5,11 @@
 #include "Outcome.h"
 #include "PhotoImage.h"
 #include "Renderer.h"
+#include "ScaledPainting.h"
 
 #include <QString>
+
+#include <optional>
 
 namespace hazelmark {
 
@@ -28,7 +31,11 @@ struct ExportJob
 {
     PhotoPtr photo;          ///< not null
     PhotoImagePtr maskImage; ///< of any size; null exports the photo as it is. Its logical size becomes the photo's.
+    /// What the mask is drawn from instead where its scale is above 1.
+    ScaledPainting painting;
     CoreFilterObject settings;
+    /// The photo where it is decoded already; used only if its file is still as it was.
+    std::optional<ImageLoader::Loaded> loaded;
     Renderer::Progress progress;
     int threads = 0; ///< 0: all processors
 

@@ -23,6 +23,7 @@ Session::Session(PaintCanvas &canvas, Work work, QObject *parent)
         m_isRunningAlgorithm = false;
         emit previewRendered(shown);
     });
+    connect(&m_view, &ViewRunner::drawn, this, &Session::viewDrawn);
     connect(&m_export, &PhotoExport::progressChanged, this, &Session::exportProgressed);
     connect(&m_keeper, &PaintingKeeper::storedChanged, this, &Session::storedPaintingsChanged);
     connect(&m_keeper, &PaintingKeeper::failed, this, &Session::storingFailed);
@@ -46,6 +47,7 @@ void Session::setState(State state)
 
 void Session::open(const QString &path, const PhotoView &view)
 {
+    m_full.giveBackIfShort();
     const Request request = ++m_lastRequest;
     m_underWay.insert(request);
     emit loadingChanged(lastPathComponent(path));
@@ -89,6 +91,8 @@ void Session::setPhoto(const OpenPhoto &photo)
     m_keeper.startPhoto(photo.record);
     m_previews.startPhoto();
     m_photo = photo;
+    m_full.setPhoto(photo.record ? photo.record->photo() : nullptr);
+    m_view.forget();
     m_writtenEdits.reset();
     setLastExportedImage(nullptr);
     setState(State::Editing);
@@ -230,6 +234,28 @@ void Session::requestPreview(const CoreFilterObject &settings)
     m_previews.request(settings);
 }
 
+// Near the photo
+
+void Session::requestView(QSize size, const QRect &part, double canvasScale, const CoreFilterObject &settings)
+{
+    const PhotoImagePtr &reduced = m_photo.inputImage;
+    if (!reduced)
+        return;
+    const QSizeF own = reduced->size();
+    if (reduced->pixelSize().width() < own.width())
+        m_full.ask();
+    ViewJob job{m_full.image(),      reduced,     size,    part, settings, m_painting.scaled(own),
+                m_painting.canvas(), canvasScale, colors()};
+    if (job.canRun())
+        m_view.request(job);
+}
+
+void Session::leaveView()
+{
+    m_view.forget();
+    m_full.giveBackIfShort();
+}
+
 // Export
 
 void Session::checkSource(bool forSharing, std::function<void(PhotoExport::Source)> answer)
@@ -252,6 +278,8 @@ void Session::startExport(const ExportRequest &request)
     ExportJob job;
     job.photo = m_photo.record->photo();
     job.maskImage = m_painting.maskImage();
+    job.painting = m_painting.scaled(m_photo.inputImage->size());
+    job.loaded = m_full.loaded();
     job.settings = request.settings;
     const ExportWriter::Settings settings{*m_photo.record, request.formats, request.fileType, request.quality,
                                           request.backingScale};

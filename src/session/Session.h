@@ -2,11 +2,13 @@
 
 #include "CoreFilterObject.h"
 #include "Failure.h"
+#include "FullPhoto.h"
 #include "OpenPhoto.h"
 #include "Painting.h"
 #include "PaintingKeeper.h"
 #include "PhotoExport.h"
 #include "PreviewRunner.h"
+#include "ViewRunner.h"
 #include "WorkQueue.h"
 
 #include <QImage>
@@ -113,6 +115,18 @@ public:
     const DisplayColors &colors() const { return m_previews.colors(); }
     void setColors(const DisplayColors &colors) { m_previews.setColors(colors); }
 
+    // Near the photo.
+
+    /// The photo in full size, for as long as one is close to it.
+    FullPhoto &fullPhoto() { return m_full; }
+    /// Wants a picture of what is in sight: `part` of the photo when the whole measures `size` pixels, no more than its
+    /// own. `canvasScale`: how many times its size the canvas is wanted over it. viewDrawn() follows, unless another
+    /// wish comes; nothing follows as long as the photo is not there in that size, but that is asked for. No mark of a
+    /// preview or an export changes.
+    void requestView(QSize size, const QRect &part, double canvasScale, const CoreFilterObject &settings);
+    /// Nothing of it is wanted any more.
+    void leaveView();
+
     // Export.
 
     /// An export runs, or something else that previews and window wait for; a preview that comes clears it.
@@ -148,6 +162,8 @@ signals:
     /// of the screen.
     void inputDrawn(const QImage &shown);
     void previewRendered(const QImage &shown);
+    /// A picture of what is in sight, and what there is of the canvas over it.
+    void viewDrawn(const hazelmark::ViewPicture &picture);
     /// `path` is empty when the result is for sharing.
     void exportStarted(const QString &path);
     void exportProgressed(double fraction);
@@ -207,6 +223,8 @@ private:
     // Last, so that their threads are over before anything else goes.
     WorkQueue m_readers{2}; ///< two: a photo that takes long must not hold up the one that somebody asks for meanwhile
     PreviewRunner m_previews;
+    FullPhoto m_full;
+    ViewRunner m_view;
     PhotoExport m_export;
 };
 

@@ -15,6 +15,7 @@
 #include <QTimer>
 #include <QTouchEvent>
 
+#include <algorithm>
 #include <chrono>
 #include <cmath>
 #include <utility>
@@ -38,16 +39,37 @@ PaintView::PaintView(QWidget *parent)
 
 void PaintView::setFrame(const QRectF &frame)
 {
-    m_frame = frame;
+    m_frame = m_whole = m_visible = frame;
+    m_zoom = 1;
+    m_part = {};
     setGeometry(frame.toAlignedRect());
     setCanvasSize(frame.size());
     update();
 }
 
+void PaintView::setShown(const QRectF &whole, const QRectF &visible)
+{
+    m_whole = whole;
+    m_visible = visible;
+    m_zoom = std::max(whole.width() / m_frame.width(), whole.height() / m_frame.height());
+    setGeometry(visible.toAlignedRect());
+    update();
+}
+
+void PaintView::setCanvasPart(const CanvasPart &part, const PaintStepList &steps)
+{
+    if (!part.isOf(*arrDrawedPoints(), steps))
+        return;
+    m_part = part;
+    m_part.drawOn(*arrDrawedPoints(), 1);
+    update();
+}
+
 void PaintView::followGeometry()
 {
-    if (geometry() != m_frame.toAlignedRect()) {
-        m_frame = geometry();
+    if (geometry() != m_visible.toAlignedRect()) {
+        m_frame = m_whole = m_visible = geometry();
+        m_zoom = 1;
         setCanvasSize(m_frame.size());
     }
 }
@@ -66,7 +88,32 @@ void PaintView::moveEvent(QMoveEvent *event)
 
 QPointF PaintView::frameOffset() const
 {
-    return m_frame.topLeft() - geometry().topLeft();
+    return m_whole.topLeft() - geometry().topLeft();
+}
+
+/// A place in the view as a point of the canvas's frame. What lies beside the part in sight lies beside the canvas.
+QPointF PaintView::canvasPoint(QPointF position) const
+{
+    if (m_whole == m_frame && m_visible == m_frame)
+        return position - frameOffset();
+    const QPointF place = position + geometry().topLeft();
+    const auto along = [](double at, double first, double last, double begin, double length, double canvas) {
+        if (at < first)
+            return at - first;
+        return at > last ? canvas + (at - last) : (at - begin) * (canvas / length);
+    };
+    return {along(place.x(), m_visible.left(), m_visible.right(), m_whole.left(), m_whole.width(), m_frame.width()),
+            along(place.y(), m_visible.top(), m_visible.bottom(), m_whole.top(), m_whole.height(), m_frame.height())};
+}
+
+/// Where a rectangle of a canvas of that size is shown, in points of the view.
+QRectF PaintView::shownRect(const QRectF &canvasRect, QSizeF canvas) const
+{
+    const double columns = m_whole.width() / canvas.width();
+    const double lines = m_whole.height() / canvas.height();
+    const QRectF shown(canvasRect.x() * columns, canvasRect.y() * lines, canvasRect.width() * columns,
+                       canvasRect.height() * lines);
+    return shown.translated(frameOffset());
 }
 
 void PaintView::setOpacity(double opacity)
@@ -75,7 +122,7 @@ void PaintView::setOpacity(double opacity)
     update();
 }
 
-void PaintView::paintEvent(QPaintEvent * /*event*/)
+void PaintView::paintEvent(QPaintEvent *event)
 {
     if (arrDrawedPoints()->empty())
         clearBuffer();
@@ -84,7 +131,23 @@ void PaintView::paintEvent(QPaintEvent * /*event*/)
     QPainter painter(this);
     painter.setOpacity(m_opacity);
     painter.setRenderHint(QPainter::SmoothPixmapTransform);
-    painter.drawImage(QRectF(frameOffset(), m_frame.size()), buffer());
+    if (m_part.isNull()) {
+        painter.drawImage(QRectF(frameOffset(), m_whole.size()), buffer());
+        return;
+    }
+    const QRectF part = shownRect(m_part.rect(), CanvasPart::canvasSize(m_part.frame(), m_part.scale()));
+    // Whole points, so that nothing is drawn twice.
+    const QRect fine(QPoint(int(std::ceil(part.left())), int(std::ceil(part.top()))),
+                     QPoint(int(std::floor(part.right())) - 1, int(std::floor(part.bottom())) - 1));
+    const QRegion coarse = event->region() - fine;
+    if (!coarse.isEmpty()) {
+        painter.setClipRegion(coarse);
+        painter.drawImage(QRectF(frameOffset(), m_whole.size()), buffer());
+    }
+    if (!m_part.pixels().isNull()) {
+        painter.setClipRect(fine);
+        painter.drawImage(part, m_part.pixels());
+    }
 }
 
 void PaintView::bufferChanged(const QRect &rect)
@@ -94,11 +157,16 @@ void PaintView::bufferChanged(const QRect &rect)
         update();
         return;
     }
-    const double columns = m_frame.width() / pixels.width();
-    const double lines = m_frame.height() / pixels.height();
-    const QRectF shown(rect.x() * columns, rect.y() * lines, rect.width() * columns, rect.height() * lines);
+    if (!m_part.isNull()) {
+        // A change of all of it is a new drawing; a stamp that reaches as far is drawn again with the next part.
+        if (rect.contains(QRect(QPoint(), pixels)) || m_part.stepCount() > arrDrawedPoints()->size())
+            m_part = {};
+        else
+            m_part.drawOn(*arrDrawedPoints(), 1);
+    }
     // One point more on each side: scaling mixes neighbours.
-    update(shown.translated(frameOffset()).toAlignedRect().adjusted(-1, -1, 1, 1));
+    const int more = int(std::ceil(std::max(m_zoom, 1.0)));
+    update(shownRect(rect, pixels).toAlignedRect().adjusted(-more, -more, more, more));
 }
 
 // Strokes
@@ -108,7 +176,8 @@ bool PaintView::beginStroke(Stroke stroke, QPointF position)
     if (m_stroke != Stroke::None)
         return false;
     m_stroke = stroke;
-    mouseDown(position - frameOffset());
+    emit strokeBegan();
+    mouseDown(canvasPoint(position));
     return true;
 }
 
@@ -116,7 +185,7 @@ bool PaintView::continueStroke(Stroke stroke, QPointF position)
 {
     if (m_stroke != stroke)
         return false;
-    mouseDragged(position - frameOffset());
+    mouseDragged(canvasPoint(position));
     return true;
 }
 
@@ -126,6 +195,7 @@ bool PaintView::endStroke(Stroke stroke)
         return false;
     m_stroke = Stroke::None;
     mouseUp();
+    emit strokeEnded();
     return true;
 }
 
@@ -241,7 +311,7 @@ bool PaintView::handleTouch(QTouchEvent &event)
 QImage PaintView::cursorImage() const
 {
     const double scale = devicePixelRatioF();
-    const double size = pointSize();
+    const double size = shownPointSize();
     const int side = int(std::ceil((size + 1) * scale));
     QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
     image.setDevicePixelRatio(scale);
@@ -257,7 +327,7 @@ QImage PaintView::cursorImage() const
 
 void PaintView::setBrushCursor(float hotSpot)
 {
-    const CursorKey wanted{pointSize(), hotSpot, eraser(), devicePixelRatioF(), cursor().pixmap().cacheKey()};
+    const CursorKey wanted{shownPointSize(), hotSpot, eraser(), devicePixelRatioF(), cursor().pixmap().cacheKey()};
     if (wanted == m_cursorKey)
         return;
     QPixmap circle = QPixmap::fromImage(cursorImage());
@@ -281,7 +351,7 @@ void PaintView::mouseEntered()
         return;
     }
     // The hot spot is the full size here and half of it in the poll: two separate values.
-    setBrushCursor(pointSize());
+    setBrushCursor(float(shownPointSize()));
     NotificationCenter::defaultCenter().post(kNotificationMouseIn);
 }
 
@@ -307,7 +377,7 @@ void PaintView::checkMouseAfterDelay()
     if (ProcessState::shared().isUiDisabled)
         setCursor(Qt::ArrowCursor);
     else
-        setBrushCursor(0.5F * pointSize());
+        setBrushCursor(0.5F * float(shownPointSize()));
 }
 
 } // namespace hazelmark

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CanvasPart.h"
 #include "PaintCanvas.h"
 
 #include <QImage>
@@ -32,6 +33,16 @@ public:
     /// around it. A geometry that is set directly becomes the frame.
     QRectF frame() const { return m_frame; }
     void setFrame(const QRectF &frame);
+
+    /// The canvas is shown enlarged: all of it would cover `whole`, and what can be seen is `visible`, both in points
+    /// of the parent. The canvas keeps its frame. Segments that end outside what can be seen are kept and not drawn, as
+    /// those outside the frame are. setFrame() ends it.
+    void setShown(const QRectF &whole, const QRectF &visible);
+    /// How many times its size the canvas is shown.
+    double zoom() const { return m_zoom; }
+    /// Shows these pixels, which are finer than the canvas's own, where they lie; `steps` are the ones drawn in them.
+    /// What is painted is stamped on them, too. They go when the canvas is drawn anew, and with setFrame().
+    void setCanvasPart(const CanvasPart &part, const PaintStepList &steps);
 
     /// How strongly the pixels are shown, 0..1. Never enters the snapshot.
     double opacity() const { return m_opacity; }
@@ -69,11 +80,18 @@ protected:
     void tabletEvent(QTabletEvent *event) override;
     void bufferChanged(const QRect &rect) override;
 
+signals:
+    void strokeBegan();
+    void strokeEnded();
+
 private:
     /// What draws the stroke: one at a time, the others wait.
     enum class Stroke { None, Mouse, Pen, Touch };
 
     QPointF frameOffset() const;
+    QPointF canvasPoint(QPointF position) const;
+    QRectF shownRect(const QRectF &canvasRect, QSizeF canvas) const;
+    double shownPointSize() const { return double(pointSize()) * m_zoom; }
     bool handleTouch(QTouchEvent &event);
     bool beginStroke(Stroke stroke, QPointF position);
     bool continueStroke(Stroke stroke, QPointF position);
@@ -82,6 +100,10 @@ private:
     void setBrushCursor(float hotSpot);
 
     QRectF m_frame;
+    QRectF m_whole;   ///< what all of the canvas covers
+    QRectF m_visible; ///< what can be seen of it
+    double m_zoom = 1;
+    CanvasPart m_part;
     double m_opacity = 1;
     Stroke m_stroke = Stroke::None;
     int m_finger = 0;
@@ -91,7 +113,7 @@ private:
     /// What the cursor that is set was made of.
     struct CursorKey
     {
-        float pointSize = 0;
+        double pointSize = 0;
         float hotSpot = 0;
         bool eraser = false;
         double scale = 0;

@@ -27,6 +27,9 @@ public:
     void hadleSliderBrushHardness();
     void handleSliderBrushSizeAutoMode();
 
+    /// How many times its size the canvas is shown: the circle stays as large on the screen as it is.
+    void setZoom(double zoom) { m_paintControl.setZoom(zoom); }
+
     /// All that the controls hold, whatever the tool.
     void apply();
     /// A replay leaves the canvas with the eraser flag of its last step: the highlight tells what a stroke will do.

@@ -83,6 +83,7 @@ void MainScreenVC::loadView()
         m_brush.reset();
         m_session.reset();
     });
+    m_zoom = new PhotoZoom(*m_view, *m_session, [this] { return createPresetObjectFromSettingWithTitle(QString()); });
     observeNotifications();
     connectControls();
     connectSession();
@@ -150,6 +151,7 @@ void MainScreenVC::prepareEditing()
     m_view->makeSettingsPanel(m_application);
     SettingsPanel *panel = m_view->vwSettingOptions;
     m_brush = std::make_unique<BrushControls>(*panel, *m_view->paintView, m_session->painting());
+    m_zoom->setBrush(m_brush.get());
     connect(panel, &SettingsPanel::effectChanged, this, &MainScreenVC::applyCustomEnhanceFilterOnPreviewImage);
     connect(panel, &SettingsPanel::processWanted, this, &MainScreenVC::btnProcessTapped);
     panel->setBusyTest([self = QPointer(this)] {
@@ -238,6 +240,7 @@ bool MainScreenVC::isValidImage(const QString &path)
 
 bool MainScreenVC::isValidImage(const OpenPhoto &photo)
 {
+    m_zoom->setFit();
     m_session->setPhoto(photo);
     m_lastFolder = QFileInfo(photo.path()).path();
     m_application.setSelectedImageFile(photo.record);
@@ -262,6 +265,7 @@ void MainScreenVC::resizeImageToFitContainer(const PhotoImagePtr &image)
     // In pixels of the screen, so that the preview is as sharp as it can be; on most screens these are the points.
     const QSizeF pixels = fitted * m_view->devicePixelRatioF();
     m_session->fit(QSizeF(std::floor(pixels.width()), std::floor(pixels.height())).expandedTo({1, 1}));
+    m_zoom->setPlace(image->size(), m_view->photoFrame());
 }
 
 void MainScreenVC::selectedImageChanged()
@@ -345,7 +349,7 @@ void MainScreenVC::mousemoveInsideImageRegion()
 void MainScreenVC::checkPointerOverPhoto()
 {
     const QPointF pointer = m_view->vwPreviewContainer->mapFromGlobal(QPointF(QCursor::pos()));
-    if (m_view->photoFrame().contains(pointer))
+    if (m_view->visiblePhotoFrame().contains(pointer))
         mousemoveInsideImageRegion();
     else if (!m_view->paintView->isStrokeUnderWay())
         mousemoveOutFromImageRegion();
@@ -407,8 +411,10 @@ void MainScreenVC::applyeffectOnPreviewInBackground()
 
 void MainScreenVC::applyCustomEnhanceFilterOnPreviewImage()
 {
-    if (m_view)
-        m_session->requestPreview(createPresetObjectFromSettingWithTitle(QString()));
+    if (!m_view)
+        return;
+    m_session->requestPreview(createPresetObjectFromSettingWithTitle(QString()));
+    m_zoom->refresh();
 }
 
 CoreFilterObject MainScreenVC::createPresetObjectFromSettingWithTitle(const QString &title)

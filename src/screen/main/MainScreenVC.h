@@ -5,6 +5,7 @@
 #include "MainScreenView.h"
 #include "MainWindowChrome.h"
 #include "NotificationCenter.h"
+#include "PhotoZoom.h"
 #include "Session.h"
 #include "ViewController.h"
 
@@ -95,6 +96,8 @@ public:
     // Export and sharing.
     void btnExportDenoisedImageTapped();
     void btnSocialShareImageTapped();
+    /// How near one is to the photo; there as long as the view is.
+    PhotoZoom &zoom() { return *m_zoom; }
     /// The flow of saving and sharing; null until the window is there.
     ExportFlow *exportFlow() const { return m_exportFlow.get(); }
 
@@ -175,6 +178,7 @@ private:
     std::unique_ptr<BrushControls> m_brush;
     std::unique_ptr<MainWindowChrome> m_chrome;
     std::unique_ptr<ExportFlow> m_exportFlow;
+    QPointer<PhotoZoom> m_zoom;     ///< the view's
     WorkQueue m_previewRequests{1}; ///< last, so that its thread is over before anything else goes
 };
 

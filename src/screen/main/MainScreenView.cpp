@@ -216,15 +216,25 @@ void MainScreenView::setPanelAndBarVisible(bool visible)
 
 void MainScreenView::placePhoto(const QRectF &picture)
 {
-    m_picture = picture;
+    m_picture = m_visiblePicture = picture;
     const QRect whole(QPoint(), vwPreviewContainer->size());
     for (PhotoImageView *view : {imgvwBeforeBokesh, imgvwAfterBokesh}) {
         view->setGeometry(whole);
         view->setPictureFrame(picture);
+        view->setDetail({});
     }
     paintView->setFrame(picture);
     drawTrackingView->setGeometry(paintView->geometry());
     placeLoadingNote();
+}
+
+void MainScreenView::placeNear(const QRectF &whole, const QRectF &visible)
+{
+    m_visiblePicture = visible;
+    for (PhotoImageView *view : {imgvwBeforeBokesh, imgvwAfterBokesh})
+        view->setPictureFrame(whole);
+    paintView->setShown(whole, visible);
+    drawTrackingView->setGeometry(paintView->geometry());
 }
 
 QRectF MainScreenView::photoFrame() const

@@ -46,6 +46,10 @@ public:
     /// Where the photo stands in the preview container (W × H points): `picture` is the fitted rectangle.
     void placePhoto(const QRectF &picture);
     QRectF photoFrame() const;
+    /// Shows it so near instead: all of it would cover `whole`, `visible` is in sight. placePhoto() ends it.
+    void placeNear(const QRectF &whole, const QRectF &visible);
+    /// What is in sight of the photo.
+    QRectF visiblePhotoFrame() const { return m_visiblePicture; }
 
     /// Says that a photo is being opened; an empty text takes the note away.
     void showLoading(const QString &text);
@@ -108,6 +112,7 @@ private:
     bool m_photoShown = false;
     bool m_promptHadFocus = false;
     QRectF m_picture;
+    QRectF m_visiblePicture;
 };
 
 } // namespace hazelmark

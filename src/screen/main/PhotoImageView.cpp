@@ -62,10 +62,38 @@ QRectF PhotoImageView::target() const
     return QRectF(corner / scale, size / scale);
 }
 
+void PhotoImageView::setDetail(const Detail &detail)
+{
+    m_detail = detail;
+    update();
+}
+
+/// Where the detail lies, in points.
+QRectF PhotoImageView::detailTarget() const
+{
+    const double columns = m_frame.width() / m_detail.size.width();
+    const double lines = m_frame.height() / m_detail.size.height();
+    return {m_frame.x() + m_detail.part.x() * columns, m_frame.y() + m_detail.part.y() * lines,
+            m_detail.part.width() * columns, m_detail.part.height() * lines};
+}
+
+void PhotoImageView::paintDetail(QPainter &painter, const QRectF &rect) const
+{
+    const QSizeF pixels = rect.size() * devicePixelRatioF();
+    const bool isFull = m_detail.size == m_detail.photo;
+    const bool pixelForPixel = std::abs(pixels.width() - m_detail.part.width()) < 0.5 &&
+                               std::abs(pixels.height() - m_detail.part.height()) < 0.5;
+    const bool isEnlarged = pixels.width() >= m_detail.part.width();
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, !pixelForPixel && !(isFull && isEnlarged));
+    painter.drawImage(rect, m_detail.shown, QRectF(m_detail.shown.rect()));
+}
+
 void PhotoImageView::paintEvent(QPaintEvent *event)
 {
     QPainter painter(this);
-    const QRectF rect = target();
+    const bool hasDetail = !m_detail.shown.isNull();
+    const QRectF detail = hasDetail ? detailTarget() : QRectF();
+    const QRectF rect = hasDetail ? m_frame : target();
     if (m_image.isNull() || !rect.contains(event->rect()))
         painter.fillRect(event->rect(), theme::kSurround);
     if (m_image.isNull() || rect.isEmpty())
@@ -73,11 +101,21 @@ void PhotoImageView::paintEvent(QPaintEvent *event)
     const qreal scale = devicePixelRatioF();
     if (m_image.hasAlphaChannel()) {
         painter.setBrushOrigin(rect.topLeft());
-        painter.fillRect(rect, checks(scale));
+        painter.fillRect(rect & QRectF(event->rect()), checks(scale));
     }
-    const bool pixelForPixel = (rect.size() * scale).toSize() == m_image.size();
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, !pixelForPixel);
-    painter.drawImage(rect, m_image, QRectF(m_image.rect()));
+    // Beside the detail, and only there, is what there is of the whole.
+    const QRect covered(QPoint(int(std::ceil(detail.left())), int(std::ceil(detail.top()))),
+                        QPoint(int(std::floor(detail.right())) - 1, int(std::floor(detail.bottom())) - 1));
+    const QRegion beside = hasDetail ? (event->region() & rect.toAlignedRect()) - covered : QRegion(event->rect());
+    if (!beside.isEmpty()) {
+        const bool pixelForPixel = (rect.size() * scale).toSize() == m_image.size();
+        painter.setClipRegion(beside);
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, !pixelForPixel);
+        painter.drawImage(rect, m_image, QRectF(m_image.rect()));
+        painter.setClipping(false);
+    }
+    if (hasDetail)
+        paintDetail(painter, detail);
 }
 
 } // namespace hazelmark

@@ -1,0 +1,87 @@
+#pragma once
+
+#include "CoreFilterObject.h"
+#include "ViewTransform.h"
+
+#include <QObject>
+#include <QPointF>
+#include <QTimer>
+
+#include <functional>
+#include <optional>
+
+class QMouseEvent;
+class QNativeGestureEvent;
+class QWheelEvent;
+
+namespace hazelmark {
+
+class BrushControls;
+class MainScreenView;
+class Session;
+struct ViewPicture;
+
+/// How near one is to the photo on the screen: takes what wheel, pinch, mouse and keys ask for, places photo and
+/// canvas, and sees to sharp pictures of what is in sight. Main thread only.
+///
+/// What is asked for during a stroke is done when it is over.
+class PhotoZoom : public QObject
+{
+    Q_OBJECT
+
+public:
+    /// All outlive it. `settings`: as they are now.
+    PhotoZoom(MainScreenView &view, Session &session, std::function<CoreFilterObject()> settings);
+
+    /// The brush, once there is one.
+    void setBrush(BrushControls *brush);
+    /// The photo of so many pixels has been placed at fit, at `fitted`; it is brought back to how near it was.
+    void setPlace(QSizeF photo, const QRectF &fitted);
+    /// What is painted, or how it is to be blurred, has changed.
+    void refresh();
+
+    /// As it is shown now.
+    const ViewTransform &transform() const { return m_transform; }
+
+    void setFit();
+    /// Of the screen's pixels per pixel of the photo, about the middle.
+    void setScale(double scale);
+    /// About the pointer where it is over the photo, else about the middle.
+    void zoomBySteps(double steps);
+    /// In points.
+    void panBy(QPointF points);
+    /// Brings this fraction of the photo into the middle.
+    void centreOn(QPointF fraction);
+
+signals:
+    void changed();
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    template <typename Change>
+    void change(const Change &change);
+    void apply();
+    void showNear();
+    void requestPicture();
+    void pictureDrawn(const ViewPicture &picture);
+    void strokeEnded();
+
+    QPointF middle() const;
+    QPointF placeInView(const QObject *watched, QPointF position) const;
+    bool handleWheel(const QObject *watched, const QWheelEvent &event);
+    bool handleGesture(const QObject *watched, const QNativeGestureEvent &event);
+    bool handleMouse(const QObject *watched, const QMouseEvent &event);
+
+    MainScreenView &m_view;
+    Session &m_session;
+    std::function<CoreFilterObject()> m_settings;
+    BrushControls *m_brush = nullptr;
+    ViewTransform m_transform;
+    ViewTransform m_wanted;
+    std::optional<QPointF> m_draggedFrom;
+    QTimer m_patience; ///< so long the sharp picture is waited for before what there is is moved
+};
+
+} // namespace hazelmark

@@ -1,0 +1,52 @@
+#pragma once
+
+#include "ViewRenderer.h"
+#include "WorkQueue.h"
+
+#include <QObject>
+
+#include <memory>
+#include <mutex>
+#include <optional>
+
+namespace hazelmark {
+
+/// Draws pictures of what is in sight of the photo, off the main thread and beside the previews. Only the newest wish
+/// is drawn: one that is replaced before its turn comes is left out. Main thread only.
+class ViewRunner : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit ViewRunner(QObject *parent = nullptr);
+
+    void request(const ViewJob &job);
+    /// Nothing that was asked for is wanted any more; what is kept from picture to picture is let go of.
+    void forget();
+    bool isBusy() const { return m_queue.pending() > 0; }
+
+signals:
+    void drawn(const hazelmark::ViewPicture &picture);
+
+private:
+    struct Shared
+    {
+        std::mutex mutex;
+        std::optional<ViewJob> wish;
+        quint64 era = 0; ///< counts forget()
+        quint64 rendererEra = 0;
+        ViewRenderer renderer; ///< the worker's
+    };
+    struct Drawn
+    {
+        quint64 era = 0; ///< of the wish
+        ViewPicture picture;
+    };
+    static Drawn drawWish(Shared &shared);
+    void runWish();
+
+    std::shared_ptr<Shared> m_shared = std::make_shared<Shared>();
+    WorkQueue m_queue{1};
+};
+
+} // namespace hazelmark
