@@ -103,7 +103,6 @@ double Painting::paintedFraction() const
             alpha += line[4 * x + 3];
     }
     return count > 0 ? double(alpha) / (255.0 * double(count)) : 0;
-    m_scale = 1;
 }
 
 void Painting::raiseScale(double zoom)
@@ -116,7 +115,9 @@ ScaledPainting Painting::scaled(QSizeF photo) const
 {
     const QSizeF frame = m_canvas.canvasSize();
     auto steps = std::make_shared<PaintStepList>(*m_canvas.arrDrawedPoints());
-    const std::size_t first = firstSeenStep(*steps, steps->size());
+    std::size_t first = firstSeenStep(*steps, steps->size());
+    if (first < steps->size() && (*steps)[first].coversCanvas())
+        ++first; // no stroke
     double scale = 1;
     for (const BegunAt &begun : m_scales)
         scale = begun.step < first ? scale : std::max(scale, begun.zoom);

@@ -24,6 +24,10 @@ Session::Session(PaintCanvas &canvas, Work work, QObject *parent)
         emit previewRendered(shown);
     });
     connect(&m_view, &ViewRunner::drawn, this, &Session::viewDrawn);
+    connect(&m_full, &FullPhoto::changed, this, [this] {
+        if (m_full.image())
+            drawSight();
+    });
     connect(&m_export, &PhotoExport::progressChanged, this, &Session::exportProgressed);
     connect(&m_keeper, &PaintingKeeper::storedChanged, this, &Session::storedPaintingsChanged);
     connect(&m_keeper, &PaintingKeeper::failed, this, &Session::storingFailed);
@@ -92,6 +96,7 @@ void Session::setPhoto(const OpenPhoto &photo)
     m_previews.startPhoto();
     m_photo = photo;
     m_full.setPhoto(photo.record ? photo.record->photo() : nullptr);
+    m_sight.reset();
     m_view.forget();
     m_writtenEdits.reset();
     setLastExportedImage(nullptr);
@@ -238,20 +243,28 @@ void Session::requestPreview(const CoreFilterObject &settings)
 
 void Session::requestView(QSize size, const QRect &part, double canvasScale, const CoreFilterObject &settings)
 {
+    m_sight = {size, part, canvasScale, settings};
+    drawSight();
+}
+
+void Session::drawSight()
+{
     const PhotoImagePtr &reduced = m_photo.inputImage;
-    if (!reduced)
+    if (!reduced || !m_sight)
         return;
     const QSizeF own = reduced->size();
     if (reduced->pixelSize().width() < own.width())
         m_full.ask();
-    ViewJob job{m_full.image(),      reduced,     size,    part, settings, m_painting.scaled(own),
-                m_painting.canvas(), canvasScale, colors()};
+    const auto &[size, part, canvasScale, settings] = *m_sight;
+    const ViewJob job{m_full.image(),      reduced,     size,    part, settings, m_painting.scaled(own),
+                      m_painting.canvas(), canvasScale, colors()};
     if (job.canRun())
         m_view.request(job);
 }
 
 void Session::leaveView()
 {
+    m_sight.reset();
     m_view.forget();
     m_full.giveBackIfShort();
 }

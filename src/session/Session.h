@@ -121,8 +121,8 @@ public:
     FullPhoto &fullPhoto() { return m_full; }
     /// Wants a picture of what is in sight: `part` of the photo when the whole measures `size` pixels, no more than its
     /// own. `canvasScale`: how many times its size the canvas is wanted over it. viewDrawn() follows, unless another
-    /// wish comes; nothing follows as long as the photo is not there in that size, but that is asked for. No mark of a
-    /// preview or an export changes.
+    /// wish comes; where the photo has to be decoded for it, as soon as that is done. No mark of a preview or an export
+    /// changes.
     void requestView(QSize size, const QRect &part, double canvasScale, const CoreFilterObject &settings);
     /// Nothing of it is wanted any more.
     void leaveView();
@@ -193,7 +193,17 @@ private:
         bool operator==(const Edits &) const = default;
     };
 
+    /// A picture of what is in sight, as it was asked for.
+    struct Sight
+    {
+        QSize size;
+        QRect part;
+        double canvasScale;
+        CoreFilterObject settings;
+    };
+
     void handOver();
+    void drawSight();
     bool mayEdit() const;
     void take(const StrokesFile &painting, bool isStored);
     void paintingChanged();
@@ -224,6 +234,7 @@ private:
     WorkQueue m_readers{2}; ///< two: a photo that takes long must not hold up the one that somebody asks for meanwhile
     PreviewRunner m_previews;
     FullPhoto m_full;
+    std::optional<Sight> m_sight; ///< asked for last
     ViewRunner m_view;
     PhotoExport m_export;
 };

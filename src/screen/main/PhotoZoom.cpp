@@ -32,10 +32,6 @@ PhotoZoom::PhotoZoom(MainScreenView &view, Session &session, std::function<CoreF
     , m_settings(std::move(settings))
 {
     connect(&session, &Session::viewDrawn, this, &PhotoZoom::pictureDrawn);
-    connect(&session.fullPhoto(), &FullPhoto::changed, this, [this] {
-        if (m_session.fullPhoto().image())
-            refresh();
-    });
     connect(view.paintView, &PaintView::strokeBegan, this,
             [this] { m_session.painting().raiseScale(m_transform.zoom()); });
     connect(view.paintView, &PaintView::strokeEnded, this, &PhotoZoom::strokeEnded);

@@ -1,0 +1,266 @@
+// Near the photo: where it lies, what is seen of it, and that an export has the same.
+#include "SessionFixture.h"
+
+#include "AvailableMemory.h"
+#include "Pictures.h"
+#include "SamplePhotos.h"
+#include "ViewTransform.h"
+
+#include <QFile>
+
+#include <cmath>
+
+namespace hazelmark {
+
+using namespace testing;
+
+namespace {
+
+ViewTransform transformOf(QSizeF photo, QSizeF view, double pixelRatio = 1)
+{
+    const double fit = std::min(view.width() / photo.width(), view.height() / photo.height());
+    const QSizeF fitted = photo * fit;
+    ViewTransform transform;
+    transform.setPlace(
+        {photo,
+         {(view.width() - fitted.width()) / 2, (view.height() - fitted.height()) / 2, fitted.width(), fitted.height()},
+         view,
+         pixelRatio});
+    return transform;
+}
+
+/// The fraction of the photo that lies at a place.
+QPointF under(const ViewTransform &transform, QPointF place)
+{
+    const QRectF frame = transform.frame();
+    return {(place.x() - frame.x()) / frame.width(), (place.y() - frame.y()) / frame.height()};
+}
+
+class View : public SessionFixture
+{
+protected:
+    void begin(const QString &path)
+    {
+        start();
+        QObject::connect(m_session.get(), &Session::viewDrawn, m_session.get(),
+                         [this](const ViewPicture &picture) { m_pictures.push_back(picture); });
+        open(path);
+    }
+    /// A stroke that is begun at a zoom.
+    void paintAt(double zoom, QPointF from, QPointF to)
+    {
+        m_session->painting().raiseScale(zoom);
+        m_brush.setZoom(zoom);
+        paint(from, to);
+        endStroke();
+    }
+    QImage picture(QSize size, const QRect &part, double canvasScale = 1)
+    {
+        m_pictures.clear();
+        m_session->requestView(size, part, canvasScale, m_settings);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !m_pictures.empty(); }));
+        return m_pictures.empty() ? QImage() : m_pictures.back().shown;
+    }
+
+    std::vector<ViewPicture> m_pictures;
+};
+
+/// The largest difference between two pictures, in steps of 255.
+int difference(const QImage &a, const QImage &b)
+{
+    if (a.size() != b.size())
+        return 256;
+    int most = 0;
+    for (int y = 0; y < a.height(); ++y) {
+        for (int x = 0; x < a.width(); ++x) {
+            const QColor p = a.pixelColor(x, y);
+            const QColor q = b.pixelColor(x, y);
+            most = std::max(
+                {most, std::abs(p.red() - q.red()), std::abs(p.green() - q.green()), std::abs(p.blue() - q.blue())});
+        }
+    }
+    return most;
+}
+
+} // namespace
+
+TEST(ViewTransform, ZoomsAboutAPlaceWithinItsBoundsAndNeverShowsBeyondAnEdge)
+{
+    const QSizeF view(1000, 700);
+    for (const double ratio : {1.0, 1.5, 2.0}) {
+        for (const QSizeF photo : {QSizeF(6000, 4000), QSizeF(4000, 6000), QSizeF(20000, 200), QSizeF(200, 20000),
+                                   QSizeF(1, 1), QSizeF(3, 3), QSizeF(640, 480)}) {
+            ViewTransform transform = transformOf(photo, view, ratio);
+            const double fit = transform.fitScale();
+            EXPECT_TRUE(transform.isFit());
+            EXPECT_EQ(transform.zoom(), 1);
+            const QPointF pointer(430, 351);
+            const auto inside = [&] {
+                const QRectF frame = transform.frame();
+                for (const auto &[low, high, room] : {std::tuple(frame.left(), frame.right(), view.width()),
+                                                      std::tuple(frame.top(), frame.bottom(), view.height())}) {
+                    if (high - low > room)
+                        EXPECT_TRUE(low <= 0.5 && high >= room - 0.5) << photo.width() << " " << low << " " << high;
+                    else
+                        EXPECT_NEAR(low + high, room, 1.01 / ratio + 1e-9);
+                }
+                // On whole pixels of the screen.
+                EXPECT_NEAR(frame.left() * ratio, std::round(frame.left() * ratio), 1e-6);
+            };
+            for (int i = 0; i < 40; ++i) {
+                const QPointF before = under(transform, pointer);
+                const bool wasCut = transform.visible().size() == QSizeF(view);
+                transform.zoomBy(1, pointer);
+                if (wasCut) {
+                    EXPECT_NEAR(under(transform, pointer).x(), before.x(), 1.5 / transform.pixels().width());
+                    EXPECT_NEAR(under(transform, pointer).y(), before.y(), 1.5 / transform.pixels().height());
+                }
+                if (!transform.isFit())
+                    inside();
+            }
+            EXPECT_DOUBLE_EQ(transform.scale(), std::max(fit, 8.0));
+            transform.panBy({-1e9, 1e9});
+            inside();
+            transform.zoomBy(-100, pointer);
+            EXPECT_DOUBLE_EQ(transform.scale(), std::min(fit, 1.0));
+        }
+    }
+}
+
+TEST(ViewTransform, StopsAtFitAndAt100PerCentAndKeepsZoomAndMiddleInAnotherWindow)
+{
+    ViewTransform transform = transformOf({6000, 4000}, {1000, 700});
+    std::vector<double> stops;
+    for (int i = 0; i < 10; ++i) {
+        transform.zoomBy(1, {500, 350});
+        stops.push_back(transform.scale());
+    }
+    EXPECT_EQ(std::count(stops.begin(), stops.end(), 1.0), 1);
+    transform.setScale(1, {500, 350});
+    transform.centreOn({0.25, 0.75});
+    EXPECT_EQ(transform.visiblePixels(), QRect(1000, 2650, 1000, 700));
+    transform.setPlace(transformOf({6000, 4000}, {1600, 900}).place());
+    EXPECT_EQ(transform.visiblePixels(), QRect(700, 2550, 1600, 900));
+    transform.setFit();
+    EXPECT_TRUE(transform.isFit());
+    EXPECT_EQ(transform.frame(), transform.place().fitted);
+}
+
+/// At 100 % what is seen is what the file has, wherever the stroke was painted; a part of it alone is drawn.
+TEST_F(View, ShowsWhatAnExportWrites)
+{
+    for (const auto &[zoom, orientation, format] :
+         {std::tuple(1.0, "1", QImage::Format_RGBX8888), std::tuple(3.0, "1", QImage::Format_RGBA64),
+          std::tuple(9.0, "6", QImage::Format_RGBX8888)}) {
+        MetadataBlocks turn;
+        turn.exif = exifBlock({{"Exif.Image.Orientation", orientation}});
+        begin(writePhoto(m_folder, WriteFormat::Png, turn, noise({1500, 1100}, format)));
+        paintAt(zoom, {0.3, 0.4}, {0.6, 0.5});
+        const QSize size = m_session->photo().inputImage->size().toSize();
+        const QRect part(200, 300, 640, 480);
+        const QImage seen = picture(size, part);
+        EXPECT_EQ(m_session->lastExportedImage(), nullptr);
+        exportTo({});
+        const PhotoImagePtr result = m_session->lastExportedImage();
+        const QImage file = DisplayColors().shown(result->bitmap(), result->iccProfile());
+        ASSERT_EQ(file.size(), size);
+        EXPECT_LE(difference(seen, file.copy(part)), 2) << zoom;
+        EXPECT_GT(difference(seen, file.copy(part.translated(5, 0))), 2) << "the check can fail";
+        // Looking leaves the mask as it is; a stroke that was painted near makes it finer.
+        picture(size / 2, QRect(0, 0, 200, 200), 2);
+        EXPECT_EQ(m_session->lastExportedImage(), result);
+        EXPECT_EQ(m_session->painting().scaled(size).scale, std::min(zoom, 2.0));
+    }
+}
+
+/// Undo and clearing: what can come back is as fine as it was.
+TEST_F(View, KeepsTheScaleOfWhatCanBeSeenOrDoneAgain)
+{
+    begin(photo("a.png", {1200, 800}));
+    Painting &painting = m_session->painting();
+    const auto scale = [&] { return painting.scaled({1200, 800}).scale; };
+    const std::tuple<const char *, std::function<void()>, double> stories[]{
+        {"at fit",
+         [&] {
+             paintAt(1, {0.2, 0.2}, {0.3, 0.2});
+         },
+         1},
+        {"near",
+         [&] {
+             paintAt(1.5, {0.2, 0.4}, {0.3, 0.4});
+         },
+         1.5},
+        {"at fit again",
+         [&] {
+             paintAt(1, {0.2, 0.6}, {0.3, 0.6});
+         },
+         1.5},
+        {"undone",
+         [&] {
+             painting.history().undo();
+             painting.history().undo();
+         },
+         1.5},
+        {"cleared", [&] { painting.clearPainting(); }, 1},
+        {"clearing undone", [&] { painting.history().undo(); }, 1.5},
+        {"nearer than the photo has pixels",
+         [&] {
+             paintAt(16, {0.2, 0.8}, {0.3, 0.8});
+         },
+         2},
+        {"another photo",
+         [&] {
+             open(photo("b.png", {1200, 800}));
+         },
+         1},
+    };
+    for (const auto &[name, happen, expected] : stories) {
+        happen();
+        EXPECT_EQ(scale(), expected) << name;
+    }
+}
+
+/// One decoding serves view and export, unless the file was written to in between or memory was short.
+TEST_F(View, SharesTheDecodedPhotoWithTheExport)
+{
+    begin(writePhoto(m_folder, WriteFormat::Png, {}, noise({1800, 1100}, QImage::Format_RGBX8888)));
+    paintAt(1, {0.3, 0.4}, {0.6, 0.5});
+    FullPhoto &full = m_session->fullPhoto();
+    EXPECT_EQ(full.image(), nullptr) << "nobody has come near";
+    picture({1800, 1100}, {0, 0, 100, 100});
+    ASSERT_NE(full.image(), nullptr);
+    ExportJob job;
+    job.photo = m_session->photo().record->photo();
+    job.loaded = full.loaded();
+    EXPECT_TRUE(job.run());
+    ASSERT_TRUE(QFile::resize(m_session->photo().path(), 2000));
+    EXPECT_FALSE(job.run()) << "what was decoded is not what the file holds";
+    {
+        const MemoryCap little(1000);
+        m_session->leaveView();
+    }
+    EXPECT_EQ(full.image(), nullptr);
+}
+
+/// Of many wishes the last one is drawn, and small, long and thin pictures are.
+TEST_F(View, DrawsTheNewestWishOfAnyPicture)
+{
+    for (const QSize size : {QSize(1, 1), QSize(3, 3), QSize(20000, 200), QSize(200, 20000)}) {
+        begin(photo("a.png", size));
+        paintAt(4, {0.4, 0.4}, {0.6, 0.6});
+        m_pictures.clear();
+        const QRect last = QRect(size.width() / 2, size.height() / 2, 300, 200) & QRect(QPoint(), size);
+        for (int i = 100; i >= 1; --i)
+            m_session->requestView(size.scaled(size / i, Qt::KeepAspectRatioByExpanding).expandedTo({1, 1}), last, 2,
+                                   m_settings);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return !m_pictures.empty() && m_pictures.back().size == size; }));
+        EXPECT_EQ(m_pictures.back().shown.size(), last.size());
+        exportTo({});
+        ASSERT_NE(m_session->lastExportedImage(), nullptr);
+        EXPECT_LE(difference(m_pictures.back().shown,
+                             DisplayColors().shown(m_session->lastExportedImage()->bitmap(), {}).copy(last)),
+                  2);
+    }
+}
+
+} // namespace hazelmark
