@@ -168,10 +168,10 @@ TEST_F(AppDelegateTest, KnowsWhetherItIsInFront)
          {std::pair{Qt::BlankCursor, Qt::ArrowCursor}, {Qt::IBeamCursor, Qt::IBeamCursor}}) {
         view.setCursor(before);
         QGuiApplication::setOverrideCursor(Qt::CrossCursor);
-        m_delegate.applicationWillResignActive();
+        emit qGuiApp->applicationStateChanged(Qt::ApplicationInactive);
         EXPECT_FALSE(m_delegate.isAppActive() || QGuiApplication::overrideCursor());
         EXPECT_EQ(view.cursor().shape(), after);
-        m_delegate.applicationDidBecomeActive();
+        emit qGuiApp->applicationStateChanged(Qt::ApplicationActive);
         EXPECT_TRUE(m_delegate.isAppActive());
     }
 }

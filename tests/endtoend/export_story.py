@@ -57,7 +57,9 @@ class Export(Story):
         manager = self.desktop.start([self.other_program, "drag", *files], stdout=subprocess.PIPE, text=True)
         self.wait_for(lambda: "Files" in self.desktop.titles(), "the file manager")
         left, top, width, height = self.desktop.geometry()
-        self.desktop.drag((30, 200), (left + width // 3, top + height // 2), steps=30)
+        self.desktop.drag((30, 200), (left + width // 3, top + height // 2), steps=30, let_go=False)
+        time.sleep(1)  # what is dropped before the window has answered the drag is not dropped
+        self.desktop.xdotool("mousemove_relative", 1, 1, "sleep", 0.2, "mouseup", 1)
         with manager.stdout:
             action = manager.stdout.readline().strip()
         time.sleep(0.5)  # the files are asked for after the drop

@@ -73,7 +73,6 @@ class Window(Story):
         # Paint: green while the pointer is over the photo, blurred once the button is up.
         self.stroke(0.3, 0.7, 0.3, let_go=False)
         self.wait_for(lambda: self.greenness(0.5, 0.3) > 60, "the paint")
-        self.assertTrue(self.contrast(0.5, 0.3) > 60, "nothing is blurred before the button is up")
         self.desktop.xdotool("mouseup", 1)
         self.point_away()
         self.wait_for(lambda: self.is_blurred(0.5, 0.3) and self.greenness(0.5, 0.3) < 10,

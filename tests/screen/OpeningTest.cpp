@@ -48,6 +48,7 @@ TEST_F(Opening, APhotoIsShownWithPanelAndBarAndABrushReadyToPaint)
     const auto *note = m_screen->view()->findChild<QLabel *>(u"loadingNote"_qs);
     ASSERT_TRUE(QTest::qWaitFor([&] { return note->isVisible(); }));
     EXPECT_EQ(note->text(), u"LOADING a.png"_qs);
+    EXPECT_EQ(note->visibleRegion().boundingRect(), note->rect()) << "all of it";
     EXPECT_FALSE(m_screen->hasPhoto());
     gate.open();
     ASSERT_TRUE(QTest::qWaitFor([&] { return m_screen->hasPhoto(); }));

@@ -23,7 +23,7 @@ protected:
     void answer(const char16_t *button)
     {
         QTest::mouseClick(sheet()->findChild<QPushButton *>(QString::fromUtf16(button)), Qt::LeftButton);
-        QTest::qWait(20);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return sheet() == nullptr; }));
     }
 };
 
@@ -52,12 +52,11 @@ TEST_F(ScreenWindow, AsksFirstWhenPhotosWaitHoweverItIsClosed)
     EXPECT_EQ(SheetQueue::forWindow(*m_window).waiting(), 0) << "asks once";
     answer(u"btnSave");
     EXPECT_TRUE(m_window->isVisible());
-    EXPECT_EQ(sheet(), nullptr);
 
     m_screen->chrome().setIsExportingWithAddingNewImage(true);
     m_window->close();
     QTest::keyClick(sheet(), Qt::Key_Escape);
-    QTest::qWait(20);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return sheet() == nullptr; }));
     EXPECT_TRUE(m_window->isVisible());
     EXPECT_FALSE(m_screen->chrome().isExportingWithAddingNewImage()) << "cancelling forgets it";
 
@@ -105,18 +104,17 @@ TEST_F(ScreenWindow, MovesByItsBareBackgroundOnly)
 {
     start();
     open(photo(u"a.png"_qs, {300, 200}));
-    const MainScreenView *view = m_screen->mainScreenView();
-    EXPECT_EQ(m_window->titleBarHeight(), view->vwTopContainer->height());
+    EXPECT_EQ(m_window->titleBarHeight(), view().vwTopContainer->height());
     EXPECT_EQ(m_window->closeButton()->x(), m_window->contentView()->x() + 7);
     const auto moves = [&](const QWidget *area, QPoint place) {
         const QWidget *hit = m_window->childAt(area->mapTo(m_window.get(), place));
         return hit && hit->property("movesWindow").toBool();
     };
-    EXPECT_TRUE(moves(view->vwTopContainer, {view->width() / 2, 30}));
-    EXPECT_TRUE(moves(view->vwMainContainer, {10, 100})) << "beside the photo area";
-    EXPECT_FALSE(moves(view->vwPreviewContainer, {5, 5})) << "the photo area, where the photo leaves it empty";
-    EXPECT_FALSE(moves(view->vwPreviewContainer, view->vwPreviewContainer->rect().center()));
-    EXPECT_FALSE(moves(view->vwRightContainer, {125, view->vwRightContainer->height() - 20}));
+    EXPECT_TRUE(moves(view().vwTopContainer, {view().width() / 2, 30}));
+    EXPECT_TRUE(moves(view().vwMainContainer, {10, 100})) << "beside the photo area";
+    EXPECT_FALSE(moves(view().vwPreviewContainer, {5, 5})) << "the photo area, where the photo leaves it empty";
+    EXPECT_FALSE(moves(view().vwPreviewContainer, view().vwPreviewContainer->rect().center()));
+    EXPECT_FALSE(moves(view().vwRightContainer, {125, view().vwRightContainer->height() - 20}));
 }
 
 } // namespace
