@@ -58,6 +58,7 @@ function(hazelmark_test name)
     target_precompile_headers(${name} REUSE_FROM precompiled_tests)
   endif()
   target_link_libraries(${name} PRIVATE hazelmark_options ${arg_LIBS} GTest::gmock GTest::gtest)
+  add_dependencies(${name} hazelmark-decoder)
   add_test(NAME ${name} COMMAND ${name} --gtest_brief=1)
   set_tests_properties(${name} PROPERTIES ENVIRONMENT "QT_QPA_PLATFORM=offscreen;LC_ALL=C.UTF-8;TZ=UTC;XDG_STATE_HOME=${CMAKE_CURRENT_BINARY_DIR}/state"
                                                TIMEOUT 900)

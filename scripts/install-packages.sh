@@ -5,9 +5,11 @@ set -euo pipefail
 
 build=(ca-certificates g++ cmake ninja-build pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev libxcb1-dev
-    libexiv2-dev libjpeg62-turbo-dev libpng-dev libtiff-dev libgif-dev libimagequant-dev liblcms2-dev libhwy-dev)
+    libexiv2-dev libjpeg62-turbo-dev libpng-dev libtiff-dev libgif-dev libimagequant-dev liblcms2-dev libhwy-dev
+    libheif-dev libseccomp-dev)
 run=(qt6-translations-l10n qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins qt6-wayland xdg-utils)
 test=(libgtest-dev libgmock-dev libimage-exiftool-perl clang-format python3
+    libheif-examples libavif-bin
     dbus-daemon xvfb xauth openbox xdotool fonts-dejavu-core)
 fuzz=(clang libclang-rt-dev)
 bench=(libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev libjpeg-turbo-progs time xvfb)

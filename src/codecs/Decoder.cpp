@@ -1,6 +1,7 @@
 #include "Decoder.h"
 
 #include "AvailableMemory.h"
+#include "ForeignReader.h"
 #include "PictureFormat.h"
 #include "SourceFile.h"
 
@@ -12,14 +13,16 @@ namespace hazelmark {
 
 namespace {
 
-// The order matters where one format's files also look like another's: camera raw files are TIFF files too, so their
-// row belongs before TIFF's. Qt's takes whatever is left.
 constexpr const PictureFormat *kFormats[] = {&kJpegFormat, &kPngFormat, &kTiffFormat, &kGifFormat, &kQtFormat};
 
-const PictureFormat *formatOf(const SourceFile &source)
+/// Camera raw files are TIFF files too. Qt's takes whatever is left.
+std::unique_ptr<PictureReader> makeReader(SourceFile &source)
 {
-    return *std::find_if(std::begin(kFormats), std::end(kFormats),
-                         [&](const PictureFormat *format) { return format->recognises(source.head()); });
+    if (const ForeignKind *kind = foreignKindOf(source))
+        return makeForeignReader(source, *kind);
+    const auto format = std::find_if(std::begin(kFormats), std::end(kFormats),
+                                     [&](const PictureFormat *row) { return row->recognises(source.head()); });
+    return (*format)->makeReader(source);
 }
 
 QString inGigabytes(qint64 bytes)
@@ -54,7 +57,7 @@ Decoder::~Decoder() = default;
 
 Outcome<Decoder> Decoder::open(SourceFile &source)
 try {
-    std::unique_ptr<PictureReader> reader = formatOf(source)->makeReader(source);
+    std::unique_ptr<PictureReader> reader = makeReader(source);
     if (const std::optional<Failure> failure = reader->readHeader())
         return *failure;
     return Decoder(source, std::move(reader));
@@ -70,6 +73,11 @@ try {
     return info;
 } catch (const std::bad_alloc &) {
     return m_source->failure(Failure::Reason::OutOfMemory);
+}
+
+std::optional<EmbeddedBlocks> Decoder::blocks()
+{
+    return m_reader->blocks();
 }
 
 Outcome<Picture> Decoder::decode(QSize atLeast)

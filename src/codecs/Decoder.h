@@ -1,5 +1,6 @@
 #pragma once
 
+#include "EmbeddedBlocks.h"
 #include "Outcome.h"
 #include "Picture.h"
 #include "SourceFile.h"
@@ -27,6 +28,9 @@ public:
     /// No pixel is decoded for it.
     Outcome<PictureInfo> info();
 
+    /// The metadata that the file embeds, where it is read with the header: where it is, nobody else finds it.
+    std::optional<EmbeddedBlocks> blocks();
+
     /// Decodes the first picture; once. Cut-off data is a failure, not a partly grey picture; so is damaged data, save
     /// where Picture::isPartlyDamaged tells of it. A picture that the memory cannot hold fails before it is decoded.
     ///
@@ -45,8 +49,8 @@ private:
 Outcome<PictureInfo> readPictureInfo(const QString &path);
 Outcome<Picture> decodePicture(const QString &path, QSize atLeast = {});
 
-/// The formats that are read through Qt's plugins, by the names that Qt has for them, which are also the usual
-/// extensions. Beside them JPEG, PNG, TIFF and GIF are read.
+/// The formats that other programs' libraries read, by their usual extensions. Beside them JPEG, PNG, TIFF and GIF are
+/// read.
 QList<QByteArray> formatsOfPlugins();
 
 } // namespace hazelmark

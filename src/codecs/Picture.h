@@ -64,6 +64,8 @@ struct PictureInfo
     bool hasAlpha = false;
     QByteArray iccProfile;
     std::optional<QSizeF> dpi; ///< only where the file states an absolute resolution
+    /// The decoder turns the picture itself, so that it comes upright and all sizes are those of the upright one.
+    bool isTurnedUpright = false;
 };
 
 /// A text that a PNG file holds under one of the keywords that are registered for it.

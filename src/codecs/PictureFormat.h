@@ -1,5 +1,6 @@
 #pragma once
 
+#include "EmbeddedBlocks.h"
 #include "Outcome.h"
 #include "Picture.h"
 #include "SourceFile.h"
@@ -21,6 +22,8 @@ public:
     virtual ~PictureReader() = default;
     virtual std::optional<Failure> readHeader() = 0;
     virtual PictureInfo info() = 0;
+    /// The metadata that the file embeds, where it is found with the header; else see readEmbeddedBlocks().
+    virtual std::optional<EmbeddedBlocks> blocks() { return std::nullopt; }
     /// `atLeast` as in Decoder::decode(); a reader may ignore it.
     virtual DecodeCost cost(QSize atLeast) = 0;
     virtual Outcome<Picture> decode(QSize atLeast) = 0;

@@ -23,6 +23,7 @@ public:
 
     /// For Qt's readers, which move its position.
     QFile &device() { return m_file; }
+    int descriptor() const { return m_file.handle(); }
     qint64 size() const { return m_size; }
     /// The file as it was when it was opened.
     const FileIdentity &identity() const { return *m_identity; }

@@ -34,8 +34,7 @@ Photo::Photo(std::unique_ptr<SourceFile> source, Decoder decoder, PictureInfo in
     , m_info(std::move(info))
     , m_uprightSizes(m_info.frames)
 {
-    auto metadata =
-        std::make_unique<const PhotoMetadata>(readPhotoMetadata(*m_source, m_info.format, m_info.frames.back()));
+    auto metadata = std::make_unique<const PhotoMetadata>(readPhotoMetadata(*m_source, m_info, m_decoder->blocks()));
     m_dictionary = propertyDictionary(m_path, m_info, *metadata);
     m_orientation = integerValue(m_dictionary.value(QStringLiteral("Orientation")));
     if (m_info.format != "tiff")

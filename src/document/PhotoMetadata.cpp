@@ -105,12 +105,16 @@ bool isToBeParsedWhole(const SourceFile &source)
 
 } // namespace
 
-PhotoMetadata readPhotoMetadata(const SourceFile &source, const QByteArray &format, QSize size)
+PhotoMetadata readPhotoMetadata(const SourceFile &source, const PictureInfo &info,
+                                const std::optional<EmbeddedBlocks> &blocks)
 {
-    if (format == "tiff")
-        return parseBlocks(source.path(), readTiffBlocksToShow(source), size);
-    if (const auto blocks = readEmbeddedBlocks(source, format))
+    const QSize size = info.frames.back();
+    if (blocks)
         return parseBlocks(source.path(), *blocks, size);
+    if (info.format == "tiff")
+        return parseBlocks(source.path(), readTiffBlocksToShow(source), size);
+    if (const auto found = readEmbeddedBlocks(source, info.format))
+        return parseBlocks(source.path(), *found, size);
     return isToBeParsedWhole(source) ? parseFile(source, {}, size) : PhotoMetadata();
 }
 

@@ -19,10 +19,11 @@ struct PhotoMetadata
     LeftOut leftOut;              ///< of the EXIF block, and whole blocks that make no sense
 };
 
-/// Reads the metadata of the file, of the format that PictureInfo names, with a first picture of `size`
-/// pixels as stored: from its blocks where they are known here (see readEmbeddedBlocks()), else as far as Exiv2 reads
-/// the file. What cannot be parsed is left out with a warning, each block for itself.
-PhotoMetadata readPhotoMetadata(const SourceFile &source, const QByteArray &format, QSize size);
+/// Reads the metadata of the file: from its blocks where its decoder has found them (see Decoder::blocks()) or where
+/// they are known here (see readEmbeddedBlocks()), else as far as Exiv2 reads the file. What cannot be parsed is left
+/// out with a warning, each block for itself.
+PhotoMetadata readPhotoMetadata(const SourceFile &source, const PictureInfo &info,
+                                const std::optional<EmbeddedBlocks> &blocks);
 
 /// The metadata of a TIFF file, as blocks where it can be had so, without the tags that say how the file stores its
 /// pixels.

@@ -154,6 +154,11 @@ private:
     /// The one place where the tag is read: the top level and "{TIFF}" both have it from here.
     void takeOrientation()
     {
+        if (m_info.isTurnedUpright) {
+            insert(m_top, QStringLiteral("Orientation"), qlonglong(1));
+            insert(m_tiff, QStringLiteral("Orientation"), qlonglong(1));
+            return;
+        }
         const auto found = m_metadata.exif.findKey(Exiv2::ExifKey("Exif.Image.Orientation"));
         if (found == m_metadata.exif.end())
             return;

@@ -5,6 +5,7 @@
 #include "Log.h"
 #include "ParallelFor.h"
 #include "PictureSearch.h"
+#include "ProfileMaking.h"
 #include "TiffBytes.h"
 
 #include <QtEndian>
@@ -86,29 +87,6 @@ ToneCurveHandle luminanceCurve(cmsHPROFILE gray)
     return ToneCurveHandle(cmsBuildTabulatedToneCurveFloat(nullptr, kEntries, table.data()));
 }
 
-/// The profile's bytes with a fixed time of creation instead of the present one.
-QByteArray savedProfile(cmsHPROFILE profile)
-{
-    constexpr qsizetype kTimeOffset = 24;
-    constexpr char kTime[12] = {0x07, char(0xd0), 0, 1, 0, 1, 0, 0, 0, 0, 0, 0}; // 2000-01-01 00:00:00
-    cmsUInt32Number size = 0;
-    if (!cmsSaveProfileToMem(profile, nullptr, &size))
-        return {};
-    QByteArray bytes(qsizetype(size), '\0');
-    if (!cmsSaveProfileToMem(profile, bytes.data(), &size))
-        return {};
-    std::memcpy(bytes.data() + kTimeOffset, kTime, sizeof kTime);
-    return bytes;
-}
-
-void setDescription(cmsHPROFILE profile, const char *text)
-{
-    cmsMLU *name = cmsMLUalloc(nullptr, 1);
-    cmsMLUsetASCII(name, "en", "US", text);
-    cmsWriteTag(profile, cmsSigProfileDescriptionTag, name);
-    cmsMLUfree(name);
-}
-
 /// Tags without which colours cannot be converted, or look otherwise.
 bool isIndispensable(const QByteArray &tag)
 {
@@ -182,6 +160,28 @@ QByteArray profileOf(const QByteArray &header, const std::vector<ProfileTag> &ta
 }
 
 } // namespace
+
+QByteArray savedProfile(cmsHPROFILE profile)
+{
+    constexpr qsizetype kTimeOffset = 24;
+    constexpr char kTime[12] = {0x07, char(0xd0), 0, 1, 0, 1, 0, 0, 0, 0, 0, 0}; // 2000-01-01 00:00:00
+    cmsUInt32Number size = 0;
+    if (!cmsSaveProfileToMem(profile, nullptr, &size))
+        return {};
+    QByteArray bytes(qsizetype(size), '\0');
+    if (!cmsSaveProfileToMem(profile, bytes.data(), &size))
+        return {};
+    std::memcpy(bytes.data() + kTimeOffset, kTime, sizeof kTime);
+    return bytes;
+}
+
+void setDescription(cmsHPROFILE profile, const char *text)
+{
+    cmsMLU *name = cmsMLUalloc(nullptr, 1);
+    cmsMLUsetASCII(name, "en", "US", text);
+    cmsWriteTag(profile, cmsSigProfileDescriptionTag, name);
+    cmsMLUfree(name);
+}
 
 QByteArray rgbProfileForGray(const QByteArray &grayProfile)
 {

@@ -1,5 +1,6 @@
 #include "Decoder.h"
 #include "FileHeader.h"
+#include "ForeignKinds.h"
 #include "PictureFormat.h"
 #include "PixelFormats.h"
 
@@ -173,7 +174,7 @@ QList<QByteArray> formatsOfPlugins()
 {
     QList<QByteArray> formats = QImageReader::supportedImageFormats();
     formats.removeIf(isRefused);
-    return formats;
+    return formats + foreignExtensions();
 }
 
 const PictureFormat kQtFormat = formatReadBy<QtReader>(isAnything);

@@ -1,0 +1,187 @@
+// Pictures in the formats of other programs, made by those programs and compared with what they were made of.
+#include "Photo.h"
+#include "TestFiles.h"
+#include "TiffBlock.h"
+
+#include <QColorSpace>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTransform>
+
+#include <cmath>
+
+namespace hazelmark {
+
+namespace {
+
+constexpr QImage::Format kRgb8 = QImage::Format_RGBX8888;
+constexpr QImage::Format kRgb16 = QImage::Format_RGBX64;
+constexpr QImage::Format kRgba8 = QImage::Format_RGBA8888;
+constexpr QImage::Format kRgba16 = QImage::Format_RGBA64;
+constexpr QImage::Format kGray8 = QImage::Format_Grayscale8;
+
+/// The largest difference of two samples, in 16 bits.
+int distance(const QImage &a, const QImage &b)
+{
+    if (a.size() != b.size())
+        return INT_MAX;
+    const QImage x = a.convertToFormat(kRgba16);
+    const QImage y = b.convertToFormat(kRgba16);
+    int most = 0;
+    for (int row = 0; row < x.height(); ++row) {
+        const auto *left = reinterpret_cast<const quint16 *>(x.constScanLine(row));
+        const auto *right = reinterpret_cast<const quint16 *>(y.constScanLine(row));
+        for (int sample = 0; sample < 4 * x.width(); ++sample)
+            most = std::max(most, std::abs(left[sample] - right[sample]));
+    }
+    return most;
+}
+
+struct Row
+{
+    const char *what;
+    const char *command; ///< with IN.png and OUT to be replaced
+    QImage::Format source;
+    QImage::Format expected;
+    int bits;
+    int tolerance; ///< of 16-bit samples
+    QTransform turn = {};
+};
+
+const QTransform kTopToBottom(1, 0, 0, -1, 0, 0);
+const QTransform kLeftToRight(-1, 0, 0, 1, 0, 0);
+
+std::vector<Row> rows()
+{
+    constexpr int k8 = 257;
+    constexpr int k10 = 65535 / 1023 + 1;
+    constexpr int k12 = 65535 / 4095 + 1;
+    std::vector<Row> all;
+#if HAZELMARK_HAS_HEIF
+    const QTransform left = QTransform().rotate(-90);
+    all.insert(all.end(),
+               {{"HEIC", "heif-enc -L -p chroma=444 --matrix_coefficients=0 IN.png -o OUT.heic", kRgb8, kRgb8, 8, k8},
+                {"HEIC with alpha", "heif-enc -L -p chroma=444 IN.png -o OUT.heic", kRgba8, kRgba8, 8, 6 * k8},
+                {"grey HEIC", "heif-enc -L IN.png -o OUT.heic", kGray8, kGray8, 8, 2 * k8},
+                {"AVIF", "avifenc -l IN.png OUT.avif", kRgb8, kRgb8, 8, 0},
+                {"AVIF with alpha", "avifenc -l IN.png OUT.avif", kRgba8, kRgba8, 8, 0},
+                {"AVIF of 10 bits", "avifenc -l -d 10 IN.png OUT.avif", kRgb16, kRgb16, 10, k10},
+                {"AVIF of 12 bits with alpha", "avifenc -l -d 12 IN.png OUT.avif", kRgba16, kRgba16, 12, k12},
+                {"turned AVIF", "avifenc -l --irot 1 IN.png OUT.avif", kRgb8, kRgb8, 8, 0, left},
+                {"mirrored AVIF", "avifenc -l --imir 1 IN.png OUT.avif", kRgb8, kRgb8, 8, 0, kLeftToRight},
+                {"turned, mirrored AVIF", "avifenc -l --irot 1 --imir 0 IN.png OUT.avif", kRgb8, kRgb8, 8, 0,
+                 left * kTopToBottom},
+                {"turned, mirrored AVIF of 10 bits", "avifenc -l -d 10 --irot 3 --imir 0 IN.png OUT.avif", kRgb16,
+                 kRgb16, 10, k10, QTransform().rotate(90) * kTopToBottom},
+                {"mirrored AVIF of 12 bits", "avifenc -l -d 12 --imir 1 IN.png OUT.avif", kRgb16, kRgb16, 12, k12,
+                 kLeftToRight},
+                {"AVIF in tiles", "avifenc -l --grid 2x2 IN.png OUT.avif", kRgb8, kRgb8, 8, 0}});
+#endif
+    return all;
+}
+
+} // namespace
+
+class ForeignFormats : public FolderTest
+{
+protected:
+    /// The file that the command makes of the picture; a command that fails, fails the test.
+    QString made(QString command, const QImage &source) const
+    {
+        const QString input = pathOf(QStringLiteral("in.png"));
+        EXPECT_TRUE(source.save(input));
+        const QString output =
+            pathOf(QStringLiteral("made.") + command.section(QStringLiteral("OUT."), 1).section(u' ', 0, 0));
+        QFile::remove(output);
+        command.replace(QStringLiteral("IN.png"), input);
+        command.replace(QRegularExpression(QStringLiteral("OUT\\.\\w+")), output);
+        QProcess program;
+        program.startCommand(command);
+        EXPECT_TRUE(program.waitForFinished(60'000) && program.exitCode() == 0)
+            << command.toStdString() << ": " << program.errorString().toStdString() << program.readAll().toStdString();
+        return output;
+    }
+};
+
+TEST_F(ForeignFormats, ComeAsTheyWereSaved)
+{
+    for (const Row &row : rows()) {
+        SCOPED_TRACE(row.what);
+        const QImage source = makePicture(256, 192, row.source);
+        const QString file = made(QString::fromLatin1(row.command), source);
+        const Outcome<PhotoPtr> photo = Photo::open(file);
+        ASSERT_TRUE(photo) << photo.failure().sentence().toStdString();
+        const QImage upright = source.transformed(row.turn).convertToFormat(row.expected);
+        EXPECT_EQ((*photo)->info().bitsPerChannel, row.bits);
+        EXPECT_EQ((*photo)->info().hasAlpha, upright.hasAlphaChannel());
+        EXPECT_EQ((*photo)->uprightSizes(), std::vector<QSize>{upright.size()});
+        const Outcome<Picture> picture = (*photo)->decode();
+        ASSERT_TRUE(picture) << picture.failure().sentence().toStdString();
+        EXPECT_EQ(picture->pixels.format(), row.expected);
+        EXPECT_LE(distance(picture->pixels, upright), row.tolerance);
+    }
+}
+
+#if HAZELMARK_HAS_HEIF
+/// A camera has noted that the picture lies on its side; the file's own turn has put it upright.
+TEST_F(ForeignFormats, CarryMetadataOnceTurnedUpright)
+{
+    const auto tag = [](quint32 number, quint32 type, quint32 count, quint32 value) {
+        return littleEndian(number, 2) + littleEndian(type, 2) + littleEndian(count) + littleEndian(value);
+    };
+    const QByteArray exif = "II*" + QByteArray(1, '\0') + littleEndian(8) + littleEndian(2, 2) +
+                            tag(271, 2, 4, 0x656b614d) + tag(274, 3, 1, 6) + littleEndian(0);
+    const QByteArray xmp = "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF "
+                           "xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'><rdf:Description "
+                           "xmlns:tiff='http://ns.adobe.com/tiff/1.0/' tiff:Orientation='6' tiff:Artist='Ann'/>"
+                           "</rdf:RDF></x:xmpmeta>";
+    const QByteArray profile = QColorSpace(QColorSpace::AdobeRgb).iccProfile();
+    const QString command = QStringLiteral("avifenc --irot 3 --exif %1 --xmp %2 --icc %3 IN.png OUT.avif")
+                                .arg(write(QStringLiteral("exif"), exif), write(QStringLiteral("xmp"), xmp),
+                                     write(QStringLiteral("icc"), profile));
+    const Outcome<PhotoPtr> photo = Photo::open(made(command, makePicture(64, 48, kRgb8)));
+    ASSERT_TRUE(photo) << photo.failure().sentence().toStdString();
+    const QVariantMap &dictionary = (*photo)->dictionary();
+    EXPECT_EQ(dictionary[QStringLiteral("Orientation")], QVariant(1));
+    EXPECT_EQ(dictionary[QStringLiteral("{TIFF}")].toMap()[QStringLiteral("Orientation")], QVariant(1));
+    EXPECT_EQ(dictionary[QStringLiteral("{TIFF}")].toMap()[QStringLiteral("Make")], QVariant(QStringLiteral("Make")));
+    EXPECT_EQ((*photo)->uprightSize(), QSize(48, 64));
+    const MetadataBlocks carried = (*photo)->carriedMetadata(QSize(48, 64), WriteFormat::Jpeg);
+    EXPECT_EQ(carried.iccProfile, profile);
+    EXPECT_TRUE(carried.xmp.contains("Ann") && carried.xmp.contains("Orientation=\"1\"")) << carried.xmp.toStdString();
+    const std::optional<TiffBlock> block = TiffBlock::of(carried.exif);
+    ASSERT_TRUE(block);
+    const auto directory = block->directoryAt(block->firstDirectoryOffset());
+    ASSERT_TRUE(directory && directory->find(271) && directory->find(274));
+    EXPECT_EQ(block->number(*directory->find(274)), 1u);
+}
+
+/// By their numbers, or, where they are brighter than white, in sRGB.
+TEST_F(ForeignFormats, ColorsWithoutProfileGetOne)
+{
+    for (const auto &[codes, isConverted] :
+         {std::pair("12/13/1", false), {"9/16/9", true}, {"9/18/9", true}, {"1/13/1", true}}) {
+        QImage white(16, 16, kRgb16);
+        white.fill(Qt::white);
+        const QString command = QStringLiteral("avifenc -l -d 10 --cicp %1 IN.png OUT.avif").arg(QLatin1String(codes));
+        const auto picture = decodePicture(made(command, white));
+        ASSERT_TRUE(picture) << picture.failure().sentence().toStdString();
+        EXPECT_EQ(picture->iccProfile.isEmpty(), isConverted) << codes;
+        EXPECT_GT(samplesOf(picture->pixels, 1).front(), 65000) << codes;
+    }
+}
+#endif
+
+TEST_F(ForeignFormats, CutAtEveryTenthAreRefused)
+{
+    for (const Row &row : rows()) {
+        const QString file = made(QString::fromLatin1(row.command), makePicture(256, 192, row.source));
+        for (qint64 size = QFileInfo(file).size(), tenth = 9; tenth > 0; --tenth) {
+            ASSERT_TRUE(QFile::resize(file, size * tenth / 10));
+            const auto picture = decodePicture(file);
+            EXPECT_FALSE(picture) << row.what << " cut at " << tenth;
+        }
+    }
+}
+
+} // namespace hazelmark
