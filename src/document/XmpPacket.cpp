@@ -41,20 +41,23 @@ constexpr int kDeepest = 64;
 /// Less than this is no picture that shows anything, in whatever letters.
 constexpr qsizetype kLeastSearched = 64;
 
+template <typename List>
+bool startsWithAny(QStringView text, const List &prefixes)
+{
+    return std::any_of(prefixes.begin(), prefixes.end(), [text](QLatin1String p) { return text.startsWith(p); });
+}
+
 bool isRendition(QStringView space, QStringView name)
 {
     if (space == kXmp)
         return name == QLatin1String("Thumbnails");
     if (space == kXmpNote)
         return name == QLatin1String("HasExtendedXMP"); // what it names is joined to the packet
-    if (space == kCamera) {
-        return std::any_of(kRenditionCameraPrefixes.begin(), kRenditionCameraPrefixes.end(),
-                           [name](QLatin1String prefix) { return name.startsWith(prefix); });
-    }
+    if (space == kCamera)
+        return startsWithAny(name, kRenditionCameraPrefixes);
     const bool isGainMap =
         space.contains(QLatin1String("gain-map")) || space.contains(QLatin1String("GainMap"), Qt::CaseInsensitive);
-    return isGainMap || std::any_of(kRenditionNamespaces.begin(), kRenditionNamespaces.end(),
-                                    [space](QLatin1String prefix) { return space.startsWith(prefix); });
+    return isGainMap || startsWithAny(space, kRenditionNamespaces);
 }
 
 bool holdsPicture(QStringView text)

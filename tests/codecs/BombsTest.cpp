@@ -254,6 +254,8 @@ TEST_F(Bombs, HeadersThatClaimMoreThanThereIsAreRefused)
                                    icoHeader(100000), gifHeader({60000, 60000}, {1, 1}), jpegHeader(60000),
                                    jpegHeader(65535), pngHeader(kMost, kMost), bmpHeader(kMost)})
         EXPECT_EQ(reasonFor(file), Reason::TooLarge);
+    for (const QByteArray &file : {tiffHeader(10, 0), tiffHeader(0, 10), pngHeader(0, 10), bmpHeader(0)})
+        EXPECT_EQ(reasonFor(file), Reason::Damaged);
     // Just below the limit the header alone must not cost the memory of the pixels that are not there.
     for (const QByteArray &file :
          {pngHeader(30000, 30000), tiffHeader(30000, 30000), bmpHeader(30000), jpegHeader(30000)}) {

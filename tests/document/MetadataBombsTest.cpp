@@ -55,6 +55,14 @@ TEST(MetadataBombs, LargeNotesAndPacketsAreNotRead)
         EXPECT_EQ(withoutUnusualNote(large).contains(entry), more < 800'000) << more;
         EXPECT_EQ(withoutUnusualNote(large).size(), large.size());
     }
+    for (const int count : {60, 90}) { // of tags that share a kilobyte
+        TiffMaker tiff;
+        TiffEntries entries;
+        for (int i = 0; i < count; ++i)
+            tiff.set(entries, quint16(0xc800 + i), TiffMaker::kUndefined, 1000, tiff.place(8));
+        const QByteArray sharing = tiff.startingAt(tiff.directory(entries)).leftJustified(1500, '\0');
+        EXPECT_EQ(hasPlausibleTags(sharing), count == 60);
+    }
     for (const int packet : {10'000, 100'000}) {
         const QString path = writeBytes(folder, QStringLiteral("a.tif"), tiffWith(0x02bc, packet));
         EXPECT_EQ(hasPlausibleTags(**SourceFile::open(path)), packet < 100'000) << packet;
@@ -70,6 +78,18 @@ TEST(MetadataBombs, ThousandsOfKeywordsAreReadAndCarriedMillionsAreNotAll)
     const QVariantMap dict = dictionaryOf(path).value_or(QVariantMap());
     EXPECT_EQ(dict[kIptcGroup].toMap()[QStringLiteral("Keywords")].toList().size(), 60'000);
     EXPECT_EQ(iptcRecords(keywords.repeated(40)).size(), 1'000'000U);
+    // Longer values state how long their length is.
+    const QByteArray head("\x1c\2\x78\x80\4\0\0\x9c\x40", 9);
+    const QByteArray caption(40'000, 'c');
+    for (const auto &[block, count] : {std::pair(head + caption, 1U),
+                                       {head + caption.chopped(1), 0U},
+                                       {head.left(7), 0U},
+                                       {head + caption + iptcDataSet(25, "sea"), 2U},
+                                       {iptcDataSet(25, "sea") + QByteArray(3, '\0') + head + caption, 2U}})
+        EXPECT_EQ(iptcRecords(block).size(), count);
+    LeftOut none;
+    EXPECT_EQ(carriedIptc(head + caption, none), head + caption);
+    EXPECT_TRUE(none.text().isEmpty());
 }
 
 TEST(MetadataBombs, HugeCountsAndLongTextsAreBounded)

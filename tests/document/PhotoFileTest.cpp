@@ -12,12 +12,11 @@ namespace hazelmark {
 TEST(PhotoFile, DescribesTheFileAndTheUprightPicture)
 {
     const QTemporaryDir folder;
-    for (const char *orientation : {"1", "3", "6", "8"}) {
-        const QString path = writePhoto(folder, WriteFormat::Jpeg,
-                                        {.exif = exifBlock({{"Exif.Image.Orientation", orientation}})}, QSize(40, 30));
+    for (const int orientation : {1, 3, 6, 8}) {
+        const QString path = writePhoto(folder, WriteFormat::Jpeg, oriented(orientation));
         const PhotoFile photo(path);
-        EXPECT_EQ(photo.width(), *orientation >= '5' ? 30 : 40) << orientation;
-        EXPECT_EQ(photo.height(), *orientation >= '5' ? 40 : 30) << orientation;
+        EXPECT_EQ(photo.width(), orientation >= 5 ? 30 : 40) << orientation;
+        EXPECT_EQ(photo.height(), orientation >= 5 ? 40 : 30) << orientation;
         EXPECT_EQ(photo.fileURL(), path);
         EXPECT_EQ(photo.fileName(), path.section(QLatin1Char('/'), -1));
         EXPECT_EQ(photo.fileContainerFolderName(), path.section(QLatin1Char('/'), -2, -2));

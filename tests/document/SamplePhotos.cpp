@@ -83,6 +83,11 @@ QByteArray readBytes(const QString &path)
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
+MetadataBlocks oriented(int orientation)
+{
+    return {.exif = exifBlock({{"Exif.Image.Orientation", std::to_string(orientation).c_str()}})};
+}
+
 MetadataBlocks richMetadata()
 {
     MetadataBlocks blocks;

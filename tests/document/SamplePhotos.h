@@ -41,6 +41,9 @@ QString writePhoto(const QTemporaryDir &folder, WriteFormat format, const Metada
 QString writeBytes(const QTemporaryDir &folder, const QString &name, const QByteArray &bytes);
 QByteArray readBytes(const QString &path);
 
+/// A photo's blocks that say that it is to be turned.
+MetadataBlocks oriented(int orientation);
+
 /// A photo's blocks as a camera and an editor would leave them: camera, exposure, position, caption, keywords, rating.
 MetadataBlocks richMetadata();
 

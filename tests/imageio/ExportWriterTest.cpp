@@ -38,10 +38,8 @@ protected:
     /// A photo whose tag says 6, so that it is stored 30 pixels wide.
     ExportWriter::Settings settings(WriteFormat format = WriteFormat::Png)
     {
-        MetadataBlocks blocks;
-        blocks.exif = exifBlock({{"Exif.Image.Orientation", "6"}});
         const QImage stored = noise(kUpright.transposed(), QImage::Format_RGBX8888);
-        const PhotoFile photo(writePhoto(m_folder, format, blocks, stored));
+        const PhotoFile photo(writePhoto(m_folder, format, oriented(6), stored));
         return {photo, ExportFormats::forSource(photo.fileExtension()).formats, QStringLiteral("png")};
     }
     QString path(const char *name) const { return m_folder.filePath(QLatin1String(name)); }
@@ -75,29 +73,26 @@ TEST_F(Writer, TheFileHasThePhotosPixelsWhateverTheScreensScale)
 
 TEST_F(Writer, AnExtensionThatTheListLacksFallsBackToJpgOrWritesNothing)
 {
-    struct Case
-    {
-        WriteFormat source;
-        const char *type;
-        const char *written; ///< empty: nothing
-    };
     const PhotoImagePtr picture = PhotoImage::fromBitmap(noise(kUpright, QImage::Format_RGBX8888));
-    for (const Case &c :
-         {Case{WriteFormat::Png, "Png", ""}, Case{WriteFormat::Png, "jpg", ""}, Case{WriteFormat::Png, "", "png"},
-          Case{WriteFormat::Png, "gif", "gif"}, Case{WriteFormat::Jpeg, "JPG", "jpeg"},
-          Case{WriteFormat::Jpeg, "Png", "jpeg"}, Case{WriteFormat::Jpeg, "png", "png"}}) {
-        ExportWriter::Settings chosen = settings(c.source);
-        chosen.fileTypeToExportImage = QLatin1String(c.type);
+    for (const auto &[source, type, expected] : {std::tuple(WriteFormat::Png, "Png", ""), // nothing
+                                                 {WriteFormat::Png, "jpg", ""},
+                                                 {WriteFormat::Png, "", "png"},
+                                                 {WriteFormat::Png, "gif", "gif"},
+                                                 {WriteFormat::Jpeg, "JPG", "jpeg"},
+                                                 {WriteFormat::Jpeg, "Png", "jpeg"},
+                                                 {WriteFormat::Jpeg, "png", "png"}}) {
+        ExportWriter::Settings chosen = settings(source);
+        chosen.fileTypeToExportImage = QLatin1String(type);
         QByteArray before;
         for (const double quality : {0.0, 1.0}) { // the slider changes nothing
             QFile::remove(path("chosen"));
             chosen.sliderExportQuality = quality;
             ExportWriter(chosen).saveDenoisedImageInDirectoryPath(path("chosen"), picture);
             const Outcome<PictureInfo> written = readPictureInfo(path("chosen"));
-            EXPECT_EQ(written ? written->format : QByteArray(), c.written) << c.type;
-            EXPECT_EQ(QFile::exists(path("chosen")), bool(written)) << c.type;
+            EXPECT_EQ(written ? written->format : QByteArray(), expected) << type;
+            EXPECT_EQ(QFile::exists(path("chosen")), bool(written)) << type;
             const QByteArray bytes = written ? readBytes(path("chosen")) : QByteArray();
-            EXPECT_TRUE(quality == 0.0 || bytes == before) << c.type;
+            EXPECT_TRUE(quality == 0.0 || bytes == before) << type;
             before = bytes;
         }
     }

@@ -16,23 +16,10 @@ using testing::samplesAt;
 
 namespace {
 
-class ImageLoaderFiles : public ::testing::Test
+struct ImageLoaderFiles : ::testing::Test
 {
-protected:
-    QString write(const QImage &image, const MetadataBlocks &metadata, WriteFormat format = WriteFormat::Png)
-    {
-        return writePhoto(m_folder, format, metadata, image);
-    }
-
-    QTemporaryDir m_folder;
+    const QTemporaryDir m_folder;
 };
-
-MetadataBlocks tagged(int orientation)
-{
-    MetadataBlocks blocks;
-    blocks.exif = exifBlock({{"Exif.Image.Orientation", QByteArray::number(orientation).constData()}});
-    return blocks;
-}
 
 } // namespace
 
@@ -41,10 +28,11 @@ TEST_F(ImageLoaderFiles, ThePictureStandsUprightWithItsProfile)
     for (const QImage::Format format : {QImage::Format_RGBX8888, QImage::Format_RGBA64}) {
         const QImage upright = noise({64, 48}, format);
         for (int orientation = 0; orientation <= 8; ++orientation) { // 0: no metadata
-            MetadataBlocks blocks = orientation > 0 ? tagged(orientation) : MetadataBlocks();
+            MetadataBlocks blocks = orientation > 0 ? oriented(orientation) : MetadataBlocks();
             if (orientation % 2 == 1)
                 blocks.iccProfile = QColorSpace(QColorSpace::DisplayP3).iccProfile();
-            const QString path = write(FlippedImage::RotateWithEXIF(upright, orientation), blocks);
+            const QString path =
+                writePhoto(m_folder, WriteFormat::Png, blocks, FlippedImage::RotateWithEXIF(upright, orientation));
             EXPECT_EQ(ImageLoader::getImageOriginalSizeAtFilePathUrl(path), QSizeF(64, 48));
             const PhotoImagePtr photo = ImageLoader::getImageWithFixedOrientionFromUrl(path);
             ASSERT_TRUE(photo);
@@ -82,7 +70,8 @@ TEST_F(ImageLoaderFiles, GrayBecomesRgbWithTheSameLevels)
 
 TEST_F(ImageLoaderFiles, FailuresAreToldOnStandardErrorWithoutALineEnd)
 {
-    const QByteArray whole = readBytes(write(noise({64, 64}, QImage::Format_RGBX8888), {}, WriteFormat::Jpeg));
+    const QByteArray whole =
+        readBytes(writePhoto(m_folder, WriteFormat::Jpeg, {}, noise({64, 64}, QImage::Format_RGBX8888)));
     QByteArray lossless = whole; // the file opens, but nobody can make a picture of it
     lossless[lossless.indexOf("\xff\xc0") + 1] = '\xc3';
     using Reason = Failure::Reason;
