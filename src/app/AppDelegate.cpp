@@ -1,9 +1,12 @@
 #include "AppDelegate.h"
 
 #include "AboutDialog.h"
+#include "EditMenus.h"
 #include "ImageCatalog.h"
+#include "KeyboardDialog.h"
 #include "Log.h"
 #include "MainMenu.h"
+#include "ManualWindow.h"
 #include "NotificationNames.h"
 #include "ProcessState.h"
 #include "PromotionWindow.h"
@@ -87,7 +90,14 @@ void AppDelegate::openMainWindow()
         connect(m_mainMenu.get(), &MainMenu::helpTapped, this, &AppDelegate::showHelp);
         connect(m_mainMenu.get(), &MainMenu::linkTapped, this, &AppDelegate::helpMenuItemTapped);
         connect(m_mainMenu.get(), &MainMenu::aboutTapped, this, &AppDelegate::showAbout);
+        connect(m_mainMenu.get(), &MainMenu::keyboardTapped, this, &AppDelegate::showKeys);
+        connect(&m_mainMenu->editMenus(), &EditMenus::commandTapped, this, [](MenuCommand command, int index) {
+            NotificationCenter::defaultCenter().post(
+                kNotificationCommandFromMenuTapped,
+                {{kCommandKey, static_cast<int>(command)}, {kCommandIndexKey, index}});
+        });
         updateMenu();
+        setMenuState(m_menuState); // the main screen was there before the menus
     }
     m_myWindowController->showWindow();
 }
@@ -180,8 +190,28 @@ void AppDelegate::showHelp()
 void AppDelegate::helpMenuItemTapped(int tag)
 {
     const QUrl address = linkForTag(tag);
-    if (!address.isEmpty())
-        Workspace::sharedWorkspace().openUrl(address);
+    if (address.isEmpty())
+        return;
+    Workspace::sharedWorkspace().openUrl(address, [self = QPointer(this), tag](bool opened) {
+        if (self && !opened && tag == LinkTable::kHomePageTag)
+            self->showManual();
+    });
+}
+
+/// The manual in a window of the program's own, where the desktop has no browser.
+void AppDelegate::showManual()
+{
+    if (!m_manual)
+        m_manual = new ManualWindow(linkForTag(LinkTable::kHomePageTag), m_mainMenu->btnHelpApp->text(),
+                                    m_myWindowController->windowMain());
+    m_manual->show();
+    m_manual->raise();
+    m_manual->activateWindow();
+}
+
+void AppDelegate::showKeys()
+{
+    SheetQueue::forWindow(*m_myWindowController->windowMain()).present(new KeyboardDialog(m_localisation));
 }
 
 void AppDelegate::btnSetLanguageAction(int tag)
@@ -266,6 +296,13 @@ void AppDelegate::updateMenu()
 {
     if (m_mainMenu)
         m_mainMenu->setAvailable(m_selectedImageFile != nullptr, isUiDisabled());
+}
+
+void AppDelegate::setMenuState(const MenuState &state)
+{
+    m_menuState = state;
+    if (m_mainMenu)
+        m_mainMenu->editMenus().setState(state);
 }
 
 QString AppDelegate::getLocalizedStringForKey(const QString &key)

@@ -16,6 +16,7 @@
 namespace hazelmark {
 
 class MainMenu;
+class ManualWindow;
 class PromotionWindow;
 class TitlebarWindow;
 
@@ -50,6 +51,8 @@ public:
     void btnSetLanguageAction(int tag);
     void btnQuitApp();
     void showAbout();
+    void showKeys();
+    void showManual();
 
     void openMainWindow();
     void promotionWindowSetup();
@@ -68,6 +71,7 @@ public:
     QString getLocalizedStringForKey(const QString &key) override;
     QUrl linkForTag(int tag) const override { return m_links.address(tag); }
     void showAlertForRateApp() override;
+    void setMenuState(const MenuState &state) override;
 
     QString getLocalizedString(const QString &key, const QString &text);
     const Localisation &localisation() const { return m_localisation; }
@@ -100,6 +104,8 @@ private:
     LinkTable m_links;
     std::unique_ptr<MainWinController> m_myWindowController;
     std::unique_ptr<MainMenu> m_mainMenu;
+    MenuState m_menuState;
+    QPointer<ManualWindow> m_manual;
     std::unique_ptr<PromotionWindow> m_windowPromotion;
     std::shared_ptr<PhotoFile> m_selectedImageFile;
     QStringList m_arraySelectedImagesToProcess;

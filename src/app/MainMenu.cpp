@@ -1,14 +1,17 @@
 #include "MainMenu.h"
 
 #include "Bundle.h"
+#include "EditMenus.h"
 #include "FormatString.h"
 #include "Localisation.h"
 
 #include <QAction>
 #include <QMenu>
 #include <QMenuBar>
+#include <QShortcut>
 
 #include <array>
+#include <utility>
 
 namespace hazelmark {
 
@@ -34,8 +37,28 @@ MainMenu::MainMenu(const LinkTable &links)
     : m_menuBar(new QMenuBar)
 {
     makeFileMenu();
+    m_editMenus = new EditMenus(*m_menuBar);
     makeLanguageMenu();
     makeHelpMenu(links);
+    makeMenuKeys();
+}
+
+/// The same in every language, whatever the titles are.
+void MainMenu::makeMenuKeys()
+{
+    const std::pair<int, QMenu *> menus[] = {{Qt::Key_F10, menuFile},
+                                             {Qt::ALT | Qt::Key_F, menuFile},
+                                             {Qt::ALT | Qt::Key_E, m_editMenus->menuEdit},
+                                             {Qt::ALT | Qt::Key_V, m_editMenus->menuView},
+                                             {Qt::ALT | Qt::Key_L, menuLanguage},
+                                             {Qt::ALT | Qt::Key_H, menuHelp}};
+    for (const auto &[key, menu] : menus) {
+        auto *shortcut = new QShortcut(QKeySequence(key), m_menuBar);
+        connect(shortcut, &QShortcut::activated, m_menuBar, [this, menu = menu] {
+            m_menuBar->setActiveAction(menu->menuAction());
+            menu->setActiveAction(menu->actions().first());
+        });
+    }
 }
 
 void MainMenu::makeFileMenu()
@@ -72,6 +95,7 @@ void MainMenu::makeHelpMenu(const LinkTable &links)
 {
     menuHelp = m_menuBar->addMenu(QString());
     btnTips = menuHelp->addAction(QString(), this, &MainMenu::tipsTapped);
+    btnKeyboard = menuHelp->addAction(QString(), this, &MainMenu::keyboardTapped);
     // The item of tag 0 as well: the program's own page is its manual.
     btnHelpApp = menuHelp->addAction(QString(), QKeySequence(Qt::Key_F1), this, &MainMenu::helpTapped);
     if (!links.address(LinkTable::kStorePageTag).isEmpty()) {
@@ -116,6 +140,8 @@ void MainMenu::setLocalizedStrings(Localisation &texts)
     btnHelpApp->setText(both(bundleName(), lookup("HELP")));
     btnRecommendedApps->setText(asTitle(formatString(QStringLiteral("%@ :-"), {lookup("RECOMMENDED_APPS")})));
     btnTips->setText(asTitle(lookup("SHOW_TIPS")));
+    btnKeyboard->setText(asTitle(lookup("KEYBOARD")));
+    m_editMenus->setLocalizedStrings(texts);
     menuLanguage->setTitle(asTitle(lookup("LANGUAGE")));
     m_languageInForce = texts.languageInForce();
     markLanguage();

@@ -10,6 +10,7 @@ class QMenuBar;
 
 namespace hazelmark {
 
+class EditMenus;
 class Localisation;
 
 /// The menu bar of the main window. Its items say only what was chosen; the application delegate acts.
@@ -23,6 +24,7 @@ public:
 
     /// The window that shows it becomes its owner.
     QMenuBar *menuBar() const { return m_menuBar; }
+    EditMenus &editMenus() const { return *m_editMenus; }
     /// Gives every item its text.
     void setLocalizedStrings(Localisation &texts);
     /// An item that makes no sense without a photo, or during an export, is disabled, its key with it.
@@ -34,6 +36,7 @@ public:
     QAction *btnSaveAsOnMenu = nullptr;
     QAction *btnQuitApp = nullptr;
     QAction *btnTips = nullptr;
+    QAction *btnKeyboard = nullptr; ///< the list of keys
     QAction *btnHelpApp = nullptr;
     QAction *btnStorePage = nullptr;       ///< null when there is no such page
     QAction *btnRecommendedApps = nullptr; ///< the heading over the recommended programs; hidden without any
@@ -50,6 +53,7 @@ signals:
     void quitTapped();
     void languageTapped(int tag);
     void tipsTapped();
+    void keyboardTapped();
     void helpTapped();
     void linkTapped(int tag);
     void aboutTapped();
@@ -59,8 +63,10 @@ private:
     void makeLanguageMenu();
     void markLanguage();
     void makeHelpMenu(const LinkTable &links);
+    void makeMenuKeys();
 
     QMenuBar *m_menuBar;
+    EditMenus *m_editMenus = nullptr;
     QList<QAction *> m_languages; ///< by tag
     int m_languageInForce = 0;    ///< its tag
     QAction *m_languageFollowsSystem = nullptr;

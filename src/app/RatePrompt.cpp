@@ -19,6 +19,7 @@ const QString kOpenedCount = QStringLiteral("appOpenedCount");
 const QString kAnsweredVersion = QStringLiteral("appVersion");
 constexpr int kLaunchesBeforePrompt = 6;
 constexpr std::chrono::milliseconds kPromptDelay{200};
+constexpr std::chrono::milliseconds kDeafTime{500};
 
 QString bundleVersion()
 {
@@ -58,6 +59,7 @@ void RatePrompt::showAlertForRateApp()
                              QStringLiteral("If you enjoy using our app, would you like to rate us on app store?"),
                              QStringLiteral("YES"), QStringLiteral("NO"));
     m_alert->setIcon(QStringLiteral("info"));
+    m_alert->setDeafFor(kDeafTime);
     connect(m_alert, &AlertSheet::finished, this, &RatePrompt::alertDidEndClose);
     SheetQueue::forWindow(*window).present(m_alert);
 }

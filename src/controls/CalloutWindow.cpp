@@ -4,10 +4,13 @@
 #include "Theme.h"
 
 #include <QKeyEvent>
+#include <QLabel>
 #include <QPainter>
 #include <QScreen>
+#include <QTimer>
 
 #include <algorithm>
+#include <chrono>
 
 namespace hazelmark {
 
@@ -17,6 +20,8 @@ constexpr int kArrowLength = 8;
 constexpr int kArrowHalfWidth = 8;
 constexpr int kRadius = 6;
 constexpr int kInset = theme::kSpacing; ///< from the outline to the content
+constexpr int kLongestLine = 420;
+constexpr std::chrono::seconds kReadingTime{8};
 
 Qt::Edge opposite(Qt::Edge edge)
 {
@@ -57,7 +62,30 @@ QPoint placeAt(const QRect &anchor, QSize size, Qt::Edge edge)
 } // namespace
 
 CalloutWindow::CalloutWindow(QWidget *content, QWidget *parent)
-    : QWidget(parent, Qt::Popup | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint)
+    : CalloutWindow(content, parent, Qt::Popup)
+{
+}
+
+CalloutWindow *CalloutWindow::saying(const QString &text, QWidget *parent)
+{
+    auto *label = new QLabel(text);
+    label->setTextFormat(Qt::PlainText); // file names may hold anything
+    label->setWordWrap(label->sizeHint().width() > kLongestLine);
+    if (label->wordWrap())
+        label->setFixedSize(kLongestLine, label->heightForWidth(kLongestLine));
+    // Not a pop-up: that would close at a press elsewhere, and take the pointer from a drag that goes on.
+    auto *callout = new CalloutWindow(label, parent, Qt::ToolTip);
+    callout->m_takesFocus = false;
+    callout->setAttribute(Qt::WA_ShowWithoutActivating);
+    callout->setAttribute(Qt::WA_TransparentForMouseEvents);
+    callout->setAttribute(Qt::WA_DeleteOnClose);
+    callout->setAccessibleName(text);
+    QTimer::singleShot(kReadingTime, callout, &QWidget::close);
+    return callout;
+}
+
+CalloutWindow::CalloutWindow(QWidget *content, QWidget *parent, Qt::WindowFlags flags)
+    : QWidget(parent, flags | Qt::FramelessWindowHint | Qt::NoDropShadowWindowHint)
     , m_content(content)
 {
     content->setParent(this);
@@ -105,7 +133,8 @@ void CalloutWindow::showRelativeTo(const QWidget &anchor, Qt::Edge edge)
         setMask(QRegion(outline().toFillPolygon().toPolygon()));
     move(corner);
     show();
-    m_content->setFocus(Qt::PopupFocusReason);
+    if (m_takesFocus)
+        m_content->setFocus(Qt::PopupFocusReason);
 }
 
 QPainterPath CalloutWindow::outline() const

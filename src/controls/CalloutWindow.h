@@ -13,6 +13,8 @@ class CalloutWindow : public QWidget
 public:
     /// `content` becomes a child of the callout and gives it its size.
     explicit CalloutWindow(QWidget *content, QWidget *parent = nullptr);
+    /// A callout that only says something: it takes neither focus nor presses, and goes after a while.
+    static CalloutWindow *saying(const QString &text, QWidget *parent);
 
     /// Shows the callout at `edge` of `anchor`, its arrow on the edge's middle, or as near to that as the screen
     /// allows. Where there is no room on that side it stands on the opposite one.
@@ -30,7 +32,10 @@ private:
     QPainterPath outline() const;
     void layOut(Qt::Edge arrowSide);
 
+    CalloutWindow(QWidget *content, QWidget *parent, Qt::WindowFlags flags);
+
     QWidget *m_content;
+    bool m_takesFocus = true;
     Qt::Edge m_arrowSide = Qt::TopEdge; ///< of the callout
     int m_arrowPosition = 0;            ///< along that side, in points
 };

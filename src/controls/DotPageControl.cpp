@@ -1,5 +1,6 @@
 #include "DotPageControl.h"
 
+#include "AccessibleRole.h"
 #include "FocusRing.h"
 #include "Theme.h"
 
@@ -18,6 +19,7 @@ DotPageControl::DotPageControl(QWidget *parent)
     , m_currentFill(theme::kText)
     , m_stroke(theme::kQuietText)
 {
+    setAccessibleRole(*this, QAccessible::PageTabList);
     setFocusPolicy(Qt::TabFocus);
     setCursor(Qt::PointingHandCursor);
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);

@@ -1,5 +1,7 @@
 #include "ScaleToFillImageView.h"
 
+#include "AccessibleRole.h"
+
 #include <QPainter>
 
 namespace hazelmark {
@@ -7,6 +9,7 @@ namespace hazelmark {
 ScaleToFillImageView::ScaleToFillImageView(QWidget *parent)
     : QWidget(parent)
 {
+    setAccessibleRole(*this, QAccessible::Graphic);
 }
 
 void ScaleToFillImageView::setImage(const QPixmap &image)

@@ -1,5 +1,6 @@
 #include "TitlebarWindow.h"
 
+#include "AccessibleRole.h"
 #include "Compositor.h"
 #include "FrameEdge.h"
 #include "IMGButton.h"
@@ -48,6 +49,7 @@ TitlebarWindow::TitlebarWindow(QWidget *parent)
 {
     if (m_composited)
         setAttribute(Qt::WA_TranslucentBackground);
+    setAccessibleRole(*this, QAccessible::Window);
     makeButtons();
     for (const auto edges : kEdges)
         m_edges.push_back(new FrameEdge(Qt::Edges(edges), *this));
@@ -59,6 +61,7 @@ void TitlebarWindow::makeButtons()
 {
     const auto make = [this](const QString &name, std::function<void()> Actions::*action) {
         auto *button = new IMGButton(this);
+        setAccessibleRole(*button, QAccessible::Button);
         setButtonImages(*button, name + QStringLiteral("-normal"), name + QStringLiteral("-press"),
                         name + QStringLiteral("-hover"));
         connect(button, &IMGButton::clicked, this, [this, action] { (m_actions.*action)(); });
@@ -74,6 +77,9 @@ void TitlebarWindow::makeButtons()
     m_fullScreenButton = make(QStringLiteral("full"), &Actions::fullScreen);
     auto *fullScreenKey = new QShortcut(QKeySequence(Qt::Key_F11), this);
     connect(fullScreenKey, &QShortcut::activated, this, [this] { m_actions.fullScreen(); });
+    m_leaveFullScreenKey = new QShortcut(QKeySequence(Qt::Key_Escape), this);
+    m_leaveFullScreenKey->setEnabled(false);
+    connect(m_leaveFullScreenKey, &QShortcut::activated, this, [this] { m_actions.fullScreen(); });
 }
 
 void TitlebarWindow::setActions(const Actions &actions)
@@ -101,6 +107,7 @@ void TitlebarWindow::setButtonNames(const QString &close, const QString &minimiz
     name(m_minimizeButton, minimize);
     name(m_zoomButton, zoom);
     name(m_fullScreenButton, fullScreen);
+    m_fullScreenButton->setToolTip(fullScreen + QStringLiteral(" (F11)"));
 }
 
 void TitlebarWindow::setContentView(QWidget *view)
@@ -227,6 +234,7 @@ void TitlebarWindow::changeEvent(QEvent *event)
     layOut();
     if (isFullScreen() != m_wasFullScreen) {
         m_wasFullScreen = isFullScreen();
+        m_leaveFullScreenKey->setEnabled(m_wasFullScreen);
         if (m_wasFullScreen)
             emit didEnterFullScreen();
         else

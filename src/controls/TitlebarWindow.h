@@ -7,6 +7,7 @@
 #include <vector>
 
 class QMenuBar;
+class QShortcut;
 
 namespace hazelmark {
 
@@ -108,6 +109,7 @@ private:
     IMGButton *m_minimizeButton = nullptr;
     IMGButton *m_zoomButton = nullptr;
     IMGButton *m_fullScreenButton = nullptr;
+    QShortcut *m_leaveFullScreenKey = nullptr;
     std::vector<FrameEdge *> m_edges;
     Actions m_actions;
     int m_titleBarHeight;

@@ -2,6 +2,7 @@
 #include "Bundle.h"
 #include "MainScreenVC.h"
 #include "SafeFile.h"
+#include "ScreenScale.h"
 #include "TerminationSignals.h"
 #include "Theme.h"
 #include "ToolkitTexts.h"
@@ -10,11 +11,14 @@
 #include <QCommandLineParser>
 #include <QFileInfo>
 
+#include <vector>
+
 using namespace hazelmark;
 
 int main(int argc, char **argv)
 {
     SafeFile::handleSignals(); // for the signals that are not turned into an orderly end below
+    std::vector<char *> arguments(argv, argv + argc + 1); // the toolkit takes its own out
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName(QStringLiteral("hazelmark"));
     QCoreApplication::setApplicationVersion(
@@ -27,10 +31,11 @@ int main(int argc, char **argv)
     commandLine.addPositionalArgument(QStringLiteral("PHOTO"), QStringLiteral("the photo to open"),
                                       QStringLiteral("[PHOTO]"));
     commandLine.process(application);
-    const QStringList photos = commandLine.positionalArguments();
-    if (photos.size() > 1)
-        commandLine.showHelp(2);
+    QStringList photos = commandLine.positionalArguments();
+    for (QString &photo : photos)
+        photo = QFileInfo(photo).absoluteFilePath();
 
+    ScreenScale::apply(arguments.data());
     theme::apply(application);
     installToolkitTexts(application);
     MainScreenVC *screen = nullptr;
@@ -43,7 +48,6 @@ int main(int argc, char **argv)
     const TerminationSignals terminationSignals;
     QObject::connect(&terminationSignals, &TerminationSignals::received, &delegate, &AppDelegate::btnQuitApp);
     delegate.applicationDidFinishLaunching();
-    if (!photos.isEmpty())
-        screen->photoDraggedWithPath(QFileInfo(photos.first()).absoluteFilePath());
+    screen->openPhotos(photos);
     return QApplication::exec();
 }

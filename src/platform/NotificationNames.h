@@ -5,12 +5,17 @@
 namespace hazelmark {
 
 // The names that are posted on the default notification centre. The misspellings are part of the names. None carries
-// user info but kNotificationSetupHeader.
+// user info but kNotificationSetupHeader and kNotificationCommandFromMenuTapped.
 
 inline constexpr QLatin1String kNotificationOpenPhotoFromMenuTapped("notificationOpenPhotoFromMenuTapped");
 inline constexpr QLatin1String kNotificationClosePhotoFromMenuTapped("notificationClosePhotoFromMenuTapped");
 inline constexpr QLatin1String kNotificationSavePhotoFromMenuTapped("notificationSavePhotoFromMenuTapped");
 inline constexpr QLatin1String kNotificationShowTipsFromMenuTapped("notificationShowTipsFromMenuTapped");
+/// A command of the Edit or the View menu. User info: kCommandKey, a number of MenuCommand, and kCommandIndexKey, which
+/// of several (stored paintings).
+inline constexpr QLatin1String kNotificationCommandFromMenuTapped("notificationCommandFromMenuTapped");
+inline constexpr QLatin1String kCommandKey("COMMAND");
+inline constexpr QLatin1String kCommandIndexKey("INDEX");
 inline constexpr QLatin1String kNotificationUpdateLanguage("notificationUpdateLanguage");
 
 /// The main screen stands in its window and may dress the title strip. User info: kWindowObjectKey.

@@ -76,7 +76,7 @@ TEST_F(AppDelegateTest, LaunchesActiveWithTheMainScreenAndMenusInTheSystemsLangu
     const QString german =
         u"#Datei|Öffnen …|Schließen||(Speichern)|(Speichern unter …)||Beenden Hazelmark|"
         "#Sprache|English|Français|Deutsch*|中文|日本語||(Richtet sich nach der Sprache des Systems)|"
-        "#Hilfe|Tipps anzeigen|Hazelmark Hilfe|Hazelmark in der Softwareverwaltung||(Empfohlene Programme :-)|GIMP|darktable|digiKam||Über Hazelmark"_s;
+        "#Hilfe|Tipps anzeigen|Tastatur|Hazelmark Hilfe|Hazelmark in der Softwareverwaltung||(Empfohlene Programme :-)|GIMP|darktable|digiKam||Über Hazelmark"_s;
     EXPECT_EQ(titles(), german);
     m_desktop.observe({kNotificationUpdateLanguage});
     menu().menuLanguage->actions()[4]->trigger();
@@ -114,7 +114,7 @@ TEST_F(AppDelegateTest, MenuItemsActWhileTheyMakeSense)
     }
     m_delegate.showHelp();
     menu().btnStorePage->trigger();
-    menu().menuHelp->actions().at(5)->trigger();
+    menu().menuHelp->actions().at(6)->trigger();
     m_delegate.helpMenuItemTapped(8);
     EXPECT_EQ(m_desktop.m_workspace.m_opened,
               QStringList({u"index.html"_s, u"appstream:org.hazelmark.Hazelmark"_s, u"appstream:org.gimp.GIMP"_s}));

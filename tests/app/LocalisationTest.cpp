@@ -62,7 +62,7 @@ QSet<QString> keysOfTheSources()
     static const QRegularExpression kLookup(
         u"(?:getLocalizedString(?:ForKey)?|lookup)\\(\\s*(?:QStringLiteral\\(|u)?\"([A-Z0-9_]+)\""_s);
     static const QRegularExpression kKey(u"\"([A-Z][A-Z0-9]*(?:_[A-Z0-9]+)+)\""_s);
-    static const QRegularExpression kNoKey(u"^(XDG|DBUS|QT|WAYLAND|DONOT_TRANSLATE)_|^WINDOW_OBJECT$"_s);
+    static const QRegularExpression kNoKey(u"^(HAZELMARK|XDG|DBUS|QT|WAYLAND|DONOT_TRANSLATE)_|^WINDOW_OBJECT$"_s);
     QSet<QString> keys;
     const QString root = QStringLiteral(HAZELMARK_SOURCE_DIR "/src/");
     QDirIterator files(root, {u"*.cpp"_s, u"*.h"_s}, QDir::Files, QDirIterator::Subdirectories);

@@ -84,7 +84,7 @@ TEST_F(SettingsPanelTest, HasEveryControlUnderItsNameShowsWhatWorksAtFirstAndSen
         const auto *slider = m_panel.findChild<FloatSlider *>(QStringLiteral("slider") + name);
         const auto *field = m_panel.findChild<QLineEdit *>(QStringLiteral("txt") + name);
         ASSERT_TRUE(slider && slider == m_panel.slider(row.setting) && field) << row.name;
-        EXPECT_EQ(slider->accessibleName(), QLatin1String(row.nameKey) + QStringLiteral(" %@"));
+        EXPECT_EQ(slider->accessibleName(), QLatin1String(row.labelKey) + QStringLiteral(" %@"));
         EXPECT_EQ(field->accessibleName(), slider->accessibleName());
         EXPECT_EQ(field->isReadOnly(), !row.isTyped) << row.name;
         const bool works = row.region == SettingRegion::Brush || row.setting == Setting::BlurAmount ||

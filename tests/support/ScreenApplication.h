@@ -18,10 +18,12 @@ public:
     QUrl linkForTag(int) const override { return {}; }
     QString getLocalizedStringForKey(const QString &key) override { return key + QStringLiteral(" %@"); }
     void showAlertForRateApp() override { ++m_rateAlerts; }
+    void setMenuState(const MenuState &state) override { m_menu = state; }
 
     std::shared_ptr<PhotoFile> m_file;
     QStringList m_toProcess;
     int m_rateAlerts = 0;
+    MenuState m_menu;
 };
 
 } // namespace hazelmark

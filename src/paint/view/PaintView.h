@@ -57,6 +57,13 @@ public:
     /// Ends the stroke that is under way, if there is one, with what is painted so far.
     void finishStroke();
 
+    /// What can be seen of the canvas, in points of this view.
+    QRectF visibleFrame() const { return m_visible.translated(-geometry().topLeft()); }
+    // A stroke by keyboard, at places in points of this view. The first says whether it has begun: one at a time.
+    bool beginKeyStroke(QPointF place) { return beginStroke(Stroke::Keys, place); }
+    void continueKeyStroke(QPointF place) { continueStroke(Stroke::Keys, place); }
+    void endKeyStroke() { endStroke(Stroke::Keys); }
+
     // The pointer's coming and going, as the tracker tells of them.
     void mouseEntered();
     void mouseExited();
@@ -86,7 +93,7 @@ signals:
 
 private:
     /// What draws the stroke: one at a time, the others wait.
-    enum class Stroke { None, Mouse, Pen, Touch };
+    enum class Stroke { None, Mouse, Pen, Touch, Keys };
 
     QPointF frameOffset() const;
     QPointF canvasPoint(QPointF position) const;

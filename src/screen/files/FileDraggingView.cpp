@@ -50,9 +50,12 @@ void FileDraggingView::dragEnterEvent(QDragEnterEvent *event)
     // What is no list of files is not refused here; dropping it does nothing.
     if (event->mimeData()->hasUrls()) {
         const QStringList paths = draggedPaths(*event->mimeData());
-        if (!std::all_of(paths.begin(), paths.end(), [this](const QString &path) { return isImage(path); })) {
+        const auto other =
+            std::find_if_not(paths.begin(), paths.end(), [this](const QString &path) { return isImage(path); });
+        if (other != paths.end()) {
             setHighlighted(false);
             event->ignore();
+            emit refused(*other);
             return;
         }
     }
@@ -78,7 +81,11 @@ void FileDraggingView::dropEvent(QDropEvent *event)
         for (const QString &path : paths) {
             if (isImage(path))
                 emit photoDraggedWithPath(path);
+            else
+                emit refused(path);
         }
+    } else {
+        emit refused(QString());
     }
     setHighlighted(false);
     event->setDropAction(Qt::CopyAction);

@@ -28,6 +28,9 @@ public:
 signals:
     /// Once for every photo of a drop, in the order of the drag.
     void photoDraggedWithPath(const QString &path);
+    /// The drag, or a part of the drop, is not taken because of this: the path of what is no photo, or an empty one
+    /// where it is no file of this machine.
+    void refused(const QString &path);
 
 protected:
     void dragEnterEvent(QDragEnterEvent *event) override;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "MenuCommand.h"
+
 #include <QString>
 #include <QStringList>
 #include <QUrl>
@@ -37,6 +39,9 @@ public:
     /// The address behind the Help menu's tag 0 to 7 (0 the manual, 2 this program's page in the software centre);
     /// empty for any other tag, and for one without a page.
     virtual QUrl linkForTag(int tag) const = 0;
+
+    /// What the Edit and the View menu are to show from now on.
+    virtual void setMenuState(const MenuState &) {}
 
     /// Asks on a sheet of the main window for a rating.
     virtual void showAlertForRateApp() = 0;

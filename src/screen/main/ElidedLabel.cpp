@@ -1,5 +1,7 @@
 #include "ElidedLabel.h"
 
+#include "AccessibleRole.h"
+
 #include <QFontMetrics>
 #include <QPainter>
 
@@ -11,6 +13,7 @@ ElidedLabel::ElidedLabel(const QColor &color, Qt::Alignment alignment, QWidget *
     , m_alignment(alignment)
 {
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+    setAccessibleRole(*this, QAccessible::StaticText);
 }
 
 void ElidedLabel::setText(const QString &text)

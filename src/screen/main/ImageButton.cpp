@@ -1,5 +1,6 @@
 #include "ImageButton.h"
 
+#include "AccessibleRole.h"
 #include "IMGButton.h"
 
 namespace hazelmark {
@@ -8,6 +9,7 @@ IMGButton *imageButton(const char *objectName, const QString &off, const QString
 {
     const QString disabled = QStringLiteral("-disabled");
     auto *button = new IMGButton(parent);
+    setAccessibleRole(*button, QAccessible::Button);
     button->setObjectName(QLatin1String(objectName));
     button->setEndCaps({.off = off,
                         .offDisabled = off + disabled,

@@ -6,10 +6,10 @@
 #include "ColorWell.h"
 #include "DrawTrackingView.h"
 #include "FileDraggingView.h"
-#include "FloatSlider.h"
 #include "FormatString.h"
 #include "Geometry.h"
 #include "IMGButton.h"
+#include "KeyboardCursor.h"
 #include "Log.h"
 #include "NotificationNames.h"
 #include "OpenPanel.h"
@@ -25,6 +25,7 @@
 #include "TitlebarWindow.h"
 
 #include <QCursor>
+#include <QDir>
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QPushButton>
@@ -39,7 +40,6 @@ namespace {
 
 using namespace std::chrono_literals;
 
-constexpr double kCanvasOpacity = 0.6;
 constexpr auto kRedrawDelay = 1000ms;
 /// The replay leaves the stamp size of the last step behind; so much later the slider's is back.
 constexpr auto kDiameterDelay = 500ms;
@@ -72,108 +72,18 @@ QString MainScreenVC::text(const char *key) const
 
 // Start-up
 
-void MainScreenVC::loadView()
-{
-    m_view = new MainScreenView(m_application);
-    m_view->installEventFilter(this);
-    m_session = std::make_unique<Session>(*m_view->paintView, m_work);
-    connect(m_view, &QObject::destroyed, this, [this] {
-        m_exportFlow.reset();
-        m_chrome.reset();
-        m_brush.reset();
-        m_session.reset();
-    });
-    m_zoom = new PhotoZoom(*m_view, *m_session, [this] { return createPresetObjectFromSettingWithTitle(QString()); });
-    observeNotifications();
-    connectControls();
-    connectSession();
-    initialViewSet();
-}
-
-void MainScreenVC::observeNotifications()
-{
-    const auto observe = [this](QLatin1String name, void (MainScreenVC::*handler)()) {
-        m_observers.push_back(
-            NotificationCenter::defaultCenter().addObserver(name, [this, handler](const QVariantMap &) {
-                if (m_view) // the window may take it along before this ends
-                    (this->*handler)();
-            }));
-    };
-    observe(kNotificationOpenPhotoFromMenuTapped, &MainScreenVC::btnOpenFileFromMenuTapped);
-    observe(kNotificationClosePhotoFromMenuTapped, &MainScreenVC::btncloseFileFromMenuTapped);
-    observe(kNotificationSavePhotoFromMenuTapped, &MainScreenVC::btnSaveFileFromMenuTapped);
-    m_observers.push_back(
-        NotificationCenter::defaultCenter().addObserver(kNotificationSetupHeader, [this](const QVariantMap &userInfo) {
-            setupTitleBarViewForWindow(
-                qobject_cast<TitlebarWindow *>(userInfo.value(kWindowObjectKey).value<QObject *>()));
-        }));
-    observe(kNotificationApplyPreviewEffect, &MainScreenVC::btnProcessTapped);
-    observe(kNotificationWindowResized, &MainScreenVC::windowisResizing);
-    observe(kNotificationWindowEndResizing, &MainScreenVC::windowEndResizing);
-    observe(kNotificationShowTipsFromMenuTapped, &MainScreenVC::addDemoWindow);
-    observe(kNotificationUpdateLanguage, &MainScreenVC::setLocalizedStrings);
-    observe(kNotificationBurshDrawedRegionUpdated, &MainScreenVC::brushDrawedRegionUpdate);
-    observe(kNotificationMouseout, &MainScreenVC::mousemoveOutFromImageRegion);
-    observe(kNotificationMouseIn, &MainScreenVC::mousemoveInsideImageRegion);
-}
-
-void MainScreenVC::connectControls()
-{
-    connect(m_view->dropTarget, &FileDraggingView::photoDraggedWithPath, this, &MainScreenVC::photoDraggedWithPath);
-    connect(m_view->btnAddPhoto, &QAbstractButton::clicked, this, &MainScreenVC::btnAddPhotoTapped);
-    connect(m_view->btnAddPhotoOnPrompt, &QAbstractButton::clicked, this, &MainScreenVC::btnAddPhotoTapped);
-    connect(m_view->btnExport, &QAbstractButton::clicked, this, &MainScreenVC::btnExportDenoisedImageTapped);
-    connect(m_view->btnShareService, &QAbstractButton::clicked, this, &MainScreenVC::btnSocialShareImageTapped);
-    for (const IMGButton *button : {m_view->btnAddPhoto, m_view->btnExport, m_view->btnShareService})
-        connect(button, &IMGButton::clickOver, this, &MainScreenVC::updateStripButtons);
-}
-
-void MainScreenVC::initialViewSet()
-{
-    m_view->btnExport->setEnabled(false);
-    m_view->btnShareService->setEnabled(false);
-    m_session->setIsRunningAlgorithm(false);
-    m_view->progressBar->hide();
-    m_isResizingWindow = false;
-    m_menuSelectedIndex = -1;
-    m_session->painting().setToolType(Painting::kToolNone);
-    m_view->setPanelAndBarVisible(false);
-    showHideRightMenu();
-    setLocalizedStrings();
-    m_view->paintView->setOpacity(kCanvasOpacity);
-    m_application.setIsUiDisabled(true);
-}
-
-void MainScreenVC::prepareEditing()
-{
-    if (m_view->vwSettingOptions)
-        return;
-    m_view->makeSettingsPanel(m_application);
-    SettingsPanel *panel = m_view->vwSettingOptions;
-    m_brush = std::make_unique<BrushControls>(*panel, *m_view->paintView, m_session->painting());
-    m_zoom->setBrush(m_brush.get());
-    connect(panel, &SettingsPanel::effectChanged, this, &MainScreenVC::applyCustomEnhanceFilterOnPreviewImage);
-    connect(panel, &SettingsPanel::processWanted, this, &MainScreenVC::btnProcessTapped);
-    panel->setBusyTest([self = QPointer(this)] {
-        return self && (self->m_previewRequests.pending() > 0 || self->m_session->hasPreviewsUnderWay());
-    });
-    panel->scrollToTop();
-    panel->setLocalizedStrings();
-}
-
 SettingsPanel &MainScreenVC::panel()
 {
     prepareEditing();
     return *m_view->vwSettingOptions;
 }
 
-void MainScreenVC::setLocalizedStrings()
+void MainScreenVC::commandFromMenuTapped(MenuCommand command, int index)
 {
-    m_view->setLocalizedStrings(m_application);
-    if (m_view->vwSettingOptions)
-        m_view->vwSettingOptions->setLocalizedStrings();
-    if (m_demoWin)
-        m_demoWin->setLocalizedStrings();
+    if (command == MenuCommand::PastePhoto)
+        pastePhoto();
+    else
+        m_commands->perform(command, index);
 }
 
 // The photo
@@ -198,8 +108,46 @@ void MainScreenVC::openPanelFinished(const QString &path)
 
 void MainScreenVC::photoDraggedWithPath(const QString &path)
 {
-    if (!lastExportedImage())
+    if (m_session->state() == Session::State::Exporting)
+        m_notices->say(text("DROP_WHILE_EXPORTING"));
+    else if (lastExportedImage())
+        m_notices->say(text("DROP_AFTER_EXPORT"));
+    else
         openPhotoAtPath(path);
+}
+
+void MainScreenVC::openPhotos(const QStringList &paths)
+{
+    if (paths.isEmpty())
+        return;
+    if (paths.size() > 1)
+        m_noticeAfterOpening = text("ONE_PHOTO_AT_A_TIME");
+    photoDraggedWithPath(paths.first());
+}
+
+void MainScreenVC::pastePhoto()
+{
+    m_clipboard.asFile([self = QPointer(this)](const QString &path) {
+        if (!self || !self->m_view)
+            return;
+        if (path.isEmpty())
+            self->m_notices->say(self->text("CLIPBOARD_WITHOUT_PHOTO"));
+        else
+            self->openPhotoAtPath(path);
+    });
+}
+
+void MainScreenVC::sayWhyRefused(const QString &path)
+{
+    if (path.isEmpty()) {
+        m_notices->say(text("DROP_NO_FILE"));
+        return;
+    }
+    const QFileInfo file(path);
+    const auto reason = file.isDir()    ? Failure::Reason::IsFolder
+                        : file.exists() ? Failure::Reason::NotAPicture
+                                        : Failure::Reason::NoSuchFile;
+    m_notices->say(formatString(m_application.getLocalizedStringForKey(refusalKey(reason)), {lastPathComponent(path)}));
 }
 
 /// Every photo that a person asks for comes this way: photoRead() or photoRefused() follows.
@@ -223,10 +171,13 @@ void MainScreenVC::photoRead(const OpenPhoto &photo)
     resizeImageToFitContainer(inputImage());
     selectedImageChanged();
     showDemoWindowFirsttime();
+    if (!m_noticeAfterOpening.isEmpty())
+        m_notices->say(std::exchange(m_noticeAfterOpening, {}));
 }
 
 void MainScreenVC::photoRefused(const Failure &failure)
 {
+    m_noticeAfterOpening.clear();
     showAlertWithTitle(text("ERROR_CANT_OPEN"),
                        formatString(m_application.getLocalizedStringForKey(refusalKey(failure.reason)),
                                     {lastPathComponent(failure.path)}));
@@ -242,7 +193,12 @@ bool MainScreenVC::isValidImage(const OpenPhoto &photo)
 {
     m_zoom->setFit();
     m_session->setPhoto(photo);
-    m_lastFolder = QFileInfo(photo.path()).path();
+    if (!photo.path().startsWith(QDir::tempPath() + QLatin1Char('/')))
+        m_lastFolder = QFileInfo(photo.path()).path();
+    if (m_window) // its caption, for task bars; the mark in it is set with the dot in the title strip
+        m_window->setWindowTitle(
+            lastPathComponent(photo.path()).replace(QLatin1String("[*]"), QLatin1String("[*][*]")) +
+            QLatin1String("[*]"));
     m_application.setSelectedImageFile(photo.record);
     m_view->imgvwBeforeBokesh->setImage(photo.firstSight);
     m_view->imgvwAfterBokesh->setImage(photo.firstSight);
@@ -315,6 +271,7 @@ void MainScreenVC::btnResetTapped()
 void MainScreenVC::setupBottomSummaryInfo()
 {
     m_view->vwBottom->setupBottomSummaryInfo(imageUrl());
+    m_view->vwBottom->setPixelSize(inputImage()->size().toSize());
     if (m_session->photo().isPartlyDamaged)
         m_view->vwBottom->showPartlyDamaged();
 }
@@ -332,7 +289,7 @@ void MainScreenVC::addDemoWindow()
 
 void MainScreenVC::mousemoveOutFromImageRegion()
 {
-    if (!isPainting())
+    if (!isPainting() || m_view->keyboardCursor->isCircleShown())
         return;
     m_view->paintView->hide();
     m_view->drawTrackingView->show();
@@ -424,52 +381,6 @@ CoreFilterObject MainScreenVC::createPresetObjectFromSettingWithTitle(const QStr
 
 // What becomes of the session
 
-void MainScreenVC::connectSession()
-{
-    connect(m_session.get(), &Session::loadingChanged, this, [this](const QString &fileName) {
-        m_view->showLoading(fileName.isEmpty() ? QString() : formatString(text("LOADING"), {fileName}));
-    });
-    connect(m_session.get(), &Session::photoRead, this, &MainScreenVC::photoRead);
-    connect(m_session.get(), &Session::refused, this, &MainScreenVC::photoRefused);
-    connect(m_session.get(), &Session::stateChanged, this, &MainScreenVC::sessionStateChanged);
-    connect(m_session.get(), &Session::editsChanged, this, &MainScreenVC::updateUnsavedMark);
-    connect(m_session.get(), &Session::paintingSettingsRead, this,
-            [this](std::optional<float> blurAmount, std::optional<float> vignetteAmount) {
-                if (blurAmount)
-                    panel().slider(Setting::BlurAmount)->setValue(*blurAmount);
-                if (vignetteAmount)
-                    panel().slider(Setting::Vignette)->setValue(*vignetteAmount);
-                panel().setAllTextsForSliders();
-            });
-    connect(m_session.get(), &Session::paintingReplaced, this, [this] {
-        m_brush->apply();
-        btnProcessTapped();
-    });
-    connect(m_session.get(), &Session::inputDrawn, this, [this](const QImage &shown) {
-        m_view->imgvwBeforeBokesh->setImage(shown);
-        m_view->imgvwAfterBokesh->setImage(shown);
-    });
-    connect(m_session.get(), &Session::previewRendered, this, [this](const QImage &shown) {
-        if (shown.isNull()) // rather the picture before it than none
-            return;
-        m_view->imgvwAfterBokesh->setImage(shown);
-        emit previewShown();
-    });
-    connect(m_session.get(), &Session::exportStarted, this, [this](const QString &path) {
-        m_view->progressBar->show();
-        if (!path.isEmpty())
-            m_view->vwBottom->showExporting(path);
-    });
-    connect(m_session.get(), &Session::exportProgressed, m_view->progressBar, &BarProgressIndicator::setValue);
-    connect(m_session.get(), &Session::exportEnded, this, [this](const PhotoExport::Result &result) {
-        m_view->progressBar->hide();
-        if (result.writtenPath.isEmpty())
-            m_view->vwBottom->clearExport();
-        else
-            m_view->vwBottom->showExported(result.writtenPath);
-    });
-}
-
 /// While an export runs: no second one, no sharing, no other settings, no painting, no other photo.
 void MainScreenVC::sessionStateChanged()
 {
@@ -504,7 +415,10 @@ void MainScreenVC::updateStripButtons()
 
 void MainScreenVC::updateUnsavedMark()
 {
-    m_view->setUnsavedMarkVisible(hasPhoto() && !m_session->isSaved(createPresetObjectFromSettingWithTitle(QString())));
+    const bool unsaved = hasPhoto() && !m_session->isSaved(createPresetObjectFromSettingWithTitle(QString()));
+    m_view->setUnsavedMarkVisible(unsaved);
+    if (m_window)
+        m_window->setWindowModified(unsaved);
 }
 
 void MainScreenVC::showAlertWithTitle(const QString &title, const QString &andMessage)
@@ -531,25 +445,6 @@ void MainScreenVC::btnSocialShareImageTapped()
 }
 
 // The window
-
-void MainScreenVC::setupTitleBarViewForWindow(TitlebarWindow *window)
-{
-    if (!window)
-        return;
-    m_window = window;
-    TitlebarWindow::Actions actions;
-    actions.close = [this] { btnCloseWindowTapped(); };
-    actions.minimize = [this] { btnMinimizeWindowTapped(); };
-    actions.zoom = [this] { btnZoomWindowTapped(); };
-    window->setActions(actions);
-    m_chrome = std::make_unique<MainWindowChrome>(m_application, *m_session, *window);
-    connect(m_chrome.get(), &MainWindowChrome::screenChanged, this, &MainScreenVC::followScreen);
-    m_exportFlow = std::make_unique<ExportFlow>(*m_session, m_application, *window, *m_view->btnExport,
-                                                [this] { return createPresetObjectFromSettingWithTitle(QString()); });
-    connect(m_exportFlow.get(), &ExportFlow::openChanged, this, &MainScreenVC::updateStripButtons);
-    connect(&m_exportFlow->sharePicker(), &SharePicker::shared, m_view->vwBottom, &SummaryBar::showMessage);
-    connect(&m_exportFlow->sharePicker(), &SharePicker::closed, this, &MainScreenVC::updateStripButtons);
-}
 
 void MainScreenVC::followScreen(QScreen *screen)
 {

@@ -1,11 +1,16 @@
 #pragma once
 
 #include "BrushControls.h"
+#include "CanvasSight.h"
+#include "ClipboardPhoto.h"
+#include "EditCommands.h"
 #include "ExportFlow.h"
 #include "MainScreenView.h"
 #include "MainWindowChrome.h"
+#include "Notices.h"
 #include "NotificationCenter.h"
 #include "PhotoZoom.h"
+#include "ScreenKeys.h"
 #include "Session.h"
 #include "ViewController.h"
 
@@ -53,6 +58,8 @@ public:
     void btncloseFileFromMenuTapped() { btnCloseWindowTapped(); }
     void btnSaveFileFromMenuTapped() { btnExportDenoisedImageTapped(); }
 
+    void commandFromMenuTapped(MenuCommand command, int index);
+
     // The photo.
     void btnAddPhotoTapped();
     /// The person chose the file at `path` in the open panel.
@@ -60,6 +67,12 @@ public:
     /// Opens a photo that was dropped, or given on the command line. Ignored when the result was exported and has not
     /// changed since.
     void photoDraggedWithPath(const QString &path);
+    /// Of the photos on the command line the first one is opened.
+    void openPhotos(const QStringList &paths);
+    /// Opens the photo on the clipboard.
+    void pastePhoto();
+    /// Says why a drag or a drop is not taken; see FileDraggingView::refused().
+    void sayWhyRefused(const QString &path);
     /// Takes the photo at `path` for the open one if it is whole, and waits for its pixels; otherwise the photo before
     /// stays. Answers yes in every case: what callers do afterwards is done either way.
     bool isValidImage(const QString &path);
@@ -173,9 +186,15 @@ private:
     bool m_isResizingWindow = false;
     QString m_lastFolder; ///< of the photo that was opened last
     QPointer<QWidget> m_focusBeforeExport;
+    QString m_noticeAfterOpening;
+    ClipboardPhoto m_clipboard;
+    QPointer<CanvasSight> m_sight; ///< the view's, as the notices are
+    QPointer<Notices> m_notices;
 
     std::unique_ptr<Session> m_session;
     std::unique_ptr<BrushControls> m_brush;
+    std::unique_ptr<EditCommands> m_commands;
+    std::unique_ptr<ScreenKeys> m_keys;
     std::unique_ptr<MainWindowChrome> m_chrome;
     std::unique_ptr<ExportFlow> m_exportFlow;
     QPointer<PhotoZoom> m_zoom;     ///< the view's

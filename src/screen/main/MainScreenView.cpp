@@ -1,5 +1,6 @@
 #include "MainScreenView.h"
 
+#include "AccessibleRole.h"
 #include "ApplicationDelegate.h"
 #include "BarProgressIndicator.h"
 #include "DrawTrackingView.h"
@@ -7,6 +8,7 @@
 #include "IMGButton.h"
 #include "ImageButton.h"
 #include "ImageCatalog.h"
+#include "KeyboardCursor.h"
 #include "PaintView.h"
 #include "PhotoImageView.h"
 #include "PhotoTest.h"
@@ -17,6 +19,7 @@
 
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QKeySequence>
 #include <QLabel>
 #include <QPaintEvent>
 #include <QPainter>
@@ -34,6 +37,12 @@ namespace {
 constexpr int kPromptIconPoints = 120;
 constexpr int kLoadingNoteHeight = 32;
 constexpr qreal kLoadingNoteRadius = 6;
+
+/// A tool tip with the key that does the same, as it is written on a keyboard of the person's language.
+QString withKey(const QString &toolTip, const QKeySequence &key)
+{
+    return toolTip + QStringLiteral(" (") + key.toString(QKeySequence::NativeText) + QLatin1Char(')');
+}
 
 /// The note that a photo is being opened: legible on any picture.
 class LoadingNote : public QLabel
@@ -91,11 +100,21 @@ void MainScreenView::makeSettingsPanel(ApplicationDelegate &application)
     vwSettingOptions->show();
 }
 
+void MainScreenView::orderTabs(const QList<QWidget *> &windowButtons)
+{
+    QList<QWidget *> order = vwSettingOptions->tabOrder();
+    order << keyboardCursor << vwBottom->btnRestore() << vwBottom->btnCompare() << btnAddPhoto << btnShareService
+          << btnExport << windowButtons;
+    for (qsizetype i = 1; i < order.size(); ++i)
+        setTabOrder(order[i - 1], order[i]);
+}
+
 void MainScreenView::makeTitleStrip()
 {
     vwTopContainer = new QWidget(this);
     vwTopContainer->setObjectName(QStringLiteral("vwTopContainer"));
     theme::setGround(*vwTopContainer, theme::kStrip);
+    setAccessibleRole(*vwTopContainer, QAccessible::ToolBar);
     TitlebarWindow::setMovesWindow(*vwTopContainer);
     const auto button = [this](const char *name, const QString &image) {
         return imageButton(name, image, image + QStringLiteral("_selected"), vwTopContainer);
@@ -148,6 +167,9 @@ void MainScreenView::makePhotoArea()
     drawTrackingView = new DrawTrackingView(*paintView, vwPreviewContainer);
     drawTrackingView->setObjectName(QStringLiteral("drawTrackingView"));
     drawTrackingView->stackUnder(paintView);
+    keyboardCursor = new KeyboardCursor(*paintView, vwPreviewContainer);
+    setAccessibleRole(*imgvwBeforeBokesh, QAccessible::Graphic);
+    setAccessibleRole(*imgvwAfterBokesh, QAccessible::Graphic);
     m_loadingNote = new LoadingNote(dropTarget);
     m_loadingNote->setObjectName(QStringLiteral("loadingNote"));
     progressBar = new BarProgressIndicator({}, theme::kBlueHighlight, Qt::transparent, 0, 1, 0, vwMainContainer);
@@ -182,13 +204,20 @@ void MainScreenView::setLocalizedStrings(ApplicationDelegate &application)
     name(btnAddPhoto, text("ADD_IMAGE"));
     name(btnExport, text("SAVE"));
     name(btnShareService, text("SHARE"));
+    btnAddPhoto->setToolTip(withKey(text("ADD_IMAGE"), Qt::CTRL | Qt::Key_O));
+    btnExport->setToolTip(withKey(text("SAVE"), Qt::CTRL | Qt::Key_S));
     name(m_unsavedMark, text("UNSAVED_WORK"));
     btnRateUs->setText(text("RATEUS_TITLE"));
     lblRateusTitle->setText(text("RATEUS_TITLE"));
     lblRateusMsg->setText(text("RATEUS_MSG"));
     btnYesOnRateus->setText(text("YES"));
     btnNoOnRateus->setText(text("NO"));
+    imgvwBeforeBokesh->setAccessibleName(text("PHOTO_BEFORE"));
     imgvwAfterBokesh->setAccessibleName(text("PHOTO_AREA"));
+    keyboardCursor->setAccessibleName(text("CANVAS"));
+    progressBar->setAccessibleName(text("EXPORT_PROGRESS"));
+    vwTopContainer->setAccessibleName(text("TITLE_STRIP"));
+    vwBottom->setLocalizedStrings();
     layOut();
 }
 
@@ -225,6 +254,7 @@ void MainScreenView::placePhoto(const QRectF &picture)
     }
     paintView->setFrame(picture);
     drawTrackingView->setGeometry(paintView->geometry());
+    keyboardCursor->setGeometry(paintView->geometry());
     placeLoadingNote();
 }
 
@@ -235,6 +265,7 @@ void MainScreenView::placeNear(const QRectF &whole, const QRectF &visible)
         view->setPictureFrame(whole);
     paintView->setShown(whole, visible);
     drawTrackingView->setGeometry(paintView->geometry());
+    keyboardCursor->setGeometry(paintView->geometry());
 }
 
 QRectF MainScreenView::photoFrame() const

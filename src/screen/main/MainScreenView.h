@@ -13,6 +13,7 @@ class BarProgressIndicator;
 class DrawTrackingView;
 class FileDraggingView;
 class IMGButton;
+class KeyboardCursor;
 class PaintView;
 class PhotoImageView;
 class SettingsPanel;
@@ -35,6 +36,8 @@ public:
 
     /// Makes `vwSettingOptions`, which nobody sees before a photo is open: the window is there sooner without it.
     void makeSettingsPanel(ApplicationDelegate &application);
+    /// Tools and settings, photo, bottom bar, title strip: the order in which Tab goes, once there is a panel.
+    void orderTabs(const QList<QWidget *> &windowButtons);
 
     /// The texts that belong to the screen itself, in the interface language.
     void setLocalizedStrings(ApplicationDelegate &application);
@@ -81,6 +84,7 @@ public:
     PhotoImageView *imgvwAfterBokesh = nullptr;
     DrawTrackingView *drawTrackingView = nullptr;
     PaintView *paintView = nullptr;
+    KeyboardCursor *keyboardCursor = nullptr;
     IMGButton *btnAddPhoto = nullptr;
     IMGButton *btnExport = nullptr;
     IMGButton *btnShareService = nullptr;

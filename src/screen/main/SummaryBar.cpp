@@ -1,5 +1,6 @@
 #include "SummaryBar.h"
 
+#include "AccessibleRole.h"
 #include "ApplicationDelegate.h"
 #include "ElidedLabel.h"
 #include "FileAttributes.h"
@@ -10,7 +11,7 @@
 
 #include <QHBoxLayout>
 #include <QLabel>
-#include <QPainter>
+#include <QPushButton>
 
 namespace hazelmark {
 
@@ -23,17 +24,33 @@ SummaryBar::SummaryBar(ApplicationDelegate &application, QWidget *parent)
     , m_application(application)
     , m_txtFilePath(new ElidedLabel(theme::kText))
     , m_txtPhotoSize(new QLabel)
+    , m_txtPixelSize(new QLabel)
     , m_noticeIcon(new QLabel)
     , m_notice(new QLabel)
+    , m_storedPainting(new ElidedLabel(theme::kText))
+    , m_btnRestore(new QPushButton)
     , m_exportText(new ElidedLabel(theme::kQuietText, Qt::AlignRight))
+    , m_btnCompare(new QPushButton)
 {
     setObjectName(QStringLiteral("vwBottom"));
     m_txtFilePath->setObjectName(QStringLiteral("txtFilePath"));
     m_txtPhotoSize->setObjectName(QStringLiteral("txtPhotoSize"));
     m_exportText->setObjectName(QStringLiteral("txtExport"));
     setFixedHeight(kHeightPoints);
+    setAccessibleRole(*this, QAccessible::StatusBar);
+    setAccessibleRole(*m_btnCompare, QAccessible::Button);
     theme::setGround(*this, theme::kStrip);
     theme::setTextColor(*m_txtPhotoSize, theme::kQuietText);
+    theme::setTextColor(*m_txtPixelSize, theme::kQuietText);
+    m_txtPixelSize->setObjectName(QStringLiteral("txtPixelSize"));
+    m_storedPainting->setObjectName(QStringLiteral("txtStoredPainting"));
+    m_btnRestore->setObjectName(QStringLiteral("btnRestore"));
+    m_btnCompare->setObjectName(QStringLiteral("btnCompare"));
+    m_btnCompare->setCheckable(true);
+    for (QPushButton *button : {m_btnRestore, m_btnCompare}) {
+        button->setFocusPolicy(Qt::TabFocus); // a click leaves the keyboard where it is
+        button->setCursor(Qt::PointingHandCursor);
+    }
     m_notice->setObjectName(QStringLiteral("txtNotice"));
     theme::setTextColor(*m_notice, theme::kText);
     m_noticeIcon->setPixmap(
@@ -44,13 +61,49 @@ SummaryBar::SummaryBar(ApplicationDelegate &application, QWidget *parent)
     layout->setSpacing(theme::kMargin);
     layout->addWidget(m_txtFilePath);
     layout->addWidget(m_txtPhotoSize);
+    layout->addWidget(m_txtPixelSize);
     auto *notice = new QHBoxLayout;
     notice->setSpacing(theme::kSpacing);
     notice->addWidget(m_noticeIcon);
     notice->addWidget(m_notice);
     layout->addLayout(notice);
+    auto *painting = new QHBoxLayout;
+    painting->setSpacing(theme::kSpacing);
+    painting->addWidget(m_storedPainting);
+    painting->addWidget(m_btnRestore);
+    layout->addLayout(painting);
     layout->addStretch(1);
     layout->addWidget(m_exportText);
+    layout->addWidget(m_btnCompare);
+    setStoredPainting({});
+    setLocalizedStrings();
+}
+
+void SummaryBar::setLocalizedStrings()
+{
+    const auto text = [this](const char *key) { return m_application.getLocalizedStringForKey(QLatin1String(key)); };
+    setAccessibleName(text("BOTTOM_BAR"));
+    m_btnRestore->setText(text("RESTORE"));
+    m_btnCompare->setText(text("COMPARE"));
+    m_btnCompare->setToolTip(text("COMPARE_TIP") + QStringLiteral(" (C)"));
+}
+
+void SummaryBar::setPixelSize(QSize size)
+{
+    m_txtPixelSize->setText(formatString(m_application.getLocalizedStringForKey(QStringLiteral("PIXEL_SIZE")),
+                                         {QString::number(size.width()), QString::number(size.height())}));
+}
+
+void SummaryBar::setStoredPainting(const QString &text)
+{
+    m_storedPainting->setText(text);
+    m_storedPainting->setVisible(!text.isEmpty());
+    m_btnRestore->setVisible(!text.isEmpty());
+}
+
+QString SummaryBar::txtPixelSize() const
+{
+    return m_txtPixelSize->text();
 }
 
 QString SummaryBar::photoSizeText(double bytes)

@@ -1,5 +1,6 @@
 #include "DisclosureButton.h"
 
+#include "AccessibleRole.h"
 #include "FocusRing.h"
 #include "ImageCatalog.h"
 #include "Theme.h"
@@ -26,6 +27,13 @@ DisclosureButton::DisclosureButton(QWidget *parent)
     : QAbstractButton(parent)
 {
     setCheckable(true);
+    setAccessibleRole(*this, QAccessible::ButtonDropDown);
+    connect(this, &QAbstractButton::toggled, this, [this] {
+        QAccessible::State changed;
+        changed.expanded = changed.collapsed = true;
+        QAccessibleStateChangeEvent event(this, changed);
+        QAccessible::updateAccessibility(&event);
+    });
     setFocusPolicy(Qt::TabFocus);
     setCursor(Qt::PointingHandCursor);
     QSizePolicy policy(QSizePolicy::Expanding, QSizePolicy::Fixed);

@@ -89,8 +89,8 @@ SettingRowView::SettingRowView(const SettingRow &row, QWidget *parent)
 
 void SettingRowView::setLocalizedStrings(ApplicationDelegate &application)
 {
-    m_label->setText(application.getLocalizedStringForKey(QLatin1String(m_row.labelKey)));
-    const QString name = application.getLocalizedStringForKey(QLatin1String(m_row.nameKey));
+    const QString name = application.getLocalizedStringForKey(QLatin1String(m_row.labelKey));
+    m_label->setText(name);
     m_slider->setAccessibleName(name);
     m_field->setAccessibleName(name);
 }

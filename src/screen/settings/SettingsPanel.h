@@ -48,6 +48,11 @@ public:
     ColorWell *colorPickerVignette() const { return m_colorPickerVignette; }
     IMGButton *btnPaint() const { return m_btnPaint; }
     IMGButton *btnEraser() const { return m_btnEraser; }
+    IMGButton *btnBlurEverything() const { return m_btnBlurEverything; }
+    IMGButton *btnClearPainting() const { return m_btnClearPainting; }
+    IMGButton *toolInForce() const { return m_toolIsEraser ? m_btnEraser : m_btnPaint; }
+    /// What takes the focus, from the top to the bottom.
+    QList<QWidget *> tabOrder() const { return m_tabOrder; }
     QScrollArea *scrollvwSettings() const { return m_scrollvwSettings; }
     HighlightButton *resetButton(ResetTag tag) const; ///< null for the tag that resets nothing
 
@@ -90,6 +95,8 @@ public:
 
 signals:
     void segmentPaintEraseTapped(bool eraser);
+    void blurEverythingTapped();
+    void clearPaintingTapped();
     void brushDiameterSlid();
     void brushHardnessSlid();
     void brushSizeAutoSlid();
@@ -117,6 +124,9 @@ private:
     std::array<SettingRowView *, kSettingCount> m_rows{};
     IMGButton *m_btnPaint = nullptr;
     IMGButton *m_btnEraser = nullptr;
+    IMGButton *m_btnBlurEverything = nullptr;
+    IMGButton *m_btnClearPainting = nullptr;
+    QList<QWidget *> m_tabOrder;
     bool m_toolIsEraser = false;
     QLabel *m_toolName = nullptr;
     QScrollArea *m_scrollvwSettings = nullptr;

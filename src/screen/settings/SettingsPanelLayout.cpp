@@ -1,6 +1,7 @@
 // How the settings panel is put together; what it does stands in SettingsPanel.cpp.
 #include "SettingsPanel.h"
 
+#include "AccessibleRole.h"
 #include "ApplicationDelegate.h"
 #include "ColorWell.h"
 #include "DisclosureButton.h"
@@ -12,16 +13,19 @@
 #include "Theme.h"
 #include "ViewSettings.h"
 
+#include <QKeySequence>
 #include <QLabel>
 #include <QScrollArea>
 #include <QScrollBar>
 #include <QVBoxLayout>
 
+#include <tuple>
+
 namespace hazelmark {
 
 namespace {
 
-constexpr int kToolStripHeight = 56;
+constexpr int kToolStripHeight = 80;
 constexpr int kResetHeight = 24;
 constexpr int kRowSpacing = theme::kGrid;
 constexpr int kGroupSpacing = theme::kMargin;
@@ -52,6 +56,7 @@ SettingsPanel::SettingsPanel(ApplicationDelegate &application, QWidget *parent)
 {
     setObjectName(QStringLiteral("vwSettingOptions"));
     setFixedWidth(kPanelWidthPoints);
+    setAccessibleRole(*this, QAccessible::Grouping);
     theme::setGround(*this, theme::kPanel);
 
     auto *layout = new QVBoxLayout(this);
@@ -95,18 +100,34 @@ void SettingsPanel::makeTools(QVBoxLayout *layout)
 {
     m_btnPaint = imageButton("btnPaint", QStringLiteral("brush"), QStringLiteral("brush_selected"), this);
     m_btnEraser = imageButton("btnEraser", QStringLiteral("eraser"), QStringLiteral("eraser_select"), this);
+    setAccessibleRole(*m_btnPaint, QAccessible::RadioButton);
+    setAccessibleRole(*m_btnEraser, QAccessible::RadioButton);
+    m_btnBlurEverything =
+        imageButton("btnBlurEverything", QStringLiteral("fill"), QStringLiteral("fill_selected"), this);
+    m_btnClearPainting =
+        imageButton("btnClearPainting", QStringLiteral("clear"), QStringLiteral("clear_selected"), this);
+    m_tabOrder << m_btnPaint << m_btnEraser << m_btnBlurEverything << m_btnClearPainting;
     m_toolName = quietLabel();
     auto *tools = new QHBoxLayout;
     // The buttons have a margin of their own around what is seen of them.
-    tools->setContentsMargins(theme::kMargin - theme::kGrid, 0, theme::kMargin, 0);
+    tools->setContentsMargins(theme::kMargin - theme::kGrid, 0, theme::kMargin - theme::kGrid, 0);
     tools->setSpacing(0);
     tools->addWidget(m_btnPaint);
     tools->addWidget(m_btnEraser);
-    tools->addSpacing(theme::kGrid);
-    tools->addWidget(m_toolName, 1);
+    tools->addSpacing(theme::kMargin);
+    tools->addWidget(m_btnBlurEverything);
+    tools->addWidget(m_btnClearPainting);
+    tools->addStretch();
+    auto *name = new QHBoxLayout;
+    name->setContentsMargins(theme::kMargin, 0, theme::kMargin, 0);
+    name->addWidget(m_toolName);
     auto *strip = new QWidget;
     strip->setFixedHeight(kToolStripHeight);
-    strip->setLayout(tools);
+    auto *rows = new QVBoxLayout(strip);
+    rows->setContentsMargins(0, theme::kGrid, 0, theme::kSpacing);
+    rows->setSpacing(0);
+    rows->addLayout(tools);
+    rows->addLayout(name);
     layout->addWidget(strip);
 }
 
@@ -131,14 +152,17 @@ QWidget *SettingsPanel::makeHeader(const char *titleKey, ResetTag tag)
     reset->setFixedHeight(kResetHeight);
     m_resets.append({reset, tag, title});
     layout->addWidget(reset, 0, Qt::AlignTop);
+    m_tabOrder << reset;
     return header;
 }
 
 void SettingsPanel::addGroup(QVBoxLayout *layout, const char *titleKey, ResetTag tag, const QList<Setting> &settings)
 {
     layout->addWidget(makeHeader(titleKey, tag));
-    for (const Setting setting : settings)
+    for (const Setting setting : settings) {
         layout->addWidget(m_rows[static_cast<size_t>(setting)]);
+        m_tabOrder << field(setting) << slider(setting);
+    }
 }
 
 QWidget *SettingsPanel::makeColorRow()
@@ -174,6 +198,7 @@ void SettingsPanel::makeGroups(QVBoxLayout *layout)
     m_disclosure = new DisclosureButton;
     m_disclosure->setObjectName(QStringLiteral("btnMoreSettings"));
     layout->addWidget(m_disclosure);
+    m_tabOrder << m_disclosure;
 
     m_folded = new QWidget;
     auto *folded = new QVBoxLayout(m_folded);
@@ -184,6 +209,7 @@ void SettingsPanel::makeGroups(QVBoxLayout *layout)
               S::MotionLinearAngle, S::EdgeBlurAmount});
     folded->addSpacing(theme::kGrid);
     folded->addWidget(makeColorRow());
+    m_tabOrder << m_colorPickerVignette;
     folded->addSpacing(kGroupSpacing);
     addGroup(folded, "GROUP_IN_FOCUS_AREA", kResetInFocus,
              {S::InFocusBrightness, S::InFocusSharpness, S::InFocusClarity, S::InFocusVividness, S::InFocusWarmth});
@@ -206,6 +232,10 @@ void SettingsPanel::connectActions()
         connect(button, &IMGButton::clicked, this, [this, eraser] { emit segmentPaintEraseTapped(eraser); });
         connect(button, &IMGButton::clickOver, this, [this] { showTool(m_toolIsEraser); });
     }
+    connect(m_btnBlurEverything, &IMGButton::clicked, this, &SettingsPanel::blurEverythingTapped);
+    connect(m_btnClearPainting, &IMGButton::clicked, this, &SettingsPanel::clearPaintingTapped);
+    for (IMGButton *button : {m_btnBlurEverything, m_btnClearPainting}) // they push; an on state would only linger
+        connect(button, &IMGButton::clickOver, button, [button] { button->setChecked(false); });
     connect(m_colorPickerVignette, &ColorWell::colorChangedByUser, this, &SettingsPanel::vignetteColorChanged);
     connect(m_disclosure, &QAbstractButton::toggled, this, &SettingsPanel::setUnfolded);
 }
@@ -223,10 +253,16 @@ void SettingsPanel::setLocalizedStrings()
         // Read out by itself a button has to say what it resets.
         reset->setAccessibleName(title->text() + QStringLiteral(": ") + lookup("RESET"));
     }
-    m_btnPaint->setToolTip(lookup("PAINT"));
-    m_btnPaint->setAccessibleName(lookup("PAINT"));
-    m_btnEraser->setToolTip(lookup("ERASE"));
-    m_btnEraser->setAccessibleName(lookup("ERASE"));
+    const std::tuple<IMGButton *, const char *, QKeySequence> tools[] = {
+        {m_btnPaint, "PAINT", Qt::Key_B},
+        {m_btnEraser, "ERASE", Qt::Key_E},
+        {m_btnBlurEverything, "BLUR_EVERYTHING", Qt::CTRL | Qt::SHIFT | Qt::Key_A},
+        {m_btnClearPainting, "CLEAR_PAINTING", Qt::Key_Delete}};
+    for (const auto &[button, key, shortcut] : tools) {
+        button->setAccessibleName(lookup(key));
+        button->setToolTip(lookup(key) + QStringLiteral(" (") + shortcut.toString(QKeySequence::NativeText) +
+                           QLatin1Char(')'));
+    }
     showTool(m_toolIsEraser);
     m_lblVignetteColor->setText(lookup("VIGNETTE_COLOR"));
     m_colorPickerVignette->setAccessibleName(lookup("VIGNETTE_COLOR"));

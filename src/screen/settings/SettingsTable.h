@@ -35,8 +35,7 @@ struct SettingRow
 {
     Setting setting;
     const char *name;     ///< the slider is named "slider" + name, the field "txt" + name
-    const char *labelKey; ///< the text beside the slider
-    const char *nameKey;  ///< what assistive technology calls it
+    const char *labelKey; ///< the text beside the slider, and what assistive technology calls both
     double minValue;
     double maxValue;
     double initialValue;

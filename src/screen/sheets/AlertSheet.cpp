@@ -6,6 +6,7 @@
 #include "Theme.h"
 
 #include <QGridLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QPushButton>
 
@@ -69,6 +70,30 @@ AlertSheet::AlertSheet(const QString &title, const QString &message, const QStri
 void AlertSheet::setIcon(const QString &name)
 {
     m_icon->setPixmap(ImageCatalog::imageNamed(name, QSizeF(kIconSize, kIconSize), devicePixelRatioF()));
+}
+
+void AlertSheet::showEvent(QShowEvent *event)
+{
+    Sheet::showEvent(event);
+    m_shown.start();
+    if (m_deafFor.count() == 0)
+        return;
+    installEventFilter(this);
+    for (QPushButton *button : findChildren<QPushButton *>())
+        button->installEventFilter(this);
+}
+
+bool AlertSheet::eventFilter(QObject *watched, QEvent *event)
+{
+    const bool isKey = event->type() == QEvent::KeyPress || event->type() == QEvent::KeyRelease ||
+                       event->type() == QEvent::ShortcutOverride;
+    // Esc is no answer.
+    const bool isAnswer = isKey && static_cast<QKeyEvent *>(event)->key() != Qt::Key_Escape;
+    if (isAnswer && !m_shown.hasExpired(m_deafFor.count())) {
+        event->accept();
+        return true;
+    }
+    return Sheet::eventFilter(watched, event);
 }
 
 void AlertSheet::reject()

@@ -2,7 +2,10 @@
 
 #include "Sheet.h"
 
+#include <QElapsedTimer>
 #include <QString>
+
+#include <chrono>
 
 class QLabel;
 class QPushButton;
@@ -43,10 +46,20 @@ public:
 
     void reject() override;
 
+    /// For a sheet that comes up by itself: keys of its first moments were typed for something else and answer
+    /// nothing.
+    void setDeafFor(std::chrono::milliseconds time) { m_deafFor = time; }
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+    void showEvent(QShowEvent *event) override;
+
 private:
     QString m_title;
     QString m_message;
     QLabel *m_icon;
+    std::chrono::milliseconds m_deafFor{0};
+    QElapsedTimer m_shown;
     QPushButton *m_defaultButton;
     QPushButton *m_alternateButton = nullptr;
 };

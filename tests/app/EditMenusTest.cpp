@@ -1,0 +1,84 @@
+// The Edit and the View menu, the factor for small screens, and the prompt that was not asked for.
+#include "EditMenus.h"
+#include "AlertSheet.h"
+#include "Localisation.h"
+#include "ScreenScale.h"
+
+#include <QAction>
+#include <QMenu>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+
+namespace hazelmark {
+
+TEST(EditMenus, ShowWhatCanBeDoneAndSayWhatWasChosen)
+{
+    qRegisterMetaType<MenuCommand>();
+    QMenuBar bar;
+    EditMenus menus(bar);
+    QList<std::pair<MenuCommand, int>> chosen;
+    QObject::connect(&menus, &EditMenus::commandTapped, [&](MenuCommand command, int index) {
+        chosen.append({command, index});
+    });
+    Localisation texts;
+    menus.setLocalizedStrings(texts);
+    MenuState state;
+    state.undo = QStringLiteral("Undo Stroke & more");
+    state.storedPaintings = {QStringLiteral("one"), QStringLiteral("two")};
+    state.mayEdit = true;
+    state.showsPainting = false;
+    menus.setState(state);
+    EXPECT_EQ(menus.item(MenuCommand::Undo)->text(), QStringLiteral("Undo Stroke && more"));
+    EXPECT_FALSE(menus.item(MenuCommand::Redo)->isEnabled());
+    EXPECT_FALSE(menus.item(MenuCommand::ShowPainting)->isChecked());
+    ASSERT_EQ(menus.storedPaintings().size(), 2);
+    menus.storedPaintings()[1]->trigger();
+    menus.item(MenuCommand::ShowPainting)->trigger();
+    EXPECT_FALSE(menus.item(MenuCommand::ShowPainting)->isChecked()) << "the screen says so, not the click";
+    const QList<std::pair<MenuCommand, int>> expected{{MenuCommand::RestorePainting, 1},
+                                                      {MenuCommand::ShowPainting, 0}};
+    EXPECT_EQ(chosen, expected);
+    state.storedPaintings.clear();
+    state.mayEdit = false;
+    menus.setState(state);
+    EXPECT_TRUE(menus.storedPaintings().isEmpty());
+    EXPECT_FALSE(menus.item(MenuCommand::ClearPainting)->isEnabled()) << "its key with it";
+}
+
+TEST(ScreenScale, BringsTheWindowOntoTheScreen)
+{
+    const std::pair<QSizeF, double> rows[] = {{{1600, 1000}, 1},        {{1366, 768}, 1},  {{1285, 737}, 1}, {{}, 1},
+                                              {{960, 540}, 540 / 737.}, {{771, 443}, 0.6}, {{640, 480}, 0.6}};
+    for (const auto &[visible, factor] : rows) {
+        const double found = ScreenScale::factorFor(visible);
+        EXPECT_NEAR(found, factor, 2e-4) << visible.width();
+        if (visible.width() >= 771) {
+            EXPECT_LE(1220 + std::ceil(0.05 * visible.width() / found), std::ceil(visible.width() / found));
+            EXPECT_LE(700 + std::ceil(0.05 * visible.height() / found), std::ceil(visible.height() / found));
+        }
+    }
+}
+
+TEST(AlertSheet, ThatComesByItselfIsDeafAtFirst)
+{
+    for (const bool deaf : {true, false}) {
+        auto *sheet = new AlertSheet(QStringLiteral("Rate Us"), {}, QStringLiteral("YES"), QStringLiteral("NO"));
+        sheet->setAttribute(Qt::WA_DeleteOnClose);
+        sheet->setDeafFor(std::chrono::hours(deaf ? 1 : 0));
+        QSignalSpy finished(sheet, &QDialog::finished);
+        sheet->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(sheet));
+        QTest::keyClick(sheet->defaultButton(), Qt::Key_Space);
+        EXPECT_EQ(finished.isEmpty(), deaf);
+        if (deaf)
+            sheet->done(AlertSheet::Dismissed);
+    }
+}
+
+} // namespace hazelmark

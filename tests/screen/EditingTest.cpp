@@ -1,0 +1,192 @@
+// The commands of the menus and keys: undoing, everything, comparing, painting by keyboard, and what is said of drops.
+#include "ScreenFixture.h"
+
+#include "CalloutWindow.h"
+#include "FloatSlider.h"
+#include "IMGButton.h"
+#include "KeyboardCursor.h"
+#include "NotificationNames.h"
+#include "PaintView.h"
+#include "PhotoImageView.h"
+#include "ProcessWide.h"
+#include "SettingsPanel.h"
+#include "SummaryBar.h"
+#include "UserDefaults.h"
+
+#include <QAccessible>
+#include <QApplication>
+#include <QClipboard>
+#include <QMimeData>
+#include <QPushButton>
+#include <QTest>
+#include <QWheelEvent>
+
+namespace hazelmark {
+
+namespace {
+
+class Editing : public ScreenFixture
+{
+protected:
+    void openPhoto()
+    {
+        start();
+        open(photo(u"a.png"_qs, {600, 400}));
+    }
+    MainScreenView &view() const { return *m_screen->mainScreenView(); }
+    void perform(MenuCommand command)
+    {
+        m_center.post(kNotificationCommandFromMenuTapped, {{kCommandKey, int(command)}, {kCommandIndexKey, 0}});
+    }
+    QString said() const { return view().vwBottom->exportText(); }
+
+    UserDefaults m_defaults{m_folder.filePath(u"defaults.conf"_qs)};
+    ProcessWide<UserDefaults>::Replacement m_replaceDefaults{m_defaults};
+};
+
+TEST_F(Editing, TheMenusUndoWhatWasPaintedAndNameIt)
+{
+    openPhoto();
+    EXPECT_TRUE(m_application.m_menu.mayEdit && m_application.m_menu.undo.isEmpty());
+    stroke({0.3, 0.5}, {0.7, 0.5});
+    EXPECT_EQ(m_application.m_menu.undo, u"UNDO_STROKE %@"_qs);
+    QTest::mouseClick(m_screen->panel().btnBlurEverything(), Qt::LeftButton);
+    EXPECT_EQ(m_application.m_menu.undo, u"UNDO_BLUR_EVERYTHING %@"_qs);
+    EXPECT_EQ(paintAt({0.1, 0.1}), 255);
+    perform(MenuCommand::Undo);
+    perform(MenuCommand::Undo);
+    EXPECT_EQ(paintAt({0.5, 0.5}), 0);
+    EXPECT_EQ(m_application.m_menu.redo, u"REDO_STROKE %@"_qs);
+    perform(MenuCommand::Redo);
+    EXPECT_GT(paintAt({0.5, 0.5}), 0);
+    EXPECT_TRUE(m_window->isWindowModified());
+    EXPECT_EQ(m_window->windowTitle(), u"a.png[*]"_qs);
+    // In the middle of a stroke nothing is taken back, and the tool stays in the hand.
+    stroke({0.3, 0.2}, {0.7, 0.2}, false);
+    perform(MenuCommand::Undo);
+    perform(MenuCommand::Eraser);
+    EXPECT_GT(paintAt({0.5, 0.5}), 0);
+    EXPECT_FALSE(view().paintView->eraser());
+    QTest::mouseRelease(view().paintView, Qt::LeftButton);
+}
+
+TEST_F(Editing, KeysAndWheelSetTheBrush)
+{
+    openPhoto();
+    const auto value = [this](Setting setting) { return m_screen->panel().slider(setting)->value(); };
+    const std::tuple<MenuCommand, Setting, double> steps[] = {{MenuCommand::BrushLarger, Setting::BrushDiameter, 44},
+                                                              {MenuCommand::BrushSmaller, Setting::BrushDiameter, 40},
+                                                              {MenuCommand::BrushHarder, Setting::BrushHardness, 10},
+                                                              {MenuCommand::BrushSofter, Setting::BrushHardness, 0}};
+    for (const auto &[command, setting, expected] : steps) {
+        perform(command);
+        EXPECT_EQ(value(setting), expected) << int(command);
+    }
+    QWheelEvent wheel({5, 5}, {5, 5}, {}, {120, 0}, Qt::NoButton, Qt::AltModifier, Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(view().vwPreviewContainer, &wheel);
+    EXPECT_EQ(value(Setting::BrushDiameter), 44);
+    EXPECT_EQ(view().paintView->pointSize(), 44 * 1.62F) << "the canvas has it";
+}
+
+TEST_F(Editing, ThePhotoIsComparedAndThePaintingHidden)
+{
+    openPhoto();
+    QTest::keyPress(m_window.get(), Qt::Key_C);
+    EXPECT_FALSE(view().imgvwAfterBokesh->isVisible());
+    EXPECT_EQ(view().paintView->opacity(), 0);
+    QTest::keyRelease(m_window.get(), Qt::Key_C);
+    EXPECT_TRUE(view().imgvwAfterBokesh->isVisible());
+    EXPECT_EQ(view().paintView->opacity(), 0.6);
+    QTest::mousePress(view().vwBottom->btnCompare(), Qt::LeftButton);
+    EXPECT_FALSE(view().imgvwAfterBokesh->isVisible());
+    stroke({0.4, 0.5}, {0.6, 0.5});
+    EXPECT_TRUE(view().imgvwAfterBokesh->isVisible()) << "who paints wants to see it";
+    perform(MenuCommand::ShowPainting);
+    perform(MenuCommand::AllSettings);
+    EXPECT_EQ(view().paintView->opacity(), 0);
+    EXPECT_TRUE(m_application.m_menu.showsAllSettings && !m_application.m_menu.showsPainting);
+    m_screen.reset();
+    openPhoto();
+    EXPECT_EQ(view().paintView->opacity(), 0) << "remembered";
+    EXPECT_TRUE(m_screen->panel().isUnfolded());
+}
+
+TEST_F(Editing, IsDoneByKeyboardAlone)
+{
+    openPhoto();
+    QTest::keyClick(m_window.get(), Qt::Key_Tab);
+    EXPECT_TRUE(m_window->focusWidget() == m_screen->panel().toolInForce());
+    KeyboardCursor *cursor = view().keyboardCursor;
+    for (int tabs = 0; tabs < 40 && !cursor->hasFocus(); ++tabs)
+        QTest::keyClick(m_window->focusWidget(), Qt::Key_Tab);
+    ASSERT_TRUE(cursor->isCircleShown());
+    post(kNotificationMouseout);
+    EXPECT_TRUE(view().paintView->isVisible()) << "the circle counts as the pointer";
+    const QPointF start = cursor->place();
+    QTest::keyClick(cursor, Qt::Key_Left, Qt::ShiftModifier);
+    EXPECT_EQ(cursor->place(), start - QPointF(40, 0));
+    QTest::keyPress(cursor, Qt::Key_Space);
+    for (int i = 0; i < 20; ++i)
+        QTest::keyClick(cursor, Qt::Key_Right);
+    QTest::keyRelease(cursor, Qt::Key_Space);
+    EXPECT_GT(paintAt({0.5, 0.5}), 0);
+    EXPECT_EQ(paintAt({0.5, 0.1}), 0);
+    EXPECT_EQ(m_application.m_menu.undo, u"UNDO_STROKE %@"_qs);
+    QAccessibleInterface *canvas = QAccessible::queryAccessibleInterface(cursor);
+    EXPECT_EQ(canvas->role(), QAccessible::Canvas);
+    EXPECT_EQ(canvas->text(QAccessible::Name), u"CANVAS %@"_qs);
+    cursor->setPainted(0.25, u"a quarter"_qs);
+    EXPECT_EQ(canvas->valueInterface()->currentValue().toDouble(), 25);
+    QTest::keyClick(cursor, Qt::Key_Tab);
+    EXPECT_FALSE(cursor->isCircleShown() || view().paintView->isVisible());
+    EXPECT_EQ(m_window->focusWidget(), view().vwBottom->btnCompare());
+}
+
+TEST_F(Editing, ARefusedDropIsExplained)
+{
+    start();
+    m_screen->sayWhyRefused(m_folder.path());
+    CalloutWindow *callout = m_window->findChild<CalloutWindow *>();
+    ASSERT_TRUE(callout && callout->isVisible()) << "there is no bar yet";
+    EXPECT_TRUE(callout->accessibleName().startsWith(u"REFUSED_IS_FOLDER"_qs));
+    m_screen->openPhotos({photo(u"a.png"_qs, {60, 40}), photo(u"b.png"_qs, {60, 40})});
+    EXPECT_TRUE(QTest::qWaitFor([this] { return said().startsWith(u"ONE_PHOTO_AT_A_TIME"_qs); }));
+    EXPECT_EQ(view().vwBottom->txtPixelSize(), u"PIXEL_SIZE 60"_qs);
+    m_screen->session().setLastExportedImage(m_screen->inputImage());
+    const std::pair<QString, QString> drops[] = {{{}, u"DROP_NO_FILE"_qs},
+                                                 {m_folder.filePath(u"none"_qs), u"REFUSED_NO_SUCH_FILE"_qs},
+                                                 {file(u"x.txt"_qs, "x"), u"REFUSED_NOT_A_PICTURE"_qs}};
+    for (const auto &[path, key] : drops) {
+        m_screen->sayWhyRefused(path);
+        EXPECT_TRUE(said().startsWith(key)) << qPrintable(said());
+    }
+    m_screen->photoDraggedWithPath(photo(u"b.png"_qs, {60, 40}));
+    EXPECT_TRUE(said().startsWith(u"DROP_AFTER_EXPORT"_qs));
+}
+
+TEST_F(Editing, AFileOrAPictureIsPasted)
+{
+    openPhoto();
+    auto *files = new QMimeData;
+    const QString copied = photo(u"copied.png"_qs, {60, 40});
+    files->setUrls({QUrl::fromLocalFile(copied)});
+    QGuiApplication::clipboard()->setMimeData(files);
+    perform(MenuCommand::PastePhoto);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return m_screen->imageUrl() == copied; }));
+    QImage picture(70, 30, QImage::Format_RGB32);
+    picture.fill(Qt::green);
+    QGuiApplication::clipboard()->setImage(picture);
+    perform(MenuCommand::PastePhoto);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return m_screen->imageUrl().endsWith(u"/Clipboard.png"_qs); }));
+    EXPECT_EQ(m_screen->inputImage()->size(), QSizeF(70, 30));
+    const QString path = m_screen->imageUrl();
+    QGuiApplication::clipboard()->setText(u"words"_qs);
+    perform(MenuCommand::PastePhoto);
+    EXPECT_TRUE(said().startsWith(u"CLIPBOARD_WITHOUT_PHOTO"_qs));
+    m_screen.reset();
+    EXPECT_FALSE(QFile::exists(path));
+}
+
+} // namespace
+
+} // namespace hazelmark
