@@ -109,6 +109,14 @@ TEST_P(PropertyDictionary, TakesRatingKeywordsAndLensFromXmpAlone)
     }
 }
 
+TEST_P(PropertyDictionary, TakesTheLensFromANoteThatAloneNamesIt)
+{
+    const QVariantMap dict =
+        dictionaryOf({.exif = exifBlock({{"Exif.Image.Make", "Minolta Co., Ltd."}, {"Exif.Minolta.LensID", "3"}})});
+    const QString lens = dict.value(kExifAuxGroup).toMap().value(QStringLiteral("LensModel")).toString();
+    EXPECT_TRUE(lens.startsWith(QLatin1String("Minolta AF "))) << lens.toStdString();
+}
+
 TEST_P(PropertyDictionary, ABrokenBlockDoesNotTakeTheOthersAlong)
 {
     MetadataBlocks blocks = richMetadata();
