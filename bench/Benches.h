@@ -5,6 +5,7 @@ namespace hazelmark::bench {
 // The rows of the table, by topic. Each registers its own; the pictures are made when a row first needs them.
 
 void addBlurRows();
+void addEditRows();
 void addErrorRows();
 void addPaintRows();
 void addCommandLineRows();

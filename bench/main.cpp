@@ -9,6 +9,7 @@ int main(int argc, char **argv)
 #endif
     hazelmark::bench::addErrorRows();
     hazelmark::bench::addPaintRows();
+    hazelmark::bench::addEditRows();
 #ifdef HAZELMARK_PROGRAM
     hazelmark::bench::addWindowRows();
 #endif

@@ -18,6 +18,9 @@ namespace hazelmark {
 
 namespace {
 
+/// How many stamps a replay places before it draws them where somebody wants to see the buffer on the way.
+constexpr std::size_t kStampsToBeSeen = 1 << 11;
+
 class ReplaceSession : public QUndoCommand
 {
 public:
@@ -198,6 +201,7 @@ void PaintCanvas::replay(std::size_t first, const QRect &clip, const Progress &d
     const PaintStepList &steps = *m_paintSession->steps();
     std::vector<StampedSegment> segments;
     std::size_t stamps = 0;
+    const std::size_t atOnce = drawn ? kStampsToBeSeen : kStampsAtOnce;
     const auto draw = [&](std::size_t count) {
         drawSegments(segments, clip);
         segments.clear();
@@ -221,7 +225,7 @@ void PaintCanvas::replay(std::size_t first, const QRect &clip, const Progress &d
                     Geometry::convertedPointToFrameBase(step.end(), m_canvasSize), m_canvasSize, step.pointSize(),
                     step.brushPixelStep(), segment.centres);
         stamps += segment.centres.places.size();
-        if (stamps >= kStampsAtOnce)
+        if (stamps >= atOnce)
             draw(i + 1);
     }
     draw(steps.size());

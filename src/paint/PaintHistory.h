@@ -28,7 +28,10 @@ enum class PaintEdit {
 /// Every state of the painting is the beginning of one list of steps: clearing and restoring append a step that covers
 /// the canvas. So each step is kept once, in the canvas's list or, when it was undone, with its edit. Undoing takes the
 /// edit's steps out of the list and draws anew what they had reached, beginning with the nearest of a few snapshots of
-/// the canvas. The brush state stays as it is. Main thread only.
+/// the canvas. The brush state stays as it is.
+///
+/// It is what updatePaintCanvasBySessionDataArray() does, on the same undo stack, but for steps: that operation would
+/// copy all of the painting into records with every stroke, and would leave the canvas as it was. Main thread only.
 class PaintHistory
 {
 public:

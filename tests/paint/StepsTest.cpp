@@ -9,9 +9,6 @@
 #include <gtest/gtest.h>
 
 #include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 #include <QTemporaryDir>
 
 #include <sys/stat.h>
@@ -111,11 +108,15 @@ TEST(StrokesFile, GivesTheStepsThatACanvasWouldWrite)
     control.setHardness(1);
     canvas.mouseDragged({90, 100});
     const QVariantList records = canvas.paintSession()->dataArray();
-    const QJsonObject root{{u"canvas"_qs, QJsonArray{200, 133.4}}, {u"steps"_qs, QJsonArray::fromVariantList(records)}};
-
+    StrokesFile written;
+    written.canvas = canvas.canvasSize();
+    written.steps = canvas.arrDrawedPoints();
+    written.blur = 0.1F;
     QString fault;
-    const auto file = StrokesFile::parse(QJsonDocument(root).toJson(), fault);
+    const auto file = StrokesFile::parse(written.toJson(), fault);
     ASSERT_TRUE(file) << fault.toStdString();
+    EXPECT_EQ(file->blur, 0.1F);
+    EXPECT_FALSE(file->vignette);
     PaintSession session;
     session.setSteps(file->steps);
     EXPECT_EQ(session.dataArray(), records);

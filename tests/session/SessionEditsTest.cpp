@@ -93,6 +93,8 @@ TEST_F(Edits, KeepToThePictureWhateverSizesTheCanvasHad)
     m_brush.setLineWidth(60);
     paint({0.3, 0.5}, {0.3, 0.5});
     endStroke();
+    exportTo(out("out.png"));
+    const auto strokes = m_session->painting().strokes();
     const QImage first = m_canvas.snapshot().copy();
     m_session->blurEverything();
     m_session->undo();
@@ -111,8 +113,16 @@ TEST_F(Edits, KeepToThePictureWhateverSizesTheCanvasHad)
         EXPECT_EQ(alphaBeside(0.6), 0) << i;
     }
     EXPECT_EQ(m_canvas.snapshot(), first);
+    EXPECT_EQ(m_session->painting().strokes(), strokes);
+    EXPECT_EQ(m_canvas.arrDrawedPoints(), strokes);
+    EXPECT_TRUE(m_session->isSaved(m_settings)) << "a redraw is no new work";
     m_session->undo();
     EXPECT_EQ(m_session->painting().paintedFraction(), 0);
+    m_session->redo();
+    open(photo("next.png"));
+    m_session->painting().redraw();
+    EXPECT_TRUE(m_session->painting().isEmpty()) << "another photo's strokes never come back";
+    EXPECT_FALSE(strokes->empty());
 }
 
 TEST_F(Edits, AreNeverUndoneByHalf)

@@ -64,13 +64,19 @@ TEST(ReadableTypes, AreTheSameForPanelAndDrop)
         EXPECT_FALSE(ReadableTypes::contains(QString::fromUtf16(extension)));
 }
 
-TEST(WorkQueue, EndsWithItsOwnerAndDeliversNothingAfterwards)
+TEST(WorkQueue, BringsResultsInOrderAndEndsWithItsOwner)
 {
     std::atomic<int> begun = 0;
     std::atomic<bool> go = false;
     int delivered = 0;
     {
         WorkQueue queue(1);
+        std::vector<int> order;
+        for (int i = 0; i < 50; ++i)
+            queue.run([i] { return i; }, [&](int result) { order.push_back(result); });
+        ASSERT_TRUE(QTest::qWaitFor([&] { return order.size() == 50; }));
+        EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
+        EXPECT_EQ(queue.pending(), 0);
         for (int i = 0; i < 10; ++i) {
             queue.run(
                 [&] {
@@ -87,17 +93,6 @@ TEST(WorkQueue, EndsWithItsOwnerAndDeliversNothingAfterwards)
     QTest::qWait(20);
     EXPECT_LE(begun, 10);
     EXPECT_EQ(delivered, 0);
-}
-
-TEST(WorkQueue, WithOneThreadResultsComeInTheOrderOfTheWork)
-{
-    WorkQueue queue(1);
-    std::vector<int> order;
-    for (int i = 0; i < 50; ++i)
-        queue.run([i] { return i; }, [&](int result) { order.push_back(result); });
-    ASSERT_TRUE(QTest::qWaitFor([&] { return order.size() == 50; }));
-    EXPECT_TRUE(std::is_sorted(order.begin(), order.end()));
-    EXPECT_EQ(queue.pending(), 0);
 }
 
 } // namespace hazelmark

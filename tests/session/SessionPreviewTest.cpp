@@ -79,31 +79,6 @@ TEST_F(SessionPreviews, TheMaskIsTheCanvasOverBlackWhereAToolIsInForce)
     EXPECT_GT(maskAt({0.7, 0.5}), 200) << "without a tool the mask stays";
 }
 
-TEST_F(SessionPreviews, ARedrawKeepsTheStrokesAtTheirPlaceAndIsNoNewWork)
-{
-    start();
-    open(photo("a.png"));
-    paint({0.2, 0.25}, {0.8, 0.25});
-    endStroke();
-    exportTo(out("out.png"));
-    ASSERT_TRUE(m_session->isSaved(m_settings));
-    const auto strokes = m_session->painting().strokes();
-    m_canvas.setCanvasSize({60, 44});
-    m_session->painting().redraw();
-    requestPreview();
-    EXPECT_EQ(m_session->painting().maskImage()->pixelSize(), QSize(60, 44));
-    EXPECT_GT(maskAt({0.5, 0.25}), 200);
-    EXPECT_EQ(maskAt({0.5, 0.75}), 0);
-    EXPECT_EQ(m_session->painting().strokes(), strokes);
-    EXPECT_EQ(m_canvas.arrDrawedPoints(), strokes);
-    EXPECT_TRUE(m_session->isSaved(m_settings));
-    // Another photo's strokes never come back.
-    open(photo("b.png"));
-    m_session->painting().redraw();
-    EXPECT_TRUE(m_session->painting().isEmpty());
-    EXPECT_FALSE(strokes->empty());
-}
-
 TEST_F(SessionPreviews, EveryRequestIsRenderedAndTheLastToFinishStays)
 {
     start();
