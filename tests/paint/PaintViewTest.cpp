@@ -328,6 +328,9 @@ TEST_F(Window, CursorIsACircleOfTheStampSize)
             EXPECT_EQ(cursor.pixelColor(0, 0).alpha(), 0);
         }
     }
+    view.setPointSize(1e9F);
+    view.mouseEntered();
+    EXPECT_EQ(view.cursor().shape(), Qt::ArrowCursor);
 }
 
 } // namespace hazelmark

@@ -24,7 +24,9 @@ namespace hazelmark {
 
 namespace {
 constexpr std::chrono::milliseconds kCursorPollInterval{100};
-}
+/// In points. A file may hold steps of any size, and a replay leaves that of its last one behind for a moment.
+constexpr float kLargestCircle = 2048;
+} // namespace
 
 PaintView::PaintView(QWidget *parent)
     : QWidget(parent)
@@ -328,7 +330,7 @@ QImage PaintView::cursorImage() const
 void PaintView::setBrushCursor(float hotSpot)
 {
     const CursorKey wanted{shownPointSize(), hotSpot, eraser(), devicePixelRatioF(), cursor().pixmap().cacheKey()};
-    if (wanted == m_cursorKey)
+    if (wanted == m_cursorKey || !(wanted.pointSize <= kLargestCircle))
         return;
     QPixmap circle = QPixmap::fromImage(cursorImage());
     double pixels = hotSpot;
