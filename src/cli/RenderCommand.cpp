@@ -45,10 +45,20 @@ constexpr float kVignetteWhenNotGiven = 0.0F;
 bool addStrokes(ExportJob &job, const RenderRequest &request)
 {
     const std::optional<StrokesFile> strokes = readStrokes(request.strokes);
-    const QImage painted = strokes ? maskOfStrokes(*strokes) : QImage();
-    if (painted.isNull())
+    if (!strokes)
         return false;
-    job.maskImage = PhotoImage::fromBitmap(painted);
+    if (strokes->scale > 1) {
+        if (const QString fault = StrokesFile::faultOfTips(); !fault.isEmpty()) {
+            printError(fault);
+            return false;
+        }
+        job.painting = strokes->painting();
+    } else {
+        const QImage painted = maskOfStrokes(*strokes);
+        if (painted.isNull())
+            return false;
+        job.maskImage = PhotoImage::fromBitmap(painted);
+    }
     job.settings.blurAmount = request.blur.value_or(strokes->blur.value_or(kBlurWhenNotGiven));
     job.settings.vignetteAmount = request.vignette.value_or(strokes->vignette.value_or(kVignetteWhenNotGiven));
     return true;

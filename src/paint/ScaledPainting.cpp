@@ -5,6 +5,7 @@
 #include "ParallelFor.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
 #include <new>
 
@@ -19,8 +20,12 @@ constexpr int kGreen = 1;
 
 double ScaledPainting::largestScale(QSizeF frame, QSizeF photo)
 {
-    return frame.isEmpty() ? 1
-                           : std::max(1.0, std::min(photo.width() / frame.width(), photo.height() / frame.height()));
+    if (frame.isEmpty())
+        return 1;
+    const double largest = std::min({photo.width() / frame.width(), photo.height() / frame.height(),
+                                     kLargestSide / std::max(frame.width(), frame.height()),
+                                     std::sqrt(kMostPixels / (frame.width() * frame.height()))});
+    return std::max(1.0, largest);
 }
 
 QImage ScaledPainting::mask(int threads) const

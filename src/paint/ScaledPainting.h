@@ -13,7 +13,12 @@ namespace hazelmark {
 /// thread, as long as nobody adds to the list meanwhile.
 struct ScaledPainting
 {
-    /// The largest scale at which a canvas of `frame` has no more pixels than a photo of `photo` pixels; at least 1.
+    /// Larger canvases are not drawn: a mask would be a gigabyte of pixels or more.
+    static constexpr double kLargestSide = 32767;
+    static constexpr double kMostPixels = 1 << 28;
+
+    /// The largest scale at which a canvas of `frame` has no more pixels than a photo of `photo` pixels, or than are
+    /// drawn; at least 1.
     static double largestScale(QSizeF frame, QSizeF photo);
 
     std::shared_ptr<const PaintStepList> steps;

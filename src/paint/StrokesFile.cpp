@@ -86,8 +86,8 @@ QString faultOfCanvas(const QJsonValue &value)
     const double height = sides[1].toDouble();
     if (width < 1 || height < 1)
         return u"its canvas is less than one point wide or high"_qs;
-    if (width > StrokesFile::kLargestSide || height > StrokesFile::kLargestSide ||
-        width * height > StrokesFile::kMostPixels)
+    if (width > ScaledPainting::kLargestSide || height > ScaledPainting::kLargestSide ||
+        width * height > ScaledPainting::kMostPixels)
         return u"its canvas is too large"_qs;
     return {};
 }
@@ -110,6 +110,39 @@ QString readNumber(const QJsonObject &root, const QString &key, std::optional<fl
         return u"its \"%1\" %2"_qs.arg(key, fault);
     number = float(value.toDouble());
     return {};
+}
+
+QString faultOfScale(const QJsonValue &value, const QJsonArray &sides)
+{
+    if (value.isUndefined())
+        return {};
+    const double scale = value.toDouble(0); // 0 for what is no number
+    if (!(scale >= 1))
+        return u"its \"scale\" is not a number of at least 1"_qs;
+    const double width = std::floor(scale * sides[0].toDouble());
+    const double height = std::floor(scale * sides[1].toDouble());
+    if (width > ScaledPainting::kLargestSide || height > ScaledPainting::kLargestSide ||
+        width * height > ScaledPainting::kMostPixels)
+        return u"its canvas is too large at its \"scale\""_qs;
+    return {};
+}
+
+/// A mask of one channel as the green of a picture.
+QImage asGreen(const QImage &mask)
+{
+    QImage green(mask.size(), QImage::Format_RGBX8888);
+    if (green.isNull())
+        throw std::bad_alloc();
+    for (int y = 0; y < mask.height(); ++y) {
+        const uchar *from = mask.constScanLine(y);
+        uchar *to = green.scanLine(y);
+        for (int x = 0; x < mask.width(); ++x, to += 4) {
+            to[0] = to[2] = 0;
+            to[1] = from[x];
+            to[3] = 255;
+        }
+    }
+    return green;
 }
 
 /// The step that the byte at `offset` belongs to, counted from 0; -1 for none. Steps are the lists in a list of the
@@ -157,6 +190,8 @@ std::optional<StrokesFile> StrokesFile::parse(const QByteArray &json, QString &f
     if (wrong.isEmpty())
         wrong = faultOfCanvas(root[u"canvas"]);
     if (wrong.isEmpty())
+        wrong = faultOfScale(root[u"scale"], root[u"canvas"].toArray());
+    if (wrong.isEmpty())
         wrong = readNumber(root, u"blur"_qs, file.blur);
     if (wrong.isEmpty())
         wrong = readNumber(root, u"vignette"_qs, file.vignette);
@@ -175,6 +210,7 @@ std::optional<StrokesFile> StrokesFile::parse(const QByteArray &json, QString &f
 
     const QJsonArray sides = root[u"canvas"].toArray();
     file.canvas = {sides[0].toDouble(), sides[1].toDouble()};
+    file.scale = root[u"scale"].toDouble(1);
     file.photo = root[u"photo"].toString();
     file.steps = std::make_shared<PaintStepList>();
     file.steps->reserve(std::size_t(records.size()));
@@ -193,6 +229,8 @@ QByteArray StrokesFile::toJson() const
         records.append(QJsonArray::fromVariantList(step.data()));
     QJsonObject root{
         {u"version"_qs, kVersion}, {u"canvas"_qs, QJsonArray{canvas.width(), canvas.height()}}, {u"steps"_qs, records}};
+    if (scale != 1)
+        root[u"scale"] = scale;
     if (blur)
         root[u"blur"] = double(*blur);
     if (vignette)
@@ -230,16 +268,24 @@ std::optional<StrokesFile> StrokesFile::read(const QString &path, QString &fault
     return strokes;
 }
 
+QString StrokesFile::faultOfTips()
+{
+    if (!BrushTips::shared().tipForHardness(1).isNull())
+        return {};
+    return u"%1: the brush tips are missing."_qs.arg(Bundle::mainBundle().resourcePath());
+}
+
 QImage StrokesFile::mask(QString &fault) const
 {
-    if (BrushTips::shared().tipForHardness(1).isNull()) {
-        fault = u"%1: the brush tips are missing."_qs.arg(Bundle::mainBundle().resourcePath());
+    fault = faultOfTips();
+    if (!fault.isEmpty())
         return {};
-    }
     PaintCanvas replay;
     replay.setCanvasSize(canvas);
-    replay.restoreDrawedPoints(steps);
     try {
+        if (scale > 1)
+            return asGreen(painting().mask());
+        replay.restoreDrawedPoints(steps);
         const PhotoImagePtr painted = PhotoImage::fromBitmap(replay.snapshot());
         if (const PhotoImagePtr mask = Utils::sharedUtils().addBackgroundToImage(painted, Qt::black))
             return mask->bitmap();

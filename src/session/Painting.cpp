@@ -71,18 +71,23 @@ StrokesFile Painting::file() const
         ++first; // as the canvas is at first
     StrokesFile file;
     file.canvas = m_canvas.canvasSize();
+    file.scale = scaled().scale;
     file.steps = std::make_shared<PaintStepList>(m_strokes->begin() + std::ptrdiff_t(first), m_strokes->end());
     for (PaintStep &step : *file.steps)
         step = step.scaledTo(file.canvas.width());
     return file;
 }
 
-void Painting::replaceBy(const PaintStepList &steps)
+void Painting::replaceBy(const StrokesFile &painting)
 {
     PaintStepList appended;
     if (!isEmpty())
         appended.push_back(PaintStep::covering(kGreen, true));
+    const PaintStepList &steps = *painting.steps;
     appended.insert(appended.end(), steps.begin(), steps.end());
+    if (painting.scale > 1 && !steps.empty())
+        m_scales.push_back(
+            {m_strokes->size() + appended.size() - steps.size(), painting.scale * painting.canvas.width()});
     if (!appended.empty())
         m_history.append(PaintEdit::Restore, appended);
     keepStrokes();
@@ -108,10 +113,10 @@ double Painting::paintedFraction() const
 void Painting::raiseScale(double zoom)
 {
     if (zoom > 1)
-        m_scales.push_back({m_canvas.arrDrawedPoints()->size(), zoom});
+        m_scales.push_back({m_canvas.arrDrawedPoints()->size(), zoom * m_canvas.canvasSize().width()});
 }
 
-ScaledPainting Painting::scaled(QSizeF photo) const
+ScaledPainting Painting::scaled() const
 {
     const QSizeF frame = m_canvas.canvasSize();
     auto steps = std::make_shared<PaintStepList>(*m_canvas.arrDrawedPoints());
@@ -120,8 +125,8 @@ ScaledPainting Painting::scaled(QSizeF photo) const
         ++first; // no stroke
     double scale = 1;
     for (const BegunAt &begun : m_scales)
-        scale = begun.step < first ? scale : std::max(scale, begun.zoom);
-    return {std::move(steps), frame, std::min(scale, ScaledPainting::largestScale(frame, photo))};
+        scale = begun.step < first ? scale : std::max(scale, begun.canvasWidth / frame.width());
+    return {std::move(steps), frame, std::min(scale, ScaledPainting::largestScale(frame, m_photoSize))};
 }
 
 QImage Painting::canvas() const

@@ -52,14 +52,16 @@ public:
     /// What is painted, for a file: the steps before the last one that covers the canvas are left out, the others have
     /// the sizes that they have on the canvas as it is.
     StrokesFile file() const;
-    /// Puts `steps` in the place of what is painted; one edit. Not during a stroke.
-    void replaceBy(const PaintStepList &steps);
+    /// Puts the steps of a file in the place of what is painted; one edit. Not during a stroke.
+    void replaceBy(const StrokesFile &painting);
     /// How much of the canvas is painted, 0..1; of a large one to within a few thousandths.
     double paintedFraction() const;
+    /// In pixels: a painting has no more.
+    void setPhotoSize(QSizeF photo) { m_photoSize = photo; }
     /// A stroke begins at `zoom` times the size at fit: from now on the painting is drawn at least as finely.
     void raiseScale(double zoom);
-    /// All of it as it is now, at the scale at which it is as fine as it was painted; for a photo of so many pixels.
-    ScaledPainting scaled(QSizeF photo) const;
+    /// All of it as it is now, at the scale at which it is as fine as it was painted.
+    ScaledPainting scaled() const;
     /// The pixels of the canvas; null when nothing is painted.
     QImage canvas() const;
 
@@ -92,7 +94,7 @@ private:
     struct BegunAt
     {
         std::size_t step;
-        double zoom;
+        double canvasWidth; ///< of the canvas as it was seen, in points
     };
 
     PaintCanvas &m_canvas;
@@ -100,6 +102,7 @@ private:
     qint32 m_toolType = kToolNone;
     std::shared_ptr<PaintStepList> m_strokes = std::make_shared<PaintStepList>();
     std::vector<BegunAt> m_scales;
+    QSizeF m_photoSize;
     PhotoImagePtr m_maskImage;
     qint64 m_maskCanvasKey = 0; ///< which pixels of the canvas `m_maskImage` was made from
     PhotoImagePtr m_maskGreenImageWithCustomPaint;

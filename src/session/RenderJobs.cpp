@@ -38,7 +38,7 @@ PhotoImagePtr PreviewJob::run(int threads) const
 Outcome<ImageLoader::Loaded> ExportJob::run() const
 {
     Outcome<ImageLoader::Loaded> loaded = loadedPhoto(*this);
-    if (!loaded || !maskImage)
+    if (!loaded || (!maskImage && !(painting.scale > 1)))
         return loaded;
     try {
         const Utils &utils = Utils::sharedUtils();

@@ -31,7 +31,7 @@ struct ExportJob
 {
     PhotoPtr photo;          ///< not null
     PhotoImagePtr maskImage; ///< of any size; null exports the photo as it is. Its logical size becomes the photo's.
-    /// What the mask is drawn from instead where its scale is above 1.
+    /// What the mask is drawn from instead, where the scale is above 1; then there are steps.
     ScaledPainting painting;
     CoreFilterObject settings;
     /// The photo where it is decoded already; used only if its file is still as it was.

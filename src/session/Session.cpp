@@ -96,6 +96,7 @@ void Session::setPhoto(const OpenPhoto &photo)
     m_previews.startPhoto();
     m_photo = photo;
     m_full.setPhoto(photo.record ? photo.record->photo() : nullptr);
+    m_painting.setPhotoSize(photo.inputImage ? photo.inputImage->size() : QSizeF());
     m_sight.reset();
     m_view.forget();
     m_writtenEdits.reset();
@@ -200,7 +201,7 @@ void Session::take(const StrokesFile &painting, bool isStored)
     if (!mayEdit())
         return;
     m_keeper.startFile();
-    m_painting.replaceBy(*painting.steps);
+    m_painting.replaceBy(painting);
     m_keeper.setValues({painting.blur ? painting.blur : m_keeper.values().blur,
                         painting.vignette ? painting.vignette : m_keeper.values().vignette});
     if (isStored)
@@ -256,7 +257,7 @@ void Session::drawSight()
     if (reduced->pixelSize().width() < own.width())
         m_full.ask();
     const auto &[size, part, canvasScale, settings] = *m_sight;
-    const ViewJob job{m_full.image(),      reduced,     size,    part, settings, m_painting.scaled(own),
+    const ViewJob job{m_full.image(),      reduced,     size,    part, settings, m_painting.scaled(),
                       m_painting.canvas(), canvasScale, colors()};
     if (job.canRun())
         m_view.request(job);
@@ -291,7 +292,8 @@ void Session::startExport(const ExportRequest &request)
     ExportJob job;
     job.photo = m_photo.record->photo();
     job.maskImage = m_painting.maskImage();
-    job.painting = m_painting.scaled(m_photo.inputImage->size());
+    if (!m_painting.isEmpty())
+        job.painting = m_painting.scaled();
     job.loaded = m_full.loaded();
     job.settings = request.settings;
     const ExportWriter::Settings settings{*m_photo.record, request.formats, request.fileType, request.quality,

@@ -156,6 +156,9 @@ TEST(StrokesFile, FaultsAreSentencesThatNameWhatIsToBlame)
     for (const auto &[more, part] : {std::pair("\"version\": 2", "newer"),
                                      {"\"version\": []", "version"},
                                      {"\"blur\": \"60\"", "blur"},
+                                     {"\"scale\": \"2\"", "scale"},
+                                     {"\"scale\": 0.5", "scale"},
+                                     {"\"scale\": 1e5", "scale"},
                                      {"\"vignette\": 1e39", "vignette"}})
         cases.emplace_back("{\"canvas\": [1, 1], \"steps\": [], " + QByteArray(more) + "}", part);
     for (const char *json : {"", "[]", "{", "7", "{\"canvas\": [1, 1]}", "{\"canvas\": [1, 1], \"steps\": {}}",

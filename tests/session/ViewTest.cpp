@@ -169,8 +169,35 @@ TEST_F(View, ShowsWhatAnExportWrites)
         // Looking leaves the mask as it is; a stroke that was painted near makes it finer.
         picture(size / 2, QRect(0, 0, 200, 200), 2);
         EXPECT_EQ(m_session->lastExportedImage(), result);
-        EXPECT_EQ(m_session->painting().scaled(size).scale, std::min(zoom, 2.0));
+        EXPECT_EQ(m_session->painting().scaled().scale, std::min(zoom, 2.0));
     }
+}
+
+/// A painting in a file is as fine as the one in the window: the command line renders the same picture of it.
+TEST_F(View, GivesAFileOfStrokesItsScale)
+{
+    begin(writePhoto(m_folder, WriteFormat::Png, {}, noise({1500, 1100}, QImage::Format_RGBX8888)));
+    m_brush.setHardness(0.3F);
+    for (const auto &[zoom, y] : {std::pair(1.0, 0.2), std::pair(1.7, 0.5), std::pair(1.2, 0.8)})
+        paintAt(zoom, {0.21, y}, {0.63, y + 0.1});
+    exportTo({});
+    QString fault;
+    const std::optional<StrokesFile> file = StrokesFile::parse(m_session->painting().file().toJson(), fault);
+    ASSERT_TRUE(file) << fault.toStdString();
+    EXPECT_NEAR(file->scale, 1.7, 1e-9);
+    ExportJob job;
+    job.photo = m_session->photo().record->photo();
+    job.painting = file->painting();
+    job.settings = m_settings;
+    const Outcome<ImageLoader::Loaded> rendered = job.run();
+    ASSERT_TRUE(rendered);
+    EXPECT_EQ(rendered->photo->bitmap(), m_session->lastExportedImage()->bitmap());
+    EXPECT_GT(qGreen(file->mask(fault).pixel(int(0.3 * 750 * 1.7), int(0.52 * 550 * 1.7))), 100);
+    // Brought back on another photo it is as fine as it was.
+    m_session->painting().clearPainting();
+    EXPECT_EQ(m_session->painting().scaled().scale, 1);
+    m_session->painting().replaceBy(*file);
+    EXPECT_NEAR(m_session->painting().scaled().scale, 1.7, 1e-9);
 }
 
 /// Undo and clearing: what can come back is as fine as it was.
@@ -178,7 +205,7 @@ TEST_F(View, KeepsTheScaleOfWhatCanBeSeenOrDoneAgain)
 {
     begin(photo("a.png", {1200, 800}));
     Painting &painting = m_session->painting();
-    const auto scale = [&] { return painting.scaled({1200, 800}).scale; };
+    const auto scale = [&] { return painting.scaled().scale; };
     const std::tuple<const char *, std::function<void()>, double> stories[]{
         {"at fit",
          [&] {
