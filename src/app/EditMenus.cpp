@@ -60,6 +60,11 @@ EditMenus::EditMenus(QMenuBar &menuBar)
     showKey(m_compare, Qt::Key_C);
     add(menuView, C::ShowPainting, {Qt::Key_G});
     menuView->addSeparator();
+    add(menuView, C::ZoomIn, {Qt::CTRL | Qt::Key_Plus, Qt::CTRL | Qt::Key_Equal, Qt::Key_Plus, Qt::Key_Equal});
+    add(menuView, C::ZoomOut, {Qt::CTRL | Qt::Key_Minus, Qt::Key_Minus});
+    add(menuView, C::ZoomFit, {Qt::CTRL | Qt::Key_0});
+    add(menuView, C::ZoomFull, {Qt::CTRL | Qt::Key_1});
+    menuView->addSeparator();
     add(menuView, C::AllSettings, {});
     menuView->addSeparator();
     add(menuView, C::FullScreen, {});
@@ -86,15 +91,25 @@ void EditMenus::setLocalizedStrings(Localisation &texts)
     menuEdit->setTitle(asTitle(lookup("EDIT")));
     menuBrush->setTitle(asTitle(lookup("TOOL_BRUSH")));
     menuView->setTitle(asTitle(lookup("VIEW")));
-    const std::pair<C, QString> titles[] = {
-        {C::PastePhoto, lookup("PASTE_PHOTO")},       {C::Brush, lookup("TOOL_BRUSH")},
-        {C::Eraser, lookup("TOOL_ERASER")},           {C::BrushLarger, lookup("BRUSH_LARGER")},
-        {C::BrushSmaller, lookup("BRUSH_SMALLER")},   {C::BrushHarder, lookup("BRUSH_HARDER")},
-        {C::BrushSofter, lookup("BRUSH_SOFTER")},     {C::BlurEverything, lookup("BLUR_EVERYTHING")},
-        {C::ClearPainting, lookup("CLEAR_PAINTING")}, {C::SavePaintingAs, lookup("SAVE_PAINTING_AS")},
-        {C::OpenPainting, lookup("OPEN_PAINTING")},   {C::ForgetPaintings, lookup("FORGET_PAINTINGS")},
-        {C::ShowPainting, lookup("SHOW_PAINTING")},   {C::AllSettings, lookup("ALL_SETTINGS")},
-        {C::FullScreen, lookup("FULL_SCREEN_MODE")}};
+    const std::pair<C, QString> titles[] = {{C::PastePhoto, lookup("PASTE_PHOTO")},
+                                            {C::Brush, lookup("TOOL_BRUSH")},
+                                            {C::Eraser, lookup("TOOL_ERASER")},
+                                            {C::BrushLarger, lookup("BRUSH_LARGER")},
+                                            {C::BrushSmaller, lookup("BRUSH_SMALLER")},
+                                            {C::BrushHarder, lookup("BRUSH_HARDER")},
+                                            {C::BrushSofter, lookup("BRUSH_SOFTER")},
+                                            {C::BlurEverything, lookup("BLUR_EVERYTHING")},
+                                            {C::ClearPainting, lookup("CLEAR_PAINTING")},
+                                            {C::SavePaintingAs, lookup("SAVE_PAINTING_AS")},
+                                            {C::OpenPainting, lookup("OPEN_PAINTING")},
+                                            {C::ForgetPaintings, lookup("FORGET_PAINTINGS")},
+                                            {C::ShowPainting, lookup("SHOW_PAINTING")},
+                                            {C::ZoomIn, lookup("ZOOM_IN")},
+                                            {C::ZoomOut, lookup("ZOOM_OUT")},
+                                            {C::ZoomFit, lookup("ZOOM_FIT_WINDOW")},
+                                            {C::ZoomFull, lookup("ZOOM_FULL")},
+                                            {C::AllSettings, lookup("ALL_SETTINGS")},
+                                            {C::FullScreen, lookup("FULL_SCREEN_MODE")}};
     for (const auto &[command, title] : titles)
         item(command)->setText(asTitle(title));
     m_compare->setText(asTitle(lookup("COMPARE")));
@@ -117,6 +132,8 @@ void EditMenus::setState(const MenuState &state)
     step(C::Undo, state.undo, m_undo);
     step(C::Redo, state.redo, m_redo);
     item(C::PastePhoto)->setEnabled(state.mayOpen);
+    for (const C command : {C::ZoomIn, C::ZoomOut, C::ZoomFit, C::ZoomFull})
+        item(command)->setEnabled(state.hasPhoto);
     for (const C command : {C::ForgetPaintings, C::ShowPainting, C::AllSettings, C::FullScreen})
         item(command)->setEnabled(true);
     item(C::ShowPainting)->setChecked(state.showsPainting);

@@ -104,6 +104,12 @@ KeyboardDialog::KeyboardDialog(Localisation &texts)
     right->add(lookup("KEYS_GROUP_VIEW"),
                {{formatString(lookup("KEYS_HOLD"), {QStringLiteral("C")}), lookup("COMPARE")},
                 {QStringLiteral("G"), lookup("SHOW_PAINTING")},
+                {QStringLiteral("+, -, ") + modifier(Qt::ControlModifier) + lookup("KEYS_WHEEL"), lookup("ZOOM")},
+                {native(Qt::CTRL | Qt::Key_0), lookup("ZOOM_FIT_WINDOW")},
+                {native(Qt::CTRL | Qt::Key_1), lookup("ZOOM_FULL")},
+                {modifier(Qt::ControlModifier) + arrows + QStringLiteral(", ") + native(Qt::Key_Space) +
+                     QLatin1Char('+') + lookup("KEYS_DRAG"),
+                 lookup("KEYS_PAN")},
                 {native(Qt::Key_F11), lookup("FULL_SCREEN_MODE")},
                 {native(Qt::Key_Tab), lookup("KEYS_NEXT")},
                 {native(Qt::Key_F10) + QStringLiteral(", ") + native(Qt::ALT | Qt::Key_F), lookup("KEYS_MENUS")},

@@ -116,6 +116,12 @@ void Painting::raiseScale(double zoom)
         m_scales.push_back({m_canvas.arrDrawedPoints()->size(), zoom * m_canvas.canvasSize().width()});
 }
 
+void Painting::lowerScale(double zoom)
+{
+    if (zoom > 1 && !m_scales.empty())
+        m_scales.pop_back();
+}
+
 ScaledPainting Painting::scaled() const
 {
     const QSizeF frame = m_canvas.canvasSize();

@@ -60,6 +60,8 @@ public:
     void setPhotoSize(QSizeF photo) { m_photoSize = photo; }
     /// A stroke begins at `zoom` times the size at fit: from now on the painting is drawn at least as finely.
     void raiseScale(double zoom);
+    /// That stroke was taken back.
+    void lowerScale(double zoom);
     /// All of it as it is now, at the scale at which it is as fine as it was painted.
     ScaledPainting scaled() const;
     /// The pixels of the canvas; null when nothing is painted.

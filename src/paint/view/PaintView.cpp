@@ -9,6 +9,7 @@
 #include <QCursor>
 #include <QGuiApplication>
 #include <QInputDevice>
+#include <QLineF>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QTabletEvent>
@@ -26,6 +27,8 @@ namespace {
 constexpr std::chrono::milliseconds kCursorPollInterval{100};
 /// In points. A file may hold steps of any size, and a replay leaves that of its last one behind for a moment.
 constexpr float kLargestCircle = 2048;
+/// A finger that has moved no farther may still be one of two.
+constexpr double kDabPoints = 12;
 } // namespace
 
 PaintView::PaintView(QWidget *parent)
@@ -288,6 +291,17 @@ bool PaintView::event(QEvent *event)
     return QWidget::event(event);
 }
 
+bool PaintView::takeBackDab()
+{
+    if (m_stroke != Stroke::Touch || !m_isDab)
+        return false;
+    m_stroke = Stroke::None;
+    paintSession()->takeSteps(m_stepsBefore);
+    setPixels(std::exchange(m_pixelsBefore, {}), QRect(QPoint(), bufferSize()));
+    emit strokeTakenBack();
+    return true;
+}
+
 bool PaintView::handleTouch(QTouchEvent &event)
 {
     // A touch pad moves the pointer.
@@ -298,12 +312,23 @@ bool PaintView::handleTouch(QTouchEvent &event)
         return true;
     }
     for (const QEventPoint &point : event.points()) {
-        if (point.state() == QEventPoint::Pressed && beginStroke(Stroke::Touch, point.position()))
+        if (point.state() == QEventPoint::Pressed && m_stroke == Stroke::None) {
             m_finger = point.id();
-        else if (point.id() == m_finger && point.state() == QEventPoint::Updated)
+            m_touchedAt = point.position();
+            m_isDab = true;
+            m_stepsBefore = arrDrawedPoints()->size();
+            m_pixelsBefore = buffer();
+            beginStroke(Stroke::Touch, point.position());
+        } else if (point.id() == m_finger && point.state() == QEventPoint::Updated) {
+            if (m_isDab && QLineF(m_touchedAt, point.position()).length() > kDabPoints) {
+                m_isDab = false;
+                m_pixelsBefore = {};
+            }
             continueStroke(Stroke::Touch, point.position());
-        else if (point.id() == m_finger && point.state() == QEventPoint::Released)
+        } else if (point.id() == m_finger && point.state() == QEventPoint::Released) {
+            m_pixelsBefore = {};
             endStroke(Stroke::Touch);
+        }
     }
     return true;
 }

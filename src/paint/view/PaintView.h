@@ -56,6 +56,9 @@ public:
     bool isStrokeUnderWay() const { return m_stroke != Stroke::None; }
     /// Ends the stroke that is under way, if there is one, with what is painted so far.
     void finishStroke();
+    /// A second finger has come down: takes back, without a step, what the first one has dabbed. False when there is no
+    /// stroke of a finger, or it is more than a dab.
+    bool takeBackDab();
 
     /// What can be seen of the canvas, in points of this view.
     QRectF visibleFrame() const { return m_visible.translated(-geometry().topLeft()); }
@@ -90,6 +93,7 @@ protected:
 signals:
     void strokeBegan();
     void strokeEnded();
+    void strokeTakenBack();
 
 private:
     /// What draws the stroke: one at a time, the others wait.
@@ -114,6 +118,10 @@ private:
     double m_opacity = 1;
     Stroke m_stroke = Stroke::None;
     int m_finger = 0;
+    QPointF m_touchedAt;
+    bool m_isDab = false;
+    std::size_t m_stepsBefore = 0; ///< a finger's stroke, as the pixels are
+    QImage m_pixelsBefore;
     QTimer *m_mouseTimer = nullptr;
     QPointer<QWidget> m_window;
 

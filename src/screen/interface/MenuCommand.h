@@ -24,7 +24,11 @@ enum class MenuCommand {
     ForgetPaintings,
     ShowPainting, ///< or hide it
     AllSettings,  ///< or only those with an effect
-    FullScreen,   ///< or back
+    ZoomIn,
+    ZoomOut,
+    ZoomFit,
+    ZoomFull,   ///< one pixel of the photo to one of the screen
+    FullScreen, ///< or back
 };
 
 /// What the two menus show of the main screen's state.
@@ -34,6 +38,7 @@ struct MenuState
     QString redo;
     QStringList storedPaintings; ///< what can be restored, as the items say it
     bool mayEdit = false;        ///< a photo is open and rests
+    bool hasPhoto = false;       ///< also while it is exported
     bool mayOpen = true;         ///< no export runs
     bool showsPainting = true;
     bool showsAllSettings = false;

@@ -257,6 +257,7 @@ void EditCommands::publish()
         state.redo = text(redoKey(*edit));
     for (const StoredPainting &painting : m_session.storedPaintings())
         state.storedPaintings << formatString(text("RESTORE_PAINTING_OF"), {dateText(painting)});
+    state.hasPhoto = m_session.state() != Session::State::Empty;
     state.mayEdit = m_session.state() == Session::State::Editing;
     state.mayOpen = m_session.state() != Session::State::Exporting;
     state.showsPainting = ViewSettings::showsPainting();

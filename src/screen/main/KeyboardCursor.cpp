@@ -104,7 +104,7 @@ void KeyboardCursor::hideCircle()
     if (!m_isShown)
         return;
     endStroke();
-    m_isShown = false;
+    m_isShown = m_hasMoved = false;
     m_brushPoll->stop();
     update();
     emit circleChanged();
@@ -156,9 +156,9 @@ void KeyboardCursor::keyPressEvent(QKeyEvent *event)
     const bool isPlain = !(event->modifiers() & (Qt::ControlModifier | Qt::AltModifier | Qt::MetaModifier));
     if (!way.isNull() && isPlain) {
         showCircle();
+        m_hasMoved = true;
         moveBy(way * kStepPoints * (event->modifiers() & Qt::ShiftModifier ? kFar : 1));
-    } else if (event->key() == Qt::Key_Space && isPlain) {
-        showCircle();
+    } else if (event->key() == Qt::Key_Space && isPlain && m_hasMoved) { // else it holds the photo for the mouse
         if (!event->isAutoRepeat() && !m_isPainting)
             m_isPainting = m_canvas.beginKeyStroke(m_place);
     } else {

@@ -60,6 +60,7 @@ private:
     double m_drawnSize = 0;
     bool m_drawnEraser = false;
     bool m_isShown = false;
+    bool m_hasMoved = false; ///< by an arrow key, since it is shown
     bool m_isPainting = false;
     double m_painted = 0;
 };

@@ -144,6 +144,10 @@ void MainScreenVC::connectSession()
     connect(m_session.get(), &Session::loadingChanged, this, [this](const QString &fileName) {
         m_view->showLoading(fileName.isEmpty() ? QString() : formatString(text("LOADING"), {fileName}));
     });
+    connect(m_zoom, &PhotoZoom::readingChanged, this, [this](bool isReading) {
+        if (!m_session->isLoading())
+            m_view->showLoading(isReading ? text("READING_FULL_SIZE") : QString());
+    });
     connect(m_session.get(), &Session::photoRead, this, &MainScreenVC::photoRead);
     connect(m_session.get(), &Session::refused, this, &MainScreenVC::photoRefused);
     connect(m_session.get(), &Session::stateChanged, this, &MainScreenVC::sessionStateChanged);
@@ -190,6 +194,7 @@ void MainScreenVC::setupTitleBarViewForWindow(TitlebarWindow *window)
     m_chrome = std::make_unique<MainWindowChrome>(m_application, *m_session, *window);
     connect(m_chrome.get(), &MainWindowChrome::screenChanged, this, &MainScreenVC::followScreen);
     m_commands->setWindow(window);
+    m_zoom->setWindow(*window);
     m_keys = std::make_unique<ScreenKeys>(*m_view, *window, *m_commands, *m_sight);
     m_commands->publish();
     m_exportFlow = std::make_unique<ExportFlow>(*m_session, m_application, *window, *m_view->btnExport,

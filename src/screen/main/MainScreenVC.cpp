@@ -80,10 +80,20 @@ SettingsPanel &MainScreenVC::panel()
 
 void MainScreenVC::commandFromMenuTapped(MenuCommand command, int index)
 {
-    if (command == MenuCommand::PastePhoto)
-        pastePhoto();
-    else
+    switch (command) {
+    case MenuCommand::PastePhoto:
+        return pastePhoto();
+    case MenuCommand::ZoomIn:
+        return m_zoom->zoomBySteps(1);
+    case MenuCommand::ZoomOut:
+        return m_zoom->zoomBySteps(-1);
+    case MenuCommand::ZoomFit:
+        return m_zoom->setFit();
+    case MenuCommand::ZoomFull:
+        return m_zoom->setScale(1);
+    default:
         m_commands->perform(command, index);
+    }
 }
 
 // The photo

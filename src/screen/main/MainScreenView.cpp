@@ -9,6 +9,7 @@
 #include "ImageButton.h"
 #include "ImageCatalog.h"
 #include "KeyboardCursor.h"
+#include "OverviewView.h"
 #include "PaintView.h"
 #include "PhotoImageView.h"
 #include "PhotoTest.h"
@@ -16,6 +17,7 @@
 #include "SummaryBar.h"
 #include "Theme.h"
 #include "TitlebarWindow.h"
+#include "ZoomField.h"
 
 #include <QGuiApplication>
 #include <QHBoxLayout>
@@ -103,8 +105,8 @@ void MainScreenView::makeSettingsPanel(ApplicationDelegate &application)
 void MainScreenView::orderTabs(const QList<QWidget *> &windowButtons)
 {
     QList<QWidget *> order = vwSettingOptions->tabOrder();
-    order << keyboardCursor << vwBottom->btnRestore() << vwBottom->btnCompare() << btnAddPhoto << btnShareService
-          << btnExport << windowButtons;
+    order << keyboardCursor << vwBottom->btnRestore() << vwBottom->zoomField() << vwBottom->btnCompare() << btnAddPhoto
+          << btnShareService << btnExport << windowButtons;
     for (qsizetype i = 1; i < order.size(); ++i)
         setTabOrder(order[i - 1], order[i]);
 }
@@ -168,6 +170,7 @@ void MainScreenView::makePhotoArea()
     drawTrackingView->setObjectName(QStringLiteral("drawTrackingView"));
     drawTrackingView->stackUnder(paintView);
     keyboardCursor = new KeyboardCursor(*paintView, vwPreviewContainer);
+    overview = new OverviewView(vwPreviewContainer);
     setAccessibleRole(*imgvwBeforeBokesh, QAccessible::Graphic);
     setAccessibleRole(*imgvwAfterBokesh, QAccessible::Graphic);
     m_loadingNote = new LoadingNote(dropTarget);
@@ -215,6 +218,7 @@ void MainScreenView::setLocalizedStrings(ApplicationDelegate &application)
     imgvwBeforeBokesh->setAccessibleName(text("PHOTO_BEFORE"));
     imgvwAfterBokesh->setAccessibleName(text("PHOTO_AREA"));
     keyboardCursor->setAccessibleName(text("CANVAS"));
+    name(overview, text("OVERVIEW"));
     progressBar->setAccessibleName(text("EXPORT_PROGRESS"));
     vwTopContainer->setAccessibleName(text("TITLE_STRIP"));
     vwBottom->setLocalizedStrings();
@@ -252,6 +256,7 @@ void MainScreenView::placePhoto(const QRectF &picture)
         view->setPictureFrame(picture);
         view->setDetail({});
     }
+    overview->hide();
     paintView->setFrame(picture);
     drawTrackingView->setGeometry(paintView->geometry());
     keyboardCursor->setGeometry(paintView->geometry());

@@ -14,6 +14,7 @@ class DrawTrackingView;
 class FileDraggingView;
 class IMGButton;
 class KeyboardCursor;
+class OverviewView;
 class PaintView;
 class PhotoImageView;
 class SettingsPanel;
@@ -84,6 +85,7 @@ public:
     PhotoImageView *imgvwAfterBokesh = nullptr;
     DrawTrackingView *drawTrackingView = nullptr;
     PaintView *paintView = nullptr;
+    OverviewView *overview = nullptr; ///< of the photo, while a part of it is out of sight
     KeyboardCursor *keyboardCursor = nullptr;
     IMGButton *btnAddPhoto = nullptr;
     IMGButton *btnExport = nullptr;

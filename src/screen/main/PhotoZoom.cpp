@@ -3,16 +3,26 @@
 #include "BrushControls.h"
 #include "DrawTrackingView.h"
 #include "MainScreenView.h"
+#include "OverviewView.h"
 #include "PaintView.h"
 #include "PhotoImageView.h"
 #include "Session.h"
+#include "SummaryBar.h"
+#include "ZoomField.h"
 
 #include <QCursor>
+#include <QGuiApplication>
+#include <QInputDevice>
+#include <QKeyEvent>
+#include <QLineF>
 #include <QMouseEvent>
 #include <QNativeGestureEvent>
+#include <QTouchEvent>
 #include <QWheelEvent>
 
-#include <cmath>
+#include <algorithm>
+#include <chrono>
+#include <initializer_list>
 
 namespace hazelmark {
 
@@ -22,6 +32,11 @@ namespace {
 constexpr double kAngleOfStep = 120;
 /// How far such a step moves the photo.
 constexpr double kPointsOfStep = 60;
+/// So many arrow keys go across what is in sight.
+constexpr int kKeysAcross = 8;
+constexpr int kOverviewMargin = 12;
+/// Two frames of a screen.
+constexpr std::chrono::milliseconds kPatience{33};
 
 } // namespace
 
@@ -31,18 +46,41 @@ PhotoZoom::PhotoZoom(MainScreenView &view, Session &session, std::function<CoreF
     , m_session(session)
     , m_settings(std::move(settings))
 {
+    m_patience.setSingleShot(true);
+    m_patience.setInterval(kPatience);
+    connect(&m_patience, &QTimer::timeout, this, [this] { m_view.vwPreviewContainer->setUpdatesEnabled(true); });
     connect(&session, &Session::viewDrawn, this, &PhotoZoom::pictureDrawn);
+    connect(&session, &Session::inputDrawn, view.overview, &OverviewView::setImage);
+    connect(&session, &Session::previewRendered, view.overview, [&view](const QImage &shown) {
+        if (!shown.isNull())
+            view.overview->setImage(shown);
+    });
+    connect(&session.fullPhoto(), &FullPhoto::changed, this,
+            [this] { emit readingChanged(m_session.fullPhoto().isDecoding()); });
     connect(view.paintView, &PaintView::strokeBegan, this,
             [this] { m_session.painting().raiseScale(m_transform.zoom()); });
-    connect(view.paintView, &PaintView::strokeEnded, this, &PhotoZoom::strokeEnded);
+    connect(view.paintView, &PaintView::strokeEnded, this, &PhotoZoom::apply);
+    connect(view.paintView, &PaintView::strokeTakenBack, this, [this] {
+        m_session.painting().lowerScale(m_transform.zoom());
+        refresh();
+    });
+    connect(view.overview, &OverviewView::placeWanted, this, &PhotoZoom::centreOn);
+    connect(view.vwBottom->zoomField(), &ZoomField::fitWanted, this, &PhotoZoom::setFit);
+    connect(view.vwBottom->zoomField(), &ZoomField::scaleWanted, this, &PhotoZoom::setScale);
     for (QWidget *widget : std::initializer_list<QWidget *>{view.vwPreviewContainer, view.imgvwAfterBokesh,
-                                                            view.drawTrackingView, view.paintView})
+                                                            view.drawTrackingView, view.paintView, view.overview})
         widget->installEventFilter(this);
 }
 
 void PhotoZoom::setBrush(BrushControls *brush)
 {
     m_brush = brush;
+}
+
+void PhotoZoom::setWindow(QWidget &window)
+{
+    m_window = &window;
+    window.installEventFilter(this);
 }
 
 void PhotoZoom::setPlace(QSizeF photo, const QRectF &fitted)
@@ -55,7 +93,7 @@ void PhotoZoom::setPlace(QSizeF photo, const QRectF &fitted)
         showNear();
     if (m_brush)
         m_brush->setZoom(m_transform.zoom());
-    emit changed();
+    showParts();
 }
 
 template <typename Change>
@@ -75,6 +113,8 @@ void PhotoZoom::apply()
     const bool otherZoom = m_wanted.zoom() != m_transform.zoom();
     m_transform = m_wanted;
     if (m_transform.isFit()) {
+        m_patience.stop();
+        m_view.vwPreviewContainer->setUpdatesEnabled(true);
         m_session.leaveView();
         m_view.placePhoto(m_transform.place().fitted);
     } else {
@@ -82,11 +122,36 @@ void PhotoZoom::apply()
     }
     if (otherZoom && m_brush)
         m_brush->setZoom(m_transform.zoom());
+    showParts();
+}
+
+/// The field, and the overview in the corner.
+void PhotoZoom::showParts()
+{
+    m_view.vwBottom->zoomField()->setScale(m_transform.scale());
+    OverviewView *overview = m_view.overview;
+    overview->setVisible(m_transform.isCut());
+    if (m_transform.isCut()) {
+        const QRectF whole = m_transform.frame();
+        const QRectF seen = m_transform.visible();
+        overview->setPart(m_transform.place().photo,
+                          {(seen.x() - whole.x()) / whole.width(), (seen.y() - whole.y()) / whole.height(),
+                           seen.width() / whole.width(), seen.height() / whole.height()});
+        const QSize view = m_view.previewSize();
+        overview->move(view.width() - overview->width() - kOverviewMargin,
+                       view.height() - overview->height() - kOverviewMargin);
+        overview->raise();
+    }
     emit changed();
 }
 
 void PhotoZoom::showNear()
 {
+    // What there is moves when its sharp picture has come, or that takes too long.
+    if (!m_patience.isActive()) {
+        m_view.vwPreviewContainer->setUpdatesEnabled(false);
+        m_patience.start();
+    }
     m_view.placeNear(m_transform.frame(), m_transform.visible());
     requestPicture();
 }
@@ -105,7 +170,10 @@ void PhotoZoom::requestPicture()
     }
     const QSizeF frame = m_view.paintView->frame().size();
     const double finest = ScaledPainting::largestScale(frame, m_transform.place().photo);
-    m_session.requestView(size, part, std::min(m_transform.zoom(), finest), m_settings());
+    CoreFilterObject settings = m_settings();
+    if (m_view.imgvwAfterBokesh->isHidden()) // the photo as it was is looked at
+        settings.blurAmount = 0.0F;
+    m_session.requestView(size, part, std::min(m_transform.zoom(), finest), settings);
 }
 
 void PhotoZoom::refresh()
@@ -118,14 +186,11 @@ void PhotoZoom::pictureDrawn(const ViewPicture &picture)
 {
     if (m_transform.isFit())
         return;
-    m_view.imgvwAfterBokesh->setDetail({picture.shown, picture.size, picture.part, m_transform.place().photo.toSize()});
-    if (!m_view.paintView->isStrokeUnderWay() || !picture.canvas.isNull())
-        m_view.paintView->setCanvasPart(picture.canvas, *picture.steps);
-}
-
-void PhotoZoom::strokeEnded()
-{
-    apply();
+    PhotoImageView *view = m_view.imgvwAfterBokesh->isHidden() ? m_view.imgvwBeforeBokesh : m_view.imgvwAfterBokesh;
+    view->setDetail({picture.shown, picture.size, picture.part, m_transform.place().photo.toSize()});
+    m_view.paintView->setCanvasPart(picture.canvas, *picture.steps);
+    m_patience.stop();
+    m_view.vwPreviewContainer->setUpdatesEnabled(true);
 }
 
 void PhotoZoom::setFit()
@@ -173,6 +238,24 @@ bool PhotoZoom::eventFilter(QObject *watched, QEvent *event)
     case QEvent::MouseMove:
     case QEvent::MouseButtonRelease:
         return handleMouse(watched, static_cast<QMouseEvent &>(*event));
+    case QEvent::TouchBegin:
+    case QEvent::TouchUpdate:
+    case QEvent::TouchEnd:
+    case QEvent::TouchCancel:
+        return handleTouch(watched, static_cast<QTouchEvent &>(*event));
+    case QEvent::KeyPress:
+    case QEvent::KeyRelease:
+        return watched == m_window && handleKey(static_cast<QKeyEvent &>(*event));
+    case QEvent::WindowDeactivate:
+        holdPhoto(false);
+        return false;
+    case QEvent::HideToParent: // comparing begins or ends
+    case QEvent::ShowToParent:
+        if (watched == m_view.imgvwAfterBokesh) {
+            m_view.imgvwBeforeBokesh->setDetail({});
+            refresh();
+        }
+        return false;
     default:
         return QObject::eventFilter(watched, event);
     }
@@ -186,10 +269,11 @@ QPointF PhotoZoom::placeInView(const QObject *watched, QPointF position) const
 
 bool PhotoZoom::handleWheel(const QObject *watched, const QWheelEvent &event)
 {
+    if (watched == m_window || (event.modifiers() & Qt::AltModifier))
+        return false;
     const QPointF place = placeInView(watched, event.position());
     if (event.modifiers() & Qt::ControlModifier) {
         const double steps = event.angleDelta().y() / kAngleOfStep;
-        // A step of a wheel may stop at fit and 100 %; a pad tells small parts of steps.
         change([&](ViewTransform &wanted) { wanted.zoomBy(steps, place); });
         return true;
     }
@@ -212,10 +296,16 @@ bool PhotoZoom::handleGesture(const QObject *watched, const QNativeGestureEvent 
     return true;
 }
 
-/// The middle button holds the photo.
+/// The middle button moves the photo, and the left one while the space bar is held.
 bool PhotoZoom::handleMouse(const QObject *watched, const QMouseEvent &event)
 {
-    if (event.type() == QEvent::MouseButtonPress && event.button() == Qt::MiddleButton && !m_draggedFrom) {
+    if (watched == m_window || watched == m_view.overview)
+        return false;
+    if (event.type() == QEvent::MouseButtonPress && !m_draggedFrom) {
+        const bool holds = event.button() == Qt::MiddleButton || (event.button() == Qt::LeftButton && m_isSpaceHeld);
+        if (!holds)
+            return false;
+        m_dragButton = event.button();
         m_draggedFrom = placeInView(watched, event.position());
         return true;
     }
@@ -225,11 +315,89 @@ bool PhotoZoom::handleMouse(const QObject *watched, const QMouseEvent &event)
         const QPointF place = placeInView(watched, event.position());
         panBy(place - *m_draggedFrom);
         m_draggedFrom = place;
+    } else if (event.type() == QEvent::MouseButtonRelease && event.button() == m_dragButton) {
+        m_draggedFrom.reset();
+    }
+    return true;
+}
+
+/// Two fingers on a screen hold the two places that they have touched.
+bool PhotoZoom::handleTouch(const QObject *watched, const QTouchEvent &event)
+{
+    if (watched != m_view.paintView || event.device()->type() != QInputDevice::DeviceType::TouchScreen)
+        return false;
+    const bool isOver = event.type() == QEvent::TouchEnd || event.type() == QEvent::TouchCancel;
+    if (!m_hasTwoFingers) {
+        if (isOver || event.pointCount() != 2)
+            return false;
+        if (m_view.paintView->isStrokeUnderWay() && !m_view.paintView->takeBackDab())
+            return false;
+        m_hasTwoFingers = true;
+    }
+    if (event.pointCount() >= 2 && !isOver) {
+        const QEventPoint &one = event.points().at(0);
+        const QEventPoint &other = event.points().at(1);
+        const QLineF before(one.globalLastPosition(), other.globalLastPosition());
+        const QLineF now(one.globalPosition(), other.globalPosition());
+        const QPointF middle = m_view.vwPreviewContainer->mapFromGlobal(now.center());
+        const double factor = before.length() > 1 ? now.length() / before.length() : 1;
+        change([&](ViewTransform &wanted) {
+            wanted.panBy(now.center() - before.center());
+            wanted.setScale(wanted.scale() * factor, middle);
+        });
+    }
+    if (isOver)
+        m_hasTwoFingers = false;
+    return true;
+}
+
+bool PhotoZoom::handleKey(const QKeyEvent &event)
+{
+    if (event.key() == Qt::Key_Space && event.type() == QEvent::KeyRelease) {
+        if (!event.isAutoRepeat())
+            holdPhoto(false);
+        return false;
+    }
+    if (event.type() != QEvent::KeyPress || m_wanted.isFit())
+        return false;
+    if (event.key() == Qt::Key_Space && event.modifiers() == Qt::NoModifier) {
+        const QPointF pointer = m_view.vwPreviewContainer->mapFromGlobal(QPointF(QCursor::pos()));
+        if (!m_wanted.visible().contains(pointer))
+            return false;
+        holdPhoto(true);
         return true;
     }
-    if (event.type() == QEvent::MouseButtonRelease && event.button() == Qt::MiddleButton)
-        m_draggedFrom.reset();
-    return true;
+    if (!(event.modifiers() & Qt::ControlModifier))
+        return false;
+    const QSizeF step = QSizeF(m_view.previewSize()) / kKeysAcross;
+    switch (event.key()) {
+    case Qt::Key_Left:
+        panBy({step.width(), 0});
+        return true;
+    case Qt::Key_Right:
+        panBy({-step.width(), 0});
+        return true;
+    case Qt::Key_Up:
+        panBy({0, step.height()});
+        return true;
+    case Qt::Key_Down:
+        panBy({0, -step.height()});
+        return true;
+    default:
+        return false;
+    }
+}
+
+/// As long as the space bar is held.
+void PhotoZoom::holdPhoto(bool hold)
+{
+    if (hold == m_isSpaceHeld)
+        return;
+    m_isSpaceHeld = hold;
+    if (hold)
+        QGuiApplication::setOverrideCursor(Qt::OpenHandCursor);
+    else
+        QGuiApplication::restoreOverrideCursor();
 }
 
 } // namespace hazelmark

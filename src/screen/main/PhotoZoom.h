@@ -5,13 +5,16 @@
 
 #include <QObject>
 #include <QPointF>
+#include <QPointer>
 #include <QTimer>
 
 #include <functional>
 #include <optional>
 
+class QKeyEvent;
 class QMouseEvent;
 class QNativeGestureEvent;
+class QTouchEvent;
 class QWheelEvent;
 
 namespace hazelmark {
@@ -35,6 +38,8 @@ public:
 
     /// The brush, once there is one.
     void setBrush(BrushControls *brush);
+    /// Takes the keys that nothing in the window has a use for.
+    void setWindow(QWidget &window);
     /// The photo of so many pixels has been placed at fit, at `fitted`; it is brought back to how near it was.
     void setPlace(QSizeF photo, const QRectF &fitted);
     /// What is painted, or how it is to be blurred, has changed.
@@ -55,6 +60,8 @@ public:
 
 signals:
     void changed();
+    /// The photo is read in full size for the first time, or that is over.
+    void readingChanged(bool isReading);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -66,13 +73,16 @@ private:
     void showNear();
     void requestPicture();
     void pictureDrawn(const ViewPicture &picture);
-    void strokeEnded();
+    void showParts();
 
     QPointF middle() const;
     QPointF placeInView(const QObject *watched, QPointF position) const;
     bool handleWheel(const QObject *watched, const QWheelEvent &event);
     bool handleGesture(const QObject *watched, const QNativeGestureEvent &event);
     bool handleMouse(const QObject *watched, const QMouseEvent &event);
+    bool handleTouch(const QObject *watched, const QTouchEvent &event);
+    bool handleKey(const QKeyEvent &event);
+    void holdPhoto(bool hold);
 
     MainScreenView &m_view;
     Session &m_session;
@@ -80,8 +90,12 @@ private:
     BrushControls *m_brush = nullptr;
     ViewTransform m_transform;
     ViewTransform m_wanted;
+    QPointer<QWidget> m_window;
     std::optional<QPointF> m_draggedFrom;
-    QTimer m_patience; ///< so long the sharp picture is waited for before what there is is moved
+    Qt::MouseButton m_dragButton = Qt::NoButton;
+    bool m_isSpaceHeld = false;
+    bool m_hasTwoFingers = false; ///< until the last one is lifted
+    QTimer m_patience;            ///< so long the sharp picture is waited for before what there is is moved
 };
 
 } // namespace hazelmark

@@ -8,6 +8,7 @@
 #include "ImageCatalog.h"
 #include "PathParts.h"
 #include "Theme.h"
+#include "ZoomField.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -30,6 +31,7 @@ SummaryBar::SummaryBar(ApplicationDelegate &application, QWidget *parent)
     , m_storedPainting(new ElidedLabel(theme::kText))
     , m_btnRestore(new QPushButton)
     , m_exportText(new ElidedLabel(theme::kQuietText, Qt::AlignRight))
+    , m_zoomField(new ZoomField)
     , m_btnCompare(new QPushButton)
 {
     setObjectName(QStringLiteral("vwBottom"));
@@ -74,6 +76,7 @@ SummaryBar::SummaryBar(ApplicationDelegate &application, QWidget *parent)
     layout->addLayout(painting);
     layout->addStretch(1);
     layout->addWidget(m_exportText);
+    layout->addWidget(m_zoomField);
     layout->addWidget(m_btnCompare);
     setStoredPainting({});
     setLocalizedStrings();
@@ -85,6 +88,7 @@ void SummaryBar::setLocalizedStrings()
     setAccessibleName(text("BOTTOM_BAR"));
     m_btnRestore->setText(text("RESTORE"));
     m_btnCompare->setText(text("COMPARE"));
+    m_zoomField->setLocalizedStrings(m_application);
     m_btnCompare->setToolTip(text("COMPARE_TIP") + QStringLiteral(" (C)"));
 }
 

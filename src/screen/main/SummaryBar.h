@@ -9,6 +9,7 @@ namespace hazelmark {
 
 class ApplicationDelegate;
 class ElidedLabel;
+class ZoomField;
 
 /// The strip below the photo: the open photo's name, file size and pixel size, whether it is damaged, and beside them a
 /// painting that can be restored, what became of the last export, and the button that shows the photo as it was.
@@ -45,6 +46,8 @@ public:
     QString txtPhotoSize() const;
     QString txtPixelSize() const;
     QString exportText() const;
+    /// How large the photo is seen.
+    ZoomField *zoomField() const { return m_zoomField; }
     QPushButton *btnRestore() const { return m_btnRestore; }
     /// Shows the photo as it was as long as it is held, or, after a click, until the next one.
     QPushButton *btnCompare() const { return m_btnCompare; }
@@ -64,6 +67,7 @@ private:
     ElidedLabel *m_storedPainting;
     QPushButton *m_btnRestore;
     ElidedLabel *m_exportText;
+    ZoomField *m_zoomField;
     QPushButton *m_btnCompare;
 };
 
