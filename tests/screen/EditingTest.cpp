@@ -12,6 +12,7 @@
 #include "SettingsPanel.h"
 #include "SummaryBar.h"
 #include "UserDefaults.h"
+#include "ZoomField.h"
 
 #include <QAccessible>
 #include <QApplication>
@@ -139,7 +140,7 @@ TEST_F(Editing, IsDoneByKeyboardAlone)
     EXPECT_EQ(canvas->valueInterface()->currentValue().toDouble(), 25);
     QTest::keyClick(cursor, Qt::Key_Tab);
     EXPECT_FALSE(cursor->isCircleShown() || view().paintView->isVisible());
-    EXPECT_EQ(m_window->focusWidget(), view().vwBottom->btnCompare());
+    EXPECT_EQ(m_window->focusWidget(), view().vwBottom->zoomField());
 }
 
 TEST_F(Editing, ARefusedDropIsExplained)
