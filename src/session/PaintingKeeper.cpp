@@ -79,8 +79,10 @@ void PaintingKeeper::keep()
             if (isNew)
                 place->path = store.newPath(place->photo);
             Outcome<Done> written = store.write(place->path, painting);
-            if (!written)
+            if (!written) {
+                qCWarning(lcSession).noquote() << "a painting is not kept:" << written.failure().sentence();
                 return {written, std::nullopt};
+            }
             if (!isNew)
                 return {};
             store.prune();
@@ -91,11 +93,8 @@ void PaintingKeeper::keep()
 
 void PaintingKeeper::take(const Found &found, const std::shared_ptr<Place> &place)
 {
-    if (!found.written) {
-        qCWarning(lcSession).noquote() << "a painting is not kept:" << found.written.failure().sentence();
-        if (!std::exchange(m_hasFailed, true))
-            emit failed(found.written.failure());
-    }
+    if (!found.written && !std::exchange(m_hasFailed, true))
+        emit failed(found.written.failure());
     if (place != m_place || !found.stored || *found.stored == m_stored)
         return;
     m_stored = *found.stored;

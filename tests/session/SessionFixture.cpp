@@ -1,6 +1,7 @@
 #include "SessionFixture.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 
 namespace hazelmark {
@@ -45,7 +46,7 @@ QString SessionFixture::photo(const char *name, QSize size) const
 
 QString SessionFixture::file(const QString &name, const QByteArray &content) const
 {
-    QFile file(m_folder.filePath(name));
+    QFile file(QDir(m_folder.path()).filePath(name));
     EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
     return file.fileName();
 }

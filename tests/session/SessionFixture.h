@@ -26,6 +26,7 @@ protected:
 
     /// A photo that is black on the left and white on the right; its path.
     QString photo(const char *name, QSize size = {300, 200}) const;
+    /// `name`: in the folder, or a whole path.
     QString file(const QString &name, const QByteArray &content) const;
     QByteArray contentOf(const QString &path) const;
 

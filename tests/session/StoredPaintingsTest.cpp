@@ -40,15 +40,10 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([&] { return restored; }));
         QObject::disconnect(connection);
     }
-    int alphaAt(QPointF place) const
+    int alphaAt(QPointF place)
     {
-        QImage pixels = const_cast<PaintCanvas &>(m_canvas).snapshot();
+        const QImage pixels = m_canvas.snapshot();
         return qAlpha(pixels.pixel(int(place.x() * pixels.width()), int(place.y() * pixels.height())));
-    }
-    static void write(const QString &path, const QByteArray &content)
-    {
-        QFile file(path);
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly) && file.write(content) == content.size());
     }
     /// As if the file had been written so many days ago.
     static void age(const QString &path, int days)
@@ -149,16 +144,16 @@ TEST_F(StoredPaintings, ThatCannotBeUsedAreSetAsideAndOnesOfAHundredPhotosAreKep
     for (const QByteArray &bad :
          {content.left(content.size() / 2), QByteArray(content).replace("\"version\":1", "\"version\":2"),
           QByteArray(content).replace("\"photo\":\"", "\"photo\":\"0")}) {
-        write(good, bad);
+        file(good, bad);
         startAgain(path, 0);
         ASSERT_TRUE(QTest::qWaitFor([&] { return !QFile::exists(good); }));
     }
-    write(good, content);
+    file(good, content);
     startAgain(path, 1);
     for (int i = 0; i < 120; ++i) {
         QString other = good;
         other.replace(folder().size() + 1, 32, QStringLiteral("%1").arg(i, 32, 16, QLatin1Char('f')));
-        write(other, content);
+        file(other, content);
         age(other, 1 + i);
     }
     stroke(kRight);
