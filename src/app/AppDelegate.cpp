@@ -2,6 +2,7 @@
 
 #include "AboutDialog.h"
 #include "EditMenus.h"
+#include "IMGButton.h"
 #include "ImageCatalog.h"
 #include "KeyboardDialog.h"
 #include "Log.h"
@@ -15,6 +16,7 @@
 #include "UserDefaults.h"
 #include "Workspace.h"
 
+#include <QAction>
 #include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
@@ -141,6 +143,9 @@ void AppDelegate::setLocalizedStrings()
     const auto lookup = [this](const char *key) { return getLocalizedStringForKey(QString::fromLatin1(key)); };
     m_myWindowController->windowMain()->setButtonNames(lookup("CLOSE_WINDOW"), lookup("MINIMIZE_WINDOW"),
                                                        lookup("ZOOM_WINDOW"), lookup("FULL_SCREEN"));
+    m_myWindowController->windowMain()->closeButton()->setToolTip(
+        lookup("CLOSE_WINDOW") + QStringLiteral(" (") +
+        m_mainMenu->btnDeleteOnMenu->shortcut().toString(QKeySequence::NativeText) + QLatin1Char(')'));
     m_windowPromotion->setLocalizedStrings();
 }
 

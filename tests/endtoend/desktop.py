@@ -121,7 +121,7 @@ class Desktop:
 
     def _window_of(self, process):
         assert process.poll() is None, "the program ended: " + self.program_log()
-        windows = self.windows("^Hazelmark$")
+        windows = self.windows(".")  # its caption is the photo's name as soon as there is one
         return windows[0] if windows else ""
 
     def active_window(self):

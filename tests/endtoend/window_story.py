@@ -103,6 +103,16 @@ class Window(Story):
         self.desktop.key("ctrl+w")
         self.leave_promotion()
 
+    def test_a_screen_that_is_too_small(self):
+        self.desktop.environment["QT_SCALE_FACTOR"] = "1.6"  # 900 by 562 points
+        self.desktop.start_program(self.program, self.stripes)
+        left, top, width, height = self.desktop.geometry()
+        self.assertTrue(left + width <= 1440 and top + height <= 900, "the window hangs off the screen")
+        self.wait_for(lambda: "stripes.png" in self.desktop.titles(), "the photo")
+        self.do_until(lambda: self.desktop.key("ctrl+shift+a"), lambda: "stripes.png*" in self.desktop.titles(),
+                      "the mark of unsaved work in the caption")
+        self.do_until(lambda: self.desktop.key("ctrl+z"), lambda: "stripes.png" in self.desktop.titles(), "it undone")
+
     def test_a_photo_from_the_command_line_one_that_is_none_and_many_quick_resizes(self):
         photo = self.desktop.path("Streifen für 100%.png")
         os.rename(self.stripes, photo)

@@ -17,6 +17,7 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTest>
@@ -74,6 +75,10 @@ TEST_F(Editing, TheMenusUndoWhatWasPaintedAndNameIt)
 TEST_F(Editing, KeysAndWheelSetTheBrush)
 {
     openPhoto();
+    QLineEdit *field = m_screen->panel().field(Setting::BrushDiameter);
+    field->setFocus();
+    stroke({0.3, 0.1}, {0.4, 0.1});
+    EXPECT_FALSE(field->hasFocus()) << "the next letter is a key again";
     const auto value = [this](Setting setting) { return m_screen->panel().slider(setting)->value(); };
     const std::tuple<MenuCommand, Setting, double> steps[] = {{MenuCommand::BrushLarger, Setting::BrushDiameter, 44},
                                                               {MenuCommand::BrushSmaller, Setting::BrushDiameter, 40},

@@ -12,6 +12,7 @@
 #include "SummaryBar.h"
 
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QWheelEvent>
 
 #include <cstdlib>
@@ -73,6 +74,9 @@ bool ScreenKeys::eventFilter(QObject *watched, QEvent *event)
         if (watched == m_view.paintView) {
             m_sight.setComparing(false);
             m_view.keyboardCursor->hideCircle();
+            // What is typed from now on is for the painting, not for the number that was typed last.
+            if (qobject_cast<QLineEdit *>(m_window.focusWidget()))
+                m_window.setFocus(Qt::MouseFocusReason);
         }
         break;
     case QEvent::Wheel:
