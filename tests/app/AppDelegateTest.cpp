@@ -70,7 +70,8 @@ TEST_F(AppDelegateTest, LaunchesActiveWithTheMainScreenAndMenusInTheSystemsLangu
     EXPECT_EQ(m_delegate.arrOurApps().size(), 3);
     EXPECT_TRUE(window().isVisible() && !m_delegate.windowPromotion()->isVisible());
     EXPECT_EQ(m_desktop.m_defaults.integer(u"appOpenedCount"_s), 1);
-    EXPECT_EQ(window().closeButton()->toolTip(), m_delegate.getLocalizedStringForKey(u"CLOSE_WINDOW"_s));
+    EXPECT_EQ(window().closeButton()->toolTip(),
+              m_delegate.getLocalizedStringForKey(u"CLOSE_WINDOW"_s) + u" (Ctrl+W)"_s);
     EXPECT_EQ(menu().menuBar()->window(), &window());
     EXPECT_TRUE(QTest::qWaitFor([this] { return menu().menuBar()->width() > 100; })) << "room for its titles";
     const QString german =
