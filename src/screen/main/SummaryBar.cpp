@@ -51,6 +51,7 @@ SummaryBar::SummaryBar(ApplicationDelegate &application, QWidget *parent)
     m_btnCompare->setCheckable(true);
     for (QPushButton *button : {m_btnRestore, m_btnCompare}) {
         button->setFocusPolicy(Qt::TabFocus); // a click leaves the keyboard where it is
+        button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed); // rather shorter texts beside it
         button->setCursor(Qt::PointingHandCursor);
     }
     m_notice->setObjectName(QStringLiteral("txtNotice"));
