@@ -27,7 +27,7 @@ void restore(const char *name, const QByteArray &value)
 
 } // namespace
 
-double ScreenScale::factorFor(QSizeF visible)
+double ScreenScale::factorFor(QSizeF visible, double pixelsPerPoint)
 {
     if (visible.isEmpty())
         return 1;
@@ -36,7 +36,8 @@ double ScreenScale::factorFor(QSizeF visible)
     const double needed = std::min(visible.width() / std::ceil(MainWinController::kMinimumWidth / kShare),
                                    visible.height() / std::ceil(MainWinController::kMinimumHeight / kShare));
     constexpr double kSteps = 10000; // rounded down, so that it fits after rounding, too
-    return std::clamp(std::floor(needed * kSteps) / kSteps, kSmallest, 1.0);
+    const double smallest = std::clamp(1 / std::max(1.0, pixelsPerPoint), kSmallest, 1.0);
+    return std::clamp(std::floor(needed * kSteps) / kSteps, smallest, 1.0);
 }
 
 void ScreenScale::apply(char **argv)
@@ -46,7 +47,7 @@ void ScreenScale::apply(char **argv)
         qunsetenv(kFactorBefore);
         return;
     }
-    const double factor = factorFor(Screen::mainScreen().visibleFrame().size());
+    const double factor = factorFor(Screen::mainScreen().visibleFrame().size(), Screen::mainScreen().backingScale());
     if (factor >= 1)
         return;
     const QByteArray before = qgetenv(kToolkitFactor);

@@ -16,8 +16,9 @@ public:
     static constexpr double kSmallest = 0.6;
 
     /// The factor with which the window, at the place of its first set-up, lies within `visible`, which is in points
-    /// without the factor. 1 where it does so anyway.
-    static double factorFor(QSizeF visible);
+    /// without the factor. 1 where it does so anyway. A point stays a pixel at least, of which it has `pixelsPerPoint`
+    /// without the factor: the toolkit paints nothing smaller.
+    static double factorFor(QSizeF visible, double pixelsPerPoint);
 
     /// To be called when the application object is there and nothing else. Does not come back when it starts the
     /// program again; comes back otherwise, and then programs that are started from here find the environment as it

@@ -56,13 +56,15 @@ TEST(ScreenScale, BringsTheWindowOntoTheScreen)
     const std::pair<QSizeF, double> rows[] = {{{1600, 1000}, 1},        {{1366, 768}, 1},  {{1285, 737}, 1}, {{}, 1},
                                               {{960, 540}, 540 / 737.}, {{771, 443}, 0.6}, {{640, 480}, 0.6}};
     for (const auto &[visible, factor] : rows) {
-        const double found = ScreenScale::factorFor(visible);
+        const double found = ScreenScale::factorFor(visible, 2);
         EXPECT_NEAR(found, factor, 2e-4) << visible.width();
         if (visible.width() >= 771) {
             EXPECT_LE(1220 + std::ceil(0.05 * visible.width() / found), std::ceil(visible.width() / found));
             EXPECT_LE(700 + std::ceil(0.05 * visible.height() / found), std::ceil(visible.height() / found));
         }
     }
+    EXPECT_EQ(ScreenScale::factorFor({960, 540}, 1.25), 0.8) << "a point stays a pixel";
+    EXPECT_EQ(ScreenScale::factorFor({960, 540}, 1), 1);
 }
 
 TEST(AlertSheet, ThatComesByItselfIsDeafAtFirst)
