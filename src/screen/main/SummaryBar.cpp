@@ -51,7 +51,6 @@ SummaryBar::SummaryBar(ApplicationDelegate &application, QWidget *parent)
     m_btnCompare->setCheckable(true);
     for (QPushButton *button : {m_btnRestore, m_btnCompare}) {
         button->setFocusPolicy(Qt::TabFocus); // a click leaves the keyboard where it is
-        button->setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed); // rather shorter texts beside it
         button->setCursor(Qt::PointingHandCursor);
     }
     m_notice->setObjectName(QStringLiteral("txtNotice"));
@@ -89,6 +88,8 @@ void SummaryBar::setLocalizedStrings()
     setAccessibleName(text("BOTTOM_BAR"));
     m_btnRestore->setText(text("RESTORE"));
     m_btnCompare->setText(text("COMPARE"));
+    for (QPushButton *button : {m_btnRestore, m_btnCompare}) // rather shorter texts beside them
+        button->setFixedWidth(button->sizeHint().width());
     m_zoomField->setLocalizedStrings(m_application);
     m_btnCompare->setToolTip(text("COMPARE_TIP") + QStringLiteral(" (C)"));
 }
