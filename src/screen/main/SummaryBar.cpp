@@ -88,10 +88,16 @@ void SummaryBar::setLocalizedStrings()
     setAccessibleName(text("BOTTOM_BAR"));
     m_btnRestore->setText(text("RESTORE"));
     m_btnCompare->setText(text("COMPARE"));
-    for (QPushButton *button : {m_btnRestore, m_btnCompare}) // rather shorter texts beside them
-        button->setFixedWidth(button->sizeHint().width());
     m_zoomField->setLocalizedStrings(m_application);
     m_btnCompare->setToolTip(text("COMPARE_TIP") + QStringLiteral(" (C)"));
+}
+
+/// The style, which says how wide the buttons have to be, is there by now.
+void SummaryBar::showEvent(QShowEvent *event)
+{
+    QWidget::showEvent(event);
+    for (QPushButton *button : {m_btnRestore, m_btnCompare}) // rather shorter texts beside them
+        button->setFixedWidth(button->sizeHint().width());
 }
 
 void SummaryBar::setPixelSize(QSize size)

@@ -54,6 +54,9 @@ public:
     /// What is said of the photo itself; empty when nothing is.
     QString notice() const;
 
+protected:
+    void showEvent(QShowEvent *event) override;
+
 private:
     void setNotice(const QString &text);
     void setExportText(const char *key, const QString &path);
