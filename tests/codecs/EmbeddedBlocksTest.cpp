@@ -93,17 +93,4 @@ TEST_F(EmbeddedBlocksOf, WebpChunksAreRead)
     EXPECT_EQ(blocks.xmp, "xmp");
 }
 
-TEST_F(EmbeddedBlocksOf, AGifPacketIsReadFromBetweenItsBlocks)
-{
-    QByteArray trailer("\x01", 1);
-    for (int length = 0xff; length >= 0; --length)
-        trailer += char(length);
-    trailer += '\0';
-    const QByteArray packet = QByteArray("<x:xmpmeta xmlns:x='adobe:ns:meta/'>a packet of some length</x:xmpmeta>");
-    const QByteArray file = QByteArray("GIF89a\x01\0\x01\0\x80\0\0", 13) + QByteArray(6, 'c') +
-                            QByteArray("\x21\xf9\x04\0\0\0\0\0", 8) + "\x21\xff\x0bXMP DataXMP" + packet + trailer +
-                            QByteArray("\x2c\0\0\0\0\x01\0\x01\0\0\x02\x02\x4c\x01\0\x3b", 16);
-    EXPECT_EQ(blocksOf(file, "gif").xmp, packet);
-}
-
 } // namespace hazelmark

@@ -27,25 +27,13 @@ QByteArray written(WriteFormat format, QImage::Format pixels)
 
 QByteArray jpeg(const TestJpeg &kind)
 {
-    const int samplesPerPixel = kind.colors == TestJpeg::Colors::Gray  ? 1
-                                : kind.colors < TestJpeg::Colors::Cmyk ? 3
-                                                                       : 4;
-    std::vector<uint8_t> samples(size_t(48 * 40 * samplesPerPixel));
-    QRandomGenerator random(7);
-    for (size_t i = 0; i < samples.size(); ++i)
-        samples[i] = uint8_t(i / 40 + size_t(random.bounded(20)));
-    return makeJpeg(kind, 48, 40, samples);
+    const QByteArray noise = noiseBytes(qsizetype(48) * 40 * (kind.colors == TestJpeg::Colors::Ycck ? 4 : 3), 7);
+    return makeJpeg(kind, 48, 40, {noise.begin(), noise.end()});
 }
 
 QByteArray saved(QImage::Format pixels, const char *format, int quality = -1)
 {
     return savedByQt(makePicture(45, 20, pixels), format, quality);
-}
-
-QByteArray icon()
-{
-    return makeIcon({savedByQt(makePicture(16, 16, QImage::Format_RGBA8888), "png"),
-                     savedByQt(makePicture(30, 20, QImage::Format_RGBA8888), "png")});
 }
 
 struct HostileCase
@@ -59,27 +47,20 @@ struct HostileCase
 
 std::vector<HostileCase> hostileCases()
 {
-    using Colors = TestJpeg::Colors;
     constexpr auto kRgb = QImage::Format_RGBX8888;
     return {
         {"Jpeg", [] { return written(WriteFormat::Jpeg, kRgb); }, 2},
-        {"JpegGray", [] { return jpeg({.colors = Colors::Gray}); }, 2},
-        {"JpegYcck", [] { return jpeg({.colors = Colors::Ycck}); }, 2},
+        {"JpegYcck", [] { return jpeg({.colors = TestJpeg::Colors::Ycck}); }, 2},
         {"JpegProgressive", [] { return jpeg({.isProgressive = true}); }, 2},
         {"JpegRestarts", [] { return jpeg({.restartInterval = 2}); }, 2},
         {"JpegArithmetic", [] { return jpeg({.isArithmetic = true}); }},
-        {"JpegSubsampled", [] { return jpeg({.isSubsampled = true}); }, 2},
-        {"Png8", [] { return written(WriteFormat::Png, kRgb); }},
         {"Png16Alpha", [] { return written(WriteFormat::Png, QImage::Format_RGBA64); }},
         {"Tiff8", [] { return written(WriteFormat::Tiff, kRgb); }, 4},
-        {"Tiff16Alpha", [] { return written(WriteFormat::Tiff, QImage::Format_RGBA64); }, 4},
         {"Bmp", [] { return written(WriteFormat::Bmp, kRgb); }},
-        {"BmpMono", [] { return saved(QImage::Format_Mono, "bmp"); }},
         {"Gif", [] { return written(WriteFormat::Gif, QImage::Format_RGBA8888); }, 1},
         {"WebPLossless", [] { return saved(QImage::Format_RGBA8888, "webp", 100); }},
         {"WebPLossy", [] { return saved(kRgb, "webp", 80); }},
-        {"Icon", icon},
-        {"Pgm", [] { return saved(QImage::Format_Grayscale8, "pgm"); }},
+        {"Icon", [] { return saved(QImage::Format_RGBA8888, "ico"); }},
         {"Ppm", [] { return saved(kRgb, "ppm"); }},
     };
 }

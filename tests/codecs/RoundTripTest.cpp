@@ -102,10 +102,4 @@ TEST_F(RoundTrip, GifDithersManyColoursCloseOnAverage)
     EXPECT_LT(sum / double(pixels.sizeInBytes()), 12);
 }
 
-TEST_F(RoundTrip, OtherImageFormatsAreConvertedFirst)
-{
-    const QImage gray = makePicture(30, 20, QImage::Format_Grayscale16);
-    EXPECT_TRUE(samePixels(rewritten(gray, WriteFormat::Png), gray.convertToFormat(QImage::Format_RGBX64)));
-}
-
 } // namespace hazelmark

@@ -43,24 +43,19 @@ QByteArray makeJpeg(const TestJpeg &kind, int width, int height, const std::vect
     jpeg_set_defaults(&lib);
     jpeg_set_colorspace(&lib, space.file);
     jpeg_set_quality(&lib, 100, TRUE);
-    for (int component = 0; component < lib.num_components; ++component) {
-        const bool isLarge = kind.isSubsampled && (component == 0 || component == 3);
-        lib.comp_info[component].h_samp_factor = lib.comp_info[component].v_samp_factor = isLarge ? 2 : 1;
-    }
+    for (int component = 0; component < lib.num_components; ++component)
+        lib.comp_info[component].h_samp_factor = lib.comp_info[component].v_samp_factor = 1;
     if (kind.isProgressive)
         jpeg_simple_progression(&lib);
     lib.arith_code = kind.isArithmetic;
     lib.restart_interval = unsigned(kind.restartInterval);
     lib.density_unit = UINT8(kind.densityUnit);
-    lib.X_density = UINT16(kind.densityX);
-    lib.Y_density = UINT16(kind.densityY);
-    if (kind.colors == TestJpeg::Colors::Cmyk)
-        lib.write_Adobe_marker = kind.hasAdobeMarker;
+    lib.X_density = lib.Y_density = UINT16(kind.density);
     jpeg_start_compress(&lib, TRUE);
     if (!kind.iccProfile.isEmpty())
         jpeg_write_icc_profile(&lib, reinterpret_cast<const JOCTET *>(kind.iccProfile.constData()),
                                unsigned(kind.iccProfile.size()));
-    const bool isInverted = lib.in_color_space == JCS_CMYK && kind.hasAdobeMarker;
+    const bool isInverted = lib.in_color_space == JCS_CMYK; // as the library's marker says
     std::vector<uint8_t> row(size_t(width) * size_t(lib.input_components));
     for (size_t y = 0; y < size_t(height); ++y) {
         for (size_t i = 0; i < row.size(); ++i) {
@@ -132,11 +127,6 @@ void setTags(TIFF *tiff, const TestTiff &page)
         const size_t entries = page.colorMap.size() / 3;
         TIFFSetField(tiff, TIFFTAG_COLORMAP, page.colorMap.data(), page.colorMap.data() + entries,
                      page.colorMap.data() + 2 * entries);
-    }
-    if (page.resolution > 0) {
-        TIFFSetField(tiff, TIFFTAG_XRESOLUTION, page.resolution);
-        TIFFSetField(tiff, TIFFTAG_YRESOLUTION, page.resolution);
-        TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, page.resolutionUnit);
     }
     if (page.tileSide > 0) {
         TIFFSetField(tiff, TIFFTAG_TILEWIDTH, page.tileSide);
@@ -220,34 +210,10 @@ QByteArray pngChunk(const QByteArray &type, const QByteArray &content)
     return bigEndian(quint32(content.size())) + both + bigEndian(checksum);
 }
 
-QByteArray tiffEntry(quint32 tag, quint32 type, quint32 count, quint32 value)
-{
-    return littleEndian(tag, 2) + littleEndian(type, 2) + littleEndian(count) + littleEndian(value);
-}
-
 QByteArray savedByQt(const QImage &image, const char *format, int quality)
 {
     QBuffer buffer;
     return image.save(&buffer, format, quality) ? buffer.data() : QByteArray();
-}
-
-QByteArray makeIcon(const std::vector<QByteArray> &pictures)
-{
-    constexpr qsizetype kHeaderSize = 6;
-    constexpr qsizetype kEntrySize = 16;
-    QByteArray file = QByteArray("\0\0\x01\0", 4) + char(pictures.size()) + '\0';
-    qsizetype offset = kHeaderSize + kEntrySize * qsizetype(pictures.size());
-    for (const QByteArray &picture : pictures) {
-        const QImage image = QImage::fromData(picture);
-        file += char(image.width()); // 256 is written as 0
-        file += char(image.height());
-        file +=
-            QByteArray("\0\0\x01\0\x20\0", 6) + littleEndian(quint32(picture.size())) + littleEndian(quint32(offset));
-        offset += picture.size();
-    }
-    for (const QByteArray &picture : pictures)
-        file += picture;
-    return file;
 }
 
 } // namespace hazelmark

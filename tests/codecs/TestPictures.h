@@ -16,12 +16,9 @@ struct TestJpeg
     Colors colors = Colors::YCbCr;
     bool isProgressive = false;
     bool isArithmetic = false;
-    bool isSubsampled = false;
-    bool hasAdobeMarker = true; ///< for CMYK; the samples are then stored inverted
     int restartInterval = 0;
     int densityUnit = 0; ///< 0 aspect ratio, 1 per inch, 2 per centimetre
-    int densityX = 1;
-    int densityY = 1;
+    int density = 1;
     QByteArray iccProfile = {};
 };
 
@@ -57,8 +54,6 @@ struct TestTiff
     int tileSide = 0; ///< 0: strips of a few rows
     std::vector<uint16_t> extraSamples;
     std::vector<uint16_t> colorMap; ///< reds, greens, blues
-    double resolution = 0;
-    int resolutionUnit = 2; ///< inch
     /// As the file stores them, in the machine's byte order. Contiguous; `isPlanar` has them separated on writing
     /// (whole-byte samples only).
     std::vector<uint8_t> rows;
@@ -67,26 +62,12 @@ struct TestTiff
 
 QByteArray makeTiff(const std::vector<TestTiff> &pages, const QString &scratchPath);
 
-/// A stored row of grey samples, and what they are over the full range.
-struct GrayRow
-{
-    int bits;
-    std::vector<uint8_t> row;
-    std::vector<int> expected;
-};
-
 QByteArray bigEndian(quint32 value);
 /// As a zlib stream.
 QByteArray deflated(const QByteArray &bytes);
 /// With its length and check sum.
 QByteArray pngChunk(const QByteArray &type, const QByteArray &content);
-/// An entry of a little-endian directory.
-QByteArray tiffEntry(quint32 tag, quint32 type, quint32 count, quint32 value);
-
 /// Empty when Qt has no writer for the format.
 QByteArray savedByQt(const QImage &image, const char *format, int quality = -1);
-
-/// An icon of PNG files.
-QByteArray makeIcon(const std::vector<QByteArray> &pictures);
 
 } // namespace hazelmark
