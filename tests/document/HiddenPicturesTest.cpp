@@ -50,7 +50,6 @@ void addExifPlaces(const QByteArray &hidden, std::vector<Hiding> &hidings)
                   {"packet in EXIF", Photo, 0x02bc, TiffMaker::kByte, "<x>", true},
                   {"resources in EXIF", Photo, 0x8649, TiffMaker::kByte, "8BIM", true},
                   {"user comment", Photo, 0x9286, TiffMaker::kUndefined, kCharacterCode},
-                  {"misplaced tag", Photo, 0x010e, TiffMaker::kAscii, {}},
                   {"unknown tag beside a note", Photo, 0xa999, TiffMaker::kUndefined, {}, false, true},
                   {"note", Photo, 0x927c, TiffMaker::kUndefined, "ACME\1\2\3 a"},
                   {"GPS method", Gps, 0x001b, TiffMaker::kUndefined, kCharacterCode},

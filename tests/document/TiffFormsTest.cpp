@@ -1,6 +1,5 @@
 // TIFF files of every form: what they say of the photo is read and carried as from any other.
 #include "OpenPhotos.h"
-#include "PhotoFile.h"
 #include "SamplePhotos.h"
 #include "TiffMaker.h"
 
@@ -60,12 +59,9 @@ TEST(TiffForms, AllSayAndCarryTheSame)
     const QTemporaryDir folder;
     for (const Form &form : {Form{"plain", false, false}, Form{"other bytes", true, false}, Form{"large", false, true},
                              Form{"large, other bytes", true, true}, Form{"far", false, false, 2 << 20},
-                             Form{"far, large", true, true, 2 << 20}, Form{"back", false, false, 36, true},
-                             Form{"large, back", true, true, 36, true}}) {
+                             Form{"back", false, false, 36, true}}) {
         SCOPED_TRACE(form.what);
         const QString path = writeBytes(folder, QStringLiteral("photo.tif"), photo(form));
-        EXPECT_EQ(PhotoFile(path).width(), 3);
-        EXPECT_EQ(PhotoFile(path).height(), 4);
         const QString copy = writePhoto(folder, WriteFormat::Jpeg, carriedOf(path, {4, 3}, WriteFormat::Jpeg), {4, 3});
         for (const QString &file : {path, copy}) {
             const QVariantMap dict = dictionaryOf(file).value_or(QVariantMap());
@@ -74,7 +70,6 @@ TEST(TiffForms, AllSayAndCarryTheSame)
             };
             EXPECT_EQ(dict[QStringLiteral("Orientation")].toInt(), 6);
             EXPECT_EQ(valueOf("{TIFF}", "Make").toString(), QStringLiteral("A maker with a long name"));
-            EXPECT_EQ(valueOf("{TIFF}", "PhotometricInterpretation"), file == path ? QVariant(1) : QVariant());
             EXPECT_EQ(valueOf("{GPS}", "LatitudeRef").toString(), QStringLiteral("S"));
             EXPECT_EQ(valueOf("{IPTC}", "Keywords").toList(), QVariantList{QStringLiteral("sea")});
             EXPECT_FALSE(valueOf("{Exif}", "UserComment").isValid());
