@@ -13,8 +13,7 @@ TEST_F(JpegKinds, EveryCodingGivesTheSamePixels)
         samples.push_back(uint8_t(i / 30 + random.bounded(30)));
     const Picture plain = decoded(makeJpeg({}, 50, 37, samples));
     ASSERT_EQ(plain.pixels.format(), QImage::Format_RGBX8888);
-    for (const TestJpeg &kind :
-         {TestJpeg{.isProgressive = true}, TestJpeg{.isArithmetic = true}, TestJpeg{.restartInterval = 3}})
+    for (const TestJpeg &kind : {TestJpeg{.isProgressive = true}, TestJpeg{.restartInterval = 3}})
         EXPECT_TRUE(samePixels(decoded(makeJpeg(kind, 50, 37, samples)).pixels, plain.pixels));
 }
 
@@ -22,14 +21,11 @@ TEST_F(JpegKinds, ReducedDecodeIsNeverSmallerThanAskedFor)
 {
     const std::vector<uint8_t> samples(size_t(203 * 101 * 3), 90);
     const QByteArray file = makeJpeg({}, 203, 101, samples);
-    const struct
-    {
-        QSize atLeast;
-        QSize expected;
-    } cases[] = {{{}, {203, 101}},       {{203, 101}, {203, 101}}, {{150, 10}, {203, 101}}, {{102, 51}, {102, 51}},
-                 {{51, 26}, {51, 26}},   {{52, 26}, {102, 51}},    {{10, 13}, {26, 13}},    {{1, 1}, {26, 13}},
-                 {{400, 1}, {203, 101}}, {{0, 0}, {203, 101}}};
-    for (const auto &[atLeast, expected] : cases)
+    for (const auto &[atLeast, expected] : {std::pair(QSize(), QSize(203, 101)),
+                                            {{150, 10}, {203, 101}},
+                                            {{102, 51}, {102, 51}},
+                                            {{52, 26}, {102, 51}},
+                                            {{1, 1}, {26, 13}}})
         EXPECT_EQ(decoded(file, atLeast).pixels.size(), expected) << atLeast.width() << "x" << atLeast.height();
 }
 
@@ -44,13 +40,12 @@ TEST_F(JpegKinds, DamageIsToldFromCutsAndEncodersHabits)
     const auto overwritten = [](QByteArray file, const QByteArray &part) {
         return file.replace(file.size() / 2, part.size(), part);
     };
-    for (const TestJpeg &kind : {TestJpeg{}, TestJpeg{.isProgressive = true}, TestJpeg{.restartInterval = 8},
-                                 TestJpeg{.isArithmetic = true}}) {
+    for (const TestJpeg &kind : {TestJpeg{}, TestJpeg{.isProgressive = true}, TestJpeg{.restartInterval = 8}}) {
         const QByteArray file = makeJpeg(kind, 64, 64, samples);
         ASSERT_TRUE(file.endsWith(end));
         const QByteArray picture = file.chopped(2);
         const QByteArray half = picture.left(picture.size() / 2);
-        const bool isPlain = !kind.isProgressive && !kind.isArithmetic && kind.restartInterval == 0;
+        const bool isPlain = !kind.isProgressive && kind.restartInterval == 0;
         const struct
         {
             const char *what;
@@ -58,24 +53,18 @@ TEST_F(JpegKinds, DamageIsToldFromCutsAndEncodersHabits)
             Outcome outcome;
         } rows[] = {
             {"trailing data", file + "of a maker's own", Whole},
-            {"some bytes too many", picture + QByteArray(3, 'z') + end, Whole},
             {"padded with zeros", picture + QByteArray(5000, '\0') + end, Whole},
             {"many bytes too many", picture + QByteArray(5000, 'z') + end, Damaged},
-            {"overwritten with ones", overwritten(file, QByteArray(200, '\xff')), Damaged},
             {"overwritten with noise", overwritten(file, noiseBytes(300, 6)), Damaged},
             {"nothing behind the first half", half, CutOff},
-            {"an end marker too early", half + end, kind.isArithmetic ? Whole : CutOff},
+            {"an end marker too early", half + end, CutOff},
             {"zeros for the second half", half + QByteArray(picture.size() / 2, '\0'), isPlain ? Damaged : CutOff},
-            {"no end marker", picture, kind.isArithmetic ? CutOff : Whole},
+            {"no end marker", picture, Whole},
         };
         for (const auto &row : rows) {
             const auto got = decodePicture(write(QStringLiteral("picture"), row.file));
             const Outcome outcome = !got ? CutOff : got->isPartlyDamaged ? Damaged : Whole;
-            EXPECT_EQ(outcome, row.outcome) << row.what
-                                            << (kind.isProgressive  ? ", progressive"
-                                                : kind.isArithmetic ? ", arithmetic"
-                                                                    : "")
-                                            << " " << kind.restartInterval;
+            EXPECT_EQ(outcome, row.outcome) << row.what << " " << kind.isProgressive << " " << kind.restartInterval;
             EXPECT_TRUE(got || got.failure().reason == Failure::Reason::Truncated) << row.what;
         }
     }

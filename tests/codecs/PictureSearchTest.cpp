@@ -159,15 +159,4 @@ TEST(PictureSearch, LeavesWhatIsNoPictureAlone)
     }
 }
 
-TEST(PictureSearch, EndsSoonOnWhatIsMadeToBeSearchedForEver)
-{
-    QByteArray nested("x");
-    for (int i = 0; i < 12; ++i)
-        nested = deflateZlib(nested + QByteArray(1'000'000, '\0'));
-    const QByteArray streams = QByteArray("\x78\x9c\xed\xc1", 4).repeated(500'000);
-    const QByteArray starts = QByteArray("\xd8\xff\xda\0\x02\xff\xd8\xff", 8).repeated(250'000);
-    for (const QByteArray &bytes : {nested, streams, starts, QByteArray(4'000'000, '\xff')})
-        picturesIn(bytes, SearchIn::Mixture);
-}
-
 } // namespace hazelmark

@@ -47,7 +47,6 @@ QByteArray makeJpeg(const TestJpeg &kind, int width, int height, const std::vect
         lib.comp_info[component].h_samp_factor = lib.comp_info[component].v_samp_factor = 1;
     if (kind.isProgressive)
         jpeg_simple_progression(&lib);
-    lib.arith_code = kind.isArithmetic;
     lib.restart_interval = unsigned(kind.restartInterval);
     lib.density_unit = UINT8(kind.densityUnit);
     lib.X_density = lib.Y_density = UINT16(kind.density);
@@ -108,17 +107,16 @@ namespace {
 
 void setTags(TIFF *tiff, const TestTiff &page)
 {
-    const std::pair<uint32_t, int> tags[] = {
-        {TIFFTAG_SUBFILETYPE, page.subfileType},
-        {TIFFTAG_IMAGEWIDTH, page.width},
-        {TIFFTAG_IMAGELENGTH, page.height},
-        {TIFFTAG_BITSPERSAMPLE, page.bits},
-        {TIFFTAG_SAMPLESPERPIXEL, page.samplesPerPixel},
-        {TIFFTAG_PHOTOMETRIC, page.photometric},
-        {TIFFTAG_COMPRESSION, page.compression},
-        {TIFFTAG_SAMPLEFORMAT, page.sampleFormat},
-        {TIFFTAG_ORIENTATION, page.orientation},
-        {TIFFTAG_PLANARCONFIG, page.isPlanar ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG}};
+    const std::pair<uint32_t, int> tags[] = {{TIFFTAG_SUBFILETYPE, page.subfileType},
+                                             {TIFFTAG_IMAGEWIDTH, page.width},
+                                             {TIFFTAG_IMAGELENGTH, page.height},
+                                             {TIFFTAG_BITSPERSAMPLE, page.bits},
+                                             {TIFFTAG_SAMPLESPERPIXEL, page.samplesPerPixel},
+                                             {TIFFTAG_PHOTOMETRIC, page.photometric},
+                                             {TIFFTAG_COMPRESSION, page.compression},
+                                             {TIFFTAG_SAMPLEFORMAT, page.sampleFormat},
+                                             {TIFFTAG_ORIENTATION, page.orientation},
+                                             {TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG}};
     for (const auto &[tag, value] : tags)
         TIFFSetField(tiff, tag, value);
     if (!page.extraSamples.empty())
@@ -136,41 +134,23 @@ void setTags(TIFF *tiff, const TestTiff &page)
     }
 }
 
-/// The samples of one plane of the page, or all of them where `plane` is -1.
-std::vector<uint8_t> planeOf(const TestTiff &page, int plane)
+void writeRows(TIFF *tiff, const TestTiff &page)
 {
-    if (plane < 0)
-        return page.rows;
-    const size_t bytes = size_t(page.bits) / 8;
-    const size_t pixel = bytes * size_t(page.samplesPerPixel);
-    std::vector<uint8_t> samples;
-    for (size_t at = size_t(plane) * bytes; at < page.rows.size(); at += pixel)
-        samples.insert(samples.end(), page.rows.begin() + long(at), page.rows.begin() + long(at + bytes));
-    return samples;
-}
-
-void writePlane(TIFF *tiff, const TestTiff &page, const std::vector<uint8_t> &samples, int plane)
-{
-    const size_t rowBytes = samples.size() / size_t(page.height);
-    if (page.tileSide == 0) {
-        std::vector<uint8_t> row; // a copy: the library may swap bytes in place
-        for (int y = 0; y < page.height; ++y) {
-            row.assign(samples.begin() + long(size_t(y) * rowBytes), samples.begin() + long(size_t(y + 1) * rowBytes));
-            TIFFWriteScanline(tiff, row.data(), uint32_t(y), uint16_t(plane));
-        }
-        return;
+    const size_t rowBytes = page.rows.size() / size_t(page.height);
+    const auto samplesAt = [&](int x, int y) {
+        return page.rows.begin() + long(size_t(y) * rowBytes + size_t(x) * rowBytes / size_t(page.width));
+    };
+    for (int y = 0; y < page.height && page.tileSide == 0; ++y) {
+        std::vector<uint8_t> row(samplesAt(0, y), samplesAt(0, y + 1)); // a copy: the library may swap bytes in place
+        TIFFWriteScanline(tiff, row.data(), uint32_t(y));
     }
-    const size_t pixelBytes = rowBytes / size_t(page.width);
-    std::vector<uint8_t> tile(static_cast<size_t>(TIFFTileSize(tiff)));
-    for (int top = 0; top < page.height; top += page.tileSide) {
+    for (int top = 0; top < page.height && page.tileSide > 0; top += page.tileSide) {
         for (int left = 0; left < page.width; left += page.tileSide) {
-            for (int y = top; y < std::min(page.height, top + page.tileSide); ++y) {
-                const size_t columns = size_t(std::min(page.tileSide, page.width - left));
-                const auto source = samples.begin() + long(size_t(y) * rowBytes + size_t(left) * pixelBytes);
-                std::copy_n(source, columns * pixelBytes,
-                            tile.begin() + long(size_t(y - top) * size_t(page.tileSide) * pixelBytes));
-            }
-            TIFFWriteTile(tiff, tile.data(), uint32_t(left), uint32_t(top), 0, uint16_t(plane));
+            std::vector<uint8_t> tile(static_cast<size_t>(TIFFTileSize(tiff)));
+            const int right = std::min(page.width, left + page.tileSide);
+            for (int y = top; y < std::min(page.height, top + page.tileSide); ++y)
+                std::copy(samplesAt(left, y), samplesAt(right, y), tile.begin() + (y - top) * TIFFTileRowSize(tiff));
+            TIFFWriteTile(tiff, tile.data(), uint32_t(left), uint32_t(top), 0, 0);
         }
     }
 }
@@ -182,8 +162,7 @@ QByteArray makeTiff(const std::vector<TestTiff> &pages, const QString &scratchPa
     TIFF *tiff = TIFFOpen(QFile::encodeName(scratchPath).constData(), "w");
     for (const TestTiff &page : pages) {
         setTags(tiff, page);
-        for (int plane = 0; plane < (page.isPlanar ? page.samplesPerPixel : 1); ++plane)
-            writePlane(tiff, page, planeOf(page, page.isPlanar ? plane : -1), plane);
+        writeRows(tiff, page);
         TIFFWriteDirectory(tiff);
     }
     TIFFClose(tiff);

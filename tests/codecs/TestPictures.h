@@ -15,7 +15,6 @@ struct TestJpeg
     enum class Colors { Gray, Rgb, YCbCr, Cmyk, Ycck };
     Colors colors = Colors::YCbCr;
     bool isProgressive = false;
-    bool isArithmetic = false;
     int restartInterval = 0;
     int densityUnit = 0; ///< 0 aspect ratio, 1 per inch, 2 per centimetre
     int density = 1;
@@ -54,10 +53,7 @@ struct TestTiff
     int tileSide = 0; ///< 0: strips of a few rows
     std::vector<uint16_t> extraSamples;
     std::vector<uint16_t> colorMap; ///< reds, greens, blues
-    /// As the file stores them, in the machine's byte order. Contiguous; `isPlanar` has them separated on writing
-    /// (whole-byte samples only).
-    std::vector<uint8_t> rows;
-    bool isPlanar = false;
+    std::vector<uint8_t> rows;      ///< as the file stores them, in the machine's byte order
 };
 
 QByteArray makeTiff(const std::vector<TestTiff> &pages, const QString &scratchPath);

@@ -1,7 +1,5 @@
 #include "TestFiles.h"
 
-#include <QDir>
-
 #include <csignal>
 
 #include <sys/resource.h>
@@ -54,33 +52,6 @@ TEST_P(WriteFailures, FileThatMayNotGrowIsToldWhereverItHappens)
     for (const qint64 limit : {qint64(0), qint64(1), qint64(100), whole / 2, whole - 1})
         EXPECT_EXIT(writesWithin(limit), testing::ExitedWithCode(1), "") << limit << " of " << whole;
     EXPECT_EXIT(writesWithin(whole), testing::ExitedWithCode(0), "");
-}
-
-TEST_P(WriteFailures, PathOrPictureThatCannotBeWrittenIsTold)
-{
-    EXPECT_EQ(reasonFor(pathOf(QStringLiteral("missing/picture"))), Reason::NoSuchFolder);
-    ASSERT_TRUE(QDir(pathOf({})).mkdir(QStringLiteral("folder")));
-    EXPECT_EQ(reasonFor(pathOf(QStringLiteral("folder"))), Reason::IsFolder);
-    EXPECT_EQ(reasonFor(pathOf(QStringLiteral("picture")), {0, 0}), Reason::EncodeFailed);
-}
-
-TEST_P(WriteFailures, SideThatTheFormatCannotHoldIsToldAndOthersAreWritten)
-{
-    const QString path = pathOf(QStringLiteral("picture"));
-    QImage wide(600'000, 1, QImage::Format_RGBX8888);
-    wide.fill(Qt::gray);
-    const WriteFormat format = GetParam().second;
-    const auto written = encodePicture(wide, optionsFor(format), path);
-    if (format == WriteFormat::Jpeg || format == WriteFormat::Gif) {
-        ASSERT_FALSE(written);
-        EXPECT_EQ(written.failure().reason, Reason::EncodeFailed);
-        EXPECT_FALSE(written.failure().detail.isEmpty());
-    } else {
-        ASSERT_TRUE(written) << written.failure().sentence().toStdString();
-        const auto picture = decodePicture(path);
-        ASSERT_TRUE(picture) << picture.failure().sentence().toStdString();
-        EXPECT_EQ(picture->pixels.size(), wide.size());
-    }
 }
 
 INSTANTIATE_TEST_SUITE_P(Formats, WriteFailures, testing::ValuesIn(kFormats),

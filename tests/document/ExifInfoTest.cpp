@@ -73,15 +73,4 @@ TEST(ExifInfo, EachFieldIsShownAsTheSummaryHasIt)
     }
 }
 
-TEST(ExifInfo, ResolutionsAreCrossedAndNeedBoth)
-{
-    ExifInfo info(mapOf({{"DPIWidth", 300}, {"DPIHeight", 72.0}}));
-    for (const bool hasBoth : {true, false}) {
-        EXPECT_EQ(info.imageDPI(), QStringLiteral("300.0 x 72.0"));
-        EXPECT_EQ(info.dpiHeight(), hasBoth ? 300.0 : 0.0);
-        EXPECT_EQ(info.dpiWidth(), hasBoth ? 72.0 : 0.0);
-        info.resetAllWithDict(mapOf({{"DPIWidth", 150}}));
-    }
-}
-
 } // namespace hazelmark

@@ -71,17 +71,10 @@ TEST(MetadataBombs, ThousandsOfKeywordsAreReadAndCarriedMillionsAreNotAll)
     EXPECT_EQ(dict[kIptcGroup].toMap()[QStringLiteral("Keywords")].toList().size(), 60'000);
     EXPECT_EQ(iptcRecords(keywords.repeated(40)).size(), 1'000'000U);
     // Longer values state how long their length is.
-    const QByteArray head("\x1c\2\x78\x80\4\0\0\x9c\x40", 9);
-    const QByteArray caption(40'000, 'c');
-    for (const auto &[block, count] : {std::pair(head + caption, 1U),
-                                       {head + caption.chopped(1), 0U},
-                                       {head.left(7), 0U},
-                                       {head + caption + iptcDataSet(25, "sea"), 2U},
-                                       {iptcDataSet(25, "sea") + QByteArray(3, '\0') + head + caption, 2U}})
-        EXPECT_EQ(iptcRecords(block).size(), count);
+    const QByteArray caption = QByteArray("\x1c\2\x78\x80\4\0\0\x9c\x40", 9) + QByteArray(40'000, 'c');
     LeftOut none;
-    EXPECT_EQ(carriedIptc(head + caption, none), head + caption);
-    EXPECT_TRUE(none.text().isEmpty());
+    EXPECT_EQ(carriedIptc(caption, none), caption);
+    EXPECT_EQ(iptcRecords(caption.chopped(1)).size(), 0U);
 }
 
 TEST(MetadataBombs, HugeCountsAndLongTextsAreBounded)

@@ -72,21 +72,4 @@ TEST_F(Writer, AnExtensionThatTheListLacksFallsBackToJpgOrWritesNothing)
     }
 }
 
-TEST_F(Writer, AQualityThatThePhotosOwnDictionaryCarriesIsTheOneThatIsWritten)
-{
-    const PhotoImagePtr picture = PhotoImage::fromBitmap(noise(kUpright, QImage::Format_RGBX8888));
-    qsizetype before = 0;
-    for (const double quality : {-1.0, 0.0, 0.3, 0.8, 1.0}) {
-        ExportWriter::Settings chosen = settings(WriteFormat::Jpeg);
-        chosen.fileTypeToExportImage = QStringLiteral("jpg");
-        QVariantMap dict = chosen.selectedImageFile.metaInfoDict().value_or(QVariantMap());
-        dict[QStringLiteral("LossyCompressionQuality")] = quality;
-        chosen.selectedImageFile.setMetaInfoDict(dict);
-        ASSERT_TRUE(bool(ExportWriter(chosen).save(path("out.jpg"), picture)));
-        const qsizetype size = readBytes(path("out.jpg")).size();
-        EXPECT_TRUE(quality > 0.0 ? size > before : quality < 0.0 || size == before) << quality;
-        before = size;
-    }
-}
-
 } // namespace hazelmark

@@ -61,23 +61,4 @@ TEST_F(ImageLoaderFiles, GrayBecomesRgbWithTheSameLevels)
             EXPECT_EQ(samplesAt(rgb, x, 1)[c], x);
 }
 
-TEST_F(ImageLoaderFiles, FailuresAreToldOnStandardErrorWithoutALineEnd)
-{
-    const QByteArray whole =
-        readBytes(writePhoto(m_folder, WriteFormat::Jpeg, {}, noise({64, 64}, QImage::Format_RGBX8888)));
-    using Reason = Failure::Reason;
-    for (const auto &[bytes, reason, told] :
-         {std::tuple(QByteArray(), Reason::NoSuchFile, "Image source is NULL."),
-          {whole.left(whole.size() / 2), Reason::Truncated, "Image not created from image source."}}) {
-        const QString path = bytes.isEmpty() ? m_folder.filePath(QStringLiteral("none.jpg"))
-                                             : writeBytes(m_folder, QStringLiteral("bad.jpg"), bytes);
-        ::testing::internal::CaptureStderr();
-        EXPECT_EQ(ImageLoader::getImageWithFixedOrientionFromUrl(path), nullptr);
-        EXPECT_EQ(::testing::internal::GetCapturedStderr(), told);
-        const auto loaded = ImageLoader::load(path);
-        ASSERT_FALSE(bool(loaded));
-        EXPECT_EQ(loaded.failure().reason, reason) << loaded.failure().sentence().toStdString();
-    }
-}
-
 } // namespace hazelmark
