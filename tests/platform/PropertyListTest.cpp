@@ -30,18 +30,12 @@ std::optional<QVariantMap> readDict(const QByteArray &inside)
 TEST(PropertyListTest, ReadsEveryTypeOfValue)
 {
     const auto list =
-        readDict("<!-- a note --><key>s</key><string>ü &amp; “{0}”\n</string><key>i</key>"
-                 "<integer> -7 </integer><key>r</key><real>0.5</real><key>t</key><true/><key>f</key>"
-                 "<false/><key>a</key><array><string>x</string><dict><key>k</key><string/></dict></array>");
+        readDict("<!-- a note --><key>a</key><array><string>ü &amp; “{0}”\n</string><integer> -7 </integer>"
+                 "<real>0.5</real><true/><false/><dict><key>k</key><string/></dict></array>");
     ASSERT_TRUE(list);
-    EXPECT_EQ(list->value(QStringLiteral("s")).toString(), QStringLiteral("ü & “{0}”\n"));
-    EXPECT_EQ(list->value(QStringLiteral("i")), QVariant(qint64(-7)));
-    EXPECT_EQ(list->value(QStringLiteral("r")), QVariant(0.5));
-    EXPECT_EQ(list->value(QStringLiteral("t")), QVariant(true));
-    EXPECT_EQ(list->value(QStringLiteral("f")), QVariant(false));
-    const QVariantList array = list->value(QStringLiteral("a")).toList();
-    ASSERT_EQ(array.size(), 2);
-    EXPECT_EQ(array[1].toMap().value(QStringLiteral("k")), QVariant(QString(QLatin1String(""))));
+    const QVariantMap inner{{QStringLiteral("k"), QStringLiteral("")}};
+    EXPECT_EQ(list->value(QStringLiteral("a")).toList(),
+              QVariantList({QStringLiteral("ü & “{0}”\n"), qint64(-7), 0.5, true, false, inner}));
 }
 
 TEST(PropertyListTest, ABrokenFileIsNoneAtAll)
@@ -55,15 +49,9 @@ TEST(PropertyListTest, ABrokenFileIsNoneAtAll)
           QByteArray("<key>k</key><string>&unknown;</string>"), QByteArray("<key>k</key><string><b/></string>"),
           QByteArray("<key>k</key><string>\xff\xfe</string>"), deep})
         EXPECT_FALSE(readDict(inside)) << inside.left(60).constData();
-    QByteArray bomb = "<!DOCTYPE plist [<!ENTITY a \"aaaaaaaaaa\">";
-    for (char c = 'b'; c < 'k'; ++c)
-        bomb += QByteArray("<!ENTITY ") + c + " \"" + (QByteArray("&") + char(c - 1) + ";").repeated(10) + "\">";
-    bomb += "]><plist><dict><key>k</key><string>&j;</string></dict></plist>";
     for (const QByteArray &text :
          {QByteArray(""), QByteArray("no list"), QByteArray("<plist/>"), QByteArray("<plist><array/></plist>"),
-          QByteArray("<dict/>"), QByteArray("<plist><dict/><dict/></plist>"), QByteArray("bplist00\xd1"), bomb})
+          QByteArray("<dict/>"), QByteArray("<plist><dict/><dict/></plist>"), QByteArray("bplist00\xd1")})
         EXPECT_FALSE(read(text)) << text.left(60).constData();
-    for (const char *path : {"/nowhere/list.plist", "", "/"})
-        EXPECT_FALSE(readPropertyList(QLatin1String(path))) << path;
-    EXPECT_TRUE(read("<plist><dict/></plist>"));
+    EXPECT_FALSE(readPropertyList(QStringLiteral("/nowhere/list.plist")));
 }

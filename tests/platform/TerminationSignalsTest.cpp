@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <memory>
 
 namespace hazelmark {
 
@@ -19,36 +20,30 @@ void previousHandler(int)
 
 } // namespace
 
-using TerminationSignalsTest = ::testing::TestWithParam<int>;
-
-TEST_P(TerminationSignalsTest, TheFirstComesFromTheEventLoopAndTheNextTakesItsOldWay)
+TEST(TerminationSignals, TheFirstComesFromTheEventLoopAndTheNextTakesItsOldWay)
 {
-    previousCalls = 0;
-    int received = 0;
-    auto *const before = std::signal(GetParam(), previousHandler);
-    auto *const hangUpBefore = std::signal(SIGHUP, SIG_IGN);
-    {
-        TerminationSignals termination;
-        QObject::connect(&termination, &TerminationSignals::received, [&] { ++received; });
-        std::raise(SIGHUP);
-        QCoreApplication::processEvents();
+    for (const int signal : {SIGTERM, SIGINT, SIGQUIT}) {
+        previousCalls = 0;
+        int received = 0;
+        auto *const before = std::signal(signal, previousHandler);
+        auto *const hangUpBefore = std::signal(SIGHUP, SIG_IGN);
+        auto termination = std::make_unique<TerminationSignals>();
+        QObject::connect(termination.get(), &TerminationSignals::received, [&] { ++received; });
+        const auto raise = [&](int one) {
+            std::raise(one);
+            EXPECT_EQ(received, previousCalls) << "nothing is done within the handler";
+            QCoreApplication::processEvents();
+        };
+        raise(SIGHUP);
         EXPECT_EQ(received, 0) << "what is ignored stays ignored";
-
-        std::raise(GetParam());
-        EXPECT_EQ(received, 0) << "nothing is done within the handler";
-        QCoreApplication::processEvents();
+        raise(signal);
         EXPECT_EQ(received, 1);
-        EXPECT_EQ(previousCalls, 0);
-
-        std::raise(GetParam());
-        EXPECT_EQ(previousCalls, 1);
-        QCoreApplication::processEvents();
-        EXPECT_EQ(received, 1);
+        raise(signal);
+        EXPECT_EQ(received + previousCalls, 2);
+        termination.reset();
+        std::signal(SIGHUP, hangUpBefore);
+        EXPECT_EQ(std::signal(signal, before), previousHandler);
     }
-    std::signal(SIGHUP, hangUpBefore);
-    EXPECT_EQ(std::signal(GetParam(), before), previousHandler);
 }
-
-INSTANTIATE_TEST_SUITE_P(Signals, TerminationSignalsTest, ::testing::Values(SIGTERM, SIGINT, SIGQUIT));
 
 } // namespace hazelmark
