@@ -25,10 +25,9 @@ struct FakeUserSession : UserSession
 struct FakeScreen : Screen
 {
     QRectF visibleFrame() const override { return m_visibleFrame; }
-    QPointF origin() const override { return m_origin; }
+    QPointF origin() const override { return m_visibleFrame.topLeft() - QPointF(0, 24); }
 
-    QRectF m_visibleFrame{0, 24, 1600, 1000};
-    QPointF m_origin;
+    QRectF m_visibleFrame{0, 24, 1600, 1000}; ///< below a panel
 };
 
 struct FakeWorkspace : Workspace
