@@ -19,12 +19,12 @@ namespace hazelmark::testing {
 
 using Colour = std::array<double, 4>; ///< straight alpha, 0..1
 
-/// What an edge-clamped bitmap (RGBX or RGBA, 8 or 16 bits) holds at (x, y), counted from the top left.
+/// What an edge-clamped bitmap holds at (x, y), counted from the top left.
 class Pixels
 {
 public:
     explicit Pixels(const QImage &bitmap)
-        : m_bitmap(bitmap)
+        : m_bitmap(bitmap.convertToFormat(QImage::Format_RGBA64))
     {
     }
 
@@ -32,19 +32,12 @@ public:
     {
         x = std::clamp(x, 0, m_bitmap.width() - 1);
         y = std::clamp(y, 0, m_bitmap.height() - 1);
-        const uchar *line = m_bitmap.constScanLine(y);
-        Colour colour;
-        for (std::size_t c = 0; c < 4; ++c) {
-            const std::size_t i = 4 * std::size_t(x) + c;
-            colour[c] = m_bitmap.depth() == 64 ? reinterpret_cast<const quint16 *>(line)[i] / 65535.0 : line[i] / 255.0;
-        }
-        if (!m_bitmap.hasAlphaChannel())
-            colour[3] = 1.0;
-        return colour;
+        const QRgba64 pixel = reinterpret_cast<const QRgba64 *>(m_bitmap.constScanLine(y))[x];
+        return {pixel.red() / 65535.0, pixel.green() / 65535.0, pixel.blue() / 65535.0, pixel.alpha() / 65535.0};
     }
 
 private:
-    const QImage &m_bitmap;
+    QImage m_bitmap;
 };
 
 class DiscBlurReference

@@ -2,7 +2,6 @@
 
 #include "KernelTest.h"
 #include "Pictures.h"
-#include "kernels/CoarseRows.h"
 #include "kernels/DiscSumRows.h"
 #include "kernels/DiscWeightRows.h"
 
@@ -38,20 +37,6 @@ std::vector<std::uint16_t> randomSamples(std::size_t count, unsigned seed, unsig
         sample = std::uint16_t(random() % 5 == 0 ? full : random() % (full + 1));
     return samples;
 }
-
-/// kTaps random rows and where each begins.
-struct Rows
-{
-    Rows(std::size_t width, unsigned seed)
-    {
-        for (std::size_t t = 0; t < kTaps; ++t) {
-            stored.push_back(randomValues(width, seed + unsigned(t)));
-            starts[t] = stored.back().data();
-        }
-    }
-    std::vector<std::vector<float>> stored;
-    const float *starts[kTaps];
-};
 
 using DiscKernels = testing::KernelTest;
 
@@ -152,96 +137,6 @@ TEST_P(DiscKernels, BlockSumsAreThoseOfTheSpans)
             EXPECT_EQ(means[kHeight * meansStride], kUntouched);
         }
     }
-}
-
-TEST_P(DiscKernels, WeightsOneByOneAddUp)
-{
-    constexpr int kReach = kMostReach;
-    const std::vector<float> weights = randomValues((kReach + 1) * (kReach + 1), 6);
-    const std::size_t stride = upTo(kRowGrain, width() + 2 * kReach);
-    const std::vector<float> plane = randomValues(stride * (2 * kReach + 1), 7);
-    std::vector<float> means(width() + kRoom, kUntouched);
-    weighRow(plane.data() + kReach * stride, stride, weights.data(), kReach, means.data(), width());
-    expectEach(means.data(), 2e-5, [&](std::size_t i) {
-        double sum = 0.0;
-        for (int dy = -kReach; dy <= kReach; ++dy)
-            for (int dx = -kReach; dx <= kReach; ++dx)
-                sum += double(weights[std::size_t(std::abs(dy) * (kReach + 1) + std::abs(dx))]) *
-                       plane[std::size_t(kReach + dy) * stride + i + std::size_t(kReach + dx)];
-        return sum;
-    });
-    EXPECT_EQ(means[upTo(kRowGrain, width())], kUntouched);
-}
-
-TEST_P(DiscKernels, CellsAreMeansOfTheirPixels)
-{
-    for (const int scale : {2, 4, 8, 16}) {
-        const std::size_t pixels = width() * std::size_t(scale);
-        const std::vector<float> lower = randomValues(pixels, 8), upper = randomValues(pixels, 9);
-        std::vector<float> sums(pixels + 2 * kRowGrain * std::size_t(scale));
-        std::vector<std::uint16_t> cells(width() + kRoom);
-        addRow(lower.data(), sums.data(), true, pixels);
-        addRow(upper.data(), sums.data(), false, pixels);
-        averageCells(sums.data(), scale, 65535.0f / (2.0f * float(scale)), cells.data(), width());
-        expectEach(cells.data(), 0.51, [&](std::size_t k) {
-            double sum = 0.0;
-            for (std::size_t x = k * std::size_t(scale); x < (k + 1) * std::size_t(scale); ++x)
-                sum += double(lower[x]) + double(upper[x]);
-            return sum * 65535.0 / (2.0 * scale);
-        });
-    }
-}
-
-TEST_P(DiscKernels, CellsAreDrawnUpByTheirTaps)
-{
-    const std::vector<std::uint16_t> stored = randomSamples(width() + 2 * kRoom, 10, 65535);
-    const std::uint16_t *cells = stored.data() + kRoom / 2;
-    const std::vector<float> weights = randomValues(kTaps * 8, 11);
-    const auto drawn = [&](std::ptrdiff_t first, const float *taps) {
-        double sum = 0.0;
-        for (int t = 0; t < kTaps; ++t)
-            sum += double(taps[t]) * cells[first + t] / 65535.0;
-        return sum;
-    };
-    for (const int scale : {2, 4}) {
-        Taps taps[4];
-        for (int q = 0; q < scale; ++q)
-            std::copy_n(weights.begin() + q * kTaps, kTaps, taps[q].begin());
-        std::vector<float> values((upTo(kRowGrain, width()) + 1) * std::size_t(scale), kUntouched);
-        expandRow(cells, taps, scale, values.data(), width());
-        for (std::size_t x = 0; x < width() * std::size_t(scale); ++x) {
-            const std::size_t q = x % std::size_t(scale);
-            const std::ptrdiff_t first = std::ptrdiff_t(x) / scale - (q < std::size_t(scale) / 2 ? 3 : 2);
-            EXPECT_NEAR(values[x], drawn(first, taps[q].data()), 1e-6) << scale;
-        }
-        EXPECT_EQ(values[upTo(kRowGrain, width()) * std::size_t(scale)], kUntouched);
-    }
-
-    const Rows taps(width(), 20);
-    const std::size_t middle = width() / 3;
-    const CellRun runs[] = {{0, middle, -3}, {middle, width(), 4}};
-    std::vector<float> values(width() + kRoom);
-    expandWideRow(cells, runs, 2, taps.starts, values.data());
-    expectEach(values.data(), 1e-6, [&](std::size_t x) {
-        float own[kTaps];
-        for (int t = 0; t < kTaps; ++t)
-            own[t] = taps.starts[t][x];
-        return drawn(x < middle ? -3 : 4, own);
-    });
-}
-
-TEST_P(DiscKernels, RowsOfCellsAreCombinedAndClamped)
-{
-    const Taps taps = {-0.4f, 0.3f, 0.9f, 1.2f, -0.3f, 0.1f};
-    const Rows rows(width(), 30);
-    std::vector<float> values(width() + kRoom);
-    combineRows(rows.starts, taps, values.data(), width());
-    expectEach(values.data(), 1e-6, [&](std::size_t i) {
-        double sum = 0.0;
-        for (std::size_t t = 0; t < kTaps; ++t)
-            sum += double(taps[t]) * rows.starts[t][i];
-        return std::clamp(sum, 0.0, 1.0);
-    });
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryInstructionSet, DiscKernels, testing::everyTargetAndWidth(), testing::targetAndWidth);

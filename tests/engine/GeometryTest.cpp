@@ -13,11 +13,8 @@ TEST(Geometry, APictureFillsTheBoxAlongOneSide)
          {std::tuple{QSizeF{4000, 3000}, QSizeF{800, 800}, QSizeF{800, 600}},
           {{3000, 4000}, {800, 800}, {600, 800}},
           {{100, 50}, {800, 600}, {800, 400}},
-          {{1000, 1000}, {400, 300}, {300, 300}},
           // The first step overshoots the other side, the second one corrects it.
           {{400, 300}, {800, 100}, {800.0 / 6, 100}},
-          {{300, 400}, {100, 800}, {100, 800.0 / 6}},
-          {{3000, 2001}, {1000, 1000}, {1000, 667}},
           // The ratio is rounded to single precision before it is used, or the canvas would shift against the photo.
           {{3000, 2000}, {1000, 1000}, {1000, double(float(float(1000.0 / 3000.0) * 2000.0))}},
           // It is a little too large, and the correction falls a little short: the same in every build.
@@ -37,9 +34,6 @@ TEST(Geometry, FractionsAndFrameFormsAreInversesWithoutFlip)
     EXPECT_EQ(Geometry::convertedPointToPercentBase({50, 25}, container), QPointF(0.25, 0.25));
     EXPECT_EQ(Geometry::convertedPointToFrameBase({0.25, 0.25}, container), QPointF(50, 25));
     EXPECT_EQ(Geometry::convertedPointToPercentBase({-50, 150}, container), QPointF(-0.25, 1.5));
-    const QRectF rect = Geometry::convertedRectToPercentBase({50, 25, 100, 10}, container);
-    EXPECT_EQ(rect, QRectF(0.25, 0.25, 0.5, 0.1));
-    EXPECT_EQ(Geometry::convertedRectToFrameBase(rect, container), QRectF(50, 25, 100, 10));
     const QPointF ofNothing = Geometry::convertedPointToPercentBase({1, 0}, {0, 0});
     EXPECT_TRUE(std::isinf(ofNothing.x()) && std::isnan(ofNothing.y())) << "not guarded";
 }
