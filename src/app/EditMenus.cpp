@@ -1,6 +1,7 @@
 #include "EditMenus.h"
 
 #include "Localisation.h"
+#include "MenuTitle.h"
 
 #include <QAction>
 #include <QKeySequence>
@@ -12,12 +13,6 @@
 namespace hazelmark {
 
 namespace {
-
-/// Menu titles read "&" as the mark of a key.
-QString asTitle(QString text)
-{
-    return text.replace(QLatin1Char('&'), QLatin1String("&&"));
-}
 
 /// Names a key that somebody else listens to.
 void showKey(QAction *action, const QKeySequence &key)

@@ -4,6 +4,7 @@
 #include "EditMenus.h"
 #include "FormatString.h"
 #include "Localisation.h"
+#include "MenuTitle.h"
 
 #include <QAction>
 #include <QMenu>
@@ -23,12 +24,6 @@ const std::array kLanguages{u"English", u"Français", u"Deutsch", u"中文", u"�
 QString bundleName()
 {
     return Bundle::infoDictionary().value(QStringLiteral("CFBundleName")).toString();
-}
-
-/// Menu titles read "&" as the mark of a key.
-QString asTitle(QString text)
-{
-    return text.replace(QLatin1Char('&'), QLatin1String("&&"));
 }
 
 } // namespace

@@ -70,9 +70,13 @@ const char *redoKey(PaintEdit edit)
     Q_UNREACHABLE();
 }
 
-QString dateText(const StoredPainting &painting)
+/// To the minute, or with the seconds behind it.
+QString dateText(const StoredPainting &painting, bool withSeconds = false)
 {
-    return QLocale().toString(painting.when.toLocalTime(), QLocale::ShortFormat);
+    const QDateTime when = painting.when.toLocalTime();
+    if (!withSeconds)
+        return QLocale().toString(when, QLocale::ShortFormat);
+    return QLocale().toString(when.date(), QLocale::ShortFormat) + when.time().toString(QStringLiteral(" HH:mm:ss"));
 }
 
 } // namespace
@@ -255,8 +259,12 @@ void EditCommands::publish()
         state.undo = text(undoKey(*edit));
     if (const std::optional<PaintEdit> edit = m_session.redoEdit())
         state.redo = text(redoKey(*edit));
-    for (const StoredPainting &painting : m_session.storedPaintings())
-        state.storedPaintings << formatString(text("RESTORE_PAINTING_OF"), {dateText(painting)});
+    for (const StoredPainting &painting : m_session.storedPaintings()) {
+        QString title = formatString(text("RESTORE_PAINTING_OF"), {dateText(painting)});
+        if (state.storedPaintings.contains(title)) // of the same minute
+            title = formatString(text("RESTORE_PAINTING_OF"), {dateText(painting, true)});
+        state.storedPaintings << title;
+    }
     state.hasPhoto = m_session.state() != Session::State::Empty;
     state.mayEdit = m_session.state() == Session::State::Editing;
     state.mayOpen = m_session.state() != Session::State::Exporting;
