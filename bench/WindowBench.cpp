@@ -17,12 +17,14 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QMouseEvent>
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTimer>
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <sys/mman.h>
 #include <unistd.h>
 
@@ -155,6 +157,7 @@ public:
         m_window.show();
         showAt(kPreview);
         QObject::connect(&*m_screen, &MainScreenVC::previewShown, [this] { m_previewShown = true; });
+        QObject::connect(&m_screen->session(), &Session::viewDrawn, [this] { m_viewDrawn = true; });
     }
     ~Screen() { m_screen.reset(); }
 
@@ -163,7 +166,88 @@ public:
 
     /// Opens the photo; hands back the longest time, in seconds, in which the event loop was held up meanwhile and
     /// during the redraws that follow.
-    double openPhoto()
+    double openPhoto() { return openPhoto(photo()); }
+    double openPhoto(const QString &path)
+    {
+        return longestPause([&] {
+            m_screen->photoDraggedWithPath(path);
+            waitUntil([&] { return m_screen->session().isLoading(); });
+            waitUntil([&] { return !m_screen->session().isLoading(); });
+            waitForRedraws();
+        });
+    }
+
+    /// The photo anew, in a view of this size, as near as `scale` pixels of the screen to one of it, and about a third
+    /// of what is seen painted.
+    void comeNear(QSize view, double scale)
+    {
+        openPhoto();
+        showAt(view);
+        m_screen->zoom().setScale(scale);
+        waitForView();
+        constexpr double kStroke = 48;
+        const double lines = view.height() / 3.0 / kStroke;
+        for (double y = 0.5 / lines; y < 1; y += 1 / lines)
+            stroke({0.01, y}, {0.99, y});
+    }
+
+    void stroke(QPointF from, QPointF to)
+    {
+        send(QEvent::MouseButtonPress, from);
+        for (int i = 1; i <= 40; ++i)
+            send(QEvent::MouseMove, from + (to - from) * (i / 40.0));
+        m_viewDrawn = false;
+        send(QEvent::MouseButtonRelease, to);
+        waitUntil([&] { return m_viewDrawn; });
+    }
+
+    /// From what a hand asks for to the picture of it, painted: the least of a few.
+    double secondsOfFrame(const std::function<void(int)> &ask)
+    {
+        double least = 1e9;
+        for (int i = 0; i < 24; ++i) {
+            QElapsedTimer clock;
+            clock.start();
+            m_viewDrawn = false;
+            ask(i);
+            waitForPicture();
+            least = std::min(least, double(clock.nsecsElapsed()) * 1e-9);
+        }
+        return least;
+    }
+
+    /// The same of a dab: from its release to the new picture near the photo.
+    double secondsToView()
+    {
+        send(QEvent::MouseButtonPress, {0.5, 0.5});
+        m_viewDrawn = false;
+        QElapsedTimer clock;
+        clock.start();
+        send(QEvent::MouseButtonRelease, {0.5, 0.5});
+        waitForPicture();
+        return double(clock.nsecsElapsed()) * 1e-9;
+    }
+
+    double secondsToUndo()
+    {
+        m_viewDrawn = false;
+        QElapsedTimer clock;
+        clock.start();
+        m_screen->session().undo();
+        waitForPicture();
+        return double(clock.nsecsElapsed()) * 1e-9;
+    }
+
+    void waitForView()
+    {
+        m_viewDrawn = false;
+        m_screen->zoom().refresh();
+        waitUntil([&] { return m_viewDrawn && m_screen->session().fullPhoto().image(); });
+        waitForRedraws();
+    }
+
+    /// The longest time, in seconds, in which the event loop is held up while something happens.
+    static double longestPause(const std::function<void()> &happen)
     {
         qint64 longest = 0;
         QElapsedTimer clock;
@@ -175,10 +259,7 @@ public:
         });
         clock.start();
         watchdog.start(1);
-        m_screen->photoDraggedWithPath(photo());
-        waitUntil([&] { return m_screen->session().isLoading(); });
-        waitUntil([&] { return !m_screen->session().isLoading(); });
-        waitForRedraws();
+        happen();
         return double(longest) * 1e-9;
     }
 
@@ -257,6 +338,12 @@ private:
             QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
 
+    void waitForPicture()
+    {
+        waitUntil([&] { return m_viewDrawn; });
+        m_screen->mainScreenView()->vwPreviewContainer->repaint();
+    }
+
     /// Those that follow an opening or a new layout after a while.
     static void waitForRedraws()
     {
@@ -292,6 +379,7 @@ private:
     TitlebarWindow m_window;
     std::optional<MainScreenVC> m_screen;
     bool m_previewShown = false;
+    bool m_viewDrawn = false;
 };
 
 // Made when a row first needs them.
@@ -338,6 +426,94 @@ double previewRatio(QSize preview, int turns, const std::function<double()> &our
     return least / alone;
 }
 
+/// Bytes of this process that are in memory.
+double residentBytes()
+{
+    QFile file(QStringLiteral("/proc/self/statm"));
+    if (!file.open(QIODevice::ReadOnly))
+        giveUp("no memory is told");
+    return file.readAll().split(' ').value(1).toDouble() * double(sysconf(_SC_PAGESIZE));
+}
+
+/// What 100 % of a photo of 108 megapixels takes beyond fit, against the photo once and eight times what is seen.
+double memoryRatio()
+{
+    constexpr QSize kLarge(12000, 9000);
+    constexpr QSize kView(1440, 900);
+    QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("large.jpg"));
+    EncodeOptions options;
+    options.format = WriteFormat::Jpeg;
+    if (!encodePicture(testPicture(kLarge), options, path))
+        giveUp("no room for a photo");
+    screen().openPhoto(path);
+    screen().showAt(kView);
+    malloc_trim(0);
+    const double before = residentBytes();
+    (*screen()).zoom().setScale(1);
+    screen().waitForView();
+    malloc_trim(0);
+    const double after = residentBytes();
+    const auto bytes = [](QSize size) { return 4.0 * size.width() * size.height(); };
+    return (after - before) / (bytes(kLarge) + 8 * bytes(kView));
+}
+
+void addViewRows()
+{
+    constexpr double kFrame = 0.016;
+    const auto panned = [](int i) { (*screen()).zoom().panBy({i % 8 < 4 ? -37.0 : 37.0, i % 2 ? -23.0 : 23.0}); };
+    const auto zoomed = [](int i) { (*screen()).zoom().zoomBySteps(i % 8 < 4 ? -0.4 : 0.4); };
+    for (const auto &[view, wanted] : {std::pair(QSize(1440, 900), 0.6), std::pair(QSize(3840, 2160), 1.0)}) {
+        const std::string size = std::to_string(view.width()) + " x " + std::to_string(view.height());
+        add(Figure{"a frame while panning at 100 %, a third painted, " + size, "16 ms", wanted, [=, view = view] {
+                       screen().comeNear(view, 1);
+                       return screen().secondsOfFrame(panned) / kFrame;
+                   }});
+        add(Figure{"a frame while zooming about 80 %, a third painted, " + size, "16 ms", wanted, [=, view = view] {
+                       screen().comeNear(view, 0.8);
+                       return screen().secondsOfFrame(zoomed) / kFrame;
+                   }});
+    }
+    add(Figure{"mouse release at 100 % to the new picture painted, 1200 x 800", "the same at fit", 1.5, [] {
+                   screen().comeNear(kPreview, 1);
+                   double near = 1e9;
+                   for (int i = 0; i < 20; ++i)
+                       near = std::min(near, screen().secondsToView());
+                   (*screen()).zoom().setFit();
+                   double fit = 1e9;
+                   for (int i = 0; i < 20; ++i)
+                       fit = std::min(fit, screen().secondsToPreview());
+                   return near / fit;
+               }});
+    add(Figure{"undo of one of 500 strokes at 400 %, 1440 x 900", "50 ms", 1.0, [] {
+                   screen().openPhoto();
+                   screen().showAt({1440, 900});
+                   (*screen()).zoom().setScale(4);
+                   screen().waitForView();
+                   for (int i = 0; i < 500; ++i)
+                       screen().stroke({0.1 + 0.0013 * (i % 100), 0.1 + 0.0015 * i},
+                                       {0.4 + 0.0047 * (i % 100), 0.9 - 0.0015 * i});
+                   double least = 1e9;
+                   for (int i = 0; i < 8; ++i)
+                       least = std::min(least, screen().secondsToUndo());
+                   return least / 0.050;
+               }});
+    add(Figure{"coming near for the first time, panning, zooming: longest that the event loop is held up", "50 ms", 0.5,
+               [=] {
+                   screen().openPhoto();
+                   screen().showAt({1440, 900});
+                   return Screen::longestPause([=] {
+                              (*screen()).zoom().setScale(1);
+                              screen().waitForView();
+                              screen().secondsOfFrame(panned);
+                              screen().secondsOfFrame(zoomed);
+                          }) /
+                          0.050;
+               }});
+    add(Figure{"memory of a photo of 108 megapixels at 100 % above fit", "the photo once and 8 times what is seen", 1.0,
+               &memoryRatio});
+}
+
 } // namespace
 
 void addWindowRows()
@@ -359,6 +535,7 @@ void addWindowRows()
                    "the preview job alone", 3.0,
                    [preview] { return previewRatio(preview, 4, [] { return screen().secondsBehindSlider(); }); }});
     }
+    addViewRows();
 }
 
 void endWindowRows()

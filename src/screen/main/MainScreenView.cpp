@@ -171,6 +171,7 @@ void MainScreenView::makePhotoArea()
     drawTrackingView->stackUnder(paintView);
     keyboardCursor = new KeyboardCursor(*paintView, vwPreviewContainer);
     overview = new OverviewView(vwPreviewContainer);
+    setAccessibleRole(*overview, QAccessible::Graphic);
     setAccessibleRole(*imgvwBeforeBokesh, QAccessible::Graphic);
     setAccessibleRole(*imgvwAfterBokesh, QAccessible::Graphic);
     m_loadingNote = new LoadingNote(dropTarget);

@@ -23,6 +23,7 @@
 #include <algorithm>
 #include <chrono>
 #include <initializer_list>
+#include <utility>
 
 namespace hazelmark {
 
@@ -327,23 +328,23 @@ bool PhotoZoom::handleTouch(const QObject *watched, const QTouchEvent &event)
     if (watched != m_view.paintView || event.device()->type() != QInputDevice::DeviceType::TouchScreen)
         return false;
     const bool isOver = event.type() == QEvent::TouchEnd || event.type() == QEvent::TouchCancel;
+    const auto fingers = [&] {
+        return QLineF(placeInView(watched, event.points().at(0).position()),
+                      placeInView(watched, event.points().at(1).position()));
+    };
     if (!m_hasTwoFingers) {
         if (isOver || event.pointCount() != 2)
             return false;
         if (m_view.paintView->isStrokeUnderWay() && !m_view.paintView->takeBackDab())
             return false;
         m_hasTwoFingers = true;
-    }
-    if (event.pointCount() >= 2 && !isOver) {
-        const QEventPoint &one = event.points().at(0);
-        const QEventPoint &other = event.points().at(1);
-        const QLineF before(one.globalLastPosition(), other.globalLastPosition());
-        const QLineF now(one.globalPosition(), other.globalPosition());
-        const QPointF middle = m_view.vwPreviewContainer->mapFromGlobal(now.center());
-        const double factor = before.length() > 1 ? now.length() / before.length() : 1;
+        m_fingers = fingers();
+    } else if (event.pointCount() >= 2 && !isOver) {
+        const QLineF before = std::exchange(m_fingers, fingers());
+        const double factor = before.length() > 1 ? m_fingers.length() / before.length() : 1;
         change([&](ViewTransform &wanted) {
-            wanted.panBy(now.center() - before.center());
-            wanted.setScale(wanted.scale() * factor, middle);
+            wanted.panBy(m_fingers.center() - before.center());
+            wanted.setScale(wanted.scale() * factor, m_fingers.center());
         });
     }
     if (isOver)

@@ -3,6 +3,7 @@
 #include "CoreFilterObject.h"
 #include "ViewTransform.h"
 
+#include <QLineF>
 #include <QObject>
 #include <QPointF>
 #include <QPointer>
@@ -95,6 +96,7 @@ private:
     Qt::MouseButton m_dragButton = Qt::NoButton;
     bool m_isSpaceHeld = false;
     bool m_hasTwoFingers = false; ///< until the last one is lifted
+    QLineF m_fingers;             ///< where they were last
     QTimer m_patience;            ///< so long the sharp picture is waited for before what there is is moved
 };
 

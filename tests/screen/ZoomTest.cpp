@@ -1,0 +1,146 @@
+// Near the photo in the window: what wheel, menu and fingers do, and that paint lies where it was seen.
+#include "ScreenFixture.h"
+
+#include "KeyboardCursor.h"
+#include "NotificationNames.h"
+#include "OverviewView.h"
+#include "PhotoImageView.h"
+#include "SummaryBar.h"
+#include "ZoomField.h"
+
+#include <QTest>
+#include <QWheelEvent>
+
+namespace hazelmark {
+
+namespace {
+
+class Zooming : public ScreenFixture
+{
+protected:
+    void openPhoto(QSize size = {2400, 1600})
+    {
+        start();
+        open(photo(u"a.png"_qs, size));
+    }
+    void perform(MenuCommand command)
+    {
+        m_center.post(kNotificationCommandFromMenuTapped, {{kCommandKey, int(command)}, {kCommandIndexKey, 0}});
+    }
+    const ViewTransform &transform() const { return m_screen->zoom().transform(); }
+    void turnWheel(int angle, QPointF place, Qt::KeyboardModifiers keys = Qt::ControlModifier)
+    {
+        QWidget *area = view().vwPreviewContainer;
+        QWheelEvent event(place, area->mapToGlobal(place), {}, {0, angle}, Qt::NoButton, keys, Qt::NoScrollPhase,
+                          false);
+        QCoreApplication::sendEvent(area, &event);
+    }
+    /// A place of the canvas's widget as a fraction of the photo.
+    QPointF under(QPointF place) const
+    {
+        const QPointF at = place + canvas().geometry().topLeft() - transform().frame().topLeft();
+        return {at.x() / transform().frame().width(), at.y() / transform().frame().height()};
+    }
+    const PaintStepList &steps() const { return *canvas().arrDrawedPoints(); }
+};
+
+TEST_F(Zooming, EndsWhereTheFingersEnd)
+{
+    openPhoto();
+    const QPointF place(300, 200);
+    const double fit = transform().scale();
+    EXPECT_TRUE(transform().isFit() && view().overview->isHidden());
+    for (int i = 0; i < 1000; ++i) // of a wheel that tells a sixtieth of a step
+        turnWheel(i < 530 ? 2 : -2, place);
+    EXPECT_NEAR(transform().scale(), fit * 1.25, 1e-6);
+    const QPointF before = under(place - canvas().geometry().topLeft());
+    turnWheel(120, place);
+    EXPECT_NEAR(under(place - canvas().geometry().topLeft()).x(), before.x(), 1e-3);
+    EXPECT_TRUE(view().overview->isVisibleTo(&view()));
+    EXPECT_EQ(view().vwBottom->zoomField()->currentText(),
+              QString::number(std::lround(100 * transform().scale())) + u" %"_qs);
+    const QRectF frame = transform().frame();
+    turnWheel(-120, place, Qt::NoModifier);
+    EXPECT_EQ(transform().frame(), frame.translated(0, -60));
+    turnWheel(-120, place, Qt::ShiftModifier);
+    EXPECT_EQ(transform().frame(), frame.translated(-60, -60));
+
+    perform(MenuCommand::ZoomFull);
+    EXPECT_EQ(transform().scale(), 1);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return view().imgvwAfterBokesh->detail().size == QSize(2400, 1600); }));
+    resizeWindow({1400, 900});
+    EXPECT_EQ(transform().scale(), 1);
+    open(photo(u"b.png"_qs, {2400, 1600}));
+    EXPECT_TRUE(transform().isFit()) << "another photo";
+    EXPECT_TRUE(view().imgvwAfterBokesh->detail().shown.isNull());
+}
+
+TEST_F(Zooming, PaintLiesWhereItWasSeenAsWideAsItWasSeen)
+{
+    openPhoto();
+    const QSize circle = canvas().cursorImage().size();
+    const float size = canvas().pointSize();
+    double finest = 1;
+    for (const auto &[scale, y, middle] : {std::tuple(0.5, 0.1, 0.5), {1.0, 0.5, 0.5}, {4.0, 0.5, 0.9}}) {
+        m_screen->zoom().setScale(scale);
+        m_screen->zoom().centreOn({0.5, middle});
+        EXPECT_EQ(canvas().cursorImage().size(), circle);
+        EXPECT_NEAR(canvas().pointSize() * transform().zoom(), size, 1e-3);
+        const QPointF from(0.4 * canvas().width(), y * canvas().height());
+        stroke({0.4, y}, {0.6, y});
+        EXPECT_NEAR(steps().back().start().y(), under(from).y(), 1e-3);
+        const ScaledPainting painting = m_screen->session().painting().scaled();
+        EXPECT_GE(painting.scale, finest);
+        finest = painting.scale;
+        const QImage mask = painting.mask();
+        const auto green = [&](QPointF place) {
+            const QPointF at = under(place);
+            return int(mask.constScanLine(int(at.y() * mask.height()))[int(at.x() * mask.width())]);
+        };
+        EXPECT_GT(green(from + QPointF(40, 0)), 200) << scale;
+        EXPECT_EQ(green(from + QPointF(40, size / 2 + 3)), 0) << scale;
+        // What goes out of sight is kept, and painted nowhere.
+        stroke({0.9, y}, {1.1, y});
+        EXPECT_GT(steps().back().end().x(), 1);
+    }
+    EXPECT_EQ(finest, ScaledPainting::largestScale(canvas().canvasSize(), {2400, 1600}));
+    perform(MenuCommand::ZoomFit);
+    EXPECT_EQ(canvas().pointSize(), size) << "to the bit";
+    EXPECT_EQ(canvas().cursorImage().size(), circle);
+}
+
+TEST_F(Zooming, WaitsForTheEndOfAStroke)
+{
+    openPhoto();
+    stroke({0.4, 0.5}, {0.6, 0.5}, false);
+    turnWheel(120, {300, 200});
+    EXPECT_TRUE(transform().isFit());
+    QTest::mouseRelease(&canvas(), Qt::LeftButton);
+    EXPECT_NEAR(transform().zoom(), 1.25, 1e-9);
+}
+
+TEST_F(Zooming, TwoFingersTakeTheDabOfTheFirstBackAndHoldThePhoto)
+{
+    openPhoto();
+    m_screen->zoom().setScale(1);
+    stroke({0.1, 0.2}, {0.2, 0.2});
+    const std::size_t count = steps().size();
+    QPointingDevice *screen = QTest::createTouchDevice();
+    canvas().show();
+    QTest::touchEvent(&canvas(), screen).press(0, {200, 200});
+    EXPECT_EQ(steps().size(), count + 1);
+    QTest::touchEvent(&canvas(), screen).move(0, {200, 200}).press(1, {300, 200});
+    EXPECT_EQ(steps().size(), count);
+    const QPointF held = under({200, 200});
+    QTest::touchEvent(&canvas(), screen).move(0, {150, 250}).move(1, {350, 250});
+    EXPECT_NEAR(transform().scale(), 2, 1e-6);
+    EXPECT_NEAR(under({150, 250}).x(), held.x(), 2e-3);
+    EXPECT_NEAR(under({150, 250}).y(), held.y(), 2e-3);
+    QTest::touchEvent(&canvas(), screen).release(0, {150, 250}).release(1, {350, 250});
+    EXPECT_EQ(steps().size(), count);
+    EXPECT_FALSE(canvas().isStrokeUnderWay());
+}
+
+} // namespace
+
+} // namespace hazelmark
