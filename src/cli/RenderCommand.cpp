@@ -105,9 +105,7 @@ int runRender(const RenderRequest &request)
     job.settings.vignetteAmount = request.vignette.value_or(kVignetteWhenNotGiven);
     if (*mask)
         job.maskImage = maskOf(request, *mask);
-    else if (!addStrokes(job, request))
-        return exitcode::kFailed;
-    if (!job.maskImage)
+    if (*mask ? !job.maskImage : !addStrokes(job, request))
         return exitcode::kFailed;
     const Outcome<ImageLoader::Loaded> rendered = job.run();
     if (!rendered)

@@ -197,6 +197,12 @@ TEST_F(CommandLineProgram, PaintedPartsAreBlurredAndTheDefaultsAreThoseOfTheSlid
          QByteArray(m_strokes).replace("{\"canvas", R"({"version": 1, "blur": 20, "vignette": 0.1, "canvas)"));
     EXPECT_EQ(rendered("--strokes kept.json"), rendered("--strokes s.json --blur 20 --vignette 0.1"));
     EXPECT_EQ(rendered("--strokes kept.json --blur 60 --vignette 0"), painted);
+    // One that was painted near the photo is drawn as finely.
+    file("near.json", QByteArray(m_strokes).replace("{\"canvas", R"({"scale": 4, "canvas)"));
+    ASSERT_EQ(run("mask --strokes near.json --output near.png").exitCode, 0);
+    EXPECT_EQ(pixelsOf("near.png").size(), QSize(240, 160));
+    EXPECT_EQ(rendered("--strokes near.json"), rendered("--mask near.png"));
+    EXPECT_NE(rendered("--strokes near.json"), painted);
 }
 
 TEST_F(CommandLineProgram, ARotatedPhotoKeepsItsPixelSizeAndTag)
