@@ -38,26 +38,18 @@ TEST(MetadataBombs, TagsThatShareTheirValuesAreLeftOut)
     }
 }
 
-TEST(MetadataBombs, LargeNotesAndPacketsAreNotRead)
+TEST(MetadataBombs, NotesFarLargerThanTheyShouldBeAreNotRead)
 {
-    const QTemporaryDir folder;
-    const auto tiffWith = [](quint16 tag, qsizetype size) {
-        TiffMaker tiff;
-        TiffEntries first, exif;
-        tiff.set(exif, tag, TiffMaker::kUndefined, QByteArray(size, 'n'));
-        tiff.set(first, 0x8769, TiffMaker::kLong, tiff.place(tiff.directory(exif)));
-        return tiff.startingAt(tiff.directory(first));
-    };
-    const QByteArray block = tiffWith(0x927c, 100);
+    TiffMaker tiff;
+    TiffEntries first, exif;
+    tiff.set(exif, 0x927c, TiffMaker::kUndefined, QByteArray(100, 'n'));
+    tiff.set(first, 0x8769, TiffMaker::kLong, tiff.place(tiff.directory(exif)));
+    const QByteArray block = tiff.startingAt(tiff.directory(first));
     const QByteArray entry = block.mid(block.indexOf(QByteArray("\x7c\x92\7\0\x64\0\0\0", 8)), 12);
-    for (const int more : {0, 100'000, 800'000}) {
+    for (const int more : {100'000, 800'000}) {
         const QByteArray large = block + QByteArray(more, '\0');
         EXPECT_EQ(withoutUnusualNote(large).contains(entry), more < 800'000) << more;
         EXPECT_EQ(withoutUnusualNote(large).size(), large.size());
-    }
-    for (const int packet : {10'000, 100'000}) {
-        const QString path = writeBytes(folder, QStringLiteral("a.tif"), tiffWith(0x02bc, packet));
-        EXPECT_EQ(hasPlausibleTags(**SourceFile::open(path)), packet < 100'000) << packet;
     }
 }
 

@@ -2,7 +2,6 @@
 
 #include "SamplePhotos.h"
 
-#include <QLocale>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>

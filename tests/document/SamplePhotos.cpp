@@ -12,13 +12,13 @@
 
 namespace hazelmark {
 
-QByteArray exifBlock(std::initializer_list<std::pair<const char *, const char *>> tags, bool bigEndian)
+QByteArray exifBlock(std::initializer_list<std::pair<const char *, const char *>> tags)
 {
     Exiv2::ExifData data;
     for (const auto &[key, value] : tags)
         data[key] = std::string(value);
     Exiv2::Blob blob;
-    Exiv2::ExifParser::encode(blob, bigEndian ? Exiv2::bigEndian : Exiv2::littleEndian, data);
+    Exiv2::ExifParser::encode(blob, Exiv2::littleEndian, data);
     return QByteArray(reinterpret_cast<const char *>(blob.data()), qsizetype(blob.size()));
 }
 

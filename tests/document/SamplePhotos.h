@@ -21,7 +21,7 @@ inline void PrintTo(const QString &text, std::ostream *out)
 }
 
 /// An EXIF block with the given tags ("Exif.Photo.FNumber", "28/10"), which Exiv2 types as its tables say.
-QByteArray exifBlock(std::initializer_list<std::pair<const char *, const char *>> tags, bool bigEndian = false);
+QByteArray exifBlock(std::initializer_list<std::pair<const char *, const char *>> tags);
 
 /// A data set of IIM records: 25 of record 2 is a keyword, 120 the caption.
 QByteArray iptcDataSet(int dataSet, const QByteArray &value, int record = 2);

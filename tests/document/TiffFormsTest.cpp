@@ -35,7 +35,6 @@ QByteArray photo(const Form &form)
                             {0x0116, 3},
                             {0x0117, 12}});
     tiff.set(exif, 0x829a, TiffMaker::kRational, tiff.number(quint32(1)) + tiff.number(quint32(3)));
-    tiff.set(exif, 0x8827, TiffMaker::kShort, tiff.number(quint16(400)));
     tiff.set(exif, 0x9286, TiffMaker::kUndefined, 0x7fffffff, tiff.place(8)); // said to be two gigabytes long
     tiff.set(gps, 1, TiffMaker::kAscii, QByteArray("S", 2));
     tiff.set(first, 0x010f, TiffMaker::kAscii, QByteArray("A maker with a long name", 25));
@@ -73,10 +72,8 @@ TEST(TiffForms, AllSayAndCarryTheSame)
             EXPECT_EQ(valueOf("{GPS}", "LatitudeRef").toString(), QStringLiteral("S"));
             EXPECT_EQ(valueOf("{IPTC}", "Keywords").toList(), QVariantList{QStringLiteral("sea")});
             EXPECT_FALSE(valueOf("{Exif}", "UserComment").isValid());
-            if (!form.leadsBack) {
-                EXPECT_DOUBLE_EQ(valueOf("{Exif}", "ExposureTime").toDouble(), 1.0 / 3);
-                EXPECT_EQ(valueOf("{Exif}", "ISOSpeedRatings").toList(), QVariantList{400});
-            }
+            const double time = valueOf("{Exif}", "ExposureTime").toDouble();
+            EXPECT_DOUBLE_EQ(time, form.leadsBack ? 0 : 1.0 / 3);
         }
     }
 }

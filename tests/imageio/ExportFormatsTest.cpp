@@ -22,13 +22,4 @@ TEST(ExportFormats, TheSourcesOwnFormatLeadsInOneOfTwoCases)
     }
 }
 
-TEST(ExportFormats, AnExtensionGetsTheFormThatTheListHolds)
-{
-    for (const auto &[source, extension, form] :
-         {std::tuple("jpg", "JPEG", "jpg"), {"png", "jpg", "jpeg"}, {"png", "Tif", "tiff"}, {"png", "webp", ""}})
-        EXPECT_EQ(ExportFormats::forSource(QLatin1String(source)).formFor(QLatin1String(extension)),
-                  QLatin1String(form))
-            << extension;
-}
-
 } // namespace hazelmark
