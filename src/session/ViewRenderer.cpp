@@ -45,7 +45,7 @@ QRect withReach(const QRect &part, QSize size, double radius, int grain)
 {
     const double most = std::hypot(size.width(), size.height());
     // Cells are a twentieth of the radius at most; some of them on each side are mixed.
-    const int reach = radius > 0 ? int(std::ceil(std::min(radius * 1.5, most))) + 16 : 0;
+    const int reach = radius > 0 ? int(std::ceil(std::min(radius * 1.25, most))) + 16 : 0;
     QRect rect = part.adjusted(-reach, -reach, reach, reach) & QRect(QPoint(), size);
     rect.setLeft(rect.left() / grain * grain);
     const int below = size.height() - 1 - rect.bottom();

@@ -151,8 +151,24 @@ void PaintView::paintEvent(QPaintEvent *event)
     }
     if (!m_part.pixels().isNull()) {
         painter.setClipRect(fine);
-        painter.drawImage(part, m_part.pixels());
+        drawPart(painter, part);
     }
+}
+
+/// Pixel for pixel where its pixels are the screen's, to within half of one over all of it: scaling takes longer than
+/// all the rest.
+void PaintView::drawPart(QPainter &painter, const QRectF &target) const
+{
+    const double ratio = devicePixelRatioF();
+    const QSizeF beyond = target.size() * ratio - QSizeF(m_part.pixels().size());
+    if (std::abs(beyond.width()) >= 0.5 || std::abs(beyond.height()) >= 0.5) {
+        painter.drawImage(target, m_part.pixels());
+        return;
+    }
+    QImage pixels = m_part.pixels();
+    pixels.setDevicePixelRatio(ratio);
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, false);
+    painter.drawImage(QPointF(std::round(target.x() * ratio), std::round(target.y() * ratio)) / ratio, pixels);
 }
 
 void PaintView::bufferChanged(const QRect &rect)

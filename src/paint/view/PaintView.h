@@ -101,6 +101,7 @@ private:
 
     QPointF frameOffset() const;
     QPointF canvasPoint(QPointF position) const;
+    void drawPart(QPainter &painter, const QRectF &target) const;
     QRectF shownRect(const QRectF &canvasRect, QSizeF canvas) const;
     double shownPointSize() const { return double(pointSize()) * m_zoom; }
     bool handleTouch(QTouchEvent &event);
