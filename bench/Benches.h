@@ -7,6 +7,7 @@ namespace hazelmark::bench {
 void addBlurRows();
 void addEditRows();
 void addErrorRows();
+void addGlassRows();
 void addPaintRows();
 void addCommandLineRows();
 void addWindowRows();

@@ -8,6 +8,7 @@ int main(int argc, char **argv)
     hazelmark::bench::addCommandLineRows();
 #endif
     hazelmark::bench::addErrorRows();
+    hazelmark::bench::addGlassRows();
     hazelmark::bench::addPaintRows();
     hazelmark::bench::addEditRows();
 #ifdef HAZELMARK_PROGRAM

@@ -6,13 +6,13 @@ set -euo pipefail
 cd "$(dirname "$0")/.."
 seconds=${1:-10}
 scripts/install-packages.sh build run fuzz
-scripts/build.sh fuzz codecs_fuzz document_fuzz export_fuzz strokes_fuzz write_seeds
+scripts/build.sh fuzz codecs_fuzz document_fuzz export_fuzz messages_fuzz strokes_fuzz write_seeds
 cd build/fuzz
 bin/write_seeds seeds
 export QT_QPA_PLATFORM=offscreen
-for fuzzer in codecs document export strokes; do
+for fuzzer in codecs document export messages strokes; do
     seeds=seeds/pictures
-    [ "$fuzzer" = strokes ] && seeds=seeds/strokes
+    case "$fuzzer" in messages | strokes) seeds=seeds/$fuzzer ;; esac
     mkdir -p "found/$fuzzer"
     echo "Fuzzing: $fuzzer, $seconds seconds"
     # A file that takes longer than this is a fault as well.

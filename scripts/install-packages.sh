@@ -6,13 +6,14 @@ set -euo pipefail
 build=(ca-certificates g++ cmake ninja-build pkg-config
     qt6-base-dev qt6-base-dev-tools qt6-svg-dev libgl-dev libxcb1-dev
     libexiv2-dev libjpeg62-turbo-dev libpng-dev libtiff-dev libgif-dev libimagequant-dev liblcms2-dev libhwy-dev
-    libheif-dev libseccomp-dev)
+    libheif-dev libraw-dev libjxl-dev libopenjp2-7-dev libseccomp-dev)
 run=(qt6-translations-l10n qt6-image-formats-plugins libqt6svg6 qt6-qpa-plugins qt6-wayland xdg-utils)
 test=(libgtest-dev libgmock-dev libimage-exiftool-perl clang-format python3
-    libheif-examples libavif-bin
+    libheif-examples libavif-bin libjxl-tools libopenjp2-tools webp
     dbus-daemon xvfb xauth openbox xdotool fonts-dejavu-core)
 fuzz=(clang libclang-rt-dev)
-bench=(libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev libjpeg-turbo-progs time xvfb)
+bench=(libbenchmark-dev libopencv-core-dev libopencv-imgproc-dev libjpeg-turbo-progs time xvfb
+    libheif-examples libavif-bin libjxl-tools libopenjp2-tools webp)
 
 wanted=()
 for task in "$@"; do

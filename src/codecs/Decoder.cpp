@@ -13,16 +13,16 @@ namespace hazelmark {
 
 namespace {
 
-constexpr const PictureFormat *kFormats[] = {&kJpegFormat, &kPngFormat, &kTiffFormat, &kGifFormat, &kQtFormat};
+constexpr const PictureFormat *kFormats[] = {&kJpegFormat, &kPngFormat, &kTiffFormat, &kGifFormat};
 
-/// Camera raw files are TIFF files too. Qt's takes whatever is left.
+/// Camera raw files are TIFF files too.
 std::unique_ptr<PictureReader> makeReader(SourceFile &source)
 {
     if (const ForeignKind *kind = foreignKindOf(source))
         return makeForeignReader(source, *kind);
     const auto format = std::find_if(std::begin(kFormats), std::end(kFormats),
                                      [&](const PictureFormat *row) { return row->recognises(source.head()); });
-    return (*format)->makeReader(source);
+    return format != std::end(kFormats) ? (*format)->makeReader(source) : makeForeignReader(source, kindOfQtPlugins());
 }
 
 QString inGigabytes(qint64 bytes)

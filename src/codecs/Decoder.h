@@ -6,7 +6,6 @@
 #include "SourceFile.h"
 
 #include <QByteArray>
-#include <QList>
 #include <QString>
 
 #include <memory>
@@ -48,9 +47,5 @@ private:
 /// What a Decoder tells of the file, or SourceFile::open() why it cannot be read.
 Outcome<PictureInfo> readPictureInfo(const QString &path);
 Outcome<Picture> decodePicture(const QString &path, QSize atLeast = {});
-
-/// The formats that other programs' libraries read, by their usual extensions. Beside them JPEG, PNG, TIFF and GIF are
-/// read.
-QList<QByteArray> formatsOfPlugins();
 
 } // namespace hazelmark

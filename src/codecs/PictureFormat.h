@@ -29,8 +29,8 @@ public:
     virtual Outcome<Picture> decode(QSize atLeast) = 0;
 };
 
-/// One row of the table of decoders. The first row whose `recognises` accepts a file's first bytes reads it; a new
-/// format is a new file with such a row, and its line in Decoder.cpp.
+/// One row of the table of the decoders in this program. The first row whose `recognises` accepts a file's first bytes
+/// reads it; what none of them accepts goes to the decoder program (see ForeignReader.h).
 struct PictureFormat
 {
     bool (*recognises)(const QByteArray &head);
@@ -48,6 +48,5 @@ extern const PictureFormat kJpegFormat;
 extern const PictureFormat kPngFormat;
 extern const PictureFormat kTiffFormat;
 extern const PictureFormat kGifFormat;
-extern const PictureFormat kQtFormat; ///< everything that Qt's plugins read; recognises any content
 
 } // namespace hazelmark

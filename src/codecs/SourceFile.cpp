@@ -31,14 +31,31 @@ Outcome<std::unique_ptr<SourceFile>> SourceFile::open(const QString &path)
     std::unique_ptr<SourceFile> source(new SourceFile(path));
     if (!source->m_file.open(QIODevice::ReadOnly))
         return Failure{Reason::NotReadable, path, source->m_file.errorString()};
-    source->m_identity = FileIdentity::ofDescriptor(source->m_file.handle());
-    source->m_size = source->m_file.size();
-    if (source->m_size == 0)
-        return Failure{Reason::Empty, path, {}};
-    source->m_head = source->bytesAt(0, kHeadSize);
-    if (source->m_head.isEmpty() || !source->m_identity)
-        return Failure{Reason::NotReadable, path, QString::fromLocal8Bit(std::strerror(errno))};
+    if (const std::optional<Failure> failure = source->readBeginning())
+        return *failure;
     return source;
+}
+
+Outcome<std::unique_ptr<SourceFile>> SourceFile::ofDescriptor(int descriptor)
+{
+    std::unique_ptr<SourceFile> source(new SourceFile({}));
+    if (!source->m_file.open(descriptor, QIODevice::ReadOnly))
+        return source->failure(Failure::Reason::NotReadable, source->m_file.errorString());
+    if (const std::optional<Failure> failure = source->readBeginning())
+        return *failure;
+    return source;
+}
+
+std::optional<Failure> SourceFile::readBeginning()
+{
+    m_identity = FileIdentity::ofDescriptor(m_file.handle());
+    m_size = m_file.size();
+    if (m_size == 0)
+        return failure(Failure::Reason::Empty);
+    m_head = bytesAt(0, kHeadSize);
+    if (m_head.isEmpty() || !m_identity)
+        return failure(Failure::Reason::NotReadable, QString::fromLocal8Bit(std::strerror(errno)));
+    return std::nullopt;
 }
 
 qint64 SourceFile::read(qint64 offset, char *bytes, qint64 count) const

@@ -21,6 +21,9 @@ public:
     /// Fails with NoSuchFile, IsFolder, NotARegularFile (opening a pipe would wait for ever), NotReadable or Empty.
     static Outcome<std::unique_ptr<SourceFile>> open(const QString &path);
 
+    /// A file that is open already and stays so, without a path.
+    static Outcome<std::unique_ptr<SourceFile>> ofDescriptor(int descriptor);
+
     /// For Qt's readers, which move its position.
     QFile &device() { return m_file; }
     int descriptor() const { return m_file.handle(); }
@@ -47,6 +50,7 @@ public:
 
 private:
     explicit SourceFile(const QString &path);
+    std::optional<Failure> readBeginning();
 
     QString m_path;
     QFile m_file;

@@ -1,5 +1,7 @@
 #include "HeifBoxes.h"
 
+#include "IsoBoxes.h"
+
 #include <algorithm>
 #include <cmath>
 #include <string_view>
@@ -10,70 +12,10 @@ namespace {
 
 using Bytes = std::span<const std::byte>;
 
-/// Big-endian fields, one after another; 0 beyond the end.
-class Fields
-{
-public:
-    explicit Fields(Bytes bytes)
-        : m_bytes(bytes)
-    {
-    }
-    uint64_t next(size_t size)
-    {
-        uint64_t value = 0;
-        for (size_t index = 0; index < size; ++index)
-            value = value << 8 | (m_at + index < m_bytes.size() ? std::to_integer<uint64_t>(m_bytes[m_at + index]) : 0);
-        m_at += size;
-        return value;
-    }
-    bool isBeyond() const { return m_at > m_bytes.size(); }
-
-private:
-    Bytes m_bytes;
-    size_t m_at = 0;
-};
-
-struct Box
-{
-    std::string_view type;
-    Bytes content;
-};
-
-/// Boxes in a row; the last one may reach to the end.
-std::vector<Box> boxesIn(Bytes bytes)
-{
-    constexpr size_t kMost = 10000;
-    std::vector<Box> boxes;
-    while (bytes.size() >= 8 && boxes.size() < kMost) {
-        Fields head(bytes);
-        uint64_t size = head.next(4);
-        const std::string_view type(reinterpret_cast<const char *>(bytes.data()) + 4, 4);
-        size_t headSize = 8;
-        if (size == 1) {
-            head.next(4);
-            size = head.next(8);
-            headSize = 16;
-        } else if (size == 0) {
-            size = bytes.size();
-        }
-        if (size < headSize || size > bytes.size())
-            break;
-        boxes.push_back({type, bytes.subspan(headSize, size - headSize)});
-        bytes = bytes.subspan(size);
-    }
-    return boxes;
-}
-
-std::optional<Bytes> find(const std::vector<Box> &boxes, std::string_view type)
-{
-    const auto found = std::find_if(boxes.begin(), boxes.end(), [type](const Box &box) { return box.type == type; });
-    return found == boxes.end() ? std::nullopt : std::optional(found->content);
-}
-
 /// The numbers of the properties of an item, counted from 1.
 std::vector<size_t> propertiesOf(uint64_t item, Bytes association)
 {
-    Fields fields(association);
+    BoxFields fields(association);
     const uint64_t version = fields.next(1);
     const uint64_t flags = fields.next(3);
     const uint64_t count = fields.next(4);
@@ -90,7 +32,7 @@ std::vector<size_t> propertiesOf(uint64_t item, Bytes association)
 
 void takeProperty(const Box &box, HeifPrimary &primary)
 {
-    Fields fields(box.content);
+    BoxFields fields(box.content);
     HeifStep step{};
     if (box.type == "irot") {
         step.kind = HeifStep::Kind::Turn;
@@ -154,22 +96,22 @@ bool HeifPrimary::isMirrored() const
 
 std::optional<HeifPrimary> readHeifPrimary(std::span<const std::byte> file)
 {
-    const std::optional<Bytes> meta = find(boxesIn(file), "meta");
+    const std::optional<Bytes> meta = contentOf(boxesIn(file), "meta");
     if (!meta || meta->size() < 4)
         return std::nullopt;
     const std::vector<Box> boxes = boxesIn(meta->subspan(4));
-    const std::optional<Bytes> primaryItem = find(boxes, "pitm");
-    const std::optional<Bytes> properties = find(boxes, "iprp");
+    const std::optional<Bytes> primaryItem = contentOf(boxes, "pitm");
+    const std::optional<Bytes> properties = contentOf(boxes, "iprp");
     if (!primaryItem || !properties)
         return std::nullopt;
-    Fields item(*primaryItem);
+    BoxFields item(*primaryItem);
     const uint64_t version = item.next(4) >> 24;
     const uint64_t number = item.next(version == 0 ? 2 : 4);
 
     HeifPrimary primary;
-    primary.isProtected = find(boxes, "ipro").has_value();
+    primary.isProtected = contentOf(boxes, "ipro").has_value();
     const std::vector<Box> parts = boxesIn(*properties);
-    const std::optional<Bytes> container = find(parts, "ipco");
+    const std::optional<Bytes> container = contentOf(parts, "ipco");
     if (!container)
         return std::nullopt;
     const std::vector<Box> all = boxesIn(*container);

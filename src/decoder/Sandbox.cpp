@@ -7,6 +7,7 @@
 #include <initializer_list>
 #include <memory>
 
+#include <fcntl.h>
 #include <sched.h>
 #include <sys/mman.h>
 #include <sys/prctl.h>
@@ -97,7 +98,7 @@ scmp_arg_cmp argumentHas(unsigned index, uint64_t mask, uint64_t bits)
     return {index, SCMP_CMP_MASKED_EQ, mask, bits};
 }
 
-/// Memory, threads, clocks, and reading what is open.
+/// Memory, threads (Qt's each make an event descriptor), clocks, and reading what is open.
 void allowComputing(Rules &rules)
 {
     rules.add(SCMP_ACT_ALLOW, {SCMP_SYS(brk),
@@ -135,9 +136,13 @@ void allowComputing(Rules &rules)
                                SCMP_SYS(sysinfo),
                                SCMP_SYS(uname),
                                SCMP_SYS(getrusage),
-                               SCMP_SYS(membarrier)});
+                               SCMP_SYS(membarrier),
+                               SCMP_SYS(eventfd2)});
     for (const int descriptor : {STDERR_FILENO, kChannelDescriptor})
         rules.addWhere(SCMP_ACT_ALLOW, SCMP_SYS(write), {argumentIs(0, uint64_t(descriptor))});
+    // fstat() goes by this name too.
+    rules.addWhere(SCMP_ACT_ALLOW, SCMP_SYS(newfstatat),
+                   {argumentIs(0, kPhotoDescriptor), argumentHas(3, AT_EMPTY_PATH, AT_EMPTY_PATH)});
     for (const int call : {SCMP_SYS(mmap), SCMP_SYS(mprotect)})
         rules.addWhere(SCMP_ACT_ALLOW, call, {argumentHas(2, PROT_EXEC, 0)});
     rules.addWhere(SCMP_ACT_ALLOW, SCMP_SYS(clone), {argumentHas(0, CLONE_THREAD, CLONE_THREAD)});

@@ -1,6 +1,6 @@
 #include "ReadableTypes.h"
 
-#include "Decoder.h"
+#include "ForeignKinds.h"
 
 namespace hazelmark {
 
@@ -12,7 +12,7 @@ QStringList makeExtensions()
                       QStringLiteral("png"), QStringLiteral("tif"),  QStringLiteral("tiff"), QStringLiteral("gif"),
                       QStringLiteral("bmp"), QStringLiteral("dib")};
     QStringList others;
-    for (const QByteArray &format : formatsOfPlugins()) {
+    for (const QByteArray &format : foreignExtensions()) {
         const QString extension = QString::fromLatin1(format);
         if (!known.contains(extension))
             others << extension;

@@ -1,5 +1,6 @@
 #include "Session.h"
 
+#include "DecodeScope.h"
 #include "PaintCanvas.h"
 #include "PathParts.h"
 #include "PhotoFile.h"
@@ -60,7 +61,10 @@ void Session::open(const QString &path, const PhotoView &view)
          request]() -> std::optional<Outcome<OpenPhoto>> {
             if (request < *oldestWanted)
                 return std::nullopt;
-            return reading.read(path, view);
+            const auto isUnwanted = [=] { return request < *oldestWanted; };
+            const DecodeScope scope(isUnwanted);
+            Outcome<OpenPhoto> photo = reading.read(path, view);
+            return photo || !isUnwanted() ? std::optional(std::move(photo)) : std::nullopt;
         },
         [this, request](const std::optional<Outcome<OpenPhoto>> &photo) {
             m_underWay.erase(request);

@@ -42,6 +42,7 @@ TEST_F(HostileFiles, CutOffAnywhereIsAFailureNeverAPartOfThePicture)
 {
     constexpr auto kRgb = QImage::Format_RGBX8888;
     constexpr auto kRgba = QImage::Format_RGBA8888;
+    constexpr int kForeign = 40;
     const struct
     {
         const char *what;
@@ -49,6 +50,8 @@ TEST_F(HostileFiles, CutOffAnywhereIsAFailureNeverAPartOfThePicture)
         /// Bytes at the end of the file without which the picture is still whole (a closing marker, what follows the
         /// pixels, the place of the next directory).
         int dispensableBytes = 0;
+        /// Of the looks that are taken: the decoder program is a process for each, and comes to harm by itself.
+        int share = 1;
     } rows[] = {
         {"JPEG", written(WriteFormat::Jpeg, kRgb), 2},
         {"JPEG of ink", jpeg({.colors = TestJpeg::Colors::Ycck}), 2},
@@ -56,21 +59,21 @@ TEST_F(HostileFiles, CutOffAnywhereIsAFailureNeverAPartOfThePicture)
         {"JPEG with restarts", jpeg({.restartInterval = 2}), 2},
         {"PNG", written(WriteFormat::Png, QImage::Format_RGBA64)},
         {"TIFF", written(WriteFormat::Tiff, kRgb), 4},
-        {"BMP", written(WriteFormat::Bmp, kRgb)},
+        {"BMP", written(WriteFormat::Bmp, kRgb), 0, kForeign},
         {"GIF", written(WriteFormat::Gif, kRgba), 1},
-        {"lossless WebP", saved(kRgba, "webp", 100)},
-        {"WebP", saved(kRgb, "webp", 80)},
-        {"icon", saved(kRgba, "ico")},
-        {"PPM", saved(kRgb, "ppm")},
+        {"lossless WebP", saved(kRgba, "webp", 100), 0, kForeign},
+        {"WebP", saved(kRgb, "webp", 80), 0, kForeign},
+        {"icon", saved(kRgba, "ico"), 0, kForeign},
+        {"PPM", saved(kRgb, "ppm"), 0, kForeign},
     };
-    for (const auto &[what, file, dispensableBytes] : rows) {
+    for (const auto &[what, file, dispensableBytes, share] : rows) {
         if (file.isEmpty() && QByteArray(what).endsWith("WebP"))
             continue; // the plugin is not installed
         const Picture whole = decoded(file);
-        const qsizetype step = std::max<qsizetype>(1, file.size() / 700);
+        const qsizetype step = std::max<qsizetype>(1, file.size() * share / 700);
         qsizetype succeeded = 0;
         const QString path = write(QStringLiteral("cut"), file);
-        for (qsizetype size = file.size() - 1; size >= 1; size -= size > file.size() - 50 ? 1 : step) {
+        for (qsizetype size = file.size() - 1; size >= 1; size -= size > file.size() - 50 / share ? 1 : step) {
             ASSERT_TRUE(QFile::resize(path, size));
             (void)readPictureInfo(path); // must not crash; headers may be whole
             const auto picture = decodePicture(path);

@@ -77,7 +77,58 @@ std::vector<Row> rows()
                  kLeftToRight},
                 {"AVIF in tiles", "avifenc -l --grid 2x2 IN.png OUT.avif", kRgb8, kRgb8, 8, 0}});
 #endif
+#if HAZELMARK_HAS_JXL
+    all.insert(all.end(),
+               {{"JPEG XL", "cjxl -d 0 -e 3 IN.png OUT.jxl", kRgb8, kRgb8, 8, 0},
+                {"JPEG XL of 16 bits, alpha of 8", "cjxl -d 0 -e 3 IN.png OUT.jxl", kRgba16, kRgba16, 16, 128},
+                {"grey JPEG XL in a container", "cjxl -d 0 -e 3 --container=1 IN.png OUT.jxl", kGray8, kGray8, 8, 0},
+                {"JPEG XL with losses", "cjxl -d 0.3 -e 3 IN.png OUT.jxl", kRgb8, kRgb8, 8, 50 * k8}});
+#endif
+#if HAZELMARK_HAS_JP2
+    all.insert(
+        all.end(),
+        {{"JPEG 2000", "opj_compress -i IN.png -o OUT.jp2", kRgb8, kRgb8, 8, 0},
+         {"JPEG 2000 of 16 bits with alpha", "opj_compress -i IN.png -o OUT.jp2", kRgba16, kRgba16, 16, 0},
+         {"grey JPEG 2000 code stream in tiles", "opj_compress -t 100,80 -i IN.png -o OUT.j2k", kGray8, kGray8, 8, 0}});
+#endif
+    all.insert(all.end(), {{"WebP", "cwebp -quiet -lossless -exact IN.png -o OUT.webp", kRgba8, kRgba8, 8, 0},
+                           {"WebP without alpha", "cwebp -quiet -lossless IN.png -o OUT.webp", kRgb8, kRgb8, 8, 0}});
     return all;
+}
+
+QByteArray entryOf(quint32 number, quint32 type, quint32 count, quint32 value)
+{
+    return littleEndian(number, 2) + littleEndian(type, 2) + littleEndian(count) + littleEndian(value);
+}
+
+/// A camera's raw file of an evenly lit grey wall: 16-bit samples behind a filter of red, green, green, blue.
+QByteArray makeDng(QSize size)
+{
+    constexpr quint32 kByte = 1, kText = 2, kShort = 3, kLong = 4, kFraction = 5, kSigned = 10;
+    constexpr int kEntries = 18;
+    constexpr quint32 kValues = 8 + 2 + 12 * kEntries + 4;
+    constexpr quint32 kPixels = kValues + 9 * 8 + 3 * 8;
+    const quint32 bytes = quint32(2 * size.width() * size.height());
+    QByteArray file = "II*" + QByteArray(1, '\0') + littleEndian(8) + littleEndian(kEntries, 2);
+    file += entryOf(254, kLong, 1, 0) + entryOf(256, kLong, 1, quint32(size.width())) +
+            entryOf(257, kLong, 1, quint32(size.height())) + entryOf(258, kShort, 1, 16) + entryOf(259, kShort, 1, 1) +
+            entryOf(262, kShort, 1, 32803) + entryOf(271, kText, 4, 0x6d7a48) + entryOf(272, kText, 4, 0x6d7a48) +
+            entryOf(273, kLong, 1, kPixels) + entryOf(274, kShort, 1, 6) + entryOf(277, kShort, 1, 1) +
+            entryOf(278, kLong, 1, quint32(size.height())) + entryOf(279, kLong, 1, bytes) +
+            entryOf(33421, kShort, 2, 2 | 2 << 16) + entryOf(33422, kByte, 4, 0 | 1 << 8 | 1 << 16 | 2 << 24) +
+            entryOf(50706, kByte, 4, 1 | 4 << 8) + entryOf(50721, kSigned, 9, kValues) +
+            entryOf(50728, kFraction, 3, kValues + 72) + littleEndian(0);
+    for (const int tenThousandths : {8000, -2000, -500, -4000, 12000, 1800, -800, 2000, 6000})
+        file += littleEndian(quint32(tenThousandths)) + littleEndian(10'000);
+    for (const quint32 percent : {50u, 100u, 70u})
+        file += littleEndian(percent) + littleEndian(100);
+    for (int y = 0; y < size.height(); ++y) {
+        for (int x = 0; x < size.width(); ++x) {
+            const int filter = (x & 1) + (y & 1);
+            file += littleEndian(filter == 0 ? 10'000 : filter == 1 ? 20'000 : 14'000, 2);
+        }
+    }
+    return file;
 }
 
 } // namespace
@@ -126,11 +177,8 @@ TEST_F(ForeignFormats, ComeAsTheyWereSaved)
 /// A camera has noted that the picture lies on its side; the file's own turn has put it upright.
 TEST_F(ForeignFormats, CarryMetadataOnceTurnedUpright)
 {
-    const auto tag = [](quint32 number, quint32 type, quint32 count, quint32 value) {
-        return littleEndian(number, 2) + littleEndian(type, 2) + littleEndian(count) + littleEndian(value);
-    };
     const QByteArray exif = "II*" + QByteArray(1, '\0') + littleEndian(8) + littleEndian(2, 2) +
-                            tag(271, 2, 4, 0x656b614d) + tag(274, 3, 1, 6) + littleEndian(0);
+                            entryOf(271, 2, 4, 0x656b614d) + entryOf(274, 3, 1, 6) + littleEndian(0);
     const QByteArray xmp = "<x:xmpmeta xmlns:x='adobe:ns:meta/'><rdf:RDF "
                            "xmlns:rdf='http://www.w3.org/1999/02/22-rdf-syntax-ns#'><rdf:Description "
                            "xmlns:tiff='http://ns.adobe.com/tiff/1.0/' tiff:Orientation='6' tiff:Artist='Ann'/>"
@@ -169,6 +217,29 @@ TEST_F(ForeignFormats, ColorsWithoutProfileGetOne)
         EXPECT_EQ(picture->iccProfile.isEmpty(), isConverted) << codes;
         EXPECT_GT(samplesOf(picture->pixels, 1).front(), 65000) << codes;
     }
+}
+#endif
+
+#if HAZELMARK_HAS_RAW
+/// A sensor that sees a grey wall through a lens of the white that the camera notes, held on its side.
+TEST_F(ForeignFormats, CameraRawIsDevelopedInTheCamerasWhite)
+{
+    const QByteArray file = makeDng(QSize(64, 48));
+    const Outcome<PhotoPtr> photo = Photo::open(write(QStringLiteral("wall.tiff"), file)); // the name does not count
+    ASSERT_TRUE(photo) << photo.failure().sentence().toStdString();
+    EXPECT_EQ((*photo)->info().format, "raw");
+    EXPECT_EQ((*photo)->uprightSize(), QSize(48, 64));
+    const QVariantMap &dictionary = (*photo)->dictionary();
+    EXPECT_EQ(dictionary[QStringLiteral("Orientation")], QVariant(1));
+    EXPECT_EQ(dictionary[QStringLiteral("{TIFF}")].toMap()[QStringLiteral("Make")], QVariant(QStringLiteral("Hzm")));
+    const Outcome<Picture> picture = (*photo)->decode();
+    ASSERT_TRUE(picture) << picture.failure().sentence().toStdString();
+    ASSERT_EQ(picture->pixels.format(), kRgb16);
+    const QRgba64 middle = picture->pixels.pixelColor(24, 32).rgba64();
+    EXPECT_NEAR(middle.red(), middle.green(), 600);
+    EXPECT_NEAR(middle.blue(), middle.green(), 600);
+    EXPECT_GT(middle.green(), 10'000);
+    EXPECT_EQ(reasonFor(file.left(file.size() - 1000)), Failure::Reason::Truncated);
 }
 #endif
 

@@ -214,7 +214,7 @@ std::optional<Excuse> excuseOf(std::string_view body)
 {
     Unpacker from(body);
     Excuse excuse;
-    excuse.trouble = from.oneUpTo(Trouble::OutOfMemory);
+    excuse.trouble = from.oneUpTo(Trouble::TooLarge);
     excuse.text = from.text(kLongestText);
     return from.isDone() ? std::optional(excuse) : std::nullopt;
 }

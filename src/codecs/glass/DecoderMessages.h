@@ -59,7 +59,7 @@ struct Header
 };
 
 /// Why there is no picture.
-enum class Trouble : uint8_t { NotAPicture, Damaged, Truncated, Unsupported, OutOfMemory };
+enum class Trouble : uint8_t { NotAPicture, Damaged, Truncated, Unsupported, OutOfMemory, TooLarge };
 
 struct Done
 {

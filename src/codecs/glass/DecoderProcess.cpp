@@ -1,6 +1,6 @@
 #include "DecoderProcess.h"
 
-#include "DecodeCancellation.h"
+#include "DecodeScope.h"
 #include "Log.h"
 
 #include <QCoreApplication>
@@ -16,7 +16,6 @@
 
 #include <fcntl.h>
 #include <poll.h>
-#include <spawn.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -55,7 +54,7 @@ FileDescriptor movedUp(int descriptor)
 /// Little of this program's surroundings is the decoder's business.
 std::vector<QByteArray> environment()
 {
-    std::vector<QByteArray> kept = {"LC_ALL=C.UTF-8"};
+    std::vector<QByteArray> kept = {"LC_ALL=C.UTF-8", "QT_NO_GLIB=1"};
     for (const char *name : {"LD_LIBRARY_PATH", "QT_PLUGIN_PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "TZ"}) {
         if (qEnvironmentVariableIsSet(name))
             kept.push_back(QByteArray(name) + '=' + qgetenv(name));
@@ -63,26 +62,40 @@ std::vector<QByteArray> environment()
     return kept;
 }
 
-pid_t spawn(const QString &program, const QByteArray &kind, const std::array<int, 3> &descriptors)
+/// What the process is made of; all of it is ready before there are two, since after that no memory may be asked for.
+struct Start
 {
-    posix_spawn_file_actions_t actions;
-    posix_spawn_file_actions_init(&actions);
-    posix_spawn_file_actions_addopen(&actions, STDIN_FILENO, "/dev/null", O_RDONLY, 0);
-    posix_spawn_file_actions_addopen(&actions, STDOUT_FILENO, "/dev/null", O_WRONLY, 0);
-    if (!lcCodecs().isInfoEnabled()) // what libraries have to say
-        posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    const char *path;
+    char *const *arguments;
+    char *const *variables;
+    std::array<int, 3> descriptors;
+    bool isSilent; ///< what libraries have to say is thrown away
+};
+
+/// In the new process.
+[[noreturn]] void become(const Start &start)
+{
+    for (int number = 1; number < NSIG; ++number)
+        std::signal(number, SIG_DFL);
+    sigset_t none;
+    sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr);
+    const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    ::dup2(nothing, STDIN_FILENO);
+    ::dup2(nothing, STDOUT_FILENO);
+    if (start.isSilent)
+        ::dup2(nothing, STDERR_FILENO);
     constexpr std::array kPlaces = {kPhotoPlace, kMemoryPlace, kChannelPlace};
     for (size_t index = 0; index < kPlaces.size(); ++index)
-        posix_spawn_file_actions_adddup2(&actions, descriptors[index], kPlaces[index]);
-    posix_spawnattr_t attributes;
-    posix_spawnattr_init(&attributes);
-    sigset_t set;
-    sigemptyset(&set);
-    posix_spawnattr_setsigmask(&attributes, &set);
-    sigfillset(&set);
-    posix_spawnattr_setsigdefault(&attributes, &set);
-    posix_spawnattr_setflags(&attributes, POSIX_SPAWN_SETSIGMASK | POSIX_SPAWN_SETSIGDEF);
+        ::dup2(start.descriptors[index], kPlaces[index]);
+    ::execve(start.path, start.arguments, start.variables);
+    ::_exit(127);
+}
 
+/// 0 when there is none. (fork() rather than posix_spawn(), during which this thread would wait for a process that
+/// somebody stops.)
+pid_t spawn(const QString &program, const QByteArray &kind, const std::array<int, 3> &descriptors)
+{
     const QByteArray path = QFile::encodeName(program);
     const std::array<char *, 3> arguments = {const_cast<char *>(path.constData()), const_cast<char *>(kind.constData()),
                                              nullptr};
@@ -91,14 +104,18 @@ pid_t spawn(const QString &program, const QByteArray &kind, const std::array<int
     for (const QByteArray &variable : variables)
         pointers.push_back(const_cast<char *>(variable.constData()));
     pointers.push_back(nullptr);
-    pid_t process = 0;
-    const int error =
-        ::posix_spawn(&process, path.constData(), &actions, &attributes, arguments.data(), pointers.data());
-    posix_spawnattr_destroy(&attributes);
-    posix_spawn_file_actions_destroy(&actions);
-    if (error != 0)
+    const Start start{path.constData(), arguments.data(), pointers.data(), descriptors, !lcCodecs().isInfoEnabled()};
+    sigset_t all, before;
+    sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &before); // what this program does at a signal is not for the other to do
+    const pid_t process = ::fork();
+    if (process == 0)
+        become(start);
+    const int error = errno;
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    if (process < 0)
         qCWarning(lcCodecs).noquote() << program + QStringLiteral(": cannot be started:") << std::strerror(error);
-    return error == 0 ? process : 0;
+    return std::max(process, 0);
 }
 
 void raiseLimit(pid_t process, __rlimit_resource resource, qint64 value)
@@ -238,7 +255,7 @@ std::chrono::nanoseconds DecoderProcess::processorTime() const
 /// Time is counted in what the process has used, so that a busy machine ends no decoder.
 std::optional<Failure> DecoderProcess::watch(std::chrono::nanoseconds begin, std::chrono::nanoseconds allowance)
 {
-    if (DecodeCancellation::isCancelled())
+    if (DecodeScope::isUnwanted())
         return end(QStringLiteral("nobody wants it any more"));
     if (const int status = endStatus(); status >= 0 && WIFSTOPPED(status))
         return end(QStringLiteral("its decoder was stopped"));
@@ -324,8 +341,8 @@ std::optional<Failure> DecoderProcess::awaitEnd()
 {
     const auto deadline = steady_clock::now() + kIdle;
     pollfd line = {m_channel.get(), POLLIN, 0};
-    ::poll(&line, 1, int(kIdle / 1ms)); // it is closed when the process ends, shortly before its status is there
     while (m_process != 0) {
+        ::poll(&line, 1, int(kGlance / 1ms)); // it is closed when the process ends, shortly before its status is there
         const int status = endStatus();
         if (status >= 0 && WIFSTOPPED(status))
             return end(QStringLiteral("its decoder was stopped"));

@@ -2,6 +2,12 @@
 
 #include "TiffCursor.h"
 
+#include <QCoreApplication>
+#include <QDir>
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QPluginLoader>
+
 #include <algorithm>
 #include <array>
 
@@ -33,7 +39,7 @@ constexpr ForeignKind kRaw = {
     "dng cr2 cr3 crw nef nrw arw sr2 srf raf rw2 orf pef srw x3f 3fr fff iiq mrw erf mef mos kdc dcr rwl raw",
     60,
     6.0};
-constexpr ForeignKind kQt = {"qt", "this format", "Qt", true, "", 24, 2.0};
+constexpr ForeignKind kQt = {"qt", "this format", "Qt", true, "", 12, 2.0};
 
 /// Whether a file in the ISO base media format has one of the brands, the first or a compatible one.
 bool hasBrand(const QByteArray &head, const QByteArrayList &brands)
@@ -143,12 +149,37 @@ const ForeignKind &kindOfQtPlugins()
     return kQt;
 }
 
+bool isRefusedQtFormat(const QByteArray &format)
+{
+    // Not pictures of pixels (svg, pdf); recognised by so little that any file of zeros is taken for one (wbmp); read
+    // upside down (tga); filled with white where the data ends (xbm); animations through a library that nobody keeps
+    // any more (mng); or read by decoders of our own, which have found that the file is none.
+    constexpr std::array kRefused = {"svg",  "svgz", "pdf", "wbmp", "tga",  "xbm", "mng",
+                                     "jpeg", "jpg",  "png", "tif",  "tiff", "gif"};
+    return std::find(kRefused.begin(), kRefused.end(), format) != kRefused.end();
+}
+
 QList<QByteArray> foreignExtensions()
 {
     QList<QByteArray> extensions;
     for (const ForeignKind *kind : {&kHeif, &kJxl, &kJp2, &kRaw}) {
         if (kind->isBuilt)
             extensions += QByteArray(kind->extensions).split(' ');
+    }
+    QList<QByteArray> formats = {"bmp", "pbm", "pgm", "ppm", "xpm"}; // which Qt has built in
+    for (const QString &path : QCoreApplication::libraryPaths()) {
+        const QDir folder(path + QStringLiteral("/imageformats"));
+        for (const QString &name : folder.entryList({QStringLiteral("*.so")}, QDir::Files)) {
+            const QJsonObject plugin = QPluginLoader(folder.filePath(name)).metaData();
+            const QJsonObject data = plugin[QLatin1String("MetaData")].toObject();
+            for (const QJsonValue &key : data[QLatin1String("Keys")].toArray())
+                formats << key.toString().toLatin1();
+        }
+    }
+    formats.removeIf(isRefusedQtFormat);
+    for (const QByteArray &format : formats) {
+        if (!extensions.contains(format))
+            extensions << format;
     }
     return extensions;
 }

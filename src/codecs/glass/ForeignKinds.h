@@ -28,7 +28,10 @@ const ForeignKind &kindOfQtPlugins();
 /// Whether the file is a camera's raw file, TIFF structures included.
 bool isCameraRaw(const SourceFile &source);
 
-/// The extensions of the kinds that are built.
+/// Formats that Qt reads, by the names that it has for them, and that are not read here.
+bool isRefusedQtFormat(const QByteArray &format);
+
+/// The usual extensions of all that the decoder program reads. Plugins are asked without being loaded.
 QList<QByteArray> foreignExtensions();
 
 } // namespace hazelmark

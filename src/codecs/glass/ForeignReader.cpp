@@ -64,6 +64,8 @@ Failure::Reason reasonOf(glass::Trouble trouble)
         return Failure::Reason::UnsupportedFormat;
     case glass::Trouble::OutOfMemory:
         return Failure::Reason::OutOfMemory;
+    case glass::Trouble::TooLarge:
+        return Failure::Reason::TooLarge;
     }
     Q_UNREACHABLE();
 }

@@ -1,14 +1,11 @@
-#include "Decoder.h"
-#include "FileHeader.h"
+#include "QtReader.h"
+
 #include "ForeignKinds.h"
-#include "PictureFormat.h"
 #include "PixelFormats.h"
 
 #include <QColorSpace>
-#include <QImageReader>
 
 #include <algorithm>
-#include <iterator>
 #include <mutex>
 
 namespace hazelmark {
@@ -18,38 +15,7 @@ namespace {
 /// A gigapixel of 16-bit RGBA. Pictures are refused by kMaxPixels before; this is Qt's own guard of 256 MB, raised.
 constexpr int kAllocationLimitMegabytes = 8192;
 
-/// Not pictures of pixels (svg, pdf); recognised by so little that any file of zeros is taken for one (wbmp); read
-/// upside down (tga); filled with white where the data ends (xbm); animations through a library that nobody keeps any
-/// more (mng); or read by decoders of our own, which have found that the file is none.
-constexpr const char *kRefusedFormats[] = {"svg",  "svgz", "pdf", "wbmp", "tga",  "xbm", "mng",
-                                           "jpeg", "jpg",  "png", "tif",  "tiff", "gif"};
-
-bool isRefused(const QByteArray &format)
-{
-    return std::find(std::begin(kRefusedFormats), std::end(kRefusedFormats), format) != std::end(kRefusedFormats);
-}
-
-/// A reader on the file that lets the content alone decide, and turns nothing.
-class QtReader : public PictureReader
-{
-public:
-    explicit QtReader(SourceFile &source);
-
-    std::optional<Failure> readHeader() override;
-    PictureInfo info() override;
-    DecodeCost cost(QSize) override;
-    Outcome<Picture> decode(QSize) override;
-
-private:
-    Failure failure() const;
-    void startAnew();
-    std::vector<QSize> frameSizes();
-
-    SourceFile &m_source;
-    QImageReader m_reader;
-    FileHeader m_header;
-    QSize m_size;
-};
+} // namespace
 
 QtReader::QtReader(SourceFile &source)
     : m_source(source)
@@ -84,7 +50,7 @@ Failure QtReader::failure() const
 std::optional<Failure> QtReader::readHeader()
 {
     const QByteArray format = m_reader.format();
-    if (format.isEmpty() || isRefused(format))
+    if (format.isEmpty() || isRefusedQtFormat(format))
         return m_source.failure(Failure::Reason::NotAPicture);
     m_header = readFileHeader(m_source, format);
     if (m_header.isOfAnotherKind)
@@ -163,20 +129,18 @@ Outcome<Picture> QtReader::decode(QSize)
     return picture;
 }
 
-bool isAnything(const QByteArray &)
+QImage::Format QtReader::pixelFormat()
 {
-    return true;
+    const QImage::Format stored = m_reader.imageFormat();
+    if (stored == QImage::Format_Invalid)
+        return m_header.hasAlpha.value_or(true) ? QImage::Format_RGBA8888 : QImage::Format_RGBX8888;
+    if (stored == QImage::Format_Grayscale8 || stored == QImage::Format_Grayscale16)
+        return stored;
+    const QPixelFormat layout = QImage::toPixelFormat(stored);
+    const bool isDeep = layout.redSize() > 8;
+    if (m_header.hasAlpha.value_or(layout.alphaUsage() == QPixelFormat::UsesAlpha))
+        return isDeep ? QImage::Format_RGBA64 : QImage::Format_RGBA8888;
+    return isDeep ? QImage::Format_RGBX64 : QImage::Format_RGBX8888;
 }
-
-} // namespace
-
-QList<QByteArray> formatsOfPlugins()
-{
-    QList<QByteArray> formats = QImageReader::supportedImageFormats();
-    formats.removeIf(isRefused);
-    return formats + foreignExtensions();
-}
-
-const PictureFormat kQtFormat = formatReadBy<QtReader>(isAnything);
 
 } // namespace hazelmark

@@ -1,0 +1,113 @@
+#include "ForeignDecoder.h"
+#include "RawMetadata.h"
+
+#include <algorithm>
+#include <new>
+
+#include <libraw/libraw.h>
+
+namespace hazelmark::glass {
+
+namespace {
+
+void check(int result)
+{
+    if (result == LIBRAW_SUCCESS)
+        return;
+    if (result == LIBRAW_UNSUFFICIENT_MEMORY)
+        throw std::bad_alloc();
+    const bool isUnknown = result == LIBRAW_FILE_UNSUPPORTED;
+    const bool isCut = result == LIBRAW_IO_ERROR || result == LIBRAW_DATA_ERROR;
+    throw NoPicture(isUnknown ? Trouble::Unsupported
+                    : isCut   ? Trouble::Truncated
+                              : Trouble::Damaged,
+                    libraw_strerror(result));
+}
+
+class RawPhoto : public ForeignDecoder
+{
+public:
+    explicit RawPhoto(const Photo &photo)
+        : m_photo(photo)
+        , m_raw(new LibRaw)
+    {
+        readyMetadata();
+    }
+
+    Header readHeader() override;
+    Done decode(const Canvas &canvas) override;
+
+private:
+    const Photo &m_photo;
+    std::unique_ptr<LibRaw> m_raw;
+    bool m_isDamaged = false;
+};
+
+Header RawPhoto::readHeader()
+{
+    m_raw->set_dataerror_handler([](void *user, const char *, auto) { *static_cast<bool *>(user) = true; },
+                                 &m_isDamaged);
+    libraw_output_params_t &wanted = m_raw->imgdata.params;
+    wanted.use_camera_wb = 1;
+    wanted.output_color = 1; // sRGB
+    wanted.gamm[0] = 1 / 2.4;
+    wanted.gamm[1] = 12.92;
+    wanted.user_qual = 3; // AHD
+    wanted.output_bps = 16;
+    wanted.user_flip = -1; // as the camera was held
+    check(m_raw->open_buffer(const_cast<std::byte *>(m_photo.bytes.data()), m_photo.bytes.size()));
+    if (m_raw->imgdata.idata.raw_count < 1)
+        throw NoPicture(Trouble::Unsupported, "it holds no picture of a camera's sensor");
+    check(m_raw->adjust_sizes_info_only());
+    const libraw_image_sizes_t &sizes = m_raw->imgdata.sizes;
+    Header header;
+    header.format = "raw";
+    header.frames = {{sizes.iwidth, sizes.iheight}};
+    header.layout = Layout::Rgbx16;
+    header.bitsPerChannel = 16;
+    header.isTurned = true;
+    takeRawMetadata(m_photo, header);
+    return header;
+}
+
+Done RawPhoto::decode(const Canvas &canvas)
+{
+    // Opened anew: the sizes have been adjusted, which is done once.
+    m_raw->recycle();
+    check(m_raw->open_buffer(const_cast<std::byte *>(m_photo.bytes.data()), m_photo.bytes.size()));
+    check(m_raw->unpack());
+    if (m_isDamaged)
+        throw NoPicture(Trouble::Truncated, {});
+    check(m_raw->dcraw_process());
+    if (m_isDamaged)
+        throw NoPicture(Trouble::Damaged, {});
+    if (m_raw->get_internal_data_pointer()->internal_output_params.raw_color)
+        throw NoPicture(Trouble::Unsupported, "the colours of this camera are not known");
+    int width = 0, height = 0, colors = 0, bits = 0;
+    m_raw->get_mem_image_format(&width, &height, &colors, &bits);
+    if (uint32_t(width) != canvas.size.width || uint32_t(height) != canvas.size.height || bits != 16 ||
+        (colors != 3 && colors != 1))
+        throw NoPicture(Trouble::Damaged, "the picture has another size than its header says");
+    // Packed first, at the end of the canvas, and then drawn apart from the front.
+    const size_t pixels = size_t(width) * size_t(height);
+    const size_t packed = pixels * size_t(colors) * sizeof(uint16_t);
+    std::byte *const source = canvas.memory + canvas.stride * canvas.size.height - packed;
+    check(m_raw->copy_mem_image(source, width * colors * int(sizeof(uint16_t)), 0));
+    const auto *from = reinterpret_cast<const uint16_t *>(source);
+    auto *to = reinterpret_cast<uint16_t *>(canvas.memory);
+    for (size_t pixel = 0; pixel < pixels; ++pixel, from += colors, to += 4) {
+        const uint16_t color[3] = {from[0], from[colors == 3 ? 1 : 0], from[colors == 3 ? 2 : 0]};
+        std::copy_n(color, 3, to);
+        to[3] = 65535;
+    }
+    return {};
+}
+
+} // namespace
+
+} // namespace hazelmark::glass
+
+extern "C" hazelmark::glass::ForeignDecoder *makeForeignDecoder(const hazelmark::glass::Photo &photo)
+{
+    return new hazelmark::glass::RawPhoto(photo);
+}

@@ -1,0 +1,157 @@
+// The decoder program with a library that has been taken over: what it tries to do stands in the file.
+#include "DecoderMain.h"
+#include "Sandbox.h"
+
+#include <csignal>
+#include <cstring>
+#include <map>
+#include <string_view>
+#include <thread>
+#include <vector>
+
+#include <arpa/inet.h>
+#include <fcntl.h>
+#include <sys/mman.h>
+#include <sys/prctl.h>
+#include <sys/ptrace.h>
+#include <sys/socket.h>
+#include <unistd.h>
+
+namespace {
+
+using namespace hazelmark::glass;
+
+constexpr Size kSize{64, 48};
+
+[[noreturn]] void refused()
+{
+    throw NoPicture(Trouble::Damaged, "refused");
+}
+
+void refusedUnless(bool hasWorked)
+{
+    if (!hasWorked)
+        refused();
+}
+
+void say(const std::string &bytes)
+{
+    refusedUnless(::write(kChannelDescriptor, bytes.data(), bytes.size()) == ssize_t(bytes.size()));
+}
+
+class Taken : public ForeignDecoder
+{
+public:
+    explicit Taken(const Photo &photo)
+        : m_deed(reinterpret_cast<const char *>(photo.data()) + 24)
+    {
+    }
+
+    Header readHeader() override
+    {
+        const auto deed = kDeeds.find(m_deed);
+        if (deed != kDeeds.end())
+            deed->second();
+        Header header;
+        header.format = "heic";
+        header.frames = {kSize};
+        if (m_deed == "no pixels")
+            header.frames = {{0, 48}};
+        else if (m_deed == "too many pixels")
+            header.frames = {{4'000'000'000u, 4'000'000'000u}};
+        else if (m_deed == "no frames")
+            header.frames.clear();
+        else if (m_deed == "wrong depth")
+            header.bitsPerChannel = 16;
+        return header;
+    }
+
+    Done decode(const Canvas &canvas) override
+    {
+        const size_t size = canvas.stride * canvas.size.height;
+        if (m_deed == "shrink the memory")
+            refusedUnless(::ftruncate(kMemoryDescriptor, 4096) == 0);
+        if (m_deed == "grow the memory")
+            refusedUnless(::ftruncate(kMemoryDescriptor, off_t(size) * 1000) == 0);
+        if (m_deed == "write beyond the memory")
+            std::memset(canvas.memory, 1, size + (1 << 20));
+        if (m_deed == "crash while decoding")
+            ::raise(SIGSEGV);
+        if (m_deed == "stop while decoding")
+            ::raise(SIGSTOP);
+        if (m_deed == "another message")
+            say(packed(Header()));
+        if (m_deed == "leave early")
+            ::_exit(0);
+        if (m_deed == "stay") {
+            say(packed(Done()));
+            hang();
+        }
+        std::thread([&] { std::memset(canvas.memory, 0x80, size); }).join();
+        return {};
+    }
+
+private:
+    [[noreturn]] static void hang()
+    {
+        while (true)
+            std::this_thread::sleep_for(std::chrono::hours(1));
+    }
+
+    static void connectSomewhere()
+    {
+        sockaddr_in address{};
+        address.sin_family = AF_INET;
+        address.sin_port = htons(80);
+        const int socket = ::socket(AF_INET, SOCK_STREAM, 0);
+        refusedUnless(::connect(socket, reinterpret_cast<const sockaddr *>(&address), sizeof address) == 0);
+    }
+
+    inline static const std::map<std::string_view, void (*)()> kDeeds = {
+        {"open a file", [] { refusedUnless(::open("/etc/hostname", O_RDONLY) >= 0); }},
+        {"write a file", [] { refusedUnless(::open("/tmp/hazelmark-taken", O_CREAT | O_WRONLY, 0600) >= 0); }},
+        {"write to the photo", [] { refusedUnless(::write(kPhotoDescriptor, "x", 1) == 1); }},
+        {"fill the memory", [] { refusedUnless(::write(kMemoryDescriptor, "x", 1) == 1); }},
+        {"run code",
+         [] {
+             refusedUnless(::mmap(nullptr, 4096, PROT_WRITE | PROT_EXEC, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0) !=
+                           MAP_FAILED);
+         }},
+        {"kill another", [] { refusedUnless(::kill(::getppid(), SIGTERM) == 0); }},
+        {"connect", connectSomewhere},
+        {"fork", [] { refusedUnless(::fork() >= 0); }},
+        {"start a program", [] { ::execl("/bin/true", "true", nullptr); }},
+        {"trace", [] { refusedUnless(::ptrace(PTRACE_TRACEME, 0, nullptr, nullptr) == 0); }},
+        {"crash", [] { ::raise(SIGSEGV); }},
+        {"abort", [] { ::abort(); }},
+        {"stop", [] { ::raise(SIGSTOP); }},
+        {"hang", hang},
+        {"leave", [] { ::_exit(0); }},
+        {"take much memory", [] { std::vector<char>(size_t(3) << 30, 'x').shrink_to_fit(); }},
+        {"talk nonsense", [] { say(std::string(100, 'x')); }},
+        {"talk without end",
+         [] {
+             while (true)
+                 say(std::string(1 << 20, '\0'));
+         }},
+        {"half a message",
+         [] {
+             say(packed(Header()).substr(0, 20));
+             ::_exit(0);
+         }},
+        {"progress without end",
+         [] {
+             while (true)
+                 say(packedProgress(1));
+         }},
+    };
+
+    std::string_view m_deed;
+};
+
+} // namespace
+
+int main()
+{
+    return runDecoder([](const Photo &photo) -> ForeignDecoder * { return new Taken(photo); });
+}
