@@ -90,28 +90,6 @@ INSTANTIATE_TEST_SUITE_P(
                                      StampCase{0, 40, kGreen, 12}, StampCase{-1, 33, {0.9, 0.2, 0.6, 0.5}},
                                      StampCase{-1, 90}, StampCase{-1, 22, {1, 1, 1, 1}, 3})));
 
-TEST(Stamp, PaintedPixelsStayFullAndErasedOnesGetEmpty)
-{
-    const BrushTexture hard(BrushTips::shared().tipForHardness(1));
-    const BrushTexture soft(BrushTips::shared().tipForHardness(0));
-    QImage buffer = blankBuffer({100, 60});
-    const auto centres = line({20.25, 30.7}, {4, 0}, 16);
-    StampPainter(kPaint, kGreen, 40, hard).stamp(StampTarget(buffer), centres);
-    const QImage once = buffer.copy();
-    StampPainter(kPaint, kGreen, 40, soft).stamp(StampTarget(buffer), StampCentres(centres, 20));
-    for (int y = 0; y < 60; ++y) {
-        for (int x = 0; x < 100; ++x) {
-            const QRgb before = once.pixel(x, y), after = buffer.pixel(x, y);
-            ASSERT_GE(qAlpha(after), qAlpha(before));
-            ASSERT_TRUE(qAlpha(before) < 255 || after == qRgba(0, 255, 0, 255));
-        }
-    }
-    EXPECT_EQ(once.pixel(50, 30), qRgba(0, 255, 0, 255));
-    StampPainter(kErase, {}, 60, hard).stamp(StampTarget(buffer), centres);
-    for (int x = 20; x < 80; ++x)
-        ASSERT_EQ(buffer.pixel(x, 30), 0U);
-}
-
 TEST(Stamp, CoversThePixelsWhoseCentresLieInItsSquareIfThereIsAny)
 {
     QImage tip(8, 8, QImage::Format_ARGB32);

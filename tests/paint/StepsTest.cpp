@@ -1,9 +1,6 @@
-#include "Bundle.h"
 #include "PaintCanvas.h"
 #include "PaintControl.h"
 #include "PaintSession.h"
-#include "PointString.h"
-#include "ProcessWide.h"
 #include "StrokesFile.h"
 
 #include <gtest/gtest.h>
@@ -60,42 +57,6 @@ TEST(PaintStep, RecordHasElevenElementsInTheirOrderAndReadsBack)
     EXPECT_NE(read.color(), kStep.color());
 }
 
-TEST(PointString, EveryDoubleReadsBackAndOtherTextIsNoPoint)
-{
-    for (const double value : {0.0, -0.0, 1.0 / 3, 5e-324, 1.7976931348623157e308, 123456789.123456789, -1e-7}) {
-        const auto point = pointFromString(stringFromPoint({value, -value}));
-        ASSERT_TRUE(point);
-        EXPECT_TRUE(point->x() == value && point->y() == -value) << value; // QPointF's comparison is a fuzzy one
-    }
-    EXPECT_EQ(pointFromString(u" { 0.5 ,2e-1 } "), QPointF(0.5, 0.2));
-    for (const char16_t *text : {u"", u"{}", u"{", u"}{", u"{1}", u"{1,}", u"{1, 2", u"1, 2", u"{1, 2, 3}", u"{a, b}",
-                                 u"{1;2}", u"{0x10, 1}", u"{1, 2}x"})
-        EXPECT_FALSE(pointFromString(QStringView(text))) << QString::fromUtf16(text).toStdString();
-}
-
-TEST(PaintSession, ListIsSharedAndNeverCopied)
-{
-    PaintSession session;
-    const auto kept = std::make_shared<PaintStepList>();
-    session.setSteps(kept);
-    PaintStep other = kStep;
-    other.setPointSize(3);
-    session.addStep(kStep);
-    session.addStep(other);
-    EXPECT_EQ(session.steps(), kept);
-    const QVariantList records = session.dataArray();
-    ASSERT_EQ(records.size(), 2);
-    EXPECT_EQ(PaintSession(records).dataArray(), records);
-    EXPECT_EQ(PaintSession(records).steps()->back().pointSize(), 3);
-    session.setDataArray(records.first(1));
-    EXPECT_EQ(kept->size(), 1U) << "replaced in place";
-    session.clear();
-    EXPECT_TRUE(kept->empty());
-    session.setSteps(nullptr);
-    session.addStep(kStep);
-    EXPECT_TRUE(kept->empty());
-}
-
 TEST(StrokesFile, GivesTheStepsThatACanvasWouldWrite)
 {
     PaintCanvas canvas;
@@ -125,12 +86,6 @@ TEST(StrokesFile, GivesTheStepsThatACanvasWouldWrite)
     const QImage painted = canvas.snapshot();
     for (int i = 0; i < 200 * 133; ++i)
         ASSERT_EQ(mask.pixel(i % 200, i / 200), qRgb(0, qAlpha(painted.pixel(i % 200, i / 200)), 0)) << i;
-
-    const QTemporaryDir folder;
-    Bundle withoutTips(folder.path());
-    const ProcessWide<Bundle>::Replacement replacement(withoutTips);
-    EXPECT_TRUE(file->mask(fault).isNull());
-    EXPECT_TRUE(fault.contains(folder.path()));
 }
 
 TEST(StrokesFile, FaultsAreSentencesThatNameWhatIsToBlame)

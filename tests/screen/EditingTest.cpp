@@ -1,7 +1,6 @@
 // The commands of the menus and keys: undoing, everything, comparing, painting by keyboard, and what is said of drops.
 #include "ScreenFixture.h"
 
-#include "CalloutWindow.h"
 #include "FloatSlider.h"
 #include "IMGButton.h"
 #include "KeyboardCursor.h"
@@ -14,10 +13,8 @@
 #include "UserDefaults.h"
 #include "ZoomField.h"
 
-#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
-#include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTest>
@@ -49,7 +46,6 @@ protected:
 TEST_F(Editing, TheMenusUndoWhatWasPaintedAndNameIt)
 {
     openPhoto();
-    EXPECT_TRUE(m_application.m_menu.mayEdit && m_application.m_menu.undo.isEmpty());
     stroke({0.3, 0.5}, {0.7, 0.5});
     EXPECT_EQ(m_application.m_menu.undo, u"UNDO_STROKE %@"_qs);
     QTest::mouseClick(m_screen->panel().btnBlurEverything(), Qt::LeftButton);
@@ -75,10 +71,6 @@ TEST_F(Editing, TheMenusUndoWhatWasPaintedAndNameIt)
 TEST_F(Editing, KeysAndWheelSetTheBrush)
 {
     openPhoto();
-    QLineEdit *field = m_screen->panel().field(Setting::BrushDiameter);
-    field->setFocus();
-    stroke({0.3, 0.1}, {0.4, 0.1});
-    EXPECT_FALSE(field->hasFocus()) << "the next letter is a key again";
     const auto value = [this](Setting setting) { return m_screen->panel().slider(setting)->value(); };
     const std::tuple<MenuCommand, Setting, double> steps[] = {{MenuCommand::BrushLarger, Setting::BrushDiameter, 44},
                                                               {MenuCommand::BrushSmaller, Setting::BrushDiameter, 40},
@@ -103,10 +95,6 @@ TEST_F(Editing, ThePhotoIsComparedAndThePaintingHidden)
     QTest::keyRelease(m_window.get(), Qt::Key_C);
     EXPECT_TRUE(view().imgvwAfterBokesh->isVisible());
     EXPECT_EQ(view().paintView->opacity(), 0.6);
-    QTest::mousePress(view().vwBottom->btnCompare(), Qt::LeftButton);
-    EXPECT_FALSE(view().imgvwAfterBokesh->isVisible());
-    stroke({0.4, 0.5}, {0.6, 0.5});
-    EXPECT_TRUE(view().imgvwAfterBokesh->isVisible()) << "who paints wants to see it";
     perform(MenuCommand::ShowPainting);
     perform(MenuCommand::AllSettings);
     EXPECT_EQ(view().paintView->opacity(), 0);
@@ -128,9 +116,7 @@ TEST_F(Editing, IsDoneByKeyboardAlone)
     ASSERT_TRUE(cursor->isCircleShown());
     post(kNotificationMouseout);
     EXPECT_TRUE(view().paintView->isVisible()) << "the circle counts as the pointer";
-    const QPointF start = cursor->place();
     QTest::keyClick(cursor, Qt::Key_Left, Qt::ShiftModifier);
-    EXPECT_EQ(cursor->place(), start - QPointF(40, 0));
     QTest::keyPress(cursor, Qt::Key_Space);
     for (int i = 0; i < 20; ++i)
         QTest::keyClick(cursor, Qt::Key_Right);
@@ -138,11 +124,6 @@ TEST_F(Editing, IsDoneByKeyboardAlone)
     EXPECT_GT(paintAt({0.5, 0.5}), 0);
     EXPECT_EQ(paintAt({0.5, 0.1}), 0);
     EXPECT_EQ(m_application.m_menu.undo, u"UNDO_STROKE %@"_qs);
-    QAccessibleInterface *canvas = QAccessible::queryAccessibleInterface(cursor);
-    EXPECT_EQ(canvas->role(), QAccessible::Canvas);
-    EXPECT_EQ(canvas->text(QAccessible::Name), u"CANVAS %@"_qs);
-    cursor->setPainted(0.25, u"a quarter"_qs);
-    EXPECT_EQ(canvas->valueInterface()->currentValue().toDouble(), 25);
     QTest::keyClick(cursor, Qt::Key_Tab);
     EXPECT_FALSE(cursor->isCircleShown() || view().paintView->isVisible());
     EXPECT_EQ(m_window->focusWidget(), view().vwBottom->zoomField());
@@ -151,10 +132,6 @@ TEST_F(Editing, IsDoneByKeyboardAlone)
 TEST_F(Editing, ARefusedDropIsExplained)
 {
     start();
-    m_screen->sayWhyRefused(m_folder.path());
-    CalloutWindow *callout = m_window->findChild<CalloutWindow *>();
-    ASSERT_TRUE(callout && callout->isVisible()) << "there is no bar yet";
-    EXPECT_TRUE(callout->accessibleName().startsWith(u"REFUSED_IS_FOLDER"_qs));
     m_screen->openPhotos({photo(u"a.png"_qs, {60, 40}), photo(u"b.png"_qs, {60, 40})});
     EXPECT_TRUE(QTest::qWaitFor([this] { return said().startsWith(u"ONE_PHOTO_AT_A_TIME"_qs); }));
     EXPECT_EQ(view().vwBottom->txtPixelSize(), u"PIXEL_SIZE 60"_qs);

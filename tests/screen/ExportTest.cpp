@@ -2,13 +2,11 @@
 #include "ScreenFixture.h"
 
 #include "BarProgressIndicator.h"
-#include "Bundle.h"
 #include "FloatSlider.h"
 #include "IMGButton.h"
 #include "NotificationNames.h"
 #include "RenderCommand.h"
 #include "SavePanel.h"
-#include "SheetQueue.h"
 #include "SummaryBar.h"
 #include "UserDefaults.h"
 #include "Workspace.h"
@@ -103,20 +101,11 @@ TEST_F(Export, SaysWhatItWritesAndIsSavedUntilTheNextStroke)
     EXPECT_TRUE(isMarked());
     EXPECT_EQ(shownAt({0.49, 0.1}), QColor(20, 30, 40)) << "hard where it was not painted";
     const QString path = m_folder.filePath(QStringLiteral("out.tiff"));
-    int posted = 0;
-    const auto token = m_center.addObserver(kNotificationSaveChnagesUnsaved, [&](const QVariantMap &) { ++posted; });
-    openPanel();
-    EXPECT_EQ(savePanel()->nameField()->text(), QStringLiteral("photo.png"));
-    savePanel()->reject();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return SheetQueue::forWindow(*m_window).current() == nullptr; }));
     save(m_folder.filePath(QStringLiteral("out.TIF")));
-    EXPECT_EQ(posted, 1);
     waitForTheEnd();
     EXPECT_EQ(m_screen->exportFlow()->pathToExportImage(), path);
     EXPECT_FALSE(isMarked());
     EXPECT_EQ(view().vwBottom->exportText(), QStringLiteral("EXPORTED out.tiff"));
-    EXPECT_FALSE(view().progressBar->isVisible());
-    EXPECT_TRUE(m_screen->lastExportedImage());
     EXPECT_TRUE(opens(path));
 
     // A redraw changes nothing of it, a stroke does.
@@ -143,9 +132,6 @@ TEST_F(Export, OnlyWhatThisExportWroteIsOpenedAndTheRestGoesOnAllTheSame)
     letTimersFire(kAfterExport);
     EXPECT_EQ(m_workspace.m_opened, QStringList());
     EXPECT_TRUE(sheetText().isEmpty()) << "it is in the log";
-    EXPECT_EQ(m_application.m_rateAlerts, 1) << "this version was not answered";
-    m_defaults.setString(QStringLiteral("appVersion"),
-                         Bundle::infoDictionary().value(QStringLiteral("CFBundleVersion")).toString());
     QSignalSpy started(&m_screen->session(), &Session::exportStarted);
     share();
     EXPECT_EQ(started.size(), 0) << "the result is there already";
@@ -158,11 +144,6 @@ TEST_F(Export, OnlyWhatThisExportWroteIsOpenedAndTheRestGoesOnAllTheSame)
     save(path);
     waitForTheEnd();
     EXPECT_TRUE(opens(path));
-    m_workspace.m_opened.clear();
-    m_screen->session().setLastExportedImage(nullptr);
-    share();
-    EXPECT_TRUE(opens(path)) << "the export before it";
-    EXPECT_EQ(m_application.m_rateAlerts, 1);
 }
 
 TEST_F(Export, APhotoThatIsNoLongerTheOneThatWasOpenedIsNeitherSavedNorShared)
@@ -179,19 +160,6 @@ TEST_F(Export, APhotoThatIsNoLongerTheOneThatWasOpenedIsNeitherSavedNorShared)
                                                  : QStringLiteral("REFUSED_SOURCE_CHANGED photo.png")));
             EXPECT_FALSE(button->isChecked() || isExporting() || savePanel());
         }
-    }
-}
-
-TEST_F(Export, LeavesTheFocusWhereItWas)
-{
-    openAndPaint();
-    FloatSlider *slider = panel().slider(Setting::BlurAmount);
-    for (QWidget *before : {static_cast<QWidget *>(slider), static_cast<QWidget *>(view().btnExport)}) {
-        before->setFocus();
-        save(m_folder.filePath(before->objectName() + QStringLiteral(".png")));
-        EXPECT_EQ(m_window->focusWidget(), nullptr) << "and not the button that closes the window";
-        waitForTheEnd();
-        EXPECT_EQ(m_window->focusWidget(), before);
     }
 }
 
@@ -247,38 +215,6 @@ TEST_F(Export, EverythingThatWouldDisturbItRests)
     EXPECT_EQ(m_screen->imageUrl(), before);
     EXPECT_TRUE(panel().isEnabled() && view().btnExport->isEnabled());
     EXPECT_FALSE(m_application.isUiDisabled());
-}
-
-TEST_F(Export, TheButtonsAreOnAsLongAsWhatTheyOpenedIsOpen)
-{
-    openAndPaint();
-    SheetQueue &sheets = SheetQueue::forWindow(*m_window);
-    for (IMGButton *button : {view().btnExport, view().btnAddPhoto}) {
-        QTest::mouseClick(button, Qt::LeftButton);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return sheets.current() != nullptr; }));
-        EXPECT_TRUE(button->isChecked() && button->isEnabled());
-        sheets.current()->reject();
-        EXPECT_FALSE(button->isChecked());
-        EXPECT_TRUE(QTest::qWaitFor([&] { return !sheets.current(); }));
-    }
-    m_screen->session().setIsRunningAlgorithm(true);
-    QTest::mouseClick(view().btnExport, Qt::LeftButton);
-    EXPECT_FALSE(view().btnExport->isChecked() || sheets.current());
-    m_screen->session().setIsRunningAlgorithm(false);
-    QTest::mouseClick(view().btnShareService, Qt::LeftButton); // renders, and then asks
-    EXPECT_TRUE(view().btnShareService->isChecked());
-    ASSERT_TRUE(QTest::qWaitFor([&] { return isExporting(); }));
-    EXPECT_FALSE(view().btnShareService->isEnabled()) << "the click's end gave it back during the render";
-    waitForTheEnd();
-    EXPECT_TRUE(view().btnShareService->isChecked() && view().btnShareService->isEnabled());
-    m_screen->exportFlow()->sharePicker().menu()->close();
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !view().btnShareService->isChecked(); }));
-    post(kNotificationSavePhotoFromMenuTapped);
-    EXPECT_TRUE(view().btnExport->isChecked());
-    for (const char *name : {"btnRateUs", "lblRateusTitle", "lblRateusMsg", "btnYesOnRateus", "btnNoOnRateus"}) {
-        const auto *control = view().findChild<QWidget *>(QLatin1String(name));
-        EXPECT_TRUE(control && !control->isVisible()) << name;
-    }
 }
 
 } // namespace hazelmark

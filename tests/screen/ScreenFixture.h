@@ -8,7 +8,6 @@
 #include "PaintView.h"
 #include "SettingsPanel.h"
 #include "TitlebarWindow.h"
-#include "UserSession.h"
 
 #include <gtest/gtest.h>
 
@@ -20,13 +19,6 @@
 #include <vector>
 
 namespace hazelmark {
-
-class NamedSession : public UserSession
-{
-public:
-    QString loginName() const override { return m_login; }
-    QString m_login = QStringLiteral("somebody");
-};
 
 /// The main screen in a window of 1300 × 800 points, with the photos and the notifications of the test's own. Loading
 /// and rendering are the real ones unless `work` says otherwise before `start()`.
@@ -65,10 +57,8 @@ protected:
     QTemporaryDir m_folder;
     NotificationCenter m_center;
     ProcessState m_state;
-    NamedSession m_session;
     ProcessWide<NotificationCenter>::Replacement m_replaceCenter{m_center};
     ProcessWide<ProcessState>::Replacement m_replaceState{m_state};
-    ProcessWide<UserSession>::Replacement m_replaceSession{m_session};
 
     ScreenApplication m_application;
     Session::Work m_work;

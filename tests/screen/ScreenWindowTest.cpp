@@ -1,4 +1,4 @@
-// The main screen and its window: notifications, the window's buttons, closing.
+// The main screen and its window: closing.
 #include "ScreenFixture.h"
 
 #include "IMGButton.h"
@@ -69,52 +69,6 @@ TEST_F(ScreenWindow, AsksFirstWhenPhotosWaitHoweverItIsClosed)
     m_window->close();
     answer(u"btnDontSave");
     EXPECT_FALSE(m_window->isVisible());
-}
-
-TEST_F(ScreenWindow, IsNotZoomedWhileSomethingRuns)
-{
-    start();
-    m_screen->session().setIsRunningAlgorithm(true);
-    m_screen->btnZoomWindowTapped();
-    EXPECT_FALSE(m_window->isMaximized());
-    EXPECT_TRUE(m_window->zoomButton()->isChecked());
-    m_screen->session().setIsRunningAlgorithm(false);
-    m_screen->btnZoomWindowTapped();
-    EXPECT_TRUE(m_window->isMaximized());
-}
-
-TEST_F(ScreenWindow, AResizeThatStartsWhileNothingRunsIsNoted)
-{
-    start();
-    post(kNotificationWindowResized);
-    EXPECT_FALSE(m_screen->isResizingWindow()) << "no photo";
-    open(photo(u"a.png"_qs, {30, 20}));
-    m_screen->session().setIsRunningAlgorithm(true);
-    post(kNotificationWindowResized);
-    EXPECT_FALSE(m_screen->isResizingWindow());
-    m_screen->session().setIsRunningAlgorithm(false);
-    post(kNotificationWindowResized);
-    EXPECT_TRUE(m_screen->isResizingWindow());
-    post(kNotificationWindowEndResizing);
-    EXPECT_FALSE(m_screen->isResizingWindow());
-}
-
-/// Only the bare background takes hold of the window.
-TEST_F(ScreenWindow, MovesByItsBareBackgroundOnly)
-{
-    start();
-    open(photo(u"a.png"_qs, {300, 200}));
-    EXPECT_EQ(m_window->titleBarHeight(), view().vwTopContainer->height());
-    EXPECT_EQ(m_window->closeButton()->x(), m_window->contentView()->x() + 7);
-    const auto moves = [&](const QWidget *area, QPoint place) {
-        const QWidget *hit = m_window->childAt(area->mapTo(m_window.get(), place));
-        return hit && hit->property("movesWindow").toBool();
-    };
-    EXPECT_TRUE(moves(view().vwTopContainer, {view().width() / 2, 30}));
-    EXPECT_TRUE(moves(view().vwMainContainer, {10, 100})) << "beside the photo area";
-    EXPECT_FALSE(moves(view().vwPreviewContainer, {5, 5})) << "the photo area, where the photo leaves it empty";
-    EXPECT_FALSE(moves(view().vwPreviewContainer, view().vwPreviewContainer->rect().center()));
-    EXPECT_FALSE(moves(view().vwRightContainer, {125, view().vwRightContainer->height() - 20}));
 }
 
 } // namespace

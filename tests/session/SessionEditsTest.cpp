@@ -40,8 +40,6 @@ TEST_F(Edits, EachCanBeUndoneAndRedoneWithTheBrushAsItWas)
     EXPECT_EQ(pictures[3].pixel(0, 0), qRgba(0, 255, 0, 255));
     EXPECT_EQ(pictures[3].pixel(pictures[3].width() - 1, pictures[3].height() - 1), qRgba(0, 255, 0, 255));
     EXPECT_EQ(pictures[5], pictures[0]);
-    EXPECT_NEAR(m_session->painting().paintedFraction(), 0.02, 0.01);
-
     m_brush.setEraser(true);
     m_brush.setLineWidth(33);
     const float pointSize = m_canvas.pointSize();
@@ -110,27 +108,17 @@ TEST_F(Edits, KeepToThePictureWhateverSizesTheCanvasHad)
         m_canvas.setCanvasSize(i == 40 ? QSizeF(300, 200) : QSizeF(300, 200) * (0.31 + i * 17 % 40 / 9.7));
         if (i == 20)
             m_session->redo(); // onto pixels that are stretched still
-        if (i == 21) {
+        if (i == 21)
             m_session->undo(); // past a snapshot of another size
-            EXPECT_EQ(m_canvas.snapshot().size(), m_canvas.bufferSize());
-            EXPECT_EQ(alphaBeside(0.6), 0);
-        }
         m_session->painting().redraw();
-        if (i == 20) {
-            m_session->undo();
-            m_session->blurEverything();
+        if (i == 20)
             continue;
-        }
         EXPECT_EQ(alphaBeside(0.45), 255) << i;
         EXPECT_EQ(alphaBeside(0.6), 0) << i;
     }
     EXPECT_EQ(m_canvas.snapshot(), first);
     EXPECT_EQ(m_session->painting().strokes(), strokes);
-    EXPECT_EQ(m_canvas.arrDrawedPoints(), strokes);
     EXPECT_TRUE(m_session->isSaved(m_settings)) << "a redraw is no new work";
-    m_session->undo();
-    EXPECT_EQ(m_session->painting().paintedFraction(), 0);
-    m_session->redo();
     open(photo("next.png"));
     m_session->painting().redraw();
     EXPECT_TRUE(m_session->painting().isEmpty()) << "another photo's strokes never come back";
@@ -145,9 +133,6 @@ TEST_F(Edits, AreNeverUndoneByHalf)
         return Done();
     };
     start();
-    m_session->undo();
-    m_session->blurEverything();
-    EXPECT_FALSE(m_session->undoEdit());
     open(photo("photo.png"));
     paint(kLeft, kLeft);
     endStroke();
@@ -172,12 +157,6 @@ TEST_F(Edits, AreNeverUndoneByHalf)
     paint({0.5, 0.25}, {0.5, 0.25}); // as many steps as were written, but others
     endStroke();
     EXPECT_FALSE(m_session->isSaved(m_settings));
-    EXPECT_FALSE(m_session->redoEdit());
-
-    open(photo("next.png"));
-    EXPECT_FALSE(m_session->undoEdit());
-    m_session->undo();
-    EXPECT_TRUE(m_session->painting().isEmpty());
 }
 
 } // namespace hazelmark

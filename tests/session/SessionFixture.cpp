@@ -24,7 +24,6 @@ void SessionFixture::start()
         m_canvas.setCanvasSize(photo.inputImage->size() / 2);
         m_session->fit(photo.inputImage->size() / 2);
     });
-    QObject::connect(session, &Session::loadingChanged, session, [this](const QString &name) { m_loading << name; });
     QObject::connect(session, &Session::refused, session,
                      [this](const Failure &failure) { m_refused.push_back(failure); });
     QObject::connect(session, &Session::previewRendered, session,

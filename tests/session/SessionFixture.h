@@ -50,8 +50,7 @@ protected:
     CoreFilterObject m_settings;
     Session::Work m_work;
     std::unique_ptr<Session> m_session;
-    QStringList m_loading; ///< what loadingChanged() said
-    QStringList m_opened;  ///< paths, as they were handed over
+    QStringList m_opened; ///< paths, as they were handed over
     std::vector<Failure> m_refused;
     std::vector<QImage> m_previews;
     std::vector<PhotoExport::Result> m_results;

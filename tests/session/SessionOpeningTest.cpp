@@ -7,9 +7,7 @@ namespace hazelmark {
 
 namespace {
 
-class SessionOpening : public SessionFixture
-{
-};
+using SessionOpening = SessionFixture;
 
 /// What is dropped at once (whole, cut off, no picture), the order in which it is read to its end (indices from 0), and
 /// which of it is open then: 0 for the photo before.
@@ -54,7 +52,6 @@ TEST_P(SessionDrops, TheLastWholePhotoIsOpenAtTheEndWhereverAnotherBreaks)
     ASSERT_TRUE(QTest::qWaitFor([&] { return !m_session->isLoading(); }));
     EXPECT_EQ(m_session->photo().path(), paths[drop.open]);
     EXPECT_EQ(m_opened.size(), drop.open ? 2 : 1) << "none that is replaced meanwhile is shown for a moment";
-    EXPECT_EQ(m_loading.last(), QString());
 }
 
 INSTANTIATE_TEST_SUITE_P(Orders, SessionDrops,
@@ -88,62 +85,9 @@ TEST_F(SessionOpening, ABrokenFileTouchesNothing)
         EXPECT_FALSE(m_session->read(path, kView));
     }
     EXPECT_EQ(m_opened, QStringList(before));
-    EXPECT_EQ(m_session->state(), Session::State::Editing);
     EXPECT_FALSE(m_session->painting().isEmpty());
     EXPECT_GT(maskAt({0.4, 0.5}), 200);
     EXPECT_TRUE(m_session->lastExportedImage());
-    EXPECT_EQ(m_loading, QStringList({QStringLiteral("before.png"),
-                                      {},
-                                      QStringLiteral("text.jpg"),
-                                      {},
-                                      QStringLiteral("nothing.jpg"),
-                                      {},
-                                      QStringLiteral("cut.png"),
-                                      {}}));
-}
-
-TEST_F(SessionOpening, APhotoSaysWhatIsKnownOfIt)
-{
-    m_work.reading.load = [real = m_work.reading.load](Photo &photo, QSize bound) {
-        auto loaded = real(photo, bound);
-        loaded->isPartlyDamaged = photo.path().endsWith(QLatin1String("damaged.png"));
-        return loaded;
-    };
-    start();
-    EXPECT_EQ(m_session->state(), Session::State::Empty);
-    open(photo("big.png", {4000, 2000}));
-    EXPECT_EQ(m_session->state(), Session::State::Editing);
-    EXPECT_EQ(m_session->photo().inputImage->size(), QSizeF(4000, 2000)) << "measures what it is";
-    EXPECT_EQ(m_session->photo().inputImage->pixelSize(), QSize(1600, 800)) << "but holds what the screen can show";
-    EXPECT_EQ(m_session->photo().firstSight.size(), QSize(800, 400));
-    EXPECT_FALSE(m_session->photo().isPartlyDamaged);
-    open(photo("damaged.png"));
-    EXPECT_TRUE(m_session->photo().isPartlyDamaged);
-    // A name that says nothing opens by its content.
-    QFile::rename(photo("x.png"), out("photo"));
-    open(out("photo"));
-    EXPECT_EQ(m_session->photo().type, QStringLiteral("png"));
-}
-
-TEST_F(SessionOpening, APhotoThatComesDuringAnExportWaitsForItsEnd)
-{
-    Gate gate;
-    m_work.exporting.render = [&](const ExportJob &job) {
-        gate.pass();
-        return job.run();
-    };
-    start();
-    const QString before = photo("before.png");
-    open(before);
-    m_session->startExport(exportRequest(out("out.png")));
-    m_session->open(photo("later.png"), kView);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return !m_session->isLoading(); }));
-    QTest::qWait(20);
-    EXPECT_EQ(m_session->photo().path(), before);
-    gate.open();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return m_session->photo().path() == out("later.png"); }));
-    EXPECT_EQ(m_results.size(), 1U) << "the result is told of first";
-    EXPECT_EQ(m_session->lastExportedImage(), nullptr);
 }
 
 } // namespace hazelmark

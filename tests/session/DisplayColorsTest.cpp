@@ -1,0 +1,36 @@
+// What a session shows of a photo's colours.
+#include "DisplayColors.h"
+
+#include <gtest/gtest.h>
+
+#include <QColorSpace>
+
+namespace hazelmark {
+
+TEST(DisplayColors, ShowAPhotoInTheColoursThatItsProfileMeans)
+{
+    // Qt's own conversion is the other way to compute it.
+    const QColorSpace adobe(QColorSpace::AdobeRgb);
+    for (const QImage::Format format : {QImage::Format_RGBX8888, QImage::Format_RGBA64}) {
+        QImage photo(300, 200, format);
+        for (int y = 0; y < photo.height(); ++y)
+            for (int x = 0; x < photo.width(); ++x)
+                photo.setPixelColor(x, y, QColor(80 + x / 3, 60 + y / 2, 140));
+        const QImage shown = DisplayColors().shown(photo, adobe.iccProfile());
+        QImage expected = photo;
+        expected.setColorSpace(adobe);
+        expected.convertToColorSpace(QColorSpace::SRgb);
+        int worst = 0;
+        for (int y = 0; y < photo.height(); y += 7)
+            for (int x = 0; x < photo.width(); x += 7) {
+                const QColor a = shown.pixelColor(x, y);
+                const QColor b = expected.pixelColor(x, y);
+                worst = std::max({worst, std::abs(a.red() - b.red()), std::abs(a.green() - b.green()),
+                                  std::abs(a.blue() - b.blue())});
+            }
+        EXPECT_LE(worst, 2);
+        EXPECT_EQ(DisplayColors("junk").shown(photo, "rubbish"), DisplayColors().shown(photo, {}));
+    }
+}
+
+} // namespace hazelmark
