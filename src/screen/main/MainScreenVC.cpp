@@ -380,8 +380,8 @@ void MainScreenVC::applyCustomEnhanceFilterOnPreviewImage()
 {
     if (!m_view)
         return;
+    m_zoom->refresh(); // first: near the photo it is what is seen
     m_session->requestPreview(createPresetObjectFromSettingWithTitle(QString()));
-    m_zoom->refresh();
 }
 
 CoreFilterObject MainScreenVC::createPresetObjectFromSettingWithTitle(const QString &title)

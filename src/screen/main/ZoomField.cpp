@@ -21,7 +21,9 @@ QString perCentText(double scale)
     const double perCent = 100 * scale;
     // A strip of a photo is seen at less than one per cent.
     const int decimals = perCent < 9.95 ? 1 : 0;
-    return QLocale().toString(perCent, 'f', decimals) + QStringLiteral(" %");
+    QLocale locale;
+    locale.setNumberOptions(QLocale::OmitGroupSeparator);
+    return locale.toString(perCent, 'f', decimals) + QStringLiteral(" %");
 }
 
 } // namespace
@@ -62,8 +64,10 @@ void ZoomField::setLocalizedStrings(ApplicationDelegate &application)
 void ZoomField::setScale(double scale)
 {
     m_shown = perCentText(scale);
-    if (!lineEdit()->hasFocus() || !lineEdit()->isModified())
-        setEditText(m_shown);
+    if (lineEdit()->hasFocus() && lineEdit()->isModified())
+        return;
+    setEditText(m_shown);
+    lineEdit()->setCursorPosition(0);
 }
 
 void ZoomField::takeTyped()
