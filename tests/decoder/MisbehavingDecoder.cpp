@@ -74,7 +74,8 @@ public:
         if (m_deed == "grow the memory")
             refusedUnless(::ftruncate(kMemoryDescriptor, off_t(size) * 1000) == 0);
         if (m_deed == "write beyond the memory")
-            std::memset(canvas.memory, 1, size + (1 << 20));
+            std::memset(canvas.memory, 1,
+                        size + (std::size_t(1) << 30)); // whatever lies beyond, some of it cannot be written
         if (m_deed == "crash while decoding")
             ::raise(SIGSEGV);
         if (m_deed == "stop while decoding")
@@ -153,5 +154,6 @@ private:
 
 int main()
 {
+    ::signal(SIGSEGV, SIG_DFL); // which a sanitizer would answer
     return runDecoder([](const Photo &photo) -> ForeignDecoder * { return new Taken(photo); });
 }

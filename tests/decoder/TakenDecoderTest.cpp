@@ -84,7 +84,7 @@ TEST_F(TakenDecoder, IsStoppedEachTime)
                                      {"too many pixels", "megapixels"},
                                      {"no frames", "cannot be"},
                                      {"wrong depth", "cannot be"},
-                                     {"write beyond the memory", "signal"},
+                                     {"write beyond the memory", "ended"},
                                      {"crash while decoding", "signal 11"},
                                      {"stop while decoding", "stopped"},
                                      {"another message", "cannot be"},

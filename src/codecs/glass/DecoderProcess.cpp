@@ -123,7 +123,7 @@ void raiseLimit(pid_t process, __rlimit_resource resource, qint64 value)
     rlimit limit = {};
     if (::prlimit(process, resource, nullptr, &limit) != 0)
         return;
-    limit.rlim_cur = std::min<rlim_t>(rlim_t(value), limit.rlim_max);
+    limit.rlim_cur = std::max(limit.rlim_cur, std::min<rlim_t>(rlim_t(value), limit.rlim_max));
     ::prlimit(process, resource, &limit, nullptr);
 }
 
