@@ -41,7 +41,7 @@ int main(int argc, char **argv)
         library ? reinterpret_cast<MakeForeignDecoder>(::dlsym(library, "makeForeignDecoder")) : nullptr;
     if (!makeDecoder) {
         std::fprintf(stderr, "hazelmark-decoder: %s\n", ::dlerror());
-        return 3;
+        return kNoDecoderStatus;
     }
     return runDecoder(makeDecoder);
 }

@@ -128,6 +128,7 @@ private:
         {"stop", [] { ::raise(SIGSTOP); }},
         {"hang", hang},
         {"leave", [] { ::_exit(0); }},
+        {"miss the library", [] { ::_exit(kNoDecoderStatus); }},
         {"take much memory", [] { std::vector<char>(size_t(3) << 30, 'x').shrink_to_fit(); }},
         {"talk nonsense", [] { say(std::string(100, 'x')); }},
         {"talk without end",

@@ -76,6 +76,7 @@ TEST_F(TakenDecoder, IsStoppedEachTime)
                                      {"stop", "stopped"},
                                      {"hang", "hangs"},
                                      {"leave", "too early"},
+                                     {"miss the library", "not installed"},
                                      {"talk nonsense", "nonsense"},
                                      {"talk without end", "nonsense"},
                                      {"half a message", "too early"},

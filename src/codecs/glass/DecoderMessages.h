@@ -88,6 +88,9 @@ struct Message
     std::string body;
 };
 
+/// With which the decoder program ends when it has not found the library's decoder.
+inline constexpr int kNoDecoderStatus = 3;
+
 /// Longer ones are refused: more than the blocks of any photo.
 inline constexpr uint32_t kLongestMessage = 192u * 1024 * 1024;
 inline constexpr size_t kMostFrames = 10000;

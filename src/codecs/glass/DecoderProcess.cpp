@@ -32,6 +32,8 @@ using std::chrono::steady_clock;
 constexpr auto kGlance = 50ms; ///< between two looks at a process that says nothing
 constexpr auto kIdle = 5s;     ///< a process that has done nothing for so long hangs
 
+constexpr int kNoProgramStatus = 127; ///< as a shell says it
+
 // What the program finds where it looks for it.
 constexpr int kPhotoPlace = 3;
 constexpr int kMemoryPlace = 4;
@@ -89,7 +91,7 @@ struct Start
     for (size_t index = 0; index < kPlaces.size(); ++index)
         ::dup2(start.descriptors[index], kPlaces[index]);
     ::execve(start.path, start.arguments, start.variables);
-    ::_exit(127);
+    ::_exit(kNoProgramStatus);
 }
 
 /// 0 when there is none. (fork() rather than posix_spawn(), during which this thread would wait for a process that
@@ -218,13 +220,18 @@ int DecoderProcess::endStatus()
 Failure DecoderProcess::failureOfEnd(int status) const
 {
     QString why = QStringLiteral("its decoder ended too early");
-    if (WIFSIGNALED(status)) {
+    Failure::Reason reason = Failure::Reason::Damaged;
+    if (WIFEXITED(status) &&
+        (WEXITSTATUS(status) == kNoProgramStatus || WEXITSTATUS(status) == glass::kNoDecoderStatus)) {
+        why = QStringLiteral("its decoder is not installed");
+        reason = Failure::Reason::UnsupportedFormat;
+    } else if (WIFSIGNALED(status)) {
         why = QStringLiteral("its decoder was ended by signal %1, %2")
                   .arg(WTERMSIG(status))
                   .arg(QString::fromLocal8Bit(::sigdescr_np(WTERMSIG(status))));
     }
     qCWarning(lcCodecs).noquote() << m_source.path() + QStringLiteral(": ") + why;
-    return m_source.failure(Failure::Reason::Damaged, why);
+    return m_source.failure(reason, why);
 }
 
 void DecoderProcess::kill()
