@@ -81,7 +81,8 @@ Done RawPhoto::decode(const Canvas &canvas)
     check(m_raw->dcraw_process());
     if (m_isDamaged)
         throw NoPicture(Trouble::Damaged, {});
-    if (m_raw->get_internal_data_pointer()->internal_output_params.raw_color)
+    const bool isGray = m_raw->imgdata.idata.colors == 1; // which needs no matrix
+    if (!isGray && m_raw->get_internal_data_pointer()->internal_output_params.raw_color)
         throw NoPicture(Trouble::Unsupported, "the colours of this camera are not known");
     int width = 0, height = 0, colors = 0, bits = 0;
     m_raw->get_mem_image_format(&width, &height, &colors, &bits);
