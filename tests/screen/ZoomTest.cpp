@@ -125,18 +125,18 @@ TEST_F(Zooming, TwoFingersTakeTheDabOfTheFirstBackAndHoldThePhoto)
     m_screen->zoom().setScale(1);
     stroke({0.1, 0.2}, {0.2, 0.2});
     const std::size_t count = steps().size();
-    QPointingDevice *screen = QTest::createTouchDevice();
+    const std::unique_ptr<QPointingDevice> screen(QTest::createTouchDevice());
     canvas().show();
-    QTest::touchEvent(&canvas(), screen).press(0, {200, 200});
+    QTest::touchEvent(&canvas(), screen.get()).press(0, {200, 200});
     EXPECT_EQ(steps().size(), count + 1);
-    QTest::touchEvent(&canvas(), screen).move(0, {200, 200}).press(1, {300, 200});
+    QTest::touchEvent(&canvas(), screen.get()).move(0, {200, 200}).press(1, {300, 200});
     EXPECT_EQ(steps().size(), count);
     const QPointF held = under({200, 200});
-    QTest::touchEvent(&canvas(), screen).move(0, {150, 250}).move(1, {350, 250});
+    QTest::touchEvent(&canvas(), screen.get()).move(0, {150, 250}).move(1, {350, 250});
     EXPECT_NEAR(transform().scale(), 2, 1e-6);
     EXPECT_NEAR(under({150, 250}).x(), held.x(), 2e-3);
     EXPECT_NEAR(under({150, 250}).y(), held.y(), 2e-3);
-    QTest::touchEvent(&canvas(), screen).release(0, {150, 250}).release(1, {350, 250});
+    QTest::touchEvent(&canvas(), screen.get()).release(0, {150, 250}).release(1, {350, 250});
     EXPECT_EQ(steps().size(), count);
     EXPECT_FALSE(canvas().isStrokeUnderWay());
 }
