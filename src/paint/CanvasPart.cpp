@@ -10,6 +10,7 @@
 #include <cstring>
 #include <new>
 #include <optional>
+#include <utility>
 #include <vector>
 
 namespace hazelmark {
@@ -41,6 +42,14 @@ QRectF reachOf(QPointF from, QPointF to, double pointSize)
     return QRectF(from, to).normalized().adjusted(-reach, -reach, reach, reach);
 }
 
+/// Around what a step of a canvas with `frame` reaches at `scale`.
+QRectF reachOf(const PaintStep &step, QSizeF frame, double scale)
+{
+    const auto place = [&](QPointF fraction) { return Geometry::convertedPointToFrameBase(fraction, frame * scale); };
+    return reachOf(place(step.start()), place(step.end()),
+                   double(float(double(step.scaledTo(frame.width()).pointSize()) * scale)));
+}
+
 void copyPixels(const QImage &from, QPoint fromCorner, QImage &to, QPoint toCorner, const QRect &rect)
 {
     for (int y = rect.top(); y <= rect.bottom(); ++y)
@@ -48,6 +57,9 @@ void copyPixels(const QImage &from, QPoint fromCorner, QImage &to, QPoint toCorn
                     from.constScanLine(y - fromCorner.y()) + 4 * (rect.left() - fromCorner.x()),
                     std::size_t(rect.width()) * 4);
 }
+
+/// What steps reach is told in so many pieces: that of a slanting stroke is much less than the rectangle around it.
+constexpr int kPieces = 8;
 
 } // namespace
 
@@ -79,17 +91,70 @@ bool CanvasPart::isOf(const PaintStepList &steps, const PaintStepList &drawn) co
            (&steps == &drawn || std::equal(drawn.begin(), drawn.begin() + std::ptrdiff_t(m_stepCount), steps.begin()));
 }
 
+bool CanvasPart::isAheadOf(const PaintStepList &steps, const PaintStepList &drawn) const
+{
+    return steps.size() < m_stepCount && m_stepCount <= drawn.size() &&
+           std::equal(steps.begin(), steps.end(), drawn.begin());
+}
+
+/// The pixels that steps may have changed, in rectangles that do not overlap.
+std::vector<QRect> CanvasPart::reached(const PaintStepList &steps, std::size_t from, std::size_t to) const
+{
+    std::vector<QRect> reaches;
+    QRect all;
+    for (std::size_t i = from; i < to; ++i) {
+        const QRectF reach = reachOf(steps[i], m_frame, m_scale) & QRectF(m_rect);
+        if (reach.isEmpty() || !isStepInside(steps[i], m_frame))
+            continue;
+        reaches.push_back(reach.toAlignedRect() & m_rect);
+        all |= reaches.back();
+    }
+    std::vector<QRect> pieces;
+    const bool isWide = all.width() > all.height();
+    for (int i = 0; i < kPieces; ++i) {
+        QRect piece = all;
+        const int length = isWide ? all.width() : all.height();
+        const int begin = length * i / kPieces;
+        const int end = length * (i + 1) / kPieces;
+        if (isWide)
+            piece = {all.x() + begin, all.y(), end - begin, all.height()};
+        else
+            piece = {all.x(), all.y() + begin, all.width(), end - begin};
+        QRect touched;
+        for (const QRect &reach : reaches)
+            touched |= reach & piece;
+        if (!touched.isEmpty())
+            pieces.push_back(touched);
+    }
+    return pieces;
+}
+
+void CanvasPart::takeBack(const PaintStepList &drawn, std::size_t count, int threads)
+{
+    const std::size_t before = std::exchange(m_stepCount, count);
+    if (m_pixels.isNull())
+        return;
+    const std::vector<QRect> pieces = reached(drawn, count, before);
+    for (const QRect &piece : pieces) {
+        for (int y = piece.top(); y <= piece.bottom(); ++y)
+            std::memset(m_pixels.scanLine(y - m_rect.y()) + 4 * (piece.x() - m_rect.x()), 0,
+                        std::size_t(piece.width()) * 4);
+    }
+    this->drawn(drawn, 0, count, pieces, threads);
+}
+
 QRect CanvasPart::drawOn(const PaintStepList &steps, int threads)
 {
     const std::size_t from = std::min(m_stepCount, steps.size());
     m_stepCount = steps.size();
-    return isNull() ? QRect() : drawn(steps, from, steps.size(), threads);
+    return isNull() ? QRect() : drawn(steps, from, steps.size(), {m_rect}, threads);
 }
 
-QRect CanvasPart::drawn(const PaintStepList &steps, std::size_t from, std::size_t to, int threads)
+/// Draws steps in the rectangles `within`, which do not overlap.
+QRect CanvasPart::drawn(const PaintStepList &steps, std::size_t from, std::size_t to, const std::vector<QRect> &within,
+                        int threads)
 {
     const QSizeF frame = m_frame * m_scale;
-    const QRectF seen(m_rect);
     TextureOfStep textureOf;
     std::vector<StampedSegment> segments;
     std::size_t stamps = 0;
@@ -98,7 +163,8 @@ QRect CanvasPart::drawn(const PaintStepList &steps, std::size_t from, std::size_
         if (segments.empty())
             return;
         makePixels();
-        stampSegments(segments, m_pixels, m_pixels.rect(), threads);
+        for (const QRect &rect : within)
+            stampSegments(segments, m_pixels, rect.translated(-m_rect.topLeft()), threads);
         segments.clear();
         stamps = 0;
     };
@@ -109,8 +175,8 @@ QRect CanvasPart::drawn(const PaintStepList &steps, std::size_t from, std::size_
         const QPointF start = Geometry::convertedPointToFrameBase(step.start(), frame);
         const QPointF end = Geometry::convertedPointToFrameBase(step.end(), frame);
         const auto pointSize = float(double(step.pointSize()) * m_scale);
-        const QRectF reach = reachOf(start, end, pointSize);
-        if (!reach.intersects(seen))
+        const QRectF reach = reachOf(start, end, double(pointSize));
+        if (std::none_of(within.begin(), within.end(), [&](const QRect &rect) { return reach.intersects(rect); }))
             continue;
         touched |= reach;
         const auto mode = step.eraser() ? StampPainter::Mode::Erase : StampPainter::Mode::Paint;
@@ -140,7 +206,7 @@ CanvasPart CanvasPart::movedTo(const QRect &rect, const PaintStepList &steps, in
     }
     for (const QRect &fresh : QRegion(moved.m_rect) - common) {
         CanvasPart strip(m_frame, m_scale, fresh);
-        strip.drawn(steps, 0, m_stepCount, threads);
+        strip.drawn(steps, 0, m_stepCount, {fresh}, threads);
         if (strip.m_pixels.isNull())
             continue;
         moved.makePixels();

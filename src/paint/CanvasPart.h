@@ -8,6 +8,7 @@
 #include <QSizeF>
 
 #include <cstddef>
+#include <vector>
 
 namespace hazelmark {
 
@@ -40,6 +41,14 @@ public:
     /// them.
     bool isOf(const PaintStepList &steps, const PaintStepList &drawn) const;
 
+    /// Whether `steps` are what is drawn, the first stepCount() of `drawn`, without some at the end: then takeBack()
+    /// brings it back to them.
+    bool isAheadOf(const PaintStepList &steps, const PaintStepList &drawn) const;
+
+    /// Goes back to the first `count` of the steps that are drawn, which `drawn` begins with: draws anew what the
+    /// others reach. Throws std::bad_alloc.
+    void takeBack(const PaintStepList &drawn, std::size_t count, int threads);
+
     /// Draws what has come to a list since: the steps from stepCount() on. Gives the rectangle, in pixels of the
     /// canvas, in which something may have changed. Throws std::bad_alloc.
     QRect drawOn(const PaintStepList &steps, int threads);
@@ -49,7 +58,9 @@ public:
     CanvasPart movedTo(const QRect &rect, const PaintStepList &steps, int threads) const;
 
 private:
-    QRect drawn(const PaintStepList &steps, std::size_t from, std::size_t to, int threads);
+    QRect drawn(const PaintStepList &steps, std::size_t from, std::size_t to, const std::vector<QRect> &within,
+                int threads);
+    std::vector<QRect> reached(const PaintStepList &steps, std::size_t from, std::size_t to) const;
     void makePixels();
 
     QSizeF m_frame;

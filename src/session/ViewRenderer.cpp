@@ -172,10 +172,12 @@ const CanvasPart &ViewRenderer::canvasPart(const ScaledPainting &painting, doubl
     const QRect ample = wanted.adjusted(-kCanvasReach, -kCanvasReach, kCanvasReach, kCanvasReach);
     const auto known = std::find_if(m_parts.begin(), m_parts.end(), [&](const KeptPart &kept) {
         return kept.part.frame() == painting.frame && kept.part.scale() == scale &&
-               kept.part.isOf(*painting.steps, *kept.steps);
+               (kept.part.isOf(*painting.steps, *kept.steps) || kept.part.isAheadOf(*painting.steps, *kept.steps));
     });
     CanvasPart part(painting.frame, scale, ample);
     if (known != m_parts.end()) {
+        if (known->part.stepCount() > painting.steps->size())
+            known->part.takeBack(*known->steps, painting.steps->size(), threads);
         part = known->part.rect().contains(wanted) ? known->part : known->part.movedTo(ample, *known->steps, threads);
         m_parts.erase(known);
     }

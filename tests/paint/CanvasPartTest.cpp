@@ -64,6 +64,18 @@ TEST(CanvasPart, HasThePixelsOfTheWholeCanvasHoweverItCameThere)
         drawn.drawOn(steps, 2);
         EXPECT_EQ(drawn.pixels(), whole.copy(rect)) << scale;
 
+        // The last strokes taken back, and drawn again.
+        for (const std::size_t count : {std::size_t(13), std::size_t(12), std::size_t(5), std::size_t(1)}) {
+            const PaintStepList fewer(steps.begin(), steps.begin() + std::ptrdiff_t(count));
+            ASSERT_TRUE(drawn.isAheadOf(fewer, steps));
+            EXPECT_FALSE(drawn.isAheadOf(steps, steps));
+            drawn.takeBack(steps, count, 2);
+            EXPECT_EQ(drawn.stepCount(), count);
+            EXPECT_EQ(drawn.pixels(), wholeCanvas(fewer, scale).copy(rect)) << count << " at " << scale;
+        }
+        drawn.drawOn(steps, 2);
+        EXPECT_EQ(drawn.pixels(), whole.copy(rect)) << scale;
+
         const QImage mask = ScaledPainting{std::make_shared<PaintStepList>(steps), kFrame, scale}.mask();
         ASSERT_EQ(mask.size(), size);
         int different = 0;

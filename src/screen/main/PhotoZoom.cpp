@@ -49,7 +49,10 @@ PhotoZoom::PhotoZoom(MainScreenView &view, Session &session, std::function<CoreF
 {
     m_patience.setSingleShot(true);
     m_patience.setInterval(kPatience);
-    connect(&m_patience, &QTimer::timeout, this, [this] { m_view.vwPreviewContainer->setUpdatesEnabled(true); });
+    connect(&m_patience, &QTimer::timeout, this, [this] {
+        m_isBehind = true;
+        m_view.vwPreviewContainer->setUpdatesEnabled(true);
+    });
     connect(&session, &Session::viewDrawn, this, &PhotoZoom::pictureDrawn);
     connect(&session, &Session::inputDrawn, view.overview, &OverviewView::setImage);
     connect(&session, &Session::previewRendered, view.overview, [&view](const QImage &shown) {
@@ -115,6 +118,8 @@ void PhotoZoom::apply()
     m_transform = m_wanted;
     if (m_transform.isFit()) {
         m_patience.stop();
+        m_waiting.invalidate();
+        m_isBehind = false;
         m_view.vwPreviewContainer->setUpdatesEnabled(true);
         m_session.leaveView();
         m_view.placePhoto(m_transform.place().fitted);
@@ -148,11 +153,13 @@ void PhotoZoom::showParts()
 
 void PhotoZoom::showNear()
 {
-    // What there is moves when its sharp picture has come, or that takes too long.
-    if (!m_patience.isActive()) {
+    // What there is moves when its sharp picture has come, or that takes too long; at once, if the last one did.
+    if (!m_isBehind && !m_patience.isActive()) {
         m_view.vwPreviewContainer->setUpdatesEnabled(false);
         m_patience.start();
     }
+    if (!m_waiting.isValid())
+        m_waiting.start();
     m_view.placeNear(m_transform.frame(), m_transform.visible());
     requestPicture();
 }
@@ -192,6 +199,9 @@ void PhotoZoom::pictureDrawn(const ViewPicture &picture)
     m_view.paintView->setCanvasPart(picture.canvas, *picture.steps);
     m_patience.stop();
     m_view.vwPreviewContainer->setUpdatesEnabled(true);
+    if (m_waiting.isValid())
+        m_isBehind = m_waiting.hasExpired(kPatience.count());
+    m_waiting.invalidate();
 }
 
 void PhotoZoom::setFit()

@@ -3,6 +3,7 @@
 #include "CoreFilterObject.h"
 #include "ViewTransform.h"
 
+#include <QElapsedTimer>
 #include <QLineF>
 #include <QObject>
 #include <QPointF>
@@ -97,6 +98,8 @@ private:
     bool m_isSpaceHeld = false;
     bool m_hasTwoFingers = false; ///< until the last one is lifted
     QLineF m_fingers;             ///< where they were last
+    QElapsedTimer m_waiting;      ///< since the first move that no sharp picture has come after
+    bool m_isBehind = false;      ///< pictures take longer than they are waited for
     QTimer m_patience;            ///< so long the sharp picture is waited for before what there is is moved
 };
 
