@@ -133,6 +133,59 @@ TEST(PictureSearch, FindsPicturesBetweenOtherValuesAndWhereTheyEnd)
     }
 }
 
+/// Each head as it should be, and then with some bytes changed: it is still one, or is none any more.
+TEST(PictureSearch, TellsAHeadFromNumbersThatBeginLikeOne)
+{
+    const QByteArray scan = "ffda0008 01 0100 003f00";
+    const struct
+    {
+        const char *name;
+        QByteArray head; ///< in hexadecimal digits, as the changes: PLACE=BYTES
+        QByteArray pictures;
+        QByteArray others;
+    } heads[] = {
+        {"GIF", "474946383961 2800 1e00 81 0000 010203040506070809101112 2c",
+         "4=37 25=21 25=3b 10=8200000102030405060708091011121314151617181920212223242c", "4=38 10=01 25=2d"},
+        {"BMP", "424d 000000000000000000000000 28000000 28000000 1e000000 0100 1800 00000000",
+         "14=7c 14=0c00000028001e0001001800 28=01 28=0000 28=20 18=00000000",
+         "1=4e0000000000000000000000000c 14=29 26=02 28=19"},
+        {"bitmap in memory", "28000000 28000000 1e000000 0100 1800 00000000", "4=ffff 8=ffff 8=0100ffff 16=06 4=01",
+         "4=00000100 4=00 8=00 8=00000100 8=0000ffff 14=00 16=07 0=7c"},
+        {"file of boxes", "00000018 66747970 68656963", "3=0c 3=01 3=00 2=1000 8=207e207e",
+         "3=0b 3=02 2=1001 8=1f 11=7f 7=71"},
+        {"PNG without its mark", "0707070707070707 0000000d 49484452 00000028 0000001e 10", "24=01 24=08",
+         "24=03 11=0e 15=53"},
+        {"TIFF", "49492a00 08000000 0200 00010300 0100000028000000 11010400 0100000040000000 00000000",
+         "22=44 22=4a01 22=0102 22=c0bc 12=12 24=12 0=4d4d002a00000008000101110004 4=0a0000000000010011010400 "
+         "8=01000001030001000000280000001a000000010011010400 "
+         "0=49492b00080000001000000000000000010000000000000011010400 "
+         "0=4d4d002b000800000000000000000010000000000000000101110004",
+         "22=12 24=13 12=00 12=13 8=0000 8=01 4=00 2=2b 8=ffff"},
+        {"quantisation table", "ffdb0043 00" + QByteArray("01").repeated(64) + scan, "4=03 2=008313",
+         "4=04 4=20 3=44 3=02 4=10"},
+        {"Huffman table", "ffc40016 00 00010000000000000000000000000002 040506" + scan, "4=13 20=01",
+         "4=20 4=14 3=15 6=00000000000000000000000000000000 7=ff 1=c8"},
+        {"head of a frame", "ffc0000b 08 001e0028 01 001100" + scan, "1=c2 4=0c 4=02 4=10 3=14080000000004",
+         "1=cc 1=bf 4=01 4=11 3=0c 9=00 3=17080000000005"},
+        {"scan", "ffc0000b 08 001e0028 01 001100" + scan,
+         "19=33 20=3f 15=000a0201000211003f00 15=000e040100020003000400003f00",
+         "14=db 16=00 16=0a 15=000600003f00 15=00100501000200030004000500003f00 19=40 19=04 20=40 21=40"},
+    };
+    const QByteArray around(40, '\7');
+    for (const auto &[name, head, pictures, others] : heads) {
+        for (const bool isPicture : {true, false}) {
+            for (const QByteArray &change : (isPicture ? "0= " + pictures : others).split(' ')) {
+                const QByteArray bytes = QByteArray::fromHex(change.mid(change.indexOf('=')));
+                QByteArray changed = QByteArray::fromHex(head);
+                changed.replace(change.left(change.indexOf('=')).toInt(), bytes.size(), bytes);
+                const auto found = plainPicturesIn(around + changed + around, SearchIn::Numbers);
+                EXPECT_EQ(found.size(), isPicture ? 1U : 0U) << name << " " << change.constData();
+                EXPECT_TRUE(found.empty() || found[0].from == around.size()) << name << " " << change.constData();
+            }
+        }
+    }
+}
+
 TEST(PictureSearch, LeavesWhatIsNoPictureAlone)
 {
     QByteArray curve; // of 16-bit levels, among them 0xffd8 and 0xffe0
