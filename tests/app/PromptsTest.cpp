@@ -1,7 +1,10 @@
-// The question for a rating, and the window with other programs.
+// The question for a rating, the window with other programs, and where things stand in this one's own windows.
+#include "../support/Outline.h"
+#include "AboutDialog.h"
 #include "AlertSheet.h"
 #include "DotPageControl.h"
 #include "Fakes.h"
+#include "KeyboardDialog.h"
 #include "Localisation.h"
 #include "PromotionWindow.h"
 #include "RatePrompt.h"
@@ -86,4 +89,30 @@ TEST(PromotionWindowTest, TurnsRoundWhatIsNotInstalledUntilADotIsChosen)
     EXPECT_FALSE(installed.contains(entry(0, u"appName"_s)));
     QTest::keyClick(&window, Qt::Key_Escape);
     EXPECT_FALSE(window.isVisible() || window.isRotating());
+}
+
+TEST(Places, OfWhatTheWindowsOfTheApplicationHold)
+{
+    FakeDesktop desktop;
+    Localisation texts;
+    PromotionWindow promotion(texts, [](const QString &) { return false; });
+    promotion.promotionWindowSetup();
+    AboutDialog about(texts);
+    KeyboardDialog keys(texts);
+    const std::pair<QWidget *, const char *> rows[] = {
+        {&promotion, "24: 24 Recommended* 24\n24: 24 QLabel[96x96] 24\n16: 24 GIMP* 24\n8: 24 Paints, 24\n8: ~ Show ~\n"
+                     "16: ~ DotPageControl ~\n24: 24 Don’t ~ Quit 24\n16"},
+        {&about, "32: 32 QLabel[64x64] 32\n8: 32 Hazelmark 32\n8: 32 Version' 32\n16: 32 Blurs 32\n8: 32 Free' 32\n"
+                 "24: ~ OK ~\n16"},
+        {&keys, "24: 24 Keys* 24\n16: 24 Painting* ~ Photo* 24\n4: 24 B' 16 Brush ~ Ctrl+O' 16 Open 24\n"
+                "4: 24 E' 16 Eraser ~ Ctrl+V' 16 Paste 24\n4: 24 [' 16 Brush ~ Ctrl+S' 16 Save 24\n"},
+    };
+    for (const auto &[window, outline] : rows) {
+        window->show();
+        ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
+        const QString found = outlineOf(*window);
+        EXPECT_TRUE(found.startsWith(QString::fromUtf8(outline))) << found.toStdString();
+    }
+    EXPECT_EQ(promotion.width(), 460);
+    EXPECT_EQ(about.width(), 320 + 2 * 32);
 }
