@@ -9,7 +9,6 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
-#include <optional>
 #include <utility>
 #include <vector>
 
@@ -21,18 +20,28 @@ namespace {
 class TextureOfStep
 {
 public:
+    /// `texture`: the last one, which is often the next as well.
+    explicit TextureOfStep(BrushTexture &texture)
+        : m_texture(texture)
+    {
+    }
+
     const BrushTexture &operator()(const PaintStep &step)
     {
-        if (m_hardness != step.hardness()) {
-            m_texture = BrushTexture(BrushTips::shared().tipForHardness(step.hardness()));
+        if (!m_isBound || m_hardness != step.hardness()) {
+            const QImage tip = BrushTips::shared().tipForHardness(step.hardness());
+            if (!m_texture.isMadeFrom(tip))
+                m_texture = BrushTexture(tip);
             m_hardness = step.hardness();
+            m_isBound = true;
         }
         return m_texture;
     }
 
 private:
-    std::optional<float> m_hardness;
-    BrushTexture m_texture;
+    BrushTexture &m_texture;
+    float m_hardness = 0;
+    bool m_isBound = false; ///< for a step of that hardness
 };
 
 /// Around all stamps of a segment.
@@ -129,25 +138,37 @@ std::vector<QRect> CanvasPart::reached(const PaintStepList &steps, std::size_t f
     return pieces;
 }
 
-void CanvasPart::takeBack(const PaintStepList &drawn, std::size_t count, int threads)
+void CanvasPart::takeBack(const PaintStepList &drawn, std::size_t count, const CanvasSnapshots::Snapshot &from,
+                          int threads)
 {
     const std::size_t before = std::exchange(m_stepCount, count);
     if (m_pixels.isNull())
         return;
     const std::vector<QRect> pieces = reached(drawn, count, before);
     for (const QRect &piece : pieces) {
+        if (!from.pixels.isNull()) {
+            copyPixels(from.pixels, m_rect.topLeft(), m_pixels, m_rect.topLeft(), piece);
+            continue;
+        }
         for (int y = piece.top(); y <= piece.bottom(); ++y)
             std::memset(m_pixels.scanLine(y - m_rect.y()) + 4 * (piece.x() - m_rect.x()), 0,
                         std::size_t(piece.width()) * 4);
     }
-    this->drawn(drawn, 0, count, pieces, threads);
+    this->drawn(drawn, from.steps, count, pieces, threads);
 }
 
-QRect CanvasPart::drawOn(const PaintStepList &steps, int threads)
+QRect CanvasPart::drawOn(const PaintStepList &steps, std::size_t count, int threads)
 {
-    const std::size_t from = std::min(m_stepCount, steps.size());
-    m_stepCount = steps.size();
-    return isNull() ? QRect() : drawn(steps, from, steps.size(), {m_rect}, threads);
+    const std::size_t from = std::min(m_stepCount, count);
+    m_stepCount = count;
+    return isNull() ? QRect() : drawn(steps, from, count, {m_rect}, threads);
+}
+
+double CanvasPart::workOf(const PaintStep &step) const
+{
+    if (!isStepInside(step, m_frame) || !reachOf(step, m_frame, m_scale).intersects(m_rect))
+        return 0;
+    return stampingWork(step.scaledTo(m_frame.width()), m_frame, m_scale, m_rect.size());
 }
 
 /// Draws steps in the rectangles `within`, which do not overlap.
@@ -155,16 +176,18 @@ QRect CanvasPart::drawn(const PaintStepList &steps, std::size_t from, std::size_
                         int threads)
 {
     const QSizeF frame = m_frame * m_scale;
-    TextureOfStep textureOf;
+    TextureOfStep textureOf(m_texture);
     std::vector<StampedSegment> segments;
+    std::vector<QRect> clips = within;
+    for (QRect &clip : clips)
+        clip.translate(-m_rect.topLeft());
     std::size_t stamps = 0;
     QRectF touched;
     const auto stamp = [&] {
         if (segments.empty())
             return;
         makePixels();
-        for (const QRect &rect : within)
-            stampSegments(segments, m_pixels, rect.translated(-m_rect.topLeft()), threads);
+        stampSegments(segments, m_pixels, clips, threads);
         segments.clear();
         stamps = 0;
     };

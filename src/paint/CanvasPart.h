@@ -1,5 +1,7 @@
 #pragma once
 
+#include "BrushTexture.h"
+#include "CanvasSnapshots.h"
 #include "PaintStep.h"
 
 #include <QImage>
@@ -46,12 +48,15 @@ public:
     bool isAheadOf(const PaintStepList &steps, const PaintStepList &drawn) const;
 
     /// Goes back to the first `count` of the steps that are drawn, which `drawn` begins with: draws anew what the
-    /// others reach. Throws std::bad_alloc.
-    void takeBack(const PaintStepList &drawn, std::size_t count, int threads);
+    /// others reach, beginning with `from`, which is this part with no more steps. Throws std::bad_alloc.
+    void takeBack(const PaintStepList &drawn, std::size_t count, const CanvasSnapshots::Snapshot &from, int threads);
 
-    /// Draws what has come to a list since: the steps from stepCount() on. Gives the rectangle, in pixels of the
-    /// canvas, in which something may have changed. Throws std::bad_alloc.
-    QRect drawOn(const PaintStepList &steps, int threads);
+    /// Draws what has come to a list since: the steps from stepCount() on, up to number `count`. Gives the rectangle,
+    /// in pixels of the canvas, in which something may have changed. Throws std::bad_alloc.
+    QRect drawOn(const PaintStepList &steps, std::size_t count, int threads);
+    QRect drawOn(const PaintStepList &steps, int threads) { return drawOn(steps, steps.size(), threads); }
+    /// What it takes to draw a step, as stampingWork() counts.
+    double workOf(const PaintStep &step) const;
 
     /// Another rectangle of the same canvas with the same steps, the first stepCount() of `steps`. What both show is
     /// taken over, the rest is drawn. Throws std::bad_alloc.
@@ -67,6 +72,7 @@ private:
     double m_scale = 1;
     QRect m_rect;
     QImage m_pixels;
+    BrushTexture m_texture; ///< used last
     std::size_t m_stepCount = 0;
 };
 

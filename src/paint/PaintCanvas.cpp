@@ -236,7 +236,7 @@ void PaintCanvas::drawSegments(const std::vector<StampedSegment> &segments, cons
     if (segments.empty() || bufferSize().isEmpty())
         return;
     fitBufferToFrame();
-    stampSegments(segments, m_buffer, clip, defaultThreadCount());
+    stampSegments(segments, m_buffer, {clip}, defaultThreadCount());
     bufferChanged(clip);
 }
 

@@ -2,20 +2,13 @@
 
 #include "PaintCanvas.h"
 
-#include <QLineF>
+#include "StampPlacement.h"
+
 #include <QUndoCommand>
 
 #include <algorithm>
-#include <cmath>
 
 namespace hazelmark {
-
-namespace {
-
-/// After so many stamped pixels a snapshot is worth its memory: to stamp them again takes some ten milliseconds.
-constexpr double kWorkBetweenSnapshots = 4e7;
-
-} // namespace
 
 class PaintHistory::Edit : public QUndoCommand
 {
@@ -99,10 +92,9 @@ void PaintHistory::append(PaintEdit edit, const PaintStepList &steps)
 void PaintHistory::push(PaintEdit edit, std::size_t begin)
 {
     // What was undone does not come back: neither do snapshots of it.
-    std::erase_if(m_snapshots, [&](const Snapshot &snapshot) { return snapshot.steps > begin; });
+    m_snapshots.forgetBeyond(begin);
     m_canvas.undoStack().push(new Edit(*this, edit, begin));
-    const double kept = m_snapshots.empty() ? 0 : m_snapshots.back().work;
-    if (m_work - kept >= kWorkBetweenSnapshots)
+    if (m_snapshots.isDue(m_work))
         keepSnapshotNow();
 }
 
@@ -158,27 +150,22 @@ void PaintHistory::redraw(const std::shared_ptr<PaintStepList> &list)
         const std::size_t end = std::min(drawn, m_committed);
         work += workOf(counted, end);
         counted = end;
-        const double kept = m_snapshots.empty() ? 0 : m_snapshots.back().work;
-        if (drawn <= m_committed && work - kept >= kWorkBetweenSnapshots)
-            keepSnapshot(drawn, work, m_canvas.snapshot());
+        if (drawn <= m_committed && m_snapshots.isDue(work))
+            m_snapshots.keep({drawn, work, m_canvas.snapshot()});
     });
     m_work = work;
 }
 
-/// In stamped pixels, as the frame is now.
+/// As the frame is now.
 double PaintHistory::workOf(std::size_t begin, std::size_t end) const
 {
     const QSizeF frame = m_canvas.canvasSize();
     double work = 0;
     for (std::size_t i = begin; i < end; ++i) {
         const PaintStep step = m_canvas.scalesStrokes() ? steps()[i].scaledTo(frame.width()) : steps()[i];
-        const QPointF way = step.end() - step.start();
-        const double length = std::hypot(way.x() * frame.width(), way.y() * frame.height());
-        const double stamps = std::clamp(std::ceil(length / step.brushPixelStep()), 1.0, 1e4);
-        const double stamp = std::min(double(step.pointSize()) * step.pointSize(), frame.width() * frame.height());
-        work += stamps * stamp;
+        work += stampingWork(step, frame, 1, frame);
     }
-    return std::isfinite(work) ? work : 0;
+    return work;
 }
 
 void PaintHistory::keepSnapshotNow()
@@ -187,48 +174,20 @@ void PaintHistory::keepSnapshotNow()
         m_snapshots.clear();
     m_snapshotFrame = m_canvas.canvasSize();
     if (m_canvas.isDrawnSharply() && isBetweenEdits() && m_committed > 0)
-        keepSnapshot(m_committed, m_work, m_canvas.snapshot());
-}
-
-void PaintHistory::keepSnapshot(std::size_t steps, double work, const QImage &pixels)
-{
-    const auto place = std::find_if(m_snapshots.begin(), m_snapshots.end(),
-                                    [&](const Snapshot &snapshot) { return snapshot.steps >= steps; });
-    if (place != m_snapshots.end() && place->steps == steps)
-        return;
-    m_snapshots.insert(place, {steps, work, pixels});
-    if (m_snapshots.size() <= kMostSnapshots)
-        return;
-    // The newest stays; of the others goes the one whose place the others fill best.
-    std::size_t spare = 0;
-    double least = INFINITY;
-    for (std::size_t i = 0; i + 1 < m_snapshots.size(); ++i) {
-        const double gap = m_snapshots[i + 1].work - (i > 0 ? m_snapshots[i - 1].work : 0);
-        if (gap < least) {
-            least = gap;
-            spare = i;
-        }
-    }
-    m_snapshots.erase(m_snapshots.begin() + std::ptrdiff_t(spare));
+        m_snapshots.keep({m_committed, m_work, m_canvas.snapshot()});
 }
 
 /// The canvas as it is without the steps that were just taken from the end of its list.
 void PaintHistory::drawWithout(const PaintStepList &taken)
 {
     const std::size_t count = steps().size();
-    const bool hasSnapshots = m_snapshotFrame == m_canvas.canvasSize();
     const QRect all(QPoint(), m_canvas.bufferSize());
     const QRect clip = m_canvas.isDrawnSharply() && count > 0 ? m_canvas.boundsOf(taken.begin(), taken.end()) : all;
-    std::size_t first = firstSeenStep(steps(), count);
-    QImage pixels;
-    for (const Snapshot &snapshot : m_snapshots) {
-        if (hasSnapshots && snapshot.steps <= count && snapshot.steps > first) {
-            first = snapshot.steps;
-            pixels = snapshot.pixels;
-        }
-    }
-    m_canvas.setPixels(pixels, clip);
-    m_canvas.drawSteps(first, clip);
+    CanvasSnapshots::Snapshot from{firstSeenStep(steps(), count), 0, {}};
+    if (m_snapshotFrame == m_canvas.canvasSize())
+        from = m_snapshots.before(count, from.steps);
+    m_canvas.setPixels(from.pixels, clip);
+    m_canvas.drawSteps(from.steps, clip);
 }
 
 } // namespace hazelmark

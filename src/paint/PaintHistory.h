@@ -1,8 +1,8 @@
 #pragma once
 
+#include "CanvasSnapshots.h"
 #include "PaintStep.h"
 
-#include <QImage>
 #include <QSizeF>
 
 #include <cstddef>
@@ -65,24 +65,16 @@ public:
 
 private:
     class Edit;
-    struct Snapshot
-    {
-        std::size_t steps; ///< how many of the list's are drawn in it
-        double work;       ///< that drawing them took
-        QImage pixels;
-    };
-
     const PaintStepList &steps() const;
     bool isBetweenEdits() const { return steps().size() == m_committed; }
     void push(PaintEdit edit, std::size_t begin);
     const Edit *editAt(int index) const;
     double workOf(std::size_t begin, std::size_t end) const;
-    void keepSnapshot(std::size_t steps, double work, const QImage &pixels);
     void keepSnapshotNow();
     void drawWithout(const PaintStepList &taken);
 
     PaintCanvas &m_canvas;
-    std::vector<Snapshot> m_snapshots; ///< by their number of steps
+    CanvasSnapshots m_snapshots{kMostSnapshots};
     QSizeF m_snapshotFrame;
     std::size_t m_committed = 0; ///< steps that belong to edits
     double m_work = 0;           ///< of them

@@ -66,6 +66,7 @@ public:
     /// Components of `color` outside 0..1 are clamped. Erasing takes no colour.
     StampPainter(Mode mode, const Color &color, float pointSize, const BrushTexture &texture);
 
+    double pointSize() const { return m_pointSize; }
     /// Stamps at each centre, in order, clipped to the target. Gives the rectangle that may have changed.
     QRect stamp(const StampTarget &target, const StampCentres &centres) const;
 

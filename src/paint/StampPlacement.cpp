@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace hazelmark {
 
@@ -23,6 +24,24 @@ constexpr float kFewestPlaces = 16;
 /// Bands of the canvas are stamped on all processors, each segment on every band in its turn: high enough that most
 /// stamps lie in one or two, many enough that the processors end together.
 constexpr int kBandLines = 128;
+
+// What there is to do besides the pixels, in pixels.
+constexpr double kWorkOfStep = 1000;
+constexpr double kWorkOfStamp = 1000;
+constexpr double kWorkOfLine = 200;
+
+/// Whether a stamp of the segment may reach pixels of the target: its stamps lie between the first and the last one.
+bool mayReach(const StampedSegment &segment, const StampTarget &target)
+{
+    if (segment.centres.places.empty())
+        return false;
+    const auto [first, last] = std::pair(segment.centres.places.front(), segment.centres.places.back());
+    const double reach = segment.painter.pointSize() / 2;
+    return !(std::max(first.x, last.x) + reach < target.beginColumn ||
+             std::min(first.x, last.x) - reach > target.endColumn ||
+             std::max(first.y, last.y) + reach < target.beginLine ||
+             std::min(first.y, last.y) - reach > target.endLine);
+}
 
 } // namespace
 
@@ -68,17 +87,35 @@ void placeStamps(QPointF from, QPointF to, QSizeF frame, float pointSize, float 
     }
 }
 
-void stampSegments(const std::vector<StampedSegment> &segments, QImage &canvas, const QRect &clip, int threads)
+double stampingWork(const PaintStep &step, QSizeF frame, double scale, QSizeF size)
 {
-    const StampTarget target = StampTarget(canvas).part(clip);
-    const int height = target.endLine - target.beginLine;
-    const int bands = std::max((height + kBandLines - 1) / kBandLines, threads);
-    const auto lineOf = [&](int band) { return target.beginLine + int(qint64(height) * band / bands); };
-    parallelFor(bands, threads, [&](int band) {
-        const QRect lines(clip.left(), lineOf(band), clip.width(), lineOf(band + 1) - lineOf(band));
-        const StampTarget part = target.part(lines);
-        for (const StampedSegment &segment : segments)
-            segment.painter.stamp(part, segment.centres);
+    const QPointF way = step.end() - step.start();
+    const double length = std::hypot(way.x() * frame.width(), way.y() * frame.height());
+    const double stamps = std::clamp(std::ceil(length / double(step.brushPixelStep())), 1.0, 1e4);
+    const double side = double(step.pointSize()) * scale;
+    const double lines = std::min(side, size.height());
+    const double work = kWorkOfStep + stamps * (kWorkOfStamp + lines * (kWorkOfLine + std::min(side, size.width())));
+    return std::isfinite(work) ? work : 0;
+}
+
+void stampSegments(const std::vector<StampedSegment> &segments, QImage &canvas, const std::vector<QRect> &clips,
+                   int threads)
+{
+    const StampTarget target(canvas);
+    std::vector<StampTarget> bands;
+    for (const QRect &clip : clips) {
+        const StampTarget part = target.part(clip);
+        const int height = part.endLine - part.beginLine;
+        const int count = std::max((height + kBandLines - 1) / kBandLines, threads / int(clips.size()));
+        const auto lineOf = [&](int band) { return part.beginLine + int(qint64(height) * band / count); };
+        for (int band = 0; band < count; ++band)
+            bands.push_back(target.part({clip.left(), lineOf(band), clip.width(), lineOf(band + 1) - lineOf(band)}));
+    }
+    parallelFor(int(bands.size()), threads, [&](int band) {
+        for (const StampedSegment &segment : segments) {
+            if (mayReach(segment, bands[std::size_t(band)]))
+                segment.painter.stamp(bands[std::size_t(band)], segment.centres);
+        }
     });
 }
 

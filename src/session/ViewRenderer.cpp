@@ -16,8 +16,6 @@ namespace {
 constexpr int kGrain = 256;
 /// What interpolation between pixels of a mask reaches beyond them.
 constexpr int kMaskReach = 4;
-/// Parts of the canvas are this much larger than what is seen, so that the two that a picture needs are mostly one.
-constexpr int kCanvasReach = 8;
 constexpr int kGreen = 1;
 
 /// `rect` of a picture of the height `height`, counted from the bottom.
@@ -85,8 +83,9 @@ ViewPicture ViewRenderer::render(const ViewJob &job, int threads)
     picture.shown = job.colors.shown(draw(wanted, threads), profile);
     if (job.canvasScale > 1 && job.painting.steps && !job.painting.steps->empty()) {
         const QSize canvas = CanvasPart::canvasSize(job.painting.frame, job.canvasScale);
-        picture.canvas = canvasPart(job.painting, job.canvasScale,
-                                    scaled(part, job.size, canvas).toAlignedRect().adjusted(-1, -1, 1, 1), threads);
+        picture.canvas =
+            m_canvasParts.part(job.painting, job.canvasScale,
+                               scaled(part, job.size, canvas).toAlignedRect().adjusted(-1, -1, 1, 1), threads);
     }
     return picture;
 }
@@ -154,7 +153,7 @@ FilterImage ViewRenderer::maskFor(const ViewJob &job, const QRect &rect, int thr
     if (mask.isNull())
         throw std::bad_alloc();
     mask.fill(0);
-    const CanvasPart &part = canvasPart(job.painting, scale, reached(job.part), threads);
+    const CanvasPart &part = m_canvasParts.part(job.painting, scale, reached(job.part), threads);
     const QRect common = part.pixels().isNull() ? QRect() : part.rect() & whole;
     for (int y = common.top(); y <= common.bottom(); ++y) {
         const uchar *from =
@@ -164,27 +163,6 @@ FilterImage ViewRenderer::maskFor(const ViewJob &job, const QRect &rect, int thr
             to[x] = from[4 * x];
     }
     return scaledPart(mask, scaled(rect, job.size, canvas).translated(-whole.topLeft()), rect.size());
-}
-
-const CanvasPart &ViewRenderer::canvasPart(const ScaledPainting &painting, double scale, const QRect &rect, int threads)
-{
-    const QRect wanted = rect & QRect(QPoint(), CanvasPart::canvasSize(painting.frame, scale));
-    const QRect ample = wanted.adjusted(-kCanvasReach, -kCanvasReach, kCanvasReach, kCanvasReach);
-    const auto known = std::find_if(m_parts.begin(), m_parts.end(), [&](const KeptPart &kept) {
-        return kept.part.frame() == painting.frame && kept.part.scale() == scale &&
-               (kept.part.isOf(*painting.steps, *kept.steps) || kept.part.isAheadOf(*painting.steps, *kept.steps));
-    });
-    CanvasPart part(painting.frame, scale, ample);
-    if (known != m_parts.end()) {
-        if (known->part.stepCount() > painting.steps->size())
-            known->part.takeBack(*known->steps, painting.steps->size(), threads);
-        part = known->part.rect().contains(wanted) ? known->part : known->part.movedTo(ample, *known->steps, threads);
-        m_parts.erase(known);
-    }
-    part.drawOn(*painting.steps, threads);
-    if (m_parts.size() > 1)
-        m_parts.pop_back();
-    return m_parts.insert(m_parts.begin(), {std::move(part), painting.steps})->part;
 }
 
 } // namespace hazelmark

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "CanvasPart.h"
+#include "CanvasParts.h"
 #include "CoreFilterObject.h"
 #include "DisplayColors.h"
 #include "PhotoImage.h"
@@ -64,17 +64,10 @@ private:
     Sight sightOf(const ViewJob &job, double radius, int threads);
     QImage levelFor(const PhotoImagePtr &photo, QSize size, int threads);
     FilterImage maskFor(const ViewJob &job, const QRect &rect, int threads);
-    const CanvasPart &canvasPart(const ScaledPainting &painting, double scale, const QRect &rect, int threads);
 
     std::weak_ptr<PhotoImage> m_levelOf;
     QImage m_level;
-
-    struct KeptPart
-    {
-        CanvasPart part;
-        std::shared_ptr<const PaintStepList> steps; ///< that it was drawn from
-    };
-    std::vector<KeptPart> m_parts; ///< the last first: one for the mask and one for the screen
+    CanvasParts m_canvasParts;
 };
 
 } // namespace hazelmark

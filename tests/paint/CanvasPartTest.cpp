@@ -1,4 +1,4 @@
-#include "CanvasPart.h"
+#include "CanvasParts.h"
 
 #include "PaintCanvas.h"
 #include "PaintControl.h"
@@ -64,18 +64,6 @@ TEST(CanvasPart, HasThePixelsOfTheWholeCanvasHoweverItCameThere)
         drawn.drawOn(steps, 2);
         EXPECT_EQ(drawn.pixels(), whole.copy(rect)) << scale;
 
-        // The last strokes taken back, and drawn again.
-        for (const std::size_t count : {std::size_t(13), std::size_t(12), std::size_t(5), std::size_t(1)}) {
-            const PaintStepList fewer(steps.begin(), steps.begin() + std::ptrdiff_t(count));
-            ASSERT_TRUE(drawn.isAheadOf(fewer, steps));
-            EXPECT_FALSE(drawn.isAheadOf(steps, steps));
-            drawn.takeBack(steps, count, 2);
-            EXPECT_EQ(drawn.stepCount(), count);
-            EXPECT_EQ(drawn.pixels(), wholeCanvas(fewer, scale).copy(rect)) << count << " at " << scale;
-        }
-        drawn.drawOn(steps, 2);
-        EXPECT_EQ(drawn.pixels(), whole.copy(rect)) << scale;
-
         const QImage mask = ScaledPainting{std::make_shared<PaintStepList>(steps), kFrame, scale}.mask();
         ASSERT_EQ(mask.size(), size);
         int different = 0;
@@ -87,6 +75,37 @@ TEST(CanvasPart, HasThePixelsOfTheWholeCanvasHoweverItCameThere)
         others[3].setEraser(!others[3].eraser());
         EXPECT_TRUE(part.isOf(steps, steps));
         EXPECT_FALSE(part.isOf(others, steps)) << "a step before has become another";
+    }
+}
+
+TEST(CanvasParts, HasThePixelsOfTheWholeCanvasWhateverWasWantedBefore)
+{
+    PaintStepList steps = someSteps();
+    for (std::size_t i = 3; i < steps.size(); i += 2)
+        steps[i].setBrushPixelStep(0.05F); // so much work that snapshots are kept on the way
+    PaintStepList others = steps;
+    others[13].setEraser(!others[13].eraser());
+    struct Wish
+    {
+        const PaintStepList &steps;
+        std::size_t count;
+        double scale;
+        QRect rect;
+    };
+    const QRect first(20, 10, 150, 100);
+    const QRect next = first.translated(35, 40);
+    const std::vector<Wish> wishes = {
+        {steps, 25, 1, first},  {steps, 24, 1, first},  {steps, 13, 1, first},  {others, 25, 1, first},
+        {others, 20, 1, first}, {others, 25, 1, next},  {others, 18, 1, first}, {steps, 25, 2.5, next},
+        {steps, 10, 1, first},  {steps, 11, 2.5, next}, {steps, 1, 2.5, first}, {steps, 25, 1, next},
+    };
+    CanvasParts parts;
+    for (const Wish &wish : wishes) {
+        const PaintStepList wanted(wish.steps.begin(), wish.steps.begin() + std::ptrdiff_t(wish.count));
+        const ScaledPainting painting{std::make_shared<PaintStepList>(wanted), kFrame, 1};
+        const CanvasPart &part = parts.part(painting, wish.scale, wish.rect, 2);
+        ASSERT_TRUE(part.rect().contains(wish.rect));
+        EXPECT_EQ(part.pixels(), wholeCanvas(wanted, wish.scale).copy(part.rect())) << &wish - wishes.data();
     }
 }
 
