@@ -1,11 +1,15 @@
 #include "ViewRenderer.h"
 
+#include "LargeMemory.h"
 #include "ParallelFor.h"
 #include "Renderer.h"
 #include "Utils.h"
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <new>
+#include <utility>
 
 namespace hazelmark {
 
@@ -14,9 +18,11 @@ namespace {
 /// Cells of the blur lie on multiples of powers of two, counted from the picture's bottom left corner: what is cut out
 /// begins on one, so that they lie as they do in the whole picture.
 constexpr int kGrain = 256;
-/// What interpolation between pixels of a mask reaches beyond them.
-constexpr int kMaskReach = 4;
 constexpr int kGreen = 1;
+constexpr int kBandLines = 64;
+/// So many rectangles are drawn one after the other; more are drawn as one.
+constexpr int kMostRects = 24;
+constexpr QSize kEverywhere(1 << 30, 1 << 30);
 
 /// `rect` of a picture of the height `height`, counted from the bottom.
 QRectF fromBelow(const QRectF &rect, double height)
@@ -31,24 +37,64 @@ QRectF scaled(const QRectF &rect, QSizeF from, QSizeF to)
     return {rect.x() * x, rect.y() * y, rect.width() * x, rect.height() * y};
 }
 
-/// The pixels of `picture` in `rect` without a copy; `picture` outlives it.
-QImage cutOut(const QImage &picture, const QRect &rect)
-{
-    return {picture.constScanLine(rect.y()) + qsizetype(rect.x()) * (picture.depth() / 8), rect.width(), rect.height(),
-            picture.bytesPerLine(), picture.format()};
-}
-
-/// `part` and all that a disc in it reaches, cut on multiples of `grain`.
-QRect withReach(const QRect &part, QSize size, double radius, int grain)
+/// `part` and all that a disc in it reaches.
+QRect withReach(const QRect &part, QSize size, double radius)
 {
     const double most = std::hypot(size.width(), size.height());
     // Cells are a twentieth of the radius at most; some of them on each side are mixed.
-    const int reach = radius > 0 ? int(std::ceil(std::min(radius * 1.25, most))) + 16 : 0;
+    const int reach = int(std::ceil(std::min(radius * 1.25, most))) + 16;
     QRect rect = part.adjusted(-reach, -reach, reach, reach) & QRect(QPoint(), size);
-    rect.setLeft(rect.left() / grain * grain);
+    rect.setLeft(rect.left() / kGrain * kGrain);
     const int below = size.height() - 1 - rect.bottom();
-    rect.setBottom(size.height() - 1 - below / grain * grain);
+    rect.setBottom(size.height() - 1 - below / kGrain * kGrain);
     return rect;
+}
+
+/// Copies `rect`, which lies in both, from one picture to another of the same format. The corners say where they lie.
+void copyPixels(const QImage &from, QPoint fromCorner, QImage &to, QPoint toCorner, const QRect &rect, int threads)
+{
+    const qsizetype pixel = to.depth() / 8;
+    uchar *const bits = to.bits(); // here, on one thread: it may detach
+    const int bands = (rect.height() + kBandLines - 1) / kBandLines;
+    parallelFor(bands, threads, [&](int band) {
+        const int end = std::min(rect.top() + (band + 1) * kBandLines, rect.bottom() + 1);
+        for (int y = rect.top() + band * kBandLines; y < end; ++y)
+            std::memcpy(bits + (y - toCorner.y()) * to.bytesPerLine() + (rect.left() - toCorner.x()) * pixel,
+                        from.constScanLine(y - fromCorner.y()) + (rect.left() - fromCorner.x()) * pixel,
+                        std::size_t(rect.width() * pixel));
+    });
+}
+
+/// A picture of another part, with what both show.
+QImage moved(const QImage &picture, QPoint corner, const QRect &part, int threads)
+{
+    QImage other = makeLargeBitmap(part.size(), picture.format());
+    if (other.isNull())
+        throw std::bad_alloc();
+    copyPixels(picture, corner, other, part.topLeft(), QRect(corner, picture.size()) & part, threads);
+    return other;
+}
+
+/// The green of `rect` of a canvas, of which `pixels` begin at `corner`; premultiplied, what stands there over black.
+QImage greenOf(const QImage &pixels, QPoint corner, const QRect &rect, int threads)
+{
+    if (pixels.isNull())
+        return {};
+    QImage green(rect.size(), QImage::Format_Grayscale8);
+    if (green.isNull())
+        throw std::bad_alloc();
+    uchar *const bits = green.bits(); // here, on one thread: it may detach
+    parallelFor((rect.height() + kBandLines - 1) / kBandLines, threads, [&](int band) {
+        const int end = std::min((band + 1) * kBandLines, rect.height());
+        for (int y = band * kBandLines; y < end; ++y) {
+            const uchar *from =
+                pixels.constScanLine(rect.y() + y - corner.y()) + 4 * qsizetype(rect.x() - corner.x()) + kGreen;
+            uchar *to = bits + y * green.bytesPerLine();
+            for (int x = 0; x < rect.width(); ++x)
+                to[x] = from[4 * x];
+        }
+    });
+    return green;
 }
 
 /// Scales `rect` of the picture that measures `size` out of `source`.
@@ -79,8 +125,7 @@ ViewPicture ViewRenderer::render(const ViewJob &job, int threads)
     ViewJob wanted = job;
     wanted.part = part;
     ViewPicture picture{{}, job.size, part, {}, job.painting.steps};
-    const QByteArray profile = (job.photo ? job.photo : job.reduced)->iccProfile();
-    picture.shown = job.colors.shown(draw(wanted, threads), profile);
+    picture.shown = draw(wanted, threads);
     if (job.canvasScale > 1 && job.painting.steps && !job.painting.steps->empty()) {
         const QSize canvas = CanvasPart::canvasSize(job.painting.frame, job.canvasScale);
         picture.canvas =
@@ -92,29 +137,123 @@ ViewPicture ViewRenderer::render(const ViewJob &job, int threads)
 
 QImage ViewRenderer::draw(const ViewJob &job, int threads)
 {
-    const bool painted =
-        job.painting.scale > 1 ? job.painting.steps && !job.painting.steps->empty() : !job.canvas.isNull();
-    const float radius = painted ? Utils::sharedUtils().blurRadius(job.settings, job.size.width()) : 0.0f;
-    const Sight sight = sightOf(job, double(radius), threads);
-    const QRectF part = fromBelow(job.part.translated(-sight.rect.topLeft()), sight.rect.height());
-    const FilterImage inFocus(sight.pixels);
-    if (!(radius > 0.0f))
-        return Renderer(threads).draw(inFocus.croppedTo(part));
-    const FilterImage blurred = inFocus.clamped().discBlurred(radius);
-    const FilterImage mask = maskFor(job, sight.rect, threads);
-    return Renderer(threads).draw(FilterImage::blendWithMask(blurred, inFocus, mask).croppedTo(part));
+    const QImage source = sourceFor(job, threads);
+    const float radius = Utils::sharedUtils().blurRadius(job.settings, job.size.width());
+    Drawn drawn{{},
+                job.size,
+                job.part,
+                radius > 0 ? maskFor(job, threads) : Mask(),
+                source.cacheKey(),
+                radius,
+                job.colors.screenProfile()};
+    PartPainter painter(source, job.size, job.part);
+    if (!drawn.mask.values.isNull())
+        painter.setMask(drawn.mask.values, drawn.mask.rect.topLeft(), drawn.mask.canvas);
+
+    QRegion fresh = job.part;
+    const Drawn &last = m_last;
+    if (last.source == drawn.source && last.size == drawn.size && last.radius == drawn.radius &&
+        last.screenProfile == drawn.screenProfile) {
+        fresh -= last.part;
+        fresh += changes(drawn.mask, last.mask, painter) & job.part;
+    }
+    if (fresh.isEmpty() && last.part == job.part)
+        return last.shown;
+    if (fresh.rectCount() > kMostRects)
+        fresh = fresh.boundingRect();
+
+    std::vector<std::vector<PartPainter::Piece>> pieces;
+    for (const QRect &rect : fresh)
+        pieces.push_back(painter.pieces(rect, threads));
+    blur(painter, source, job, radius, pieces, threads);
+    const QByteArray profile = (job.photo ? job.photo : job.reduced)->iccProfile();
+    std::size_t i = 0;
+    for (const QRect &rect : fresh) {
+        QImage piece = job.colors.shown(painter.draw(rect, pieces[i], threads), profile);
+        ++i;
+        if (rect == job.part) {
+            drawn.shown = std::move(piece);
+            break;
+        }
+        if (drawn.shown.isNull())
+            drawn.shown = moved(last.shown, last.part.topLeft(), job.part, threads);
+        copyPixels(piece, rect.topLeft(), drawn.shown, job.part.topLeft(), rect, threads);
+    }
+    if (drawn.shown.isNull())
+        drawn.shown = moved(last.shown, last.part.topLeft(), job.part, threads);
+    m_last = std::move(drawn);
+    return m_last.shown;
 }
 
-ViewRenderer::Sight ViewRenderer::sightOf(const ViewJob &job, double radius, int threads)
+/// The pixels that may look otherwise than with the mask before.
+QRegion ViewRenderer::changes(const Mask &mask, const Mask &before, const PartPainter &painter)
+{
+    if (mask.values.isNull() && before.values.isNull())
+        return {};
+    if (mask.values.isNull() || before.values.isNull() || mask.canvas != before.canvas)
+        return QRect(QPoint(), kEverywhere);
+    QRegion changed;
+    const QRect common = mask.rect & before.rect;
+    const auto line = [&](const Mask &of, int y) {
+        return of.values.constScanLine(y - of.rect.y()) + (common.x() - of.rect.x());
+    };
+    for (int band = common.top(); band <= common.bottom(); band += kBandLines) {
+        int first = common.width();
+        int last = -1;
+        const int end = std::min(band + kBandLines, common.bottom() + 1);
+        for (int y = band; y < end; ++y) {
+            const uchar *now = line(mask, y);
+            const uchar *then = line(before, y);
+            if (std::memcmp(now, then, std::size_t(common.width())) == 0)
+                continue;
+            first = int(std::mismatch(now, now + first, then).first - now);
+            int x = common.width() - 1;
+            while (x > last && now[x] == then[x])
+                --x;
+            last = x;
+        }
+        if (first <= last)
+            changed += painter.reachedBy({common.x() + first, band, last - first + 1, end - band});
+    }
+    return changed;
+}
+
+/// Sees to it that the painter has the blur of what is painted.
+void ViewRenderer::blur(PartPainter &painter, const QImage &source, const ViewJob &job, float radius,
+                        const std::vector<std::vector<PartPainter::Piece>> &pieces, int threads)
+{
+    QRect painted;
+    for (const std::vector<PartPainter::Piece> &of : pieces)
+        for (const PartPainter::Piece &piece : of)
+            painted |= piece.painted;
+    if (painted.isEmpty())
+        return;
+    // The same disc on the picture that it is drawn from.
+    const double radiusOfSource = double(Utils::sharedUtils().blurRadius(job.settings, source.width()));
+    if (KeptBlur::canKeep(source.size(), radiusOfSource)) {
+        if (!m_blur || m_blurOf != source.cacheKey() || m_blur->radius() != radiusOfSource)
+            m_blur = std::make_unique<KeptBlur>(source.size(), radiusOfSource);
+        m_blurOf = source.cacheKey();
+        painter.setBlur(*m_blur);
+        QRegion cells;
+        for (const std::vector<PartPainter::Piece> &of : pieces)
+            cells += painter.cellsFor(of);
+        m_blur->provide(cells, source, threads);
+        return;
+    }
+    m_blur.reset();
+    const QRect rect = withReach(painted, job.size, double(radius));
+    const PartPainter sharp(source, job.size, rect);
+    const FilterImage sight(sharp.draw(rect, sharp.pieces(rect, threads), threads));
+    const QRectF wanted = fromBelow(painted.translated(-rect.topLeft()), rect.height());
+    painter.setBlurred(Renderer(threads).draw(sight.clamped().discBlurred(radius).croppedTo(wanted)),
+                       painted.topLeft());
+}
+
+QImage ViewRenderer::sourceFor(const ViewJob &job, int threads)
 {
     const bool reducedServes = job.reduced && covers(job.reduced->pixelSize(), job.size);
-    const QImage source = reducedServes ? job.reduced->bitmap() : levelFor(job.photo, job.size, threads);
-    if (source.size() == job.size) {
-        const QRect rect = withReach(job.part, job.size, radius, kGrain);
-        return {cutOut(source, rect), rect};
-    }
-    const QRect rect = withReach(job.part, job.size, radius, 1);
-    return {Renderer(threads).draw(scaledPart(source, scaled(rect, job.size, source.size()), rect.size())), rect};
+    return reducedServes ? job.reduced->bitmap() : levelFor(job.photo, job.size, threads);
 }
 
 /// The photo at the smallest half of a half ... of its size that is no smaller than `size`.
@@ -132,37 +271,23 @@ QImage ViewRenderer::levelFor(const PhotoImagePtr &photo, QSize size, int thread
     return level;
 }
 
-FilterImage ViewRenderer::maskFor(const ViewJob &job, const QRect &rect, int threads)
+/// What of the canvas is needed for the part.
+ViewRenderer::Mask ViewRenderer::maskFor(const ViewJob &job, int threads)
 {
     if (!(job.painting.scale > 1)) {
-        // Over black, the green of premultiplied pixels is what stands there.
-        const QImage &canvas = job.canvas;
-        const QImage green(canvas.constBits(), canvas.width(), canvas.height(), canvas.bytesPerLine(),
-                           QImage::Format_RGBX8888);
-        return scaledPart(green, scaled(rect, job.size, canvas.size()), rect.size());
+        if (job.canvas.isNull())
+            return {};
+        const QRect rect = PartPainter::maskReach(job.canvas.size(), job.size, job.part);
+        return {greenOf(job.canvas, {}, rect, threads), rect, job.canvas.size()};
     }
+    if (!job.painting.steps || job.painting.steps->empty())
+        return {};
     // No finer than what is drawn of it.
     const double scale = std::min(job.painting.scale, job.size.width() / job.painting.frame.width());
     const QSize canvas = CanvasPart::canvasSize(job.painting.frame, scale);
-    const auto reached = [&](const QRect &of) {
-        return scaled(of, job.size, canvas).toAlignedRect().adjusted(-kMaskReach, -kMaskReach, kMaskReach, kMaskReach) &
-               QRect(QPoint(), canvas);
-    };
-    const QRect whole = reached(rect);
-    QImage mask(whole.size(), QImage::Format_Grayscale8);
-    if (mask.isNull())
-        throw std::bad_alloc();
-    mask.fill(0);
-    const CanvasPart &part = m_canvasParts.part(job.painting, scale, reached(job.part), threads);
-    const QRect common = part.pixels().isNull() ? QRect() : part.rect() & whole;
-    for (int y = common.top(); y <= common.bottom(); ++y) {
-        const uchar *from =
-            part.pixels().constScanLine(y - part.rect().y()) + 4 * (common.x() - part.rect().x()) + kGreen;
-        uchar *to = mask.scanLine(y - whole.y()) + (common.x() - whole.x());
-        for (int x = 0; x < common.width(); ++x)
-            to[x] = from[4 * x];
-    }
-    return scaledPart(mask, scaled(rect, job.size, canvas).translated(-whole.topLeft()), rect.size());
+    const QRect rect = PartPainter::maskReach(canvas, job.size, job.part);
+    const CanvasPart &part = m_canvasParts.part(job.painting, scale, rect, threads);
+    return {greenOf(part.pixels(), part.rect().topLeft(), rect, threads), rect, canvas};
 }
 
 } // namespace hazelmark

@@ -3,11 +3,13 @@
 #include "CanvasParts.h"
 #include "CoreFilterObject.h"
 #include "DisplayColors.h"
+#include "PartPainter.h"
 #include "PhotoImage.h"
 #include "ScaledPainting.h"
 
 #include <QImage>
 #include <QRect>
+#include <QRegion>
 #include <QSize>
 
 #include <memory>
@@ -46,8 +48,9 @@ struct ViewPicture
 /// Draws what an export would show of a part of the photo: the photo scaled to a size, blurred by the radius of that
 /// size where it is painted. In full size these are the very pixels of the export, but for the darkening.
 ///
-/// Keeps, from one picture to the next, the photo at a power of two of its size and the canvas as it was needed last.
-/// One thread at a time.
+/// Keeps, from one picture to the next, what may serve again: the picture itself, of which only what has come into
+/// sight or was painted over is drawn anew; the photo at a power of two of its size; the blur of what was in sight; the
+/// canvas as it was needed. A picture has the same pixels whatever was drawn before it. One thread at a time.
 class ViewRenderer
 {
 public:
@@ -55,19 +58,42 @@ public:
     ViewPicture render(const ViewJob &job, int threads = 0);
 
 private:
-    struct Sight
+    /// The green of a part of the canvas.
+    struct Mask
     {
-        QImage pixels;
-        QRect rect; ///< what `pixels` shows of the photo: the part and what its blur reaches
+        QImage values; ///< Format_Grayscale8; null where nothing is painted
+        QRect rect;    ///< of the canvas
+        QSize canvas;
     };
+    /// What the last picture shows, and of what.
+    struct Drawn
+    {
+        QImage shown;
+        QSize size;
+        QRect part;
+        Mask mask;
+        qint64 source = 0;
+        float radius = 0;
+        QByteArray screenProfile;
+    };
+
     QImage draw(const ViewJob &job, int threads);
-    Sight sightOf(const ViewJob &job, double radius, int threads);
+    QImage sourceFor(const ViewJob &job, int threads);
+    void blur(PartPainter &painter, const QImage &source, const ViewJob &job, float radius,
+              const std::vector<std::vector<PartPainter::Piece>> &pieces, int threads);
     QImage levelFor(const PhotoImagePtr &photo, QSize size, int threads);
-    FilterImage maskFor(const ViewJob &job, const QRect &rect, int threads);
+    Mask maskFor(const ViewJob &job, int threads);
+
+    static QRegion changes(const Mask &mask, const Mask &before, const PartPainter &painter);
+
+    Drawn m_last;
 
     std::weak_ptr<PhotoImage> m_levelOf;
     QImage m_level;
     CanvasParts m_canvasParts;
+
+    std::unique_ptr<KeptBlur> m_blur;
+    qint64 m_blurOf = 0; ///< the bitmap's cacheKey()
 };
 
 } // namespace hazelmark

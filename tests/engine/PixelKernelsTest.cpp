@@ -3,6 +3,7 @@
 #include "Pictures.h"
 #include "Renderer.h"
 #include "Utils.h"
+#include "kernels/InterleavedRows.h"
 #include "kernels/PixelRows.h"
 #include "kernels/ScaleRows.h"
 #include "kernels/ToneRows.h"
@@ -69,6 +70,11 @@ void expectSamplesComeBack(std::size_t width, double full)
         }
         ASSERT_EQ(std::vector<Sample>(back.end() - 4, back.end()), std::vector<Sample>(4, 77));
     }
+    std::vector<Sample> packed(width + 1, 77);
+    kernels.unpackGray(pixels.data(), planes[0], width);
+    kernels.pack(planes[0], packed.data(), width);
+    ASSERT_TRUE(std::equal(packed.begin(), packed.end() - 1, pixels.begin()));
+    ASSERT_EQ(packed[width], 77);
     kernels.unpackGray(pixels.data(), planes[0], width);
     for (int channel = 0; channel < 4; ++channel) {
         kernels.unpackChannel(pixels.data(), channel, planes[1], width);
@@ -98,6 +104,40 @@ TEST_P(PixelKernels, ColoursAreMultipliedAndDividedByAlpha)
     expectEach(colours[2], 1e-7, [&](std::size_t i) { return before[std::size_t(start) + i] * rows[3].data[i]; });
     kernels::pixelRows().unpremultiply(colours, rows[3].data, width);
     expectEach(colours[2], 1e-6, [&](std::size_t i) { return i == width / 2 ? 0 : before[std::size_t(start) + i]; });
+}
+
+/// Pixels of four floats each.
+TEST_P(PixelKernels, InterleavedPixelsAgreeWithDoublePrecision)
+{
+    const std::size_t width = this->width();
+    constexpr int kTaps = 5;
+    const Row source = rowOf(randomValues(4 * (width + 12), 1));
+    const std::vector<float> weights = randomValues(kTaps * width, 2);
+    std::vector<int> first(width);
+    for (std::size_t i = 0; i < width; ++i)
+        first[i] = int(i + i % 7);
+    Row scaled(4 * width);
+    kernels::scalePixels(source.data, first.data(), weights.data(), kTaps, scaled.data, width);
+    const auto copyOf = [&](const Row &row) { return rowOf(std::vector<float>(row.data, row.data + 4 * width)); };
+    const Row mixed = copyOf(scaled);
+    kernels::blendPixels(source.data, weights.data(), mixed.data, width);
+    const Row divided = copyOf(source);
+    divided.data[4 * (width / 2) + 3] = 0;
+    const Row multiplied = copyOf(divided);
+    kernels::premultiplyPixels(multiplied.data, width);
+    kernels::unpremultiplyPixels(divided.data, width);
+    for (std::size_t i = 0; i < 4 * width; ++i) {
+        double sum = 0;
+        for (int t = 0; t < kTaps; ++t)
+            sum += double(weights[i / 4 * kTaps + std::size_t(t)]) * source.data[4 * (first[i / 4] + t) + int(i % 4)];
+        ASSERT_NEAR(scaled.data[i], sum, 1e-5) << i;
+        const double weight = weights[i / 4];
+        ASSERT_NEAR(mixed.data[i], weight * source.data[i] + (1 - weight) * sum, 1e-5) << i;
+        const double alpha = i / 4 == width / 2 ? 0 : source.data[i / 4 * 4 + 3];
+        const double value = i % 4 == 3 ? alpha : source.data[i];
+        ASSERT_NEAR(multiplied.data[i], i % 4 == 3 ? alpha : value * alpha, 1e-6) << i;
+        ASSERT_NEAR(divided.data[i], i % 4 == 3 ? alpha : alpha > 0 ? value / alpha : 0, 1e-5 / (alpha + 1e-9)) << i;
+    }
 }
 
 TEST_P(PixelKernels, BlendsAgreeWithDoublePrecision)

@@ -78,15 +78,19 @@ kernels::Taps tapsBefore(double p, const Interpolation &interpolation)
     return rounded;
 }
 
+kernels::Taps tapsAt(double p, const Interpolation &interpolation)
+{
+    if (p < 0.0)
+        return tapsBefore(p, interpolation);
+    kernels::Taps mirrored = tapsBefore(-p, interpolation);
+    std::reverse(mirrored.begin(), mirrored.end());
+    return mirrored;
+}
+
 /// For pixel q of a cell.
 kernels::Taps tapsAt(int q, int scale)
 {
-    const double p = (double(q) + 0.5) / scale - 0.5;
-    if (p < 0.0)
-        return tapsBefore(p, interpolationFor(scale));
-    kernels::Taps mirrored = tapsBefore(-p, interpolationFor(scale));
-    std::reverse(mirrored.begin(), mirrored.end());
-    return mirrored;
+    return tapsAt((double(q) + 0.5) / scale - 0.5, interpolationFor(scale));
 }
 
 constexpr int kMostKeptPhases = 64;
@@ -139,6 +143,15 @@ CellGrid::Place CellGrid::place(int pixel) const
     const int cell = floorDivided(pixel, m_scale);
     const int q = pixel - cell * m_scale;
     return {2 * q < m_scale ? cell - 3 : cell - 2, m_phases.empty() ? tapsAt(q, m_scale) : m_phases[std::size_t(q)]};
+}
+
+CellGrid::Place CellGrid::placeAt(double position) const
+{
+    const double cells = position / m_scale;
+    const int cell = int(std::floor(cells));
+    const double p = cells - cell - 0.5;
+    // That for the smallest cells knows the places of their two pixels alone.
+    return {p < 0.0 ? cell - 3 : cell - 2, tapsAt(p, m_scale == 2 ? kInterpolation8 : interpolationFor(m_scale))};
 }
 
 } // namespace hazelmark

@@ -44,6 +44,8 @@ public:
     };
     Place placeOfColumn(int x) const { return place(x - m_extent.left()); }
     Place placeOfRow(int y) const { return place(y - m_extent.top()); }
+    /// The same of any place along an axis, in pixels from the picture's corner; the middle of the first lies at 0.5.
+    Place placeAt(double position) const;
 
     /// The grid of the same picture with cells of another size.
     CellGrid withScale(int scale) const;

@@ -27,26 +27,6 @@ std::vector<QRect> blocksOf(const QRect &rect, int width, int height, const QReg
     return blocks;
 }
 
-void averageBlock(const CellGrid &grid, const QRect &block, const PrepareContext &context, CellPlanes &cells)
-{
-    const int scale = grid.scale();
-    Tile pixels = context.read(0, grid.pixelsOf(block));
-    const std::size_t width = std::size_t(pixels.width());
-    std::vector<float> sums(paddedWidth(pixels.width()) + 2 * kernels::kRowGrain * std::size_t(scale));
-    std::vector<std::uint16_t> samples(paddedWidth(block.width()));
-    const float factor = 65535.0f / (float(scale) * float(scale));
-    pixels.premultiply();
-    for (int c = 0; c < pixels.channels(); ++c) {
-        for (int k = block.top(); k <= block.bottom(); ++k) {
-            const int bottom = pixels.rect().top() + (k - block.top()) * scale;
-            for (int y = 0; y < scale; ++y)
-                kernels::addRow(pixels.row(c, bottom + y), sums.data(), y == 0, width);
-            kernels::averageCells(sums.data(), scale, factor, samples.data(), std::size_t(block.width()));
-            std::copy_n(samples.data(), block.width(), cells.at(c, block.left(), k));
-        }
-    }
-}
-
 /// The cells of twice the size.
 CellPlanes halved(const CellPlanes &fine, const CellGrid &grid)
 {
@@ -133,6 +113,26 @@ private:
 
 } // namespace
 
+void averageBlock(const CellGrid &grid, const QRect &block, const PrepareContext &context, CellPlanes &cells)
+{
+    const int scale = grid.scale();
+    Tile pixels = context.read(0, grid.pixelsOf(block));
+    const std::size_t width = std::size_t(pixels.width());
+    std::vector<float> sums(paddedWidth(pixels.width()) + 2 * kernels::kRowGrain * std::size_t(scale));
+    std::vector<std::uint16_t> samples(paddedWidth(block.width()));
+    const float factor = 65535.0f / (float(scale) * float(scale));
+    pixels.premultiply();
+    for (int c = 0; c < pixels.channels(); ++c) {
+        for (int k = block.top(); k <= block.bottom(); ++k) {
+            const int bottom = pixels.rect().top() + (k - block.top()) * scale;
+            for (int y = 0; y < scale; ++y)
+                kernels::addRow(pixels.row(c, bottom + y), sums.data(), y == 0, width);
+            kernels::averageCells(sums.data(), scale, factor, samples.data(), std::size_t(block.width()));
+            std::copy_n(samples.data(), block.width(), cells.at(c, block.left(), k));
+        }
+    }
+}
+
 CellPlanes averageIntoCells(const CellGrid &grid, const QRegion &needed, int channels, const PrepareContext &context)
 {
     if (grid.scale() > CellGrid::kLargestDirectScale) {
@@ -146,30 +146,31 @@ CellPlanes averageIntoCells(const CellGrid &grid, const QRegion &needed, int cha
     return cells;
 }
 
+void sumBlock(const CellPlanes &cells, const DiscSummer &disc, const QRect &block, CellPlanes &sums)
+{
+    const int reach = disc.reach();
+    DiscSummer::Scratch scratch = disc.makeScratch();
+    const std::size_t stride = paddedWidth(DiscSummer::kBlockWidth);
+    std::vector<float> means(stride * DiscSummer::kBlockHeight);
+    std::vector<std::uint16_t> samples(stride);
+    for (int c = 0; c < cells.channels(); ++c) {
+        const auto read = [&](int y, std::uint16_t *row) {
+            cells.copyClamped(c, block.left() - reach, block.top() + y, block.width() + 2 * reach, row);
+        };
+        disc.sum(scratch, block.width(), block.height(), read, means.data(), stride);
+        for (int y = 0; y < block.height(); ++y) {
+            kernels::quantizeRow(means.data() + std::size_t(y) * stride, samples.data(), std::size_t(block.width()));
+            std::copy_n(samples.data(), block.width(), sums.at(c, block.left(), block.top() + y));
+        }
+    }
+}
+
 CellPlanes sumOverDisc(const CellPlanes &cells, const DiscSummer &disc, const QRegion &needed,
                        const PrepareContext &context)
 {
     CellPlanes sums(needed.boundingRect(), cells.channels());
     const std::vector<QRect> blocks = blocksOf(sums.rect(), DiscSummer::kBlockWidth, DiscSummer::kBlockHeight, needed);
-    context.parallelFor(int(blocks.size()), [&](int i) {
-        const QRect &block = blocks[std::size_t(i)];
-        const int reach = disc.reach();
-        DiscSummer::Scratch scratch = disc.makeScratch();
-        const std::size_t stride = paddedWidth(DiscSummer::kBlockWidth);
-        std::vector<float> means(stride * DiscSummer::kBlockHeight);
-        std::vector<std::uint16_t> samples(stride);
-        for (int c = 0; c < cells.channels(); ++c) {
-            const auto read = [&](int y, std::uint16_t *row) {
-                cells.copyClamped(c, block.left() - reach, block.top() + y, block.width() + 2 * reach, row);
-            };
-            disc.sum(scratch, block.width(), block.height(), read, means.data(), stride);
-            for (int y = 0; y < block.height(); ++y) {
-                kernels::quantizeRow(means.data() + std::size_t(y) * stride, samples.data(),
-                                     std::size_t(block.width()));
-                std::copy_n(samples.data(), block.width(), sums.at(c, block.left(), block.top() + y));
-            }
-        }
-    });
+    context.parallelFor(int(blocks.size()), [&](int i) { sumBlock(cells, disc, blocks[std::size_t(i)], sums); });
     return sums;
 }
 

@@ -16,9 +16,8 @@ namespace {
 constexpr double kLeastSummedRadius = 4.5;
 static_assert(kLeastSummedRadius + 0.5 <= kernels::kMostReach);
 
-/// How far a disc of spans may be off, of 1; over cells it is not all the error there is.
+/// How far a disc of spans may be off, of 1; over cells it is not all the error there is, and less is allowed there.
 constexpr double kGoodOverPixels = 0.45 / 255.0;
-constexpr double kGoodOverCells = 0.35 / 255.0;
 
 /// Weights of one quadrant that sum to 1 over the disc, for kernels::weighRow().
 struct Weights

@@ -1,11 +1,10 @@
 #pragma once
 
 #include "FilterNode.h"
+#include "ScaleAxis.h"
 
 #include <QRectF>
 #include <QSize>
-
-#include <vector>
 
 namespace hazelmark {
 
@@ -24,23 +23,11 @@ public:
     FilterNodePtr singlePlane(int channel) const override;
 
 private:
-    /// The weights of one axis: output pixel i is the sum of weights[i * taps + t] x input pixel (first[i] + t).
-    struct Axis
-    {
-        Axis(double sourceStart, double sourceLength, int outputLength, int inputFirst, int inputLast);
-        int inputBegin(int output) const { return first[std::size_t(output)]; }
-        int inputEnd(int output) const { return first[std::size_t(output)] + taps; }
-
-        int taps;
-        std::vector<int> first;
-        std::vector<float> weights;
-    };
-
     QRect m_inputExtent;
     QRectF m_source;
     QSize m_size;
-    Axis m_across;
-    Axis m_along;
+    ScaleAxis m_across;
+    ScaleAxis m_along;
 };
 
 } // namespace hazelmark

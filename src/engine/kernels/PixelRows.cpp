@@ -135,6 +135,16 @@ void packRgb(const float *const *planes, int channels, Sample *pixels, std::size
         });
 }
 
+template <typename Sample>
+void pack(const float *values, Sample *samples, std::size_t count)
+{
+    const DF df;
+    const SampleTag<Sample> ds;
+    forRow(
+        count, [&](std::size_t i) { hn::StoreU(toSample<Sample>(hn::LoadU(df, values + i)), ds, samples + i); },
+        [&](std::size_t i) { samples[i] = sampleOf<Sample>(values[i]); });
+}
+
 void premultiplyRow(float *const *colours, const float *alpha, std::size_t width)
 {
     const DF df;
@@ -157,7 +167,8 @@ void unpremultiplyRow(float *const *colours, const float *alpha, std::size_t wid
 }
 
 template <typename Sample>
-constexpr SampleRows<Sample> kRows{unpackRgb<Sample>, unpackGray<Sample>, unpackChannel<Sample>, packRgb<Sample>};
+constexpr SampleRows<Sample> kRows{unpackRgb<Sample>, unpackGray<Sample>, unpackChannel<Sample>, packRgb<Sample>,
+                                   pack<Sample>};
 
 const PixelRows *Table()
 {

@@ -18,12 +18,14 @@ struct SampleRows
 {
     /// RGBX or RGBA, 4 samples a pixel, to `channels` (3 or 4) planes.
     void (*unpackRgb)(const Sample *pixels, float *const *planes, int channels, std::size_t width);
-    /// One sample a pixel to one plane.
+    /// One sample a pixel to one plane; or any samples, as they come.
     void (*unpackGray)(const Sample *pixels, float *plane, std::size_t width);
     /// Sample `channel` of every 4-sample pixel to one plane.
     void (*unpackChannel)(const Sample *pixels, int channel, float *plane, std::size_t width);
     /// 3 planes to RGBX (the fourth sample full) or 4 to RGBA.
     void (*packRgb)(const float *const *planes, int channels, Sample *pixels, std::size_t width);
+    /// Values to samples, as they come.
+    void (*pack)(const float *values, Sample *samples, std::size_t count);
 };
 
 struct PixelRows
