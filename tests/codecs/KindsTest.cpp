@@ -19,7 +19,8 @@ std::vector<uint8_t> bytesOf(const std::vector<T> &values)
     return std::vector<uint8_t>(bytes, bytes + values.size() * sizeof(T));
 }
 
-TestTiff page(int width, int bits, int samplesPerPixel, int photometric, std::vector<uint8_t> rows)
+TestTiff page(int width, int bits, int samplesPerPixel, int photometric, std::vector<uint8_t> rows,
+              std::vector<uint16_t> extraSamples = {})
 {
     TestTiff page;
     page.width = width;
@@ -27,14 +28,15 @@ TestTiff page(int width, int bits, int samplesPerPixel, int photometric, std::ve
     page.samplesPerPixel = samplesPerPixel;
     page.photometric = photometric;
     page.rows = std::move(rows);
+    page.extraSamples = std::move(extraSamples);
     return page;
 }
 
-TestTiff palette()
+TestTiff palette(int unit)
 {
     TestTiff page = hazelmark::page(3, 2, 1, PHOTOMETRIC_PALETTE, {0b00011011});
     for (const int value : {10, 255, 1, 0, 20, 0, 2, 0, 30, 128, 3, 0})
-        page.colorMap.push_back(uint16_t(value * 257));
+        page.colorMap.push_back(uint16_t(value * unit));
     return page;
 }
 
@@ -151,9 +153,7 @@ TEST_F(Kinds, ColoursAndAlphaComeStraightAndUnconverted)
     const std::vector<int> alphas = {50, 25, 0, 100, 9, 8, 7, 0, 200, 100, 1, 255};
     const std::vector<int> divided = {128, 64, 0, 100, 9, 8, 7, 0, 200, 100, 1, 255};
     const auto tiffWith = [&](uint16_t extra) {
-        TestTiff rgba = page(3, 8, 4, PHOTOMETRIC_RGB, {alphas.begin(), alphas.end()});
-        rgba.extraSamples = {extra};
-        return tiff({rgba});
+        return tiff({page(3, 8, 4, PHOTOMETRIC_RGB, {alphas.begin(), alphas.end()}, {extra})});
     };
     // Not taken for luminance and chroma: the reds, then red and green of the last.
     const QByteArray rgbJpeg = jpeg(TestJpeg::Colors::Rgb, {{200, 10, 30}, {0, 90, 250}});
@@ -166,7 +166,9 @@ TEST_F(Kinds, ColoursAndAlphaComeStraightAndUnconverted)
         {"TIFF multiplied alpha", tiffWith(EXTRASAMPLE_ASSOCALPHA), kRgba8, divided},
         {"TIFF selection", tiffWith(EXTRASAMPLE_UNSPECIFIED), kRgb8, {50, 25, 0, 255, 9, 8, 7, 255}},
         {"JPEG of RGB", rgbJpeg, kRgb8, {200, 0}, 8, ColorModel::Rgb, 0, 64},
-        {"TIFF palette", tiff({palette()}), kRgb8, opaque},
+        {"TIFF palette", tiff({palette(257)}), kRgb8, opaque},
+        {"TIFF palette of 8 bits", tiff({palette(1)}), kRgb8, opaque},
+        {"TIFF palette of 8 bits, shifted", tiff({palette(256)}), kRgb8, opaque},
     });
 }
 
@@ -188,6 +190,63 @@ TEST_F(Kinds, InkAndLabBecomeSrgb)
     });
 }
 
+TEST_F(Kinds, TiffSamplesOfEveryKind)
+{
+    constexpr uint16_t kAlpha = EXTRASAMPLE_UNASSALPHA, kMultiplied = EXTRASAMPLE_ASSOCALPHA;
+    constexpr int kBlack = PHOTOMETRIC_MINISBLACK, kRgb = PHOTOMETRIC_RGB;
+    const std::vector<int> lab16 = {185 * 257, 93 * 257, 81 * 257};
+    const auto shorts = [](const std::vector<uint16_t> &values) { return bytesOf(values); };
+    const auto floats = [](int bits, const std::vector<uint8_t> &row) {
+        TestTiff floats = page(2, bits, 1, PHOTOMETRIC_MINISBLACK, row);
+        floats.sampleFormat = SAMPLEFORMAT_IEEEFP;
+        return floats;
+    };
+    TestTiff coarse = page(2, 8, 3, PHOTOMETRIC_YCBCR, {100, 200, 30, 40, 90, 180});
+    coarse.height = 2;
+    TestTiff inJpeg = page(16, 8, 3, PHOTOMETRIC_YCBCR, {});
+    inJpeg.height = 16;
+    inJpeg.compression = COMPRESSION_JPEG;
+    for (int i = 0; i < 16 * 16; ++i)
+        inJpeg.rows.insert(inJpeg.rows.end(), {200, 90, 30});
+    const std::pair<TestTiff, Kind> rows[] = {
+        {page(2, 12, 1, kBlack, {0x12, 0x3f, 0xff}), {"12 bits", {}, kGray16, {4657, 65535}}},
+        {page(1, 32, 1, kBlack, {0x78, 0x56, 0x34, 0x12}), {"32 bits", {}, kGray16, {0x1234}}},
+        {page(1, 16, 1, PHOTOMETRIC_MINISWHITE, shorts({0x1234})), {"inverted", {}, kGray16, {0xedcb}}},
+        {floats(16, shorts({0x3800, 0x4200})), {"half floats", {}, kGray16, {32768, 65535}}},
+        {floats(64, bytesOf<double>({0.25, 2})), {"doubles", {}, kGray16, {16384, 65535}}},
+        {page(1, 8, 2, kBlack, {60, 128}, {kAlpha}), {"grey and alpha", {}, kRgba8, {60, 60, 60, 128}}},
+        {page(1, 8, 2, kBlack, {50, 100}, {kMultiplied}), {"grey, multiplied", {}, kRgba8, {128, 128, 128, 100}}},
+        {page(1, 16, 4, kRgb, shorts({1000, 500, 0, 20000}), {kMultiplied}),
+         {"multiplied, 16 bits", {}, kRgba16, {3277, 1638, 0, 20000}}},
+        {page(1, 8, 5, kRgb, {1, 2, 3, 99, 40}, {EXTRASAMPLE_UNSPECIFIED, kAlpha}),
+         {"alpha behind a selection", {}, kRgba8, {1, 2, 3, 40}}},
+        {page(1, 16, 4, PHOTOMETRIC_SEPARATED, shorts({51 * 257, 102 * 257, 0, 51 * 257})),
+         {"ink, 16 bits", {}, kRgb16, {41942, 31457, 52428}}},
+        {page(1, 16, 3, PHOTOMETRIC_CIELAB, shorts({33423, 37 * 256, 25 * 256})), {"Lab, 16 bits", {}, kRgb16, lab16}},
+        {page(1, 8, 3, PHOTOMETRIC_CIELAB, {153, 256 - 30, 20}), {"greenish Lab", {}, kRgb8, {94, 159, 108}}},
+        {page(1, 8, 3, PHOTOMETRIC_ICCLAB, {130, 165, 153}), {"ICC Lab", {}, kRgb8, {185, 93, 81}}},
+        {page(1, 16, 3, PHOTOMETRIC_ICCLAB, shorts({33293, 165 * 256, 153 * 256})),
+         {"ICC Lab, 16 bits", {}, kRgb16, lab16}},
+        {coarse, {"coarse chrominance", {}, kRgb8, {173, 76, 33, 255, 255, 176, 133, 255}}},
+        {inJpeg, {"JPEG in TIFF", {}, kRgb8, {200, 90, 30, 255, 200}}},
+    };
+    const auto modelOf = [](const TestTiff &page) {
+        return page.photometric < kRgb                     ? ColorModel::Gray
+               : page.photometric == PHOTOMETRIC_SEPARATED ? ColorModel::Cmyk
+               : page.photometric >= PHOTOMETRIC_CIELAB    ? ColorModel::Lab
+                                                           : ColorModel::Rgb;
+    };
+    std::vector<Kind> kinds;
+    for (auto [page, kind] : rows) {
+        kind.file = tiff({page});
+        kind.bits = page.bits;
+        kind.model = modelOf(page);
+        kind.tolerance = page.photometric > PHOTOMETRIC_SEPARATED ? 1.3 : 0; // through another space of colours
+        kinds.push_back(kind);
+    }
+    expectKinds(kinds);
+}
+
 TEST_F(Kinds, EveryLayoutOfTheSamplesGivesTheSamePixels)
 {
     std::vector<uint8_t> rows;
@@ -203,11 +262,14 @@ TEST_F(Kinds, EveryLayoutOfTheSamplesGivesTheSamePixels)
     }
     for (const int compression : {COMPRESSION_NONE, COMPRESSION_LZW}) {
         for (const int tileSide : {0, 16}) {
-            TestTiff other = plain;
-            other.compression = compression;
-            other.tileSide = tileSide;
-            other.orientation = ORIENTATION_RIGHTTOP; // told by the metadata, never applied here
-            EXPECT_TRUE(samePixels(decoded(tiff({other})).pixels, expected)) << compression << " " << tileSide;
+            for (const bool isPlanar : {false, true}) {
+                TestTiff other = plain;
+                other.compression = compression;
+                other.tileSide = tileSide;
+                other.isPlanar = isPlanar;
+                other.orientation = ORIENTATION_RIGHTTOP; // told by the metadata, never applied here
+                EXPECT_TRUE(samePixels(decoded(tiff({other})).pixels, expected)) << compression << " " << tileSide;
+            }
         }
     }
 }
@@ -266,14 +328,24 @@ TEST_F(Kinds, OnlyAbsoluteDensitiesAreResolutions)
         kind.extraChunk = QByteArray("\0\0\x2e\x23\0\0\x2e\x23", 8) + unit; // 11811 a metre
         return infoOf(makePng(kind, 1, 1, {1, 2, 3})).dpi;
     };
+    const auto ofTiff = [&](int unit) {
+        TestTiff kind = page(1, 8, 3, PHOTOMETRIC_RGB, {1, 2, 3});
+        kind.resolutionUnit = unit;
+        return infoOf(tiff({kind})).dpi;
+    };
     const std::optional<QSizeF> none;
     for (const auto &[dpi, expected] : {std::pair(ofJpeg(0), none),
                                         {ofJpeg(1), QSizeF(300, 300)},
                                         {ofJpeg(2), QSizeF(762, 762)},
                                         {ofPng(0), none},
-                                        {ofPng(1), QSizeF(300, 300)}}) {
+                                        {ofPng(1), QSizeF(300, 300)},
+                                        {ofTiff(0), none},
+                                        {ofTiff(RESUNIT_NONE), none},
+                                        {ofTiff(RESUNIT_INCH), QSizeF(300, 150)},
+                                        {ofTiff(RESUNIT_CENTIMETER), QSizeF(762, 381)}}) {
         ASSERT_EQ(dpi.has_value(), expected.has_value());
         EXPECT_NEAR(dpi.value_or(QSizeF()).width(), expected.value_or(QSizeF()).width(), 0.02);
+        EXPECT_NEAR(dpi.value_or(QSizeF()).height(), expected.value_or(QSizeF()).height(), 0.02);
     }
 }
 

@@ -107,18 +107,26 @@ namespace {
 
 void setTags(TIFF *tiff, const TestTiff &page)
 {
-    const std::pair<uint32_t, int> tags[] = {{TIFFTAG_SUBFILETYPE, page.subfileType},
-                                             {TIFFTAG_IMAGEWIDTH, page.width},
-                                             {TIFFTAG_IMAGELENGTH, page.height},
-                                             {TIFFTAG_BITSPERSAMPLE, page.bits},
-                                             {TIFFTAG_SAMPLESPERPIXEL, page.samplesPerPixel},
-                                             {TIFFTAG_PHOTOMETRIC, page.photometric},
-                                             {TIFFTAG_COMPRESSION, page.compression},
-                                             {TIFFTAG_SAMPLEFORMAT, page.sampleFormat},
-                                             {TIFFTAG_ORIENTATION, page.orientation},
-                                             {TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG}};
+    const std::pair<uint32_t, int> tags[] = {
+        {TIFFTAG_SUBFILETYPE, page.subfileType},
+        {TIFFTAG_IMAGEWIDTH, page.width},
+        {TIFFTAG_IMAGELENGTH, page.height},
+        {TIFFTAG_BITSPERSAMPLE, page.bits},
+        {TIFFTAG_SAMPLESPERPIXEL, page.samplesPerPixel},
+        {TIFFTAG_PHOTOMETRIC, page.photometric},
+        {TIFFTAG_COMPRESSION, page.compression},
+        {TIFFTAG_SAMPLEFORMAT, page.sampleFormat},
+        {TIFFTAG_ORIENTATION, page.orientation},
+        {TIFFTAG_PLANARCONFIG, page.isPlanar ? PLANARCONFIG_SEPARATE : PLANARCONFIG_CONTIG}};
     for (const auto &[tag, value] : tags)
         TIFFSetField(tiff, tag, value);
+    if (page.compression == COMPRESSION_JPEG)
+        TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+    if (page.resolutionUnit > 0) {
+        TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 300.0);
+        TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 150.0);
+        TIFFSetField(tiff, TIFFTAG_RESOLUTIONUNIT, page.resolutionUnit);
+    }
     if (!page.extraSamples.empty())
         TIFFSetField(tiff, TIFFTAG_EXTRASAMPLES, int(page.extraSamples.size()), page.extraSamples.data());
     if (!page.colorMap.empty()) {
@@ -130,11 +138,16 @@ void setTags(TIFF *tiff, const TestTiff &page)
         TIFFSetField(tiff, TIFFTAG_TILEWIDTH, page.tileSide);
         TIFFSetField(tiff, TIFFTAG_TILELENGTH, page.tileSide);
     } else {
-        TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, 3);
+        TIFFSetField(tiff, TIFFTAG_ROWSPERSTRIP, page.photometric == PHOTOMETRIC_YCBCR ? page.height : 3);
     }
 }
 
-void writeRows(TIFF *tiff, const TestTiff &page)
+bool isSubsampled(const TestTiff &page)
+{
+    return page.photometric == PHOTOMETRIC_YCBCR && page.compression == COMPRESSION_NONE;
+}
+
+void writeRows(TIFF *tiff, const TestTiff &page, uint16_t plane = 0)
 {
     const size_t rowBytes = page.rows.size() / size_t(page.height);
     const auto samplesAt = [&](int x, int y) {
@@ -142,7 +155,7 @@ void writeRows(TIFF *tiff, const TestTiff &page)
     };
     for (int y = 0; y < page.height && page.tileSide == 0; ++y) {
         std::vector<uint8_t> row(samplesAt(0, y), samplesAt(0, y + 1)); // a copy: the library may swap bytes in place
-        TIFFWriteScanline(tiff, row.data(), uint32_t(y));
+        TIFFWriteScanline(tiff, row.data(), uint32_t(y), plane);
     }
     for (int top = 0; top < page.height && page.tileSide > 0; top += page.tileSide) {
         for (int left = 0; left < page.width; left += page.tileSide) {
@@ -150,7 +163,7 @@ void writeRows(TIFF *tiff, const TestTiff &page)
             const int right = std::min(page.width, left + page.tileSide);
             for (int y = top; y < std::min(page.height, top + page.tileSide); ++y)
                 std::copy(samplesAt(left, y), samplesAt(right, y), tile.begin() + (y - top) * TIFFTileRowSize(tiff));
-            TIFFWriteTile(tiff, tile.data(), uint32_t(left), uint32_t(top), 0, 0);
+            TIFFWriteTile(tiff, tile.data(), uint32_t(left), uint32_t(top), 0, plane);
         }
     }
 }
@@ -162,7 +175,17 @@ QByteArray makeTiff(const std::vector<TestTiff> &pages, const QString &scratchPa
     TIFF *tiff = TIFFOpen(QFile::encodeName(scratchPath).constData(), "w");
     for (const TestTiff &page : pages) {
         setTags(tiff, page);
-        writeRows(tiff, page);
+        if (isSubsampled(page)) // blocks of 2 x 2 luminances and two chrominances, which no row can be told of
+            TIFFWriteEncodedStrip(tiff, 0, std::vector(page.rows).data(), tmsize_t(page.rows.size()));
+        for (int plane = 0; page.isPlanar && plane < page.samplesPerPixel; ++plane) {
+            TestTiff single = page;
+            single.rows.clear();
+            for (size_t at = size_t(plane); at < page.rows.size(); at += size_t(page.samplesPerPixel))
+                single.rows.push_back(page.rows[at]);
+            writeRows(tiff, single, uint16_t(plane));
+        }
+        if (!isSubsampled(page) && !page.isPlanar)
+            writeRows(tiff, page);
         TIFFWriteDirectory(tiff);
     }
     TIFFClose(tiff);
