@@ -242,8 +242,7 @@ public:
         QElapsedTimer clock;
         clock.start();
         send(QEvent::MouseButtonRelease, {0.5, 0.5});
-        waitForPicture();
-        return double(clock.nsecsElapsed()) * 1e-9;
+        return secondsUntilPicture(clock);
     }
 
     double secondsToUndo()
@@ -252,8 +251,7 @@ public:
         QElapsedTimer clock;
         clock.start();
         m_screen->session().undo();
-        waitForPicture();
-        return double(clock.nsecsElapsed()) * 1e-9;
+        return secondsUntilPicture(clock);
     }
 
     void waitForView()
@@ -360,6 +358,15 @@ private:
     {
         waitUntil([&] { return m_viewDrawn; });
         m_screen->mainScreenView()->vwPreviewContainer->repaint();
+    }
+
+    /// The preview that nobody sees follows: it is over before a hand asks for something again.
+    double secondsUntilPicture(const QElapsedTimer &since)
+    {
+        waitForPicture();
+        const double seconds = double(since.nsecsElapsed()) * 1e-9;
+        waitUntil([&] { return !m_screen->session().hasPreviewsUnderWay(); });
+        return seconds;
     }
 
     /// Those that follow an opening or a new layout after a while.

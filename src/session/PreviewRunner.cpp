@@ -4,6 +4,7 @@
 #include "RenderJobs.h"
 
 #include <new>
+#include <utility>
 
 namespace hazelmark {
 
@@ -45,6 +46,7 @@ PreviewRunner::Render PreviewRunner::realRender()
 
 void PreviewRunner::startPhoto()
 {
+    release();
     ++m_photo;
     setSource(nullptr, nullptr);
 }
@@ -56,8 +58,19 @@ void PreviewRunner::setSource(const PhotoImagePtr &resizedInputImage, const Phot
     m_source->maskImage = maskImage;
 }
 
+void PreviewRunner::release()
+{
+    m_isHeld = false;
+    for (const CoreFilterObject &settings : std::exchange(m_held, {}))
+        request(settings);
+}
+
 void PreviewRunner::request(const CoreFilterObject &settings)
 {
+    if (m_isHeld) {
+        m_held.push_back(settings);
+        return;
+    }
     m_queue.run(
         [render = m_render, source = m_source, colors = m_colors, settings] {
             PreviewJob job;
@@ -81,6 +94,7 @@ void PreviewRunner::request(const CoreFilterObject &settings)
 
 void PreviewRunner::requestInput(const PhotoImagePtr &resizedInputImage)
 {
+    release();
     const quint64 request = ++*m_latestInput;
     m_queue.run(
         [resizedInputImage, colors = m_colors, latest = m_latestInput, request] {

@@ -12,6 +12,7 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <vector>
 
 namespace hazelmark {
 
@@ -45,10 +46,13 @@ public:
     /// that is set when it begins, not the one at the time of the request.
     void setSource(const PhotoImagePtr &resizedInputImage, const PhotoImagePtr &maskImage);
     /// Whether something that was asked for has not arrived yet.
-    bool isBusy() const { return m_queue.pending() > 0; }
+    bool isBusy() const { return m_queue.pending() > 0 || !m_held.empty(); }
     /// Asks for a preview.
     void request(const CoreFilterObject &settings);
-    /// Asks for the picture as it is; one that is replaced by another before its turn comes is left out.
+    /// Previews that are asked for from now on begin with release(): something else needs the processors first.
+    void hold() { m_isHeld = true; }
+    void release();
+    /// Asks for the picture as it is; one that is replaced by another before its turn comes is left out. Releases.
     void requestInput(const PhotoImagePtr &resizedInputImage);
 
 signals:
@@ -67,6 +71,8 @@ private:
 
     Render m_render;
     DisplayColors m_colors;
+    bool m_isHeld = false;
+    std::vector<CoreFilterObject> m_held; ///< asked for since
     quint64 m_photo = 0;
     std::shared_ptr<Source> m_source = std::make_shared<Source>();
     std::shared_ptr<std::atomic<quint64>> m_latestInput = std::make_shared<std::atomic<quint64>>(0);

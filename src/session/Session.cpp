@@ -25,6 +25,7 @@ Session::Session(PaintCanvas &canvas, Work work, QObject *parent)
         emit previewRendered(shown);
     });
     connect(&m_view, &ViewRunner::drawn, this, &Session::viewDrawn);
+    connect(&m_view, &ViewRunner::rested, this, [this] { m_previews.release(); });
     connect(&m_full, &FullPhoto::changed, this, [this] {
         if (m_full.image())
             drawSight();
@@ -241,6 +242,8 @@ void Session::requestPreview(const CoreFilterObject &settings)
     if (!m_resizedInputImage || (!m_painting.maskImage() && !m_overlayImage))
         return;
     m_previews.setSource(m_resizedInputImage, m_painting.maskImage());
+    if (m_sight && m_view.isBusy())
+        m_previews.hold();
     m_previews.request(settings);
 }
 
@@ -271,6 +274,7 @@ void Session::leaveView()
 {
     m_sight.reset();
     m_view.forget();
+    m_previews.release();
     m_full.giveBackIfShort();
 }
 

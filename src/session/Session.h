@@ -107,7 +107,8 @@ public:
 
     // Previews.
 
-    /// Renders what is painted now. Nothing to render: nothing comes.
+    /// Renders what is painted now. Nothing to render: nothing comes. While a picture near the photo is drawn, which is
+    /// what is seen, the preview waits for it.
     void requestPreview(const CoreFilterObject &settings);
     bool hasPreviewsUnderWay() const { return m_previews.isBusy(); }
     const PhotoImagePtr &overlayImage() const { return m_overlayImage; }

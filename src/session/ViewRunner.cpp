@@ -44,6 +44,8 @@ void ViewRunner::runWish()
                     }
                     if (isWanted && !drawn.picture.shown.isNull())
                         emit this->drawn(drawn.picture);
+                    if (!isBusy())
+                        emit rested();
                 });
 }
 

@@ -27,6 +27,8 @@ public:
 
 signals:
     void drawn(const hazelmark::ViewPicture &picture);
+    /// All that was asked for is drawn, or given up: isBusy() no more.
+    void rested();
 
 private:
     struct Shared

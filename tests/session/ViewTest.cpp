@@ -284,4 +284,34 @@ TEST_F(View, DrawsTheNewestWishOfAnyPicture)
     }
 }
 
+/// What is seen comes first; every preview comes in the end.
+TEST_F(View, IsDrawnBeforeThePreviewsThatAreAskedForMeanwhile)
+{
+    std::atomic<bool> hasComeNear = false;
+    std::atomic<int> early = 0;
+    m_work.render = [&](const PreviewJob &job) {
+        early += hasComeNear ? 0 : 1;
+        return job.resizedInputImage;
+    };
+    begin(photo("a.png", {1200, 800}));
+    QObject::connect(m_session.get(), &Session::viewDrawn, m_session.get(), [&] { hasComeNear = true; });
+    paintAt(1, {0.3, 0.4}, {0.6, 0.5});
+    ASSERT_TRUE(QTest::qWaitFor([&] { return m_previews.size() == 1; }));
+    picture({1200, 800}, {0, 0, 100, 100});
+    for (const bool leaves : {false, true}) {
+        hasComeNear = leaves; // or none will come, and the previews do all the same
+        early = 0;
+        m_previews.clear();
+        m_session->requestView({1200, 800}, {0, 0, 1200, 800}, 1, m_settings);
+        requestPreview();
+        requestPreview();
+        EXPECT_TRUE(m_session->hasPreviewsUnderWay());
+        if (leaves)
+            m_session->leaveView();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return m_previews.size() == 2; }));
+        EXPECT_EQ(early, 0);
+        EXPECT_FALSE(m_session->hasPreviewsUnderWay());
+    }
+}
+
 } // namespace hazelmark
