@@ -3,6 +3,7 @@
 #include "Sandbox.h"
 
 #include <cerrno>
+#include <csignal>
 #include <new>
 
 #include <sys/mman.h>
@@ -91,6 +92,9 @@ void decode(MakeForeignDecoder makeDecoder)
 
 int runDecoder(MakeForeignDecoder makeDecoder)
 {
+    sigset_t none;
+    sigemptyset(&none);
+    ::sigprocmask(SIG_SETMASK, &none, nullptr); // who starts this program has blocked them all
     Excuse excuse;
     try {
         decode(makeDecoder);

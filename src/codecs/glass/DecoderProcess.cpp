@@ -6,6 +6,7 @@
 #include <QCoreApplication>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <csignal>
@@ -16,6 +17,7 @@
 
 #include <fcntl.h>
 #include <poll.h>
+#include <sched.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
 #include <sys/socket.h>
@@ -38,6 +40,7 @@ constexpr int kNoProgramStatus = 127; ///< as a shell says it
 constexpr int kPhotoPlace = 3;
 constexpr int kMemoryPlace = 4;
 constexpr int kChannelPlace = 5;
+constexpr std::array kPlaces = {kPhotoPlace, kMemoryPlace, kChannelPlace};
 
 std::mutex g_programMutex;
 QString g_program; ///< of setProgram()
@@ -53,71 +56,20 @@ FileDescriptor movedUp(int descriptor)
     return FileDescriptor(::fcntl(descriptor, F_DUPFD_CLOEXEC, 16));
 }
 
-/// Little of this program's surroundings is the decoder's business.
+/// Little of this program's surroundings is the decoder's business. A process of one picture needs its memory once: in
+/// large pages where there are any, from one arena, and none given back before the end. That halves what the system
+/// does for it.
 std::vector<QByteArray> environment()
 {
-    std::vector<QByteArray> kept = {"LC_ALL=C.UTF-8", "QT_NO_GLIB=1"};
+    std::vector<QByteArray> kept = {"LC_ALL=C.UTF-8", "QT_NO_GLIB=1",
+                                    "GLIBC_TUNABLES=glibc.malloc.hugetlb=1:glibc.malloc.arena_max=1:"
+                                    "glibc.malloc.mmap_threshold=33554432:glibc.malloc.trim_threshold=268435456:"
+                                    "glibc.malloc.top_pad=16777216"};
     for (const char *name : {"LD_LIBRARY_PATH", "QT_PLUGIN_PATH", "ASAN_OPTIONS", "UBSAN_OPTIONS", "TZ"}) {
         if (qEnvironmentVariableIsSet(name))
             kept.push_back(QByteArray(name) + '=' + qgetenv(name));
     }
     return kept;
-}
-
-/// What the process is made of; all of it is ready before there are two, since after that no memory may be asked for.
-struct Start
-{
-    const char *path;
-    char *const *arguments;
-    char *const *variables;
-    std::array<int, 3> descriptors;
-    bool isSilent; ///< what libraries have to say is thrown away
-};
-
-/// In the new process.
-[[noreturn]] void become(const Start &start)
-{
-    for (int number = 1; number < NSIG; ++number)
-        std::signal(number, SIG_DFL);
-    sigset_t none;
-    sigemptyset(&none);
-    ::sigprocmask(SIG_SETMASK, &none, nullptr);
-    const int nothing = ::open("/dev/null", O_RDWR | O_CLOEXEC);
-    ::dup2(nothing, STDIN_FILENO);
-    ::dup2(nothing, STDOUT_FILENO);
-    if (start.isSilent)
-        ::dup2(nothing, STDERR_FILENO);
-    constexpr std::array kPlaces = {kPhotoPlace, kMemoryPlace, kChannelPlace};
-    for (size_t index = 0; index < kPlaces.size(); ++index)
-        ::dup2(start.descriptors[index], kPlaces[index]);
-    ::execve(start.path, start.arguments, start.variables);
-    ::_exit(kNoProgramStatus);
-}
-
-/// 0 when there is none. (fork() rather than posix_spawn(), during which this thread would wait for a process that
-/// somebody stops.)
-pid_t spawn(const QString &program, const QByteArray &kind, const std::array<int, 3> &descriptors)
-{
-    const QByteArray path = QFile::encodeName(program);
-    const std::array<char *, 3> arguments = {const_cast<char *>(path.constData()), const_cast<char *>(kind.constData()),
-                                             nullptr};
-    const std::vector<QByteArray> variables = environment();
-    std::vector<char *> pointers;
-    for (const QByteArray &variable : variables)
-        pointers.push_back(const_cast<char *>(variable.constData()));
-    pointers.push_back(nullptr);
-    const Start start{path.constData(), arguments.data(), pointers.data(), descriptors, !lcCodecs().isInfoEnabled()};
-    sigset_t all, before;
-    sigfillset(&all);
-    ::pthread_sigmask(SIG_SETMASK, &all, &before); // what this program does at a signal is not for the other to do
-    const pid_t process = ::fork();
-    if (process == 0)
-        become(start);
-    const int error = errno;
-    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    if (process < 0)
-        qCWarning(lcCodecs).noquote() << program + QStringLiteral(": cannot be started:") << std::strerror(error);
-    return std::max(process, 0);
 }
 
 void raiseLimit(pid_t process, __rlimit_resource resource, qint64 value)
@@ -150,6 +102,50 @@ void unmap(void *mapping)
 
 } // namespace
 
+/// What the process is made of. For a moment it has this program's memory, on a stack of its own, so that nothing of
+/// that has to be copied or marked, however much it is.
+struct DecoderProcess::Start
+{
+    alignas(16) std::array<std::byte, 32 * 1024> stack;
+    QByteArray path;
+    QByteArray kind;
+    std::vector<QByteArray> variables;
+    std::array<char *, 3> arguments;
+    std::vector<char *> pointers; ///< to the variables
+    std::array<int, 3> descriptors;
+    int nothing;   ///< a descriptor of what is empty and swallows all
+    bool isSilent; ///< what libraries have to say is thrown away
+};
+
+/// In the new process: calls of the system that do not fail, so that nothing of this program's memory changes. All
+/// signals are blocked, until the decoder is there.
+[[gnu::no_sanitize_address]] int DecoderProcess::become(void *start)
+{
+    const Start &from = *static_cast<const Start *>(start);
+    ::dup2(from.nothing, STDIN_FILENO);
+    ::dup2(from.nothing, STDOUT_FILENO);
+    if (from.isSilent)
+        ::dup2(from.nothing, STDERR_FILENO);
+    for (size_t index = 0; index < from.descriptors.size(); ++index)
+        ::dup2(from.descriptors[index], kPlaces[index]);
+    ::execve(from.path.constData(), from.arguments.data(), from.pointers.data());
+    return kNoProgramStatus;
+}
+
+/// 0 when there is none. (Nothing here waits for the new process to become the program: somebody may stop it.)
+pid_t DecoderProcess::spawn(Start &start)
+{
+    sigset_t all, before;
+    sigfillset(&all);
+    ::pthread_sigmask(SIG_SETMASK, &all, &before); // what this program does at a signal is not for the other to do
+    const pid_t process = ::clone(become, start.stack.data() + start.stack.size(), CLONE_VM | SIGCHLD, &start);
+    const int error = errno;
+    ::pthread_sigmask(SIG_SETMASK, &before, nullptr);
+    if (process < 0)
+        qCWarning(lcCodecs).noquote() << start.path + ": cannot be started:" << std::strerror(error);
+    return std::max(process, 0);
+}
+
 void DecoderProcess::setProgram(const QString &path)
 {
     const std::lock_guard lock(g_programMutex);
@@ -175,17 +171,32 @@ Outcome<std::unique_ptr<DecoderProcess>> DecoderProcess::start(const SourceFile 
         return source.failure(Failure::Reason::OutOfMemory, QString::fromLocal8Bit(std::strerror(errno)));
     FileDescriptor ours(ends[0]);
     const FileDescriptor theirs(ends[1]);
-    const std::array moved = {movedUp(source.descriptor()), movedUp(memory.get()), movedUp(theirs.get())};
-    if (!moved[0] || !moved[1] || !moved[2])
+    const std::array moved = {movedUp(source.descriptor()), movedUp(memory.get()), movedUp(theirs.get()),
+                              FileDescriptor(::open("/dev/null", O_RDWR | O_CLOEXEC))};
+    if (!std::all_of(moved.begin(), moved.end(), [](const FileDescriptor &one) { return bool(one); }))
         return source.failure(Failure::Reason::OutOfMemory, QString::fromLocal8Bit(std::strerror(errno)));
-    const pid_t process = spawn(path, kind, {moved[0].get(), moved[1].get(), moved[2].get()});
+    std::unique_ptr<Start> start(new Start);
+    start->path = QFile::encodeName(path);
+    start->kind = kind;
+    start->variables = environment();
+    start->arguments = {start->path.data(), start->kind.data(), nullptr};
+    for (QByteArray &variable : start->variables)
+        start->pointers.push_back(variable.data());
+    start->pointers.push_back(nullptr);
+    start->descriptors = {moved[0].get(), moved[1].get(), moved[2].get()};
+    start->nothing = moved[3].get();
+    start->isSilent = !lcCodecs().isInfoEnabled();
+    const pid_t process = spawn(*start);
     if (process == 0)
         return source.failure(Failure::Reason::UnsupportedFormat, QStringLiteral("its decoder cannot be started"));
-    return std::unique_ptr<DecoderProcess>(new DecoderProcess(source, process, std::move(ours), std::move(memory)));
+    return std::unique_ptr<DecoderProcess>(
+        new DecoderProcess(source, process, std::move(start), std::move(ours), std::move(memory)));
 }
 
-DecoderProcess::DecoderProcess(const SourceFile &source, pid_t process, FileDescriptor channel, FileDescriptor memory)
+DecoderProcess::DecoderProcess(const SourceFile &source, pid_t process, std::unique_ptr<Start> start,
+                               FileDescriptor channel, FileDescriptor memory)
     : m_source(source)
+    , m_start(std::move(start))
     , m_process(process)
     , m_channel(std::move(channel))
     , m_memory(std::move(memory))
@@ -204,7 +215,7 @@ DecoderProcess::~DecoderProcess()
             return;
         std::this_thread::sleep_for(1ms);
     }
-    std::thread(reap, m_process).detach();
+    std::thread([process = m_process, start = std::move(m_start)] { reap(process); }).detach();
 }
 
 int DecoderProcess::endStatus()
@@ -365,8 +376,6 @@ std::optional<Failure> DecoderProcess::awaitEnd()
 
 Outcome<QImage> DecoderProcess::takePixels(QSize size, qsizetype bytesPerLine, QImage::Format format)
 {
-    if (const std::optional<Failure> failure = awaitEnd())
-        return *failure;
     const auto outOfMemory = [&] {
         return m_source.failure(Failure::Reason::OutOfMemory, QString::fromLocal8Bit(std::strerror(errno)));
     };
@@ -380,6 +389,8 @@ Outcome<QImage> DecoderProcess::takePixels(QSize size, qsizetype bytesPerLine, Q
         unmap(mapping);
         return outOfMemory();
     }
+    if (const std::optional<Failure> failure = awaitEnd()) // before a pixel is looked at
+        return *failure;
     return pixels;
 }
 

@@ -41,7 +41,11 @@ public:
     static QString program();
 
 private:
-    DecoderProcess(const SourceFile &source, pid_t process, FileDescriptor channel, FileDescriptor memory);
+    struct Start;
+    static int become(void *start);
+    static pid_t spawn(Start &start);
+    DecoderProcess(const SourceFile &source, pid_t process, std::unique_ptr<Start> start, FileDescriptor channel,
+                   FileDescriptor memory);
     Failure end(const QString &why);
     Failure failureOfEnd(int status) const;
     /// Its status when it has ended, or -1.
@@ -53,7 +57,8 @@ private:
     std::optional<Failure> watch(std::chrono::nanoseconds begin, std::chrono::nanoseconds allowance);
 
     const SourceFile &m_source;
-    pid_t m_process; ///< 0 once it has ended and been taken leave of
+    std::unique_ptr<Start> m_start; ///< as long as the process may live in it
+    pid_t m_process;                ///< 0 once it has ended and been taken leave of
     FileDescriptor m_channel;
     FileDescriptor m_memory;
     qint64 m_memorySize = 0;
