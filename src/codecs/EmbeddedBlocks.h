@@ -14,6 +14,7 @@ struct EmbeddedBlocks
     QByteArray xmp;         ///< the packet
     QByteArray extendedXmp; ///< JPEG only: the part of the packet that did not fit into one segment
     std::vector<PngText> texts;
+    bool lacksNote = false; ///< TIFF only: a maker's note lies where no block can have it (but see readForeignBlocks())
 };
 
 /// Every IIM record begins with it.

@@ -1,5 +1,5 @@
+#include "ContainerMetadata.h"
 #include "ForeignDecoder.h"
-#include "RawMetadata.h"
 
 #include <algorithm>
 #include <new>
@@ -22,6 +22,32 @@ void check(int result)
                     : isCut   ? Trouble::Truncated
                               : Trouble::Damaged,
                     libraw_strerror(result));
+}
+
+/// The others are private, or say how the samples are to be developed.
+bool isOfThePhoto(uint16_t tag)
+{
+    enum {
+        Description = 270,
+        Make = 271,
+        Model = 272,
+        Orientation = 274,
+        ResolutionX = 282,
+        ResolutionY = 283,
+        ResolutionUnit = 296,
+        Software = 305,
+        DateTime = 306,
+        Artist = 315,
+        HostComputer = 316,
+        Rating = 18246,
+        Copyright = 33432
+    };
+    for (const int known : {Description, Make, Model, Orientation, ResolutionX, ResolutionY, ResolutionUnit, Software,
+                            DateTime, Artist, HostComputer, Rating, Copyright}) {
+        if (tag == known)
+            return true;
+    }
+    return false;
 }
 
 class RawPhoto : public ForeignDecoder
@@ -66,7 +92,7 @@ Header RawPhoto::readHeader()
     header.layout = Layout::Rgbx16;
     header.bitsPerChannel = 16;
     header.isTurned = true;
-    takeRawMetadata(m_photo, header);
+    takeMetadata(m_photo, isOfThePhoto, header);
     return header;
 }
 

@@ -2,6 +2,7 @@
 
 #include "ExifDirectories.h"
 #include "ExifFilter.h"
+#include "ExifGroups.h"
 #include "ExifValues.h"
 #include "PictureSearch.h"
 #include "TiffTags.h"
@@ -22,12 +23,6 @@ constexpr quint16 kImageLength = 0x0101;
 constexpr quint16 kPixelXDimension = 0xa002;
 constexpr quint16 kPixelYDimension = 0xa003;
 
-/// The groups of tags that describe a picture other than the file's own.
-constexpr std::array kPictureGroups = {
-    "Thumbnail", "Image2",    "Image3",    "SubImage1", "SubImage2", "SubImage3",    "SubImage4",      "SubImage5",
-    "SubImage6", "SubImage7", "SubImage8", "SubImage9", "SubThumb1", "NikonPreview", "SamsungPreview", "MpfInfo",
-};
-
 /// Tags in maker's notes that hold or lead to a preview.
 constexpr std::array kPreviewTags = {
     "Thumbnail",     "ThumbnailImage",    "ThumbnailOffset",    "ThumbnailLength",   "Preview",
@@ -45,11 +40,6 @@ bool contains(const List &list, const Element &element)
     return std::find(list.begin(), list.end(), element) != list.end();
 }
 
-bool isOfPicture(const Exiv2::Exifdatum &datum)
-{
-    return contains(kPictureGroups, datum.groupName());
-}
-
 /// Values of maker's notes that are or lead to pictures.
 bool isPreview(const Exiv2::Exifdatum &datum)
 {
@@ -60,27 +50,17 @@ bool isPreview(const Exiv2::Exifdatum &datum)
         return true;
     constexpr long kLeastPicture = 24;
     return contains(kPreviewTags, datum.tagName()) ||
-           (datum.size() >= kLeastPicture && !isOfPicture(datum) &&
+           (datum.size() >= kLeastPicture && !isExifGroupOfPicture(group) &&
             holdsPicture(rawBytes(datum.value(), Exiv2::littleEndian), SearchIn::Numbers));
 }
 
-/// Tags that the library makes up while it reads, and would write as real ones.
-bool isMadeUp(const Exiv2::Exifdatum &datum)
-{
-    const std::string group = datum.groupName();
-    const bool isAutofocus = datum.tag() >= 0x2600 && datum.tag() <= 0x26ff;
-    return group == "MakerNote" || (group == "Canon" && isAutofocus);
-}
-
-/// A TIFF file's tags say how its data lies, a block's at most repeat the size.
 Exiv2::ExifData carriedTags(const PhotoMetadata &metadata)
 {
-    const bool isOfTiff = metadata.blocks.exif.isEmpty();
     Exiv2::ExifData carried;
     for (const Exiv2::Exifdatum &datum : metadata.exif) {
-        const bool isOfFile =
-            datum.groupName() == "Image" && (isTiffDataTag(datum.tag()) || (isOfTiff && isTiffStorageTag(datum.tag())));
-        if (!isOfPicture(datum) && !isPreview(datum) && !isMadeUp(datum) && !isOfFile)
+        const std::string group = datum.groupName();
+        if (!isExifGroupOfPicture(group) && !isMadeUpExifTag(group, datum.tag()) && !isPreview(datum) &&
+            !(group == "Image" && isTiffDataTag(datum.tag())))
             carried.add(datum);
     }
     return carried;

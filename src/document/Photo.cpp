@@ -34,11 +34,11 @@ Photo::Photo(std::unique_ptr<SourceFile> source, Decoder decoder, PictureInfo in
     , m_info(std::move(info))
     , m_uprightSizes(m_info.frames)
 {
-    auto metadata = std::make_unique<const PhotoMetadata>(readPhotoMetadata(*m_source, m_info, m_decoder->blocks()));
-    m_dictionary = propertyDictionary(m_path, m_info, *metadata);
+    m_metadata = std::make_unique<PhotoMetadata>(readPhotoMetadata(*m_source, m_info, m_decoder->blocks()));
+    m_dictionary = propertyDictionary(m_path, m_info, *m_metadata);
+    if (m_info.format == "tiff")
+        keepPhotoTags(*m_metadata);
     m_orientation = integerValue(m_dictionary.value(QStringLiteral("Orientation")));
-    if (m_info.format != "tiff")
-        m_metadataToCarry = std::move(metadata);
     if (isTurnedByAQuarter()) {
         for (QSize &size : m_uprightSizes)
             size.transpose();
@@ -60,21 +60,12 @@ std::optional<Failure> Photo::reopen()
     return std::nullopt;
 }
 
-/// The tags of a TIFF file that say how it stores its pixels are shown and not carried.
-void Photo::readMetadataToCarry()
-{
-    if (!m_metadataToCarry)
-        m_metadataToCarry =
-            std::make_unique<const PhotoMetadata>(readTiffMetadataToCarry(*m_source, m_info.frames.back()));
-}
-
 MetadataBlocks Photo::carriedMetadata(QSize size, WriteFormat format)
 {
     const std::lock_guard lock(m_mutex);
-    if (!m_metadataToCarry && reopen())
-        return {};
-    readMetadataToCarry();
-    return hazelmark::carriedMetadata(m_path, m_info, *m_metadataToCarry, size, format);
+    if (m_metadata->blocks.lacksNote && !reopen())
+        readDistantNote(*m_source, m_info.frames.back(), *m_metadata);
+    return hazelmark::carriedMetadata(m_path, m_info, *m_metadata, size, format);
 }
 
 Outcome<Picture> Photo::decode(QSize atLeast)
@@ -93,7 +84,7 @@ Outcome<Picture> Photo::decode(QSize atLeast)
     if (!picture)
         return picture;
     if (atLeast.isEmpty()) // as for an export
-        readMetadataToCarry();
+        readDistantNote(*m_source, m_info.frames.back(), *m_metadata);
     m_source.reset();
     return picture;
 }

@@ -74,7 +74,6 @@ public:
 private:
     Photo(std::unique_ptr<SourceFile> source, Decoder decoder, PictureInfo info);
     std::optional<Failure> reopen();
-    void readMetadataToCarry();
 
     const QString m_path;
     const FileIdentity m_identity;
@@ -82,7 +81,7 @@ private:
     std::unique_ptr<SourceFile> m_source; ///< null when it was let go of
     std::optional<Decoder> m_decoder;     ///< of the file; nothing once it has decoded
     PictureInfo m_info;
-    std::unique_ptr<const PhotoMetadata> m_metadataToCarry; ///< of a TIFF file read with its pixels
+    std::unique_ptr<PhotoMetadata> m_metadata;
     QVariantMap m_dictionary;
     int m_orientation = 0;
     std::vector<QSize> m_uprightSizes;

@@ -2,8 +2,12 @@
 
 #include "ExifFilter.h"
 #include "Exiv2Session.h"
+#include "ForeignReader.h"
 #include "TagSizes.h"
 #include "TiffBlocks.h"
+#include "TiffTags.h"
+
+#include <utility>
 
 namespace hazelmark {
 
@@ -12,11 +16,6 @@ namespace {
 const Exiv2::byte *bytesOf(const QByteArray &block)
 {
     return reinterpret_cast<const Exiv2::byte *>(block.constData());
-}
-
-QByteArray bytesOf(const Exiv2::DataBuf &buffer)
-{
-    return QByteArray(reinterpret_cast<const char *>(buffer.pData_), buffer.size_);
 }
 
 void eraseNote(Exiv2::ExifData &exif)
@@ -73,34 +72,25 @@ PhotoMetadata parseBlocks(const QString &path, const EmbeddedBlocks &blocks, QSi
     return metadata;
 }
 
-/// As far as Exiv2 reads the file. It is given the bytes: it would take names such as "-" and "data:..." for something
-/// else. A larger file that keeps its tags behind its pixels only loses a maker's note.
-PhotoMetadata parseFile(const SourceFile &source, const EmbeddedBlocks &blocks, QSize size)
+/// To the tags those that say how the file stores its pixels.
+void addStorage(const SourceFile &source, PhotoMetadata &metadata)
 {
-    PhotoMetadata metadata;
-    metadata.blocks = blocks;
+    const QByteArray block = readTiffStorage(source);
     withExiv2(source.path(), [&] {
-        const QByteArray bytes = source.bytesAt(0, source.size());
-        if (Exiv2::ImageFactory::getType(bytesOf(bytes), long(bytes.size())) == Exiv2::ImageType::none)
-            return;
-        const auto image = Exiv2::ImageFactory::open(bytesOf(bytes), long(bytes.size()));
-        image->readMetadata();
-        metadata.exif = image->exifData();
-        if (image->byteOrder() != Exiv2::invalidByteOrder)
-            metadata.byteOrder = image->byteOrder();
-        if (metadata.blocks.xmp.isEmpty())
-            metadata.blocks.xmp = QByteArray::fromStdString(image->xmpPacket());
-        if (metadata.blocks.iptc.isEmpty())
-            metadata.blocks.iptc = bytesOf(Exiv2::IptcParser::encode(image->iptcData()));
+        Exiv2::ExifData storage;
+        const auto order = Exiv2::ExifParser::decode(storage, bytesOf(block), uint32_t(block.size()));
+        for (const Exiv2::Exifdatum &datum : storage)
+            metadata.exif.add(datum);
+        if (metadata.blocks.exif.isEmpty() && order != Exiv2::invalidByteOrder)
+            metadata.byteOrder = order;
     });
-    parseXmp(metadata, size);
-    return metadata;
 }
 
-bool isToBeParsedWhole(const SourceFile &source)
+/// What the file has in a form that only Exiv2 reads.
+EmbeddedBlocks readOtherBlocks(const SourceFile &source)
 {
     constexpr qint64 kLargest = 256 * 1024 * 1024;
-    return source.size() <= kLargest && hasPlausibleTags(source);
+    return source.size() <= kLargest ? readForeignBlocks(source) : EmbeddedBlocks();
 }
 
 } // namespace
@@ -111,23 +101,36 @@ PhotoMetadata readPhotoMetadata(const SourceFile &source, const PictureInfo &inf
     const QSize size = info.frames.back();
     if (blocks)
         return parseBlocks(source.path(), *blocks, size);
-    if (info.format == "tiff")
-        return parseBlocks(source.path(), readTiffBlocksToShow(source), size);
+    if (info.format == "tiff") {
+        PhotoMetadata metadata = parseBlocks(source.path(), readTiffBlocks(source), size);
+        addStorage(source, metadata);
+        return metadata;
+    }
     if (const auto found = readEmbeddedBlocks(source, info.format))
         return parseBlocks(source.path(), *found, size);
-    return isToBeParsedWhole(source) ? parseFile(source, {}, size) : PhotoMetadata();
+    return info.format == "psd" ? parseBlocks(source.path(), readOtherBlocks(source), size) : PhotoMetadata();
 }
 
-PhotoMetadata readTiffMetadataToCarry(const SourceFile &source, QSize size)
+void keepPhotoTags(PhotoMetadata &metadata)
 {
-    const EmbeddedBlocks blocks = readTiffBlocks(source);
-    if (!blocks.exif.isEmpty())
-        return parseBlocks(source.path(), blocks, size);
-    if (isToBeParsedWhole(source))
-        return parseFile(source, blocks, size);
-    PhotoMetadata metadata = parseBlocks(source.path(), readTiffBlocksToShow(source), size);
-    metadata.blocks.exif.clear(); // it says how the file stores its pixels
-    return metadata;
+    for (auto datum = metadata.exif.begin(); datum != metadata.exif.end();) {
+        if (datum->groupName() == "Image" && isTiffStorageTag(datum->tag()))
+            datum = metadata.exif.erase(datum);
+        else
+            ++datum;
+    }
+}
+
+void readDistantNote(const SourceFile &source, QSize size, PhotoMetadata &metadata)
+{
+    if (!std::exchange(metadata.blocks.lacksNote, false))
+        return;
+    EmbeddedBlocks blocks = readOtherBlocks(source);
+    if (blocks.exif.isEmpty())
+        return;
+    blocks.xmp = metadata.blocks.xmp;
+    blocks.iptc = metadata.blocks.iptc;
+    metadata = parseBlocks(source.path(), blocks, size);
 }
 
 } // namespace hazelmark

@@ -19,8 +19,7 @@ constexpr bool leadsToDirectories(quint16 tag)
            tag == tifftag::kInteroperabilityDirectory;
 }
 
-/// `mostXmp`: bytes of a packet.
-bool isPlausible(const TiffCursor &cursor, qint64 mostXmp)
+bool isPlausible(const TiffCursor &cursor)
 {
     constexpr size_t kMostDirectories = 64;
     constexpr quint64 kMostBelow = 64;
@@ -44,7 +43,7 @@ bool isPlausible(const TiffCursor &cursor, qint64 mostXmp)
             const auto size = std::max(entry.statedSize, qint64(entry.count)); // types that do not exist: bytes
             if (entry.valueOffset + size > cursor.size())
                 continue;
-            sum += entry.tag == tifftag::kXmp && size > mostXmp ? kMost + 1 : size;
+            sum += size;
             const std::vector<quint64> below =
                 leadsToDirectories(entry.tag) ? cursor.numbers(entry, kMostBelow) : std::vector<quint64>();
             next.insert(next.end(), below.begin(), below.end());
@@ -60,14 +59,7 @@ bool isPlausible(const TiffCursor &cursor, qint64 mostXmp)
 bool hasPlausibleTags(const QByteArray &exif)
 {
     const auto cursor = TiffCursor::of(exif);
-    return !cursor || isPlausible(*cursor, exif.size()); // a packet is taken out before
-}
-
-bool hasPlausibleTags(const SourceFile &source)
-{
-    constexpr qint64 kMostXmp = 32 * 1024; // the time for a packet grows with the square of its size
-    const auto cursor = TiffCursor::of(source);
-    return !cursor || isPlausible(*cursor, kMostXmp);
+    return !cursor || isPlausible(*cursor);
 }
 
 QByteArray withoutUnusualNote(const QByteArray &exif)

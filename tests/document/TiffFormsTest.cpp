@@ -20,6 +20,8 @@ struct Form
     bool leadsBack = false;    ///< the directory for EXIF is the first one
 };
 
+const QByteArray kNote = "the maker's note";
+
 QByteArray photo(const Form &form)
 {
     TiffMaker tiff(form.isBigEndian, form.isLarge);
@@ -36,6 +38,7 @@ QByteArray photo(const Form &form)
                             {0x0117, 12}});
     tiff.set(exif, 0x829a, TiffMaker::kRational, tiff.number(quint32(1)) + tiff.number(quint32(3)));
     tiff.set(exif, 0x9286, TiffMaker::kUndefined, 0x7fffffff, tiff.place(8)); // said to be two gigabytes long
+    tiff.set(exif, 0x927c, TiffMaker::kUndefined, kNote);
     tiff.set(gps, 1, TiffMaker::kAscii, QByteArray("S", 2));
     tiff.set(first, 0x010f, TiffMaker::kAscii, QByteArray("A maker with a long name", 25));
     tiff.set(first, 0x83bb, TiffMaker::kUndefined, QByteArray("\x1c\x02\x19\0\3sea", 8));
@@ -62,6 +65,9 @@ TEST(TiffForms, AllSayAndCarryTheSame)
         SCOPED_TRACE(form.what);
         const QString path = writeBytes(folder, QStringLiteral("photo.tif"), photo(form));
         const QString copy = writePhoto(folder, WriteFormat::Jpeg, carriedOf(path, {4, 3}, WriteFormat::Jpeg), {4, 3});
+        QFile written(copy);
+        ASSERT_TRUE(written.open(QIODevice::ReadOnly));
+        EXPECT_EQ(written.readAll().contains(kNote), !form.leadsBack);
         for (const QString &file : {path, copy}) {
             const QVariantMap dict = dictionaryOf(file).value_or(QVariantMap());
             const auto valueOf = [&](const char *group, const char *key) {

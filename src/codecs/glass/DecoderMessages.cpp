@@ -114,9 +114,9 @@ bool isDeep(Layout layout)
 bool isConsistent(const Header &header)
 {
     const bool isGrayLayout = header.layout == Layout::Gray8 || header.layout == Layout::Gray16;
-    return isFormatName(header.format) && !header.frames.empty() && (!isGrayLayout || header.isGray) &&
-           header.bitsPerChannel >= 1 && header.bitsPerChannel <= (isDeep(header.layout) ? 32 : 8) &&
-           isResolution(header.dotsPerInchX) && isResolution(header.dotsPerInchY);
+    return isFormatName(header.format) && (!isGrayLayout || header.isGray) && header.bitsPerChannel >= 1 &&
+           header.bitsPerChannel <= (isDeep(header.layout) ? 32 : 8) && isResolution(header.dotsPerInchX) &&
+           isResolution(header.dotsPerInchY);
 }
 
 } // namespace

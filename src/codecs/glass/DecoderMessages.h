@@ -39,7 +39,7 @@ struct ColorCodes
 struct Header
 {
     std::string format;       ///< as PictureInfo names it: lower-case letters and digits
-    std::vector<Size> frames; ///< the first is the picture that is decoded
+    std::vector<Size> frames; ///< the first is the picture that is decoded; none: there are metadata alone
     Layout layout = Layout::Rgbx8;
     uint8_t bitsPerChannel = 8;
     bool hasAlpha = false;

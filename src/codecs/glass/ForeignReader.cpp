@@ -84,6 +84,15 @@ void setUpright(EmbeddedBlocks &blocks)
     blocks.xmp = QString::fromUtf8(blocks.xmp).replace(stated, QStringLiteral("1")).toUtf8();
 }
 
+EmbeddedBlocks blocksOf(const glass::Header &header)
+{
+    EmbeddedBlocks blocks;
+    blocks.exif = bytesOf(header.exif);
+    blocks.xmp = bytesOf(header.xmp);
+    blocks.iptc = bytesOf(header.iptc);
+    return blocks;
+}
+
 class ForeignReader : public PictureReader
 {
 public:
@@ -159,7 +168,7 @@ std::optional<Failure> ForeignReader::readHeader()
     if (message->kind != glass::Kind::Header)
         return failureOf(*message);
     std::optional<glass::Header> header = glass::headerOf(message->body);
-    if (!header)
+    if (!header || header->frames.empty())
         return lie();
     m_header = std::move(*header);
     const glass::Size size = m_header.frames.front();
@@ -186,10 +195,7 @@ void ForeignReader::takeHeader()
     if (m_info.iccProfile.isEmpty() && !m_header.isConverted)
         m_info.iccProfile = profileOfCodes(m_header.colors.primaries, m_header.colors.transfer, m_header.isGray);
     if (&m_kind != &kindOfQtPlugins()) { // of whose formats the blocks are found here
-        m_blocks = EmbeddedBlocks();
-        m_blocks->exif = bytesOf(m_header.exif);
-        m_blocks->xmp = bytesOf(m_header.xmp);
-        m_blocks->iptc = bytesOf(m_header.iptc);
+        m_blocks = blocksOf(m_header);
         if (m_header.isTurned)
             setUpright(*m_blocks);
     }
@@ -245,6 +251,17 @@ Outcome<Picture> ForeignReader::decode(QSize)
 std::unique_ptr<PictureReader> makeForeignReader(SourceFile &source, const ForeignKind &kind)
 {
     return std::make_unique<ForeignReader>(source, kind);
+}
+
+EmbeddedBlocks readForeignBlocks(const SourceFile &source)
+{
+    const Outcome<std::unique_ptr<DecoderProcess>> process = DecoderProcess::start(source, "metadata");
+    const Outcome<glass::Message> message = process ? (*process)->receive(kBaseTime) : process.failure();
+    const std::optional<glass::Header> header =
+        message && message->kind == glass::Kind::Header ? glass::headerOf(message->body) : std::nullopt;
+    if (!header || !header->note.empty())
+        qCWarning(lcCodecs).noquote() << source.path() + QStringLiteral(": its metadata could not be read");
+    return header ? blocksOf(*header) : EmbeddedBlocks();
 }
 
 } // namespace hazelmark

@@ -18,16 +18,17 @@ constexpr qint64 kHeadSize = 1024 * 1024;
 /// Of a directory whose tags are laid next to each other.
 constexpr qint64 kMostEntries = 4096;
 
-enum class Purpose { Carry, Show };
+/// Tags that speak of the photo, or those that say how its pixels are stored.
+enum class Wanted { Metadata, Storage };
 
 /// Takes a file's first directory apart and puts its metadata together again as a block of its own.
 class BlockMaker
 {
 public:
-    BlockMaker(const SourceFile &source, const TiffCursor &cursor, Purpose purpose)
+    BlockMaker(const SourceFile &source, const TiffCursor &cursor, Wanted wanted)
         : m_source(source)
         , m_cursor(cursor)
-        , m_purpose(purpose)
+        , m_wanted(wanted)
         , m_isBigEndian(cursor.isBigEndian())
     {
     }
@@ -46,9 +47,18 @@ public:
             blocks.iptc.clear(); // of another byte order than its type pretends
         if (!m_cursor.isBig())
             blocks.exif = placedBlock(*directory);
-        if (m_cursor.isBig() || (blocks.exif.isEmpty() && m_purpose == Purpose::Show))
+        if (blocks.exif.isEmpty())
             blocks.exif = compactBlock();
+        blocks.lacksNote = m_lacksNote;
         return blocks;
+    }
+
+    /// The directories with their values next to each other, wherever they lie in the file.
+    QByteArray compactBlock()
+    {
+        QByteArray block = (m_isBigEndian ? QByteArray("MM\0*", 4) : QByteArray("II*\0", 4)) + QByteArray(4, '\0');
+        const TiffEntries entries = compactEntries(m_cursor.firstDirectoryOffset(), Level::First, block);
+        return entries.empty() ? QByteArray() : withDirectory(block, tiffDirectory(entries, m_isBigEndian));
     }
 
 private:
@@ -56,7 +66,7 @@ private:
 
     bool isWanted(quint16 tag) const
     {
-        return !isTiffDataTag(tag) && (m_purpose == Purpose::Show || !isTiffStorageTag(tag));
+        return !isTiffDataTag(tag) && isTiffStorageTag(tag) == (m_wanted == Wanted::Storage);
     }
 
     /// The bytes with the directory behind them, to which their header leads.
@@ -132,23 +142,18 @@ private:
         return used + used % 2;
     }
 
-    /// The directories with their values next to each other, wherever they lie in the file.
-    QByteArray compactBlock()
-    {
-        QByteArray block = (m_isBigEndian ? QByteArray("MM\0*", 4) : QByteArray("II*\0", 4)) + QByteArray(4, '\0');
-        const TiffEntries entries = compactEntries(m_cursor.firstDirectoryOffset(), Level::First, block);
-        return entries.empty() ? QByteArray() : withDirectory(block, tiffDirectory(entries, m_isBigEndian));
-    }
-
     /// The entries of the file's directory at `offset`; their values are appended to the block.
     TiffEntries compactEntries(quint64 offset, Level level, QByteArray &block)
     {
         TiffEntries entries;
         const auto directory = m_cursor.directoryAt(offset, kMostEntries);
         for (const TiffEntry &entry : directory ? directory->entries : std::vector<TiffEntry>()) {
-            if (!isWanted(entry.tag) || entries.count(entry.tag) > 0 ||
-                (entry.tag == tifftag::kMakerNote && !m_cursor.isBig()))
+            if (!isWanted(entry.tag) || entries.count(entry.tag) > 0)
                 continue;
+            if (entry.tag == tifftag::kMakerNote && !m_cursor.isBig()) {
+                m_lacksNote = true;
+                continue;
+            }
             const QByteArray compact =
                 leadsBelow(entry.tag, level) ? compactPointer(entry, level, block) : compactEntry(entry, block);
             if (!compact.isEmpty())
@@ -194,30 +199,27 @@ private:
 
     const SourceFile &m_source;
     const TiffCursor &m_cursor;
-    const Purpose m_purpose;
+    const Wanted m_wanted;
     const bool m_isBigEndian;
     QByteArray m_head;
     TiffEntries m_entries;
     std::map<uint16_t, QByteArray> m_distantValues;
+    bool m_lacksNote = false;
     qint64 m_distantSize = 0; ///< bytes of these: a hostile directory may refer to the same ones thousands of times
 };
-
-EmbeddedBlocks blocksOf(const SourceFile &source, Purpose purpose)
-{
-    const auto cursor = TiffCursor::of(source);
-    return cursor ? BlockMaker(source, *cursor, purpose).blocks() : EmbeddedBlocks();
-}
 
 } // namespace
 
 EmbeddedBlocks readTiffBlocks(const SourceFile &source)
 {
-    return blocksOf(source, Purpose::Carry);
+    const auto cursor = TiffCursor::of(source);
+    return cursor ? BlockMaker(source, *cursor, Wanted::Metadata).blocks() : EmbeddedBlocks();
 }
 
-EmbeddedBlocks readTiffBlocksToShow(const SourceFile &source)
+QByteArray readTiffStorage(const SourceFile &source)
 {
-    return blocksOf(source, Purpose::Show);
+    const auto cursor = TiffCursor::of(source);
+    return cursor ? BlockMaker(source, *cursor, Wanted::Storage).compactBlock() : QByteArray();
 }
 
 } // namespace hazelmark
