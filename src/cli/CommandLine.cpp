@@ -2,6 +2,7 @@
 
 #include "InfoCommand.h"
 #include "MaskCommand.h"
+#include "Photo.h"
 #include "RenderCommand.h"
 
 #include <QCommandLineParser>
@@ -194,6 +195,13 @@ int runCommandLine(const CommandLine &commandLine)
 void printError(const QString &sentence)
 {
     std::fputs((QStringLiteral("hazelmark-cli: ") + sentence + QLatin1Char('\n')).toUtf8().constData(), stderr);
+}
+
+void printPreview(const Photo &photo, const QString &path)
+{
+    if (photo.info().isEmbeddedPreview)
+        printError(QStringLiteral("%1: the colours of its camera are not known; the picture is the camera's own JPEG.")
+                       .arg(path));
 }
 
 QString unknownFormatSentence(const QString &output)

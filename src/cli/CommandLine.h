@@ -8,6 +8,8 @@
 
 namespace hazelmark {
 
+class Photo;
+
 /// What the command line was asked to do. Exit codes: 0 done, 1 it did not happen, 2 wrong usage.
 namespace exitcode {
 inline constexpr int kDone = 0;
@@ -57,6 +59,9 @@ int runCommandLine(const CommandLine &commandLine);
 
 /// One sentence, a line of its own, on standard error.
 void printError(const QString &sentence);
+
+/// Likewise, where the picture of the photo at `path` is another than its owner may expect.
+void printPreview(const Photo &photo, const QString &path);
 
 /// What is printed of an output whose extension says no format.
 QString unknownFormatSentence(const QString &output);

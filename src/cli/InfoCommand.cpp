@@ -28,6 +28,7 @@ int runInfo(const InfoRequest &request)
         printError(Failure{opened.failure().reason, request.photo, opened.failure().detail}.sentence());
         return exitcode::kFailed;
     }
+    printPreview(**opened, request.photo);
     const PhotoFile photo(*opened);
     const QJsonObject all{
         {QStringLiteral("PhotoFile"), jsonOf(photo.fields())},

@@ -110,6 +110,7 @@ int runRender(const RenderRequest &request)
     const Outcome<ImageLoader::Loaded> rendered = job.run();
     if (!rendered)
         return failed(rendered.failure());
+    printPreview(**photo, request.photo);
     sayPeculiarities(*rendered, request.photo);
     ExportWriter::Settings settings{PhotoFile(*photo), formats.formats, format};
     settings.otherSources = otherSources;

@@ -66,6 +66,8 @@ struct PictureInfo
     std::optional<QSizeF> dpi; ///< only where the file states an absolute resolution
     /// The decoder turns the picture itself, so that it comes upright and all sizes are those of the upright one.
     bool isTurnedUpright = false;
+    /// It is the JPEG file that the camera has put beside its raw samples, whose colours are not known.
+    bool isEmbeddedPreview = false;
 };
 
 /// A text that a PNG file holds under one of the keywords that are registered for it.

@@ -1,3 +1,4 @@
+#include "FinishedRows.h"
 #include "ForeignDecoder.h"
 #include "HdrToSrgb.h"
 #include "HeifBoxes.h"
@@ -75,15 +76,6 @@ std::string withoutDistance(const std::string &block)
     return exif.starts_with(kLeadIn) ? exif.substr(kLeadIn.size()) : exif;
 }
 
-void divideByAlpha(uint16_t *rgba, size_t pixels, uint32_t most)
-{
-    for (uint16_t *end = rgba + 4 * pixels; rgba != end; rgba += 4) {
-        for (int channel = 0; channel < 3 && rgba[3] != 0; ++channel)
-            rgba[channel] =
-                uint16_t(std::min<uint64_t>((uint64_t(rgba[channel]) * most + rgba[3] / 2) / rgba[3], most));
-    }
-}
-
 class HeifDecoder : public ForeignDecoder
 {
 public:
@@ -124,16 +116,15 @@ private:
 
 Header HeifDecoder::readHeader()
 {
+    m_primary = readHeifPrimary(m_photo.bytes).value_or(HeifPrimary());
+    if (m_primary.isProtected)
+        throw NoPicture(Trouble::Unsupported, "it is encrypted");
     constexpr int kLargestSide = 200'000;
     heif_context_set_maximum_image_size_limit(m_context.get(), kLargestSide);
     check(heif_context_read_from_memory_without_copy(m_context.get(), m_photo.data(), m_photo.bytes.size(), nullptr));
     heif_image_handle *handle = nullptr;
     check(heif_context_get_primary_image_handle(m_context.get(), &handle));
     m_handle.reset(handle);
-    m_primary = readHeifPrimary(m_photo.bytes).value_or(HeifPrimary());
-    if (m_primary.isProtected)
-        throw NoPicture(Trouble::Unsupported, "it is encrypted");
-
     const int bits = heif_image_handle_get_luma_bits_per_pixel(handle);
     if (bits < 1 || bits > 16)
         throw NoPicture(Trouble::Unsupported, "samples of an unknown depth");
@@ -255,31 +246,25 @@ Done HeifDecoder::decode(const Canvas &canvas)
     const bool isPlain = m_header.layout == Layout::Rgbx8 || m_header.layout == Layout::Rgba8;
     const int depth = heif_image_get_bits_per_pixel_range(image.get(), heif_channel_interleaved);
     const uint32_t most = (1u << std::clamp(depth, 1, 16)) - 1;
-    const std::unique_ptr<const HdrToSrgb> hdr(m_header.isConverted ? new HdrToSrgb(m_colors) : nullptr);
     std::vector<uint16_t> row(4 * size_t(canvas.size.width), uint16_t(most));
     for (uint32_t y = 0; y < canvas.size.height; ++y) {
         const uint8_t *const source = m_decoded.memory + y * m_decoded.stride;
-        if (isPlain && !m_isPremultiplied) {
+        if (isPlain) {
             std::memcpy(canvas.row8(y), source, row.size());
+            continue;
+        }
+        if (m_header.layout == Layout::Gray8) {
+            for (size_t x = 0; x < canvas.size.width; ++x)
+                canvas.row8(y)[x] = source[4 * x];
             continue;
         }
         if (isDeep())
             fetchRow(*path, y, row.data());
         else
             std::copy_n(source, row.size(), row.data());
-        if (m_isPremultiplied)
-            divideByAlpha(row.data(), canvas.size.width, most);
-        if (isPlain) {
-            std::copy_n(row.data(), row.size(), canvas.row8(y));
-        } else if (m_header.layout == Layout::Gray8) {
-            for (size_t x = 0; x < canvas.size.width; ++x)
-                canvas.row8(y)[x] = uint8_t(row[4 * x]);
-        } else {
-            putRow(m_header, row.data(), most, canvas, y);
-        }
-        if (hdr)
-            hdr->convert(canvas.row16(y), canvas.size.width);
+        putRow(m_header, row.data(), most, canvas, y);
     }
+    finishRows(canvas, m_header, m_isPremultiplied, m_colors);
     return {};
 }
 

@@ -124,10 +124,19 @@ void takeBlock(std::span<const std::byte> content, Wrapping &wrapping)
     }
 }
 
+bool isXmp(std::string_view xml)
+{
+    return xml.find("http://www.w3.org/1999/02/22-rdf-syntax-ns#") != xml.npos;
+}
+
+/// A packet of XMP counts where it belongs, in its own box; else one in a box for any XML does.
 Wrapping wrappingOf(std::span<const std::byte> file)
 {
     Wrapping wrapping;
+    std::string packet;
     for (const Box &box : boxesIn(file)) {
+        if (box.type == "xml " && packet.empty() && isXmp(textOf(box.content)))
+            packet = textOf(box.content);
         if (box.type == "uuid")
             takeBlock(box.content, wrapping);
         if (box.type != "jp2h")
@@ -135,6 +144,8 @@ Wrapping wrappingOf(std::span<const std::byte> file)
         for (const Box &inner : boxesIn(box.content))
             takeImageBox(inner, wrapping);
     }
+    if (wrapping.xmp.empty())
+        wrapping.xmp = std::move(packet);
     return wrapping;
 }
 

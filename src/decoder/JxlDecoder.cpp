@@ -1,3 +1,4 @@
+#include "FinishedRows.h"
 #include "ForeignDecoder.h"
 #include "HdrToSrgb.h"
 
@@ -23,7 +24,7 @@ struct DestroyRunner
     void operator()(void *runner) const { JxlThreadParallelRunnerDestroy(runner); }
 };
 
-/// Gathers the content of one box of metadata, however large it proves to be.
+/// Gathers the content of one box of metadata; one that proves to be too large is left out.
 class BoxContent
 {
 public:
@@ -37,8 +38,11 @@ public:
     void grow(::JxlDecoder *decoder)
     {
         const size_t filled = m_target->size() - JxlDecoderReleaseBoxBuffer(decoder);
-        if (filled >= kLargestBlock)
-            throw NoPicture(Trouble::Damaged, "a box of metadata is too large");
+        if (filled >= kLargestBlock) { // few bytes may stand for many
+            m_target->clear();
+            m_target = nullptr;
+            return;
+        }
         m_target->resize(m_target->size() * 2);
         JxlDecoderSetBoxBuffer(decoder, reinterpret_cast<uint8_t *>(m_target->data()) + filled,
                                m_target->size() - filled);
@@ -80,16 +84,6 @@ bool isSrgb(const JxlColorEncoding &encoding)
 {
     return encoding.transfer_function == JXL_TRANSFER_FUNCTION_SRGB && encoding.white_point == JXL_WHITE_POINT_D65 &&
            (encoding.color_space == JXL_COLOR_SPACE_GRAY || encoding.primaries == JXL_PRIMARIES_SRGB);
-}
-
-template <typename Sample>
-void divideByAlpha(Sample *rgba, size_t pixels)
-{
-    constexpr uint64_t kMost = Sample(~Sample(0));
-    for (Sample *end = rgba + 4 * pixels; rgba != end; rgba += 4) {
-        for (int channel = 0; channel < 3 && rgba[3] != 0; ++channel)
-            rgba[channel] = Sample(std::min<uint64_t>((rgba[channel] * kMost + rgba[3] / 2) / rgba[3], kMost));
-    }
 }
 
 class JxlPhoto : public ForeignDecoder
@@ -247,17 +241,7 @@ Done JxlPhoto::decode(const Canvas &canvas)
                 JXL_DEC_SUCCESS)
             throw NoPicture(Trouble::Damaged, {});
     }
-    const std::unique_ptr<const HdrToSrgb> hdr(m_header.isConverted ? new HdrToSrgb(m_codes) : nullptr);
-    for (uint32_t y = 0; y < canvas.size.height; ++y) {
-        if (m_header.hasAlpha && m_info.alpha_premultiplied) {
-            if (m_header.layout == Layout::Rgba16)
-                divideByAlpha(canvas.row16(y), canvas.size.width);
-            else
-                divideByAlpha(canvas.row8(y), canvas.size.width);
-        }
-        if (hdr)
-            hdr->convert(canvas.row16(y), canvas.size.width);
-    }
+    finishRows(canvas, m_header, m_header.hasAlpha && m_info.alpha_premultiplied, m_codes);
     return {};
 }
 

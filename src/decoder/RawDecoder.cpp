@@ -1,4 +1,5 @@
 #include "ContainerMetadata.h"
+#include "EmbeddedJpeg.h"
 #include "ForeignDecoder.h"
 
 #include <algorithm>
@@ -64,10 +65,52 @@ public:
     Done decode(const Canvas &canvas) override;
 
 private:
+    bool hasKnownColors() const;
+    void takePreview(Header &header);
+    Done develop(const Canvas &canvas);
+
     const Photo &m_photo;
     std::unique_ptr<LibRaw> m_raw;
+    std::optional<EmbeddedJpeg> m_preview; ///< in place of the camera's samples
+    int m_orientation = 1;                 ///< of that, as the EXIF tag has it
     bool m_isDamaged = false;
 };
+
+/// A sensor behind no filter needs no matrix.
+bool RawPhoto::hasKnownColors() const
+{
+    return m_raw->imgdata.idata.colors == 1 || !m_raw->get_internal_data_pointer()->internal_output_params.raw_color;
+}
+
+/// Whether one side at least is about as long as the developed picture's. Cameras cut some rows off, and more where the
+/// person has chosen another shape; a preview that is smaller is no more than half as large.
+bool isFullSize(Size preview, Size developed)
+{
+    const auto isNear = [](uint32_t a, uint32_t b) { return uint64_t(a) * 10 >= uint64_t(b) * 9; };
+    const auto [shortSide, longSide] = std::minmax(preview.width, preview.height);
+    const auto [shortest, longest] = std::minmax(developed.width, developed.height);
+    return isNear(shortSide, shortest) || isNear(longSide, longest);
+}
+
+/// The JPEG file that the camera has put beside samples whose colours nobody knows. Its own tag says how it is turned;
+/// without one it lies as the sensor does.
+void RawPhoto::takePreview(Header &header)
+{
+    constexpr int kOrientations[] = {1, 2, 4, 3, 5, 8, 6, 7}; // by the library's numbers
+    const libraw_thumbnail_t &preview = m_raw->imgdata.thumbnail;
+    if (m_raw->unpack_thumb() == LIBRAW_SUCCESS && preview.tformat == LIBRAW_THUMBNAIL_JPEG)
+        m_preview = EmbeddedJpeg::of({reinterpret_cast<const std::byte *>(preview.thumb), preview.tlength});
+    if (!m_preview || !isFullSize(m_preview->size(), header.frames.front()))
+        throw NoPicture(Trouble::Unsupported, "the colours of this camera are not known");
+    m_orientation = m_preview->orientation();
+    if (m_orientation == 0)
+        m_orientation = kOrientations[m_raw->imgdata.sizes.flip & 7];
+    header.frames = {uprightSize(m_preview->size(), m_orientation)};
+    header.layout = Layout::Rgbx8;
+    header.bitsPerChannel = 8;
+    header.isPreview = true;
+    header.iccProfile = m_preview->iccProfile();
+}
 
 Header RawPhoto::readHeader()
 {
@@ -92,11 +135,18 @@ Header RawPhoto::readHeader()
     header.layout = Layout::Rgbx16;
     header.bitsPerChannel = 16;
     header.isTurned = true;
+    if (!hasKnownColors())
+        takePreview(header);
     takeMetadata(m_photo, isOfThePhoto, header);
     return header;
 }
 
 Done RawPhoto::decode(const Canvas &canvas)
+{
+    return m_preview ? m_preview->decode(canvas, m_orientation) : develop(canvas);
+}
+
+Done RawPhoto::develop(const Canvas &canvas)
 {
     // Opened anew: the sizes have been adjusted, which is done once.
     m_raw->recycle();
@@ -107,8 +157,7 @@ Done RawPhoto::decode(const Canvas &canvas)
     check(m_raw->dcraw_process());
     if (m_isDamaged)
         throw NoPicture(Trouble::Damaged, {});
-    const bool isGray = m_raw->imgdata.idata.colors == 1; // which needs no matrix
-    if (!isGray && m_raw->get_internal_data_pointer()->internal_output_params.raw_color)
+    if (!hasKnownColors())
         throw NoPicture(Trouble::Unsupported, "the colours of this camera are not known");
     int width = 0, height = 0, colors = 0, bits = 0;
     m_raw->get_mem_image_format(&width, &height, &colors, &bits);

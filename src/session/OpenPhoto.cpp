@@ -47,6 +47,7 @@ Outcome<OpenPhoto> PhotoReading::read(const QString &path, const PhotoView &view
         if (!loaded)
             return loaded.failure();
         photo.isPartlyDamaged = loaded->isPartlyDamaged;
+        photo.isEmbeddedPreview = (*opened)->info().isEmbeddedPreview;
         photo.inputImage = loaded->photo;
         photo.inputImage->bitmap();
         // It measures what the file's picture does, so that it is fitted without the rounding of a reduced size.

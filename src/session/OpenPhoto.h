@@ -26,7 +26,8 @@ struct OpenPhoto
     PhotoImagePtr inputImage;
     /// What the person sees first: the photo at about the size at which it will stand on the screen, in its colours.
     QImage firstSight;
-    bool isPartlyDamaged = false; ///< a part of the picture could not be read
+    bool isPartlyDamaged = false;   ///< a part of the picture could not be read
+    bool isEmbeddedPreview = false; ///< see PictureInfo
 
     QString path() const; ///< empty before the first
 };

@@ -110,14 +110,21 @@ QByteArray boxOf(const QByteArray &content)
     return size + content;
 }
 
+/// A box of JPEG XL that is compressed with Brotli, which says that it has stored the content as it is.
+QByteArray packedBox(const QByteArray &type, const QByteArray &content)
+{
+    return boxOf("brob" + type + littleEndian(1 << 20 | quint32(content.size() - 1) << 4, 3) + content + '\3');
+}
+
 constexpr quint32 kBehindFilter = 32803;
 constexpr quint32 kWithoutFilter = 34892;
 
 /// A camera's raw file of an evenly lit grey wall: 16-bit samples behind a filter of red, green, green, blue, which a
-/// camera that sees no colours says it has not.
-QByteArray makeDng(QSize size, quint32 kindOfSensor = kBehindFilter)
+/// camera that sees no colours says it has not. Beside a `preview` there is no matrix of the camera's colours.
+QByteArray makeDng(QSize size, quint32 kindOfSensor = kBehindFilter, const QByteArray &preview = {})
 {
     constexpr quint32 kByte = 1, kText = 2, kShort = 3, kLong = 4, kFraction = 5, kSigned = 10;
+    constexpr quint32 kColorMatrix = 50721, kReductionMatrix = 50725;
     constexpr int kEntries = 18;
     constexpr quint32 kValues = 8 + 2 + 12 * kEntries + 4;
     constexpr quint32 kPixels = kValues + 9 * 8 + 3 * 8;
@@ -130,7 +137,8 @@ QByteArray makeDng(QSize size, quint32 kindOfSensor = kBehindFilter)
             entryOf(277, kShort, 1, 1) + entryOf(278, kLong, 1, quint32(size.height())) +
             entryOf(279, kLong, 1, bytes) + entryOf(33421, kShort, 2, 2 | 2 << 16) +
             entryOf(33422, kByte, 4, 0 | 1 << 8 | 1 << 16 | 2 << 24) + entryOf(50706, kByte, 4, 1 | 4 << 8) +
-            entryOf(50721, kSigned, 9, kValues) + entryOf(50728, kFraction, 3, kValues + 72) + littleEndian(0);
+            entryOf(preview.isEmpty() ? kColorMatrix : kReductionMatrix, kSigned, 9, kValues) +
+            entryOf(50728, kFraction, 3, kValues + 72) + littleEndian(preview.isEmpty() ? 0 : kPixels + bytes);
     for (const int tenThousandths : {8000, -2000, -500, -4000, 12000, 1800, -800, 2000, 6000})
         file += littleEndian(quint32(tenThousandths)) + littleEndian(10'000);
     for (const quint32 percent : {50u, 100u, 70u})
@@ -141,7 +149,13 @@ QByteArray makeDng(QSize size, quint32 kindOfSensor = kBehindFilter)
             file += littleEndian(filter == 0 ? 10'000 : filter == 1 ? 20'000 : 14'000, 2);
         }
     }
-    return file;
+    if (preview.isEmpty())
+        return file;
+    constexpr int kPreviewEntries = 6;
+    const quint32 place = quint32(file.size()) + 2 + 12 * kPreviewEntries + 4;
+    return file + littleEndian(kPreviewEntries, 2) + entryOf(254, kLong, 1, 1) + entryOf(259, kShort, 1, 7) +
+           entryOf(262, kShort, 1, 6) + entryOf(273, kLong, 1, place) + entryOf(277, kShort, 1, 3) +
+           entryOf(279, kLong, 1, quint32(preview.size())) + littleEndian(0) + preview;
 }
 
 } // namespace
@@ -217,13 +231,12 @@ TEST_F(ForeignFormats, CarryMetadataOnceTurnedUpright)
 #endif
 #if HAZELMARK_HAS_JXL
     cases.push_back({QStringLiteral("cjxl -d 0 -e 3 --container=1 IN.png OUT.jxl"),
-                     boxOf("Exif" + QByteArray(4, '\0') + exif) + boxOf("xml " + xmp), QSize(64, 48), 1});
+                     boxOf("Exif" + QByteArray(4, '\0') + exif) + packedBox("xml ", xmp), QSize(64, 48), 1});
 #endif
 #if HAZELMARK_HAS_JP2
-    cases.push_back({QStringLiteral("opj_compress -i IN.png -o OUT.jp2"),
-                     boxOf("uuidJpgTiffExif->JP2" + exif) +
-                         boxOf("uuid" + QByteArray::fromHex("be7acfcb97a942e89c71999491e3afac") + xmp),
-                     QSize(48, 64), 6});
+    for (const QByteArray &box : {"uuid" + QByteArray::fromHex("be7acfcb97a942e89c71999491e3afac"), QByteArray("xml ")})
+        cases.push_back({QStringLiteral("opj_compress -i IN.png -o OUT.jp2"),
+                         boxOf("uuidJpgTiffExif->JP2" + exif) + boxOf(box + xmp), QSize(48, 64), 6});
 #endif
     for (const Case &each : cases) {
         SCOPED_TRACE(each.command.toStdString());
@@ -293,6 +306,41 @@ TEST_F(ForeignFormats, CameraRawIsDevelopedInTheCamerasWhite)
     ASSERT_TRUE(grey) << grey.failure().sentence().toStdString();
     const QRgba64 dot = grey->pixels.pixelColor(24, 32).rgba64();
     EXPECT_TRUE(dot.red() == dot.green() && dot.blue() == dot.green() && dot.green() > 5'000) << dot.green();
+}
+
+/// Nearly in the sensor's size, in the shape that the person has chosen, turned as the camera was held or as it says.
+TEST_F(ForeignFormats, CameraRawWithoutColorsShowsTheCamerasOwnJpeg)
+{
+    for (const auto &[size, turn] : {std::pair(QSize(60, 44), 6), {QSize(48, 48), 7}, {QSize(40, 28), 6}}) {
+        QImage stored = makePicture(size.width(), size.height(), kRgb8);
+        stored.setColorSpace(QColorSpace::AdobeRgb);
+        const QString path = pathOf(QStringLiteral("preview.jpg"));
+        ASSERT_TRUE(stored.save(path, "jpeg", 100));
+        QFile jpeg(path);
+        ASSERT_TRUE(jpeg.open(QIODevice::ReadOnly));
+        QByteArray preview = jpeg.readAll();
+        if (turn != 6) // as the sensor lies
+            preview.insert(2, QByteArray("\xff\xe1\0\x22", 4) + "Exif" + QByteArray("\0\0II*\0", 6) + littleEndian(8) +
+                                  littleEndian(1, 2) + entryOf(274, 3, 1, quint32(turn)) + littleEndian(0));
+        const QString file = write(QStringLiteral("unknown.dng"), makeDng(QSize(64, 48), kBehindFilter, preview));
+        const Outcome<PhotoPtr> photo = Photo::open(file);
+        ASSERT_EQ(bool(photo), size.height() > 40);
+        if (!photo) {
+            EXPECT_TRUE(photo.failure().sentence().contains(QStringLiteral("colours of this camera")));
+            continue;
+        }
+        const QTransform across = QTransform(0, 1, -1, 0, 0, 0) * (turn == 7 ? kTopToBottom : QTransform());
+        const QImage upright = QImage(path).transformed(across);
+        EXPECT_TRUE((*photo)->info().isEmbeddedPreview);
+        EXPECT_EQ((*photo)->info().iccProfile, stored.colorSpace().iccProfile());
+        EXPECT_EQ((*photo)->uprightSizes(), std::vector<QSize>{upright.size()});
+        EXPECT_EQ((*photo)->orientation(), 1);
+        EXPECT_EQ((*photo)->dictionary()[QStringLiteral("PixelWidth")], QVariant(upright.width()));
+        const Outcome<Picture> picture = (*photo)->decode();
+        ASSERT_TRUE(picture) << picture.failure().sentence().toStdString();
+        EXPECT_EQ(picture->pixels.format(), kRgb8);
+        EXPECT_EQ(distance(picture->pixels, upright), 0);
+    }
 }
 #endif
 

@@ -9,7 +9,7 @@ namespace hazelmark::glass {
 
 namespace {
 
-constexpr uint32_t kMark = 0x484d4401; // grows with the form of the messages
+constexpr uint32_t kMark = 0x484d4402; // grows with the form of the messages
 constexpr size_t kHeadSize = 3 * sizeof(uint32_t);
 
 class Packer
@@ -139,7 +139,7 @@ std::string packed(const Header &header)
     for (const Size &size : header.frames)
         packer.number(size.width).number(size.height);
     packer.number(uint8_t(header.layout)).number(header.bitsPerChannel);
-    for (const bool flag : {header.hasAlpha, header.isGray, header.isTurned, header.isConverted})
+    for (const bool flag : {header.hasAlpha, header.isGray, header.isTurned, header.isPreview, header.isConverted})
         packer.number(uint8_t(flag));
     packer.number(header.dotsPerInchX).number(header.dotsPerInchY);
     packer.number(header.colors.primaries).number(header.colors.transfer);
@@ -189,7 +189,7 @@ std::optional<Header> headerOf(std::string_view body)
     }
     header.layout = from.oneUpTo(Layout::Rgba16);
     header.bitsPerChannel = from.number<uint8_t>();
-    for (bool *flag : {&header.hasAlpha, &header.isGray, &header.isTurned, &header.isConverted})
+    for (bool *flag : {&header.hasAlpha, &header.isGray, &header.isTurned, &header.isPreview, &header.isConverted})
         *flag = from.flag();
     header.dotsPerInchX = from.number<double>();
     header.dotsPerInchY = from.number<double>();

@@ -45,6 +45,7 @@ struct Header
     bool hasAlpha = false;
     bool isGray = false;
     bool isTurned = false;    ///< the decoder turns the picture upright itself
+    bool isPreview = false;   ///< made by the camera, which nobody else can do
     bool isConverted = false; ///< the file's colours have no profile here; the pixels come in sRGB
     double dotsPerInchX = 0.0;
     double dotsPerInchY = 0.0;

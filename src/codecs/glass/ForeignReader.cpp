@@ -189,6 +189,9 @@ void ForeignReader::takeHeader()
     m_info.bitsPerChannel = m_header.bitsPerChannel;
     m_info.hasAlpha = m_header.hasAlpha;
     m_info.isTurnedUpright = m_header.isTurned;
+    m_info.isEmbeddedPreview = m_header.isPreview;
+    if (m_header.isPreview)
+        note("the colours of its camera are not known: its embedded JPEG is shown");
     if (m_header.dotsPerInchX > 0.0 && m_header.dotsPerInchY > 0.0)
         m_info.dpi = QSizeF(m_header.dotsPerInchX, m_header.dotsPerInchY);
     m_info.iccProfile = bytesOf(m_header.iccProfile);

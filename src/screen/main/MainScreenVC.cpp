@@ -284,6 +284,8 @@ void MainScreenVC::setupBottomSummaryInfo()
     m_view->vwBottom->setPixelSize(inputImage()->size().toSize());
     if (m_session->photo().isPartlyDamaged)
         m_view->vwBottom->showPartlyDamaged();
+    else if (m_session->photo().isEmbeddedPreview)
+        m_view->vwBottom->showEmbeddedPreview();
 }
 
 void MainScreenVC::addDemoWindow()

@@ -157,6 +157,11 @@ void SummaryBar::showPartlyDamaged()
     setNotice(m_application.getLocalizedStringForKey(QStringLiteral("PHOTO_PARTLY_DAMAGED")));
 }
 
+void SummaryBar::showEmbeddedPreview()
+{
+    setNotice(m_application.getLocalizedStringForKey(QStringLiteral("PHOTO_EMBEDDED_PREVIEW")));
+}
+
 void SummaryBar::showExporting(const QString &path)
 {
     setExportText("EXPORTING", path);

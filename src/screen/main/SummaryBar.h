@@ -36,6 +36,8 @@ public:
 
     /// Says, until the next photo, that a part of the picture could not be read.
     void showPartlyDamaged();
+    /// Likewise that it is the camera's own picture of its raw samples.
+    void showEmbeddedPreview();
 
     void showExporting(const QString &path);
     void showExported(const QString &path);
