@@ -5,8 +5,11 @@
 #include "WorkQueue.h"
 
 #include <QObject>
+#include <QTimer>
 
+#include <atomic>
 #include <functional>
+#include <memory>
 #include <optional>
 
 namespace hazelmark {
@@ -23,6 +26,8 @@ public:
 
     explicit FullPhoto(
         Load load = [](Photo &photo) { return ImageLoader::load(photo); }, QObject *parent = nullptr);
+    /// Ends a decoding that is under way as soon as it can be.
+    ~FullPhoto() override;
 
     /// Another photo, or none: nothing of the one before is kept, or arrives.
     void setPhoto(const PhotoPtr &photo);
@@ -42,6 +47,8 @@ public:
 signals:
     /// It is there, or gone, or a decoding has begun or ended.
     void changed();
+    /// While it is decoded: the share that is done, 0..1, where the format's decoder tells of it.
+    void progressed(double done);
 
 private:
     Load m_load;
@@ -49,6 +56,9 @@ private:
     std::optional<ImageLoader::Loaded> m_loaded;
     bool m_isDecoding = false;
     bool m_hasFailed = false;
+    std::shared_ptr<std::atomic<double>> m_done;                                        ///< written by the decoder
+    std::shared_ptr<std::atomic<int>> m_photos = std::make_shared<std::atomic<int>>(0); ///< counts setPhoto()
+    QTimer m_poll;
     WorkQueue m_queue{1}; ///< last, so that its thread is over before anything else goes
 };
 

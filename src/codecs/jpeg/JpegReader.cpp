@@ -1,3 +1,4 @@
+#include "DecodeScope.h"
 #include "JpegSource.h"
 
 #include "Guarded.h"
@@ -65,7 +66,7 @@ private:
     bool m_isCreated = false;
 };
 
-/// Called again and again while scans are read.
+/// Called again and again while scans are read, and while rows are.
 void JpegReader::watchScan(j_common_ptr lib)
 {
     auto decompress = reinterpret_cast<j_decompress_ptr>(lib);
@@ -75,6 +76,9 @@ void JpegReader::watchScan(j_common_ptr lib)
         refuseJpeg(lib, "it has too many scans");
     for (int i = 0; i < decompress->comps_in_scan; ++i)
         errors->seenComponents |= 1u << decompress->cur_comp_info[i]->component_index;
+    const jpeg_progress_mgr &progress = *lib->progress;
+    const double pass = double(progress.pass_counter) / double(std::max(progress.pass_limit, 1L));
+    DecodeScope::tellProgress((progress.completed_passes + pass) / std::max(progress.total_passes, 1));
 }
 
 std::optional<Failure> JpegReader::readHeader()

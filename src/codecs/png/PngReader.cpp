@@ -1,3 +1,4 @@
+#include "DecodeScope.h"
 #include "Guarded.h"
 #include "LargeMemory.h"
 #include "PictureFormat.h"
@@ -190,8 +191,10 @@ Outcome<Picture> PngReader::decode(QSize)
     const qsizetype stride = picture.pixels.bytesPerLine();
     const bool isRead = runGuarded(m_jump, [&] {
         for (int pass = 0; pass < passes; ++pass) {
-            for (png_uint_32 y = 0; y < m_height; ++y)
+            for (png_uint_32 y = 0; y < m_height; ++y) {
                 png_read_row(m_png, bits + qsizetype(y) * stride, nullptr);
+                DecodeScope::tellProgress((pass + (y + 1.0) / m_height) / passes);
+            }
         }
         png_read_end(m_png, nullptr); // the check sums behind the last row
     });

@@ -1,3 +1,4 @@
+#include "DecodeScope.h"
 #include "LargeMemory.h"
 #include "PictureFormat.h"
 #include "PixelRows.h"
@@ -293,6 +294,7 @@ bool TiffReader::readStrips()
             if (TIFFReadScanline(m_tiff.get(), row.data(), y, uint16_t(plane)) != 1 || m_tiff.hasError())
                 return false;
             place(row.data(), plane, 0, int(y), int(m_layout.width));
+            DecodeScope::tellProgress((plane + (y + 1.0) / m_layout.height) / planes);
         }
     }
     return true;
@@ -323,6 +325,8 @@ bool TiffReader::readTiles()
                 for (int64_t row = 0; row < rows; ++row)
                     place(tile.data() + row * rowSize, plane, int(x), int(y + row), int(columns));
             }
+            DecodeScope::tellProgress(
+                (plane + double(std::min<int64_t>(y + tileHeight, m_layout.height)) / m_layout.height) / planes);
         }
     }
     return true;

@@ -148,6 +148,10 @@ void MainScreenVC::connectSession()
         if (!m_session->isLoading())
             m_view->showLoading(isReading ? text("READING_FULL_SIZE") : QString());
     });
+    connect(m_zoom, &PhotoZoom::readingProgressed, this, [this](double done) {
+        if (!m_session->isLoading())
+            m_view->showLoading(formatString(text("READING_FULL_SIZE_SHARE"), {QString::number(int(100 * done))}));
+    });
     connect(m_session.get(), &Session::photoRead, this, &MainScreenVC::photoRead);
     connect(m_session.get(), &Session::refused, this, &MainScreenVC::photoRefused);
     connect(m_session.get(), &Session::stateChanged, this, &MainScreenVC::sessionStateChanged);

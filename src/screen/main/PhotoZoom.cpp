@@ -61,6 +61,7 @@ PhotoZoom::PhotoZoom(MainScreenView &view, Session &session, std::function<CoreF
     });
     connect(&session.fullPhoto(), &FullPhoto::changed, this,
             [this] { emit readingChanged(m_session.fullPhoto().isDecoding()); });
+    connect(&session.fullPhoto(), &FullPhoto::progressed, this, &PhotoZoom::readingProgressed);
     connect(view.paintView, &PaintView::strokeBegan, this,
             [this] { m_session.painting().raiseScale(m_transform.zoom()); });
     connect(view.paintView, &PaintView::strokeEnded, this, &PhotoZoom::apply);

@@ -64,6 +64,8 @@ signals:
     void changed();
     /// The photo is read in full size for the first time, or that is over.
     void readingChanged(bool isReading);
+    /// How much of it is read, 0..1.
+    void readingProgressed(double done);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
