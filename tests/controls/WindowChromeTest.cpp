@@ -218,23 +218,55 @@ TEST(SheetQueueTest, WaitsWhileItIsHeldOrItsWindowClosedAndGoesWithIt)
 TEST(CalloutWindowTest, StandsAtTheAnchorAndStaysOnTheScreen)
 {
     QWidget window;
-    window.setGeometry(0, 0, 400, 300);
     auto *anchor = new QWidget(&window);
-    anchor->setGeometry(200, 100, 40, 20);
     window.show();
+    const QRect screen = window.screen()->availableGeometry();
+    window.setGeometry(screen);
     auto *content = new QWidget;
     content->setMinimumSize(120, 60);
     CalloutWindow callout(content, &window);
     QSignalSpy closed(&callout, &CalloutWindow::closed);
-    callout.showRelativeTo(*anchor, Qt::BottomEdge);
-    const QRect place(anchor->mapToGlobal(QPoint()), anchor->size());
-    EXPECT_EQ(callout.y(), place.bottom() + 1);
-    EXPECT_NEAR(callout.geometry().center().x(), place.center().x(), 1);
-    EXPECT_TRUE(callout.rect().contains(content->geometry()));
+    const int far = screen.right() - 39, low = screen.bottom() - 19;
+    const struct
+    {
+        Qt::Edge edge;
+        QPoint anchor; // 40 x 20
+        QPoint corner;
+        Qt::Edge arrowAt;
+        int tip; // along that side of the callout, whose size is 120 x 60 and 8 around it
+    } rows[] = {
+        {Qt::BottomEdge, {200, 100}, {151, 120}, Qt::TopEdge, 68},
+        {Qt::TopEdge, {200, 100}, {151, 16}, Qt::BottomEdge, 68},
+        {Qt::LeftEdge, {200, 100}, {56, 71}, Qt::RightEdge, 38},
+        {Qt::RightEdge, {200, 100}, {240, 71}, Qt::LeftEdge, 38},
+        // Where there is no room it stands on the other side; the arrow keeps off the round corners.
+        {Qt::TopEdge, {0, 0}, {0, 20}, Qt::TopEdge, 19},
+        {Qt::LeftEdge, {0, 0}, {40, 0}, Qt::LeftEdge, 14},
+        {Qt::BottomEdge, {far, low}, {screen.right() - 135, low - 84}, Qt::BottomEdge, 116},
+        {Qt::RightEdge, {far, low}, {far - 144, screen.bottom() - 75}, Qt::RightEdge, 62},
+    };
+    for (const auto &[edge, at, corner, arrowAt, tip] : rows) {
+        anchor->setGeometry(QRect(at, QSize(40, 20)));
+        callout.showRelativeTo(*anchor, edge);
+        const bool isUpright = arrowAt == Qt::TopEdge || arrowAt == Qt::BottomEdge;
+        EXPECT_EQ(callout.geometry(), QRect(screen.topLeft() + corner, isUpright ? QSize(136, 84) : QSize(144, 76)))
+            << edge << at.x();
+        EXPECT_EQ(content->geometry(),
+                  QRect(arrowAt == Qt::LeftEdge ? 16 : 8, arrowAt == Qt::TopEdge ? 16 : 8, 120, 60));
+        const auto isDrawn = [&](int along, int inwards) {
+            const QPoint place(isUpright                 ? along
+                               : arrowAt == Qt::LeftEdge ? inwards
+                                                         : 143 - inwards,
+                               !isUpright               ? along
+                               : arrowAt == Qt::TopEdge ? inwards
+                                                        : 83 - inwards);
+            return callout.mask().contains(place);
+        };
+        EXPECT_TRUE(isDrawn(tip, 1) && isDrawn(tip - 5, 6) && isDrawn(tip + 5, 6)) << edge << at.x();
+        EXPECT_FALSE(isDrawn(tip - 4, 1) || isDrawn(tip + 4, 1) || isDrawn(tip - 9, 6) || isDrawn(tip + 9, 6)) << edge;
+        EXPECT_TRUE(isDrawn(7, 8) && !isDrawn(0, 8)) << "its corners are round";
+    }
     QTest::keyClick(&callout, Qt::Key_Escape);
     EXPECT_FALSE(callout.isVisible());
     EXPECT_EQ(closed.size(), 1);
-    anchor->move(0, 0);
-    callout.showRelativeTo(*anchor, Qt::TopEdge); // no room above, nor to the left
-    EXPECT_TRUE(window.screen()->availableGeometry().contains(callout.geometry()));
 }
