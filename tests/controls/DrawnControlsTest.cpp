@@ -231,6 +231,38 @@ TEST(ScaleToFillImageViewTest, CoversTheViewWithoutDistortion)
     }
 }
 
+TEST(DrawnControlsTest, StandWhereTheirSizesPutThem)
+{
+    FloatSlider slider;
+    slider.setRange(-20, 60);
+    slider.resize(220, 21);
+    slider.setValue(0);
+    FloatSlider dimmed;
+    dimmed.resize(220, 21);
+    dimmed.setValue(0.25);
+    dimmed.setEnabled(false);
+    DotPageControl dots;
+    dots.setDotSize(25, 5);
+    dots.setNumberOfPages(3);
+    dots.setCurrentPage(1);
+    dots.resize(110, 41);
+    EXPECT_EQ(dots.sizeHint(), QSize(95, 35));
+    HighlightButton button(HighlightButton::kFlatTag);
+    button.resize(60, 24);
+    const std::tuple<QWidget *, QPoint, const char *> lines[] = {
+        {&slider, {0, 10}, "0x4 8x62 6x1 5x149 0x4"},
+        {&slider, {60, 0}, "0x4 8x13 0x4"},
+        {&slider, {200, 0}, "0x8 5x5 0x8"},
+        {&dimmed, {0, 10}, "0x4 4x49 5x1 6x3 4x9 3x1 2x149 0x4"},
+        {&dots, {0, 20}, "0x12 4x1 7x1 4x22 7x1 4x1 0x4 4x1 cx1 ex22 cx1 4x1 0x4 4x1 7x1 4x22 7x1 4x1 0x12"},
+        {&dots, {55, 0}, "0x8 ax1 ex23 ax1 0x8"},
+        {&button, {0, 0}, "0x2 2x1 3x54 2x1 0x2"},
+        {&button, {30, 0}, "3x24"},
+    };
+    for (const auto &[control, from, profile] : lines)
+        EXPECT_EQ(profileOf(drawn(*control), from), profile);
+}
+
 TEST(DrawnControlsTest, WhatIsSeenToChangeIsDrawnAnew)
 {
     QWidget window;

@@ -24,4 +24,23 @@ inline QImage drawn(QWidget &widget)
     return image;
 }
 
+/// What is seen on a black ground along the row, or the column, that begins at `from`: levels of grey from "0" to "f",
+/// each with how many pixels it goes on.
+inline std::string profileOf(const QImage &image, QPoint from)
+{
+    const QPoint step = from.x() == 0 ? QPoint(1, 0) : QPoint(0, 1);
+    QString levels;
+    for (QPoint at = from; image.rect().contains(at); at += step) {
+        const QColor color = image.pixelColor(at);
+        levels += QString::number(qGray(color.rgb()) * color.alpha() / 255 / 16, 16);
+    }
+    QString profile;
+    for (qsizetype at = 0, end = 0; at < levels.size(); at = end) {
+        while (end < levels.size() && levels[end] == levels[at])
+            ++end;
+        profile += QStringLiteral("%1x%2 ").arg(levels[at]).arg(end - at);
+    }
+    return profile.trimmed().toStdString();
+}
+
 } // namespace hazelmark

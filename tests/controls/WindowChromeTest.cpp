@@ -1,9 +1,11 @@
 #include "CalloutWindow.h"
 #include "Compositor.h"
+#include "FrameEdge.h"
 #include "IMGButton.h"
 #include "ProcessWide.h"
 #include "SheetQueue.h"
 #include "TitlebarWindow.h"
+#include "WidgetEvents.h"
 
 #include <QApplication>
 #include <QDialog>
@@ -15,6 +17,7 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <memory>
 
 using namespace hazelmark;
@@ -163,6 +166,20 @@ TEST(TitlebarWindowShadowTest, RoundsItsCornersAndKeepsTheShadowOutOfItsFrame)
     EXPECT_LT(image.pixelColor(reach, reach).alpha(), 128) << "the corner of the frame";
     EXPECT_EQ(image.pixelColor(reach + 6, reach + 6).alpha(), 255);
     EXPECT_GT(image.pixelColor(200, reach + 300 + 2).alpha(), 30) << "no shadow";
+
+    // What takes hold of the sides (by the pointer over them) and corners, and the line that they draw.
+    std::map<int, QRegion> edges;
+    for (const QWidget *edge : window.findChildren<FrameEdge *>())
+        edges[edge->cursor().shape()] += edge->geometry();
+    const QRect whole = window.rect(), corner(0, 0, reach + 12, reach + 12);
+    const QSize way = whole.size() - corner.size();
+    const QRegion falling = QRegion(corner) + corner.translated(way.width(), way.height());
+    const QRegion rising = QRegion(corner.translated(way.width(), 0)) + corner.translated(0, way.height());
+    EXPECT_EQ(edges[Qt::SizeFDiagCursor], falling);
+    EXPECT_EQ(edges[Qt::SizeBDiagCursor], rising);
+    EXPECT_EQ(edges[Qt::SizeHorCursor] + edges[Qt::SizeVerCursor],
+              QRegion(whole) - whole.adjusted(reach + 1, reach + 1, -reach - 1, -reach - 1) - falling - rising);
+    EXPECT_EQ(profileOf(image.copy(reach - 1, 0, 2, window.height()), {0, 200}), "0x1 4x1");
 
     window.toggleFullScreen();
     EXPECT_TRUE(compositor.m_extents.isNull());
