@@ -3,11 +3,14 @@
 #include "../support/ScreenApplication.h"
 #include "AlertSheet.h"
 #include "BarProgressIndicator.h"
+#include "DrawTrackingView.h"
 #include "FileDraggingView.h"
 #include "IMGButton.h"
+#include "KeyboardCursor.h"
 #include "MainScreenView.h"
 #include "OverviewView.h"
 #include "PaintView.h"
+#include "PhotoImageView.h"
 #include "SaveChangesSheet.h"
 #include "SettingsPanel.h"
 #include "SummaryBar.h"
@@ -110,7 +113,25 @@ TEST(Places, OfTheAreasFollowTheWindow)
             EXPECT_EQ(view.previewSizeWithPhoto(), size - QSize(290, 136));
         }
     }
+    const QRectF photo(10, 20, 300, 200), near(-50, -40, 600, 400);
+    view.placePhoto(photo);
+    EXPECT_EQ(view.photoFrame(), photo);
+    EXPECT_EQ(view.paintView->frame(), photo);
+    for (const bool isNear : {false, true}) {
+        if (isNear)
+            view.placeNear(near, photo);
+        EXPECT_EQ(view.imgvwBeforeBokesh->pictureFrame(), isNear ? near : photo);
+        EXPECT_EQ(view.imgvwAfterBokesh->pictureFrame(), isNear ? near : photo);
+        EXPECT_EQ(view.imgvwAfterBokesh->size(), view.previewSize());
+        for (const QWidget *over :
+             {static_cast<QWidget *>(view.drawTrackingView), static_cast<QWidget *>(view.keyboardCursor)})
+            EXPECT_EQ(over->geometry(), view.paintView->geometry());
+    }
     view.showAddPhotoLayout();
+    view.showLoading({});
+    EXPECT_TRUE(view.vwDragging->isVisible() && !note->isVisible());
+    view.showLoading(QStringLiteral("opening"));
+    EXPECT_TRUE(!view.vwDragging->isVisible() && note->isVisible());
     view.showLoading({});
     EXPECT_EQ(outlineOf(*view.vwDragging).toStdString(),
               "~: ~ QLabel[120x120] ~\n30: ~ txtAddPhoto ~\n30: ~ btnAddPhotoOnPrompt ~\n~");

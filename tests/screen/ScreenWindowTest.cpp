@@ -1,11 +1,15 @@
-// The main screen and its window: closing.
+// The main screen and its window: what it listens to, and closing.
 #include "ScreenFixture.h"
 
+#include "DrawTrackingView.h"
 #include "IMGButton.h"
 #include "NotificationNames.h"
 #include "SaveChangesSheet.h"
 #include "SheetQueue.h"
+#include "TipsWindow.h"
 
+#include <QFileDialog>
+#include <QLabel>
 #include <QPushButton>
 #include <QTest>
 
@@ -26,6 +30,43 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([&] { return sheet() == nullptr; }));
     }
 };
+
+TEST_F(ScreenWindow, DoesWhatItIsToldOf)
+{
+    start();
+    open(photo(u"a.png"_qs, {300, 200}));
+    waitForPreviews(1);
+    const auto dialog = [&](QFileDialog::AcceptMode mode) {
+        for (auto *panel : m_window->findChildren<QFileDialog *>()) {
+            if (panel->isVisible() && panel->acceptMode() == mode)
+                return panel->close(), true;
+        }
+        return false;
+    };
+    int rendered = 0;
+    const auto hasRendered = [&] { return QTest::qWaitFor([&] { return m_rendered > rendered; }); };
+    QLabel *prompt = view().txtAddPhoto, *vignette = panel().findChild<QLabel *>(u"lblVignette"_qs);
+    prompt->setText({});
+    vignette->setText({});
+    const std::pair<QLatin1String, std::function<bool()>> rows[] = {
+        {kNotificationOpenPhotoFromMenuTapped, [&] { return dialog(QFileDialog::AcceptOpen); }},
+        {kNotificationSavePhotoFromMenuTapped, [&] { return dialog(QFileDialog::AcceptSave); }},
+        {kNotificationMouseout, [&] { return !canvas().isVisible() && view().drawTrackingView->isVisible(); }},
+        {kNotificationMouseIn, [&] { return canvas().isVisible(); }},
+        {kNotificationWindowResized, [&] { return m_screen->isResizingWindow(); }},
+        {kNotificationWindowEndResizing, [&] { return !m_screen->isResizingWindow(); }},
+        {kNotificationApplyPreviewEffect, hasRendered},
+        {kNotificationBurshDrawedRegionUpdated, hasRendered},
+        {kNotificationUpdateLanguage, [&] { return !prompt->text().isEmpty() && !vignette->text().isEmpty(); }},
+        {kNotificationShowTipsFromMenuTapped, [&] { return m_window->findChild<TipsWindow *>()->isVisible(); }},
+    };
+    letTimersFire(1700); // what is due after the opening
+    for (const auto &[name, happens] : rows) {
+        rendered = m_rendered;
+        post(name);
+        EXPECT_TRUE(QTest::qWaitFor(happens)) << name.data();
+    }
+}
 
 TEST_F(ScreenWindow, ClosesAtOnceWhenNothingWaitsToBeProcessedOrTheResultIsExported)
 {
