@@ -75,6 +75,78 @@ TEST_F(Zooming, EndsWhereTheFingersEnd)
     EXPECT_TRUE(view().imgvwAfterBokesh->detail().shown.isNull());
 }
 
+TEST_F(Zooming, ThePhotoIsMovedByMouseKeysAndPadOnceItIsNear)
+{
+    openPhoto();
+    QWidget &area = *view().vwPreviewContainer;
+    const QPointF eighth(view().previewSize().width() / 8.0, view().previewSize().height() / 8.0);
+    const auto mouse = [&](QEvent::Type type, QPointF place, Qt::MouseButton button) {
+        QMouseEvent event(type, place, area.mapToGlobal(place), type == QEvent::MouseMove ? Qt::NoButton : button,
+                          type == QEvent::MouseMove ? button : Qt::NoButton, {});
+        QCoreApplication::sendEvent(&area, &event);
+    };
+    const auto drag = [&](Qt::MouseButton button) {
+        mouse(QEvent::MouseButtonPress, {300, 200}, button);
+        mouse(QEvent::MouseMove, {310, 250}, button);
+        mouse(QEvent::MouseButtonRelease, {0, 0}, Qt::RightButton); // another one
+        mouse(QEvent::MouseMove, {330, 260}, button);
+        mouse(QEvent::MouseButtonRelease, {330, 260}, button);
+        mouse(QEvent::MouseMove, {400, 400}, button);
+    };
+    const auto key = [&](Qt::Key key, Qt::KeyboardModifiers with) {
+        return [=, this] { QTest::keyClick(m_window.get(), key, with); };
+    };
+    const auto space = [&](bool deactivate) {
+        QCursor::setPos(area.mapToGlobal(QPoint(300, 200)));
+        QTest::keyPress(m_window.get(), Qt::Key_Space);
+        EXPECT_EQ(QGuiApplication::overrideCursor() != nullptr, !transform().isFit());
+        if (deactivate) {
+            QEvent event(QEvent::WindowDeactivate);
+            QCoreApplication::sendEvent(m_window.get(), &event);
+        }
+        drag(Qt::LeftButton);
+        QTest::keyRelease(m_window.get(), Qt::Key_Space);
+        EXPECT_EQ(QGuiApplication::overrideCursor(), nullptr);
+    };
+    const std::tuple<const char *, std::function<void()>, QPointF> moves[] = {
+        {"middle button", [&] { drag(Qt::MiddleButton); }, {30, 60}},
+        {"left button", [&] { drag(Qt::LeftButton); }, {}},
+        {"left button and space", [&] { space(false); }, {30, 60}},
+        {"space that goes elsewhere", [&] { space(true); }, {}},
+        {"left", key(Qt::Key_Left, Qt::ControlModifier), {eighth.x(), 0}},
+        {"right", key(Qt::Key_Right, Qt::ControlModifier), {-eighth.x(), 0}},
+        {"up", key(Qt::Key_Up, Qt::ControlModifier), {0, eighth.y()}},
+        {"down", key(Qt::Key_Down, Qt::ControlModifier), {0, -eighth.y()}},
+        {"without control", key(Qt::Key_Down, Qt::NoModifier), {}},
+        {"pad",
+         [&] {
+             QWheelEvent event({9, 9}, area.mapToGlobal(QPointF(9, 9)), {7, -9}, {70, -90}, Qt::NoButton, {},
+                               Qt::NoScrollPhase, false);
+             QCoreApplication::sendEvent(&area, &event);
+         },
+         {7, -9}},
+    };
+    for (const bool isNear : {false, true}) {
+        if (isNear)
+            perform(MenuCommand::ZoomFull);
+        for (const auto &[what, move, way] : moves) {
+            const QRectF frame = transform().frame();
+            move();
+            const QPointF moved = transform().frame().topLeft() - frame.topLeft();
+            EXPECT_LT((moved - (isNear ? way : QPointF())).manhattanLength(), 1) << what << moved.x() << moved.y();
+        }
+    }
+    EXPECT_EQ(view().overview->geometry().bottomRight(), area.rect().bottomRight() - QPoint(12, 12));
+    QNativeGestureEvent pinch(Qt::ZoomNativeGesture, QPointingDevice::primaryPointingDevice(), 2, {9, 9}, {9, 9},
+                              area.mapToGlobal(QPointF(9, 9)), 0.5, {});
+    QCoreApplication::sendEvent(&area, &pinch);
+    EXPECT_NEAR(transform().scale(), 1.5, 1e-9);
+    perform(MenuCommand::ZoomOut);
+    EXPECT_NEAR(transform().scale(), 1.2, 1e-9);
+    perform(MenuCommand::ZoomIn);
+    EXPECT_NEAR(transform().scale(), 1.5, 1e-9);
+}
+
 TEST_F(Zooming, PaintLiesWhereItWasSeenAsWideAsItWasSeen)
 {
     openPhoto();
