@@ -301,7 +301,7 @@ bool PhotoZoom::handleWheel(const QObject *watched, const QWheelEvent &event)
 
 bool PhotoZoom::handleGesture(const QObject *watched, const QNativeGestureEvent &event)
 {
-    if (event.gestureType() != Qt::ZoomNativeGesture)
+    if (watched == m_window || event.gestureType() != Qt::ZoomNativeGesture)
         return false;
     const QPointF place = placeInView(watched, event.position());
     change([&](ViewTransform &wanted) { wanted.setScale(wanted.scale() * (1 + event.value()), place); });
