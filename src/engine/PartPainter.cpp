@@ -10,6 +10,8 @@
 #include <algorithm>
 #include <cstring>
 #include <new>
+#include <optional>
+#include <tuple>
 
 namespace hazelmark {
 
@@ -18,16 +20,6 @@ namespace {
 // Wide enough that rows stream, low enough that what is drawn in one go stays in the second-level cache.
 constexpr int kPieceWidth = 512;
 constexpr int kPieceHeight = 64;
-
-ScaleAxis acrossOf(int from, int to, const QRect &part)
-{
-    return ScaleAxis::cubic(from, to, part.left(), part.width());
-}
-
-ScaleAxis alongOf(int from, int to, const QRect &part)
-{
-    return ScaleAxis::cubic(from, to, part.top(), part.height());
-}
 
 QRect inputsOf(const ScaleAxis &across, const ScaleAxis &along, const QRect &rect)
 {
@@ -71,9 +63,14 @@ PartPainter::PartPainter(const QImage &source, QSize size, const QRect &part)
     : m_source(source)
     , m_size(size)
     , m_part(part)
-    , m_across(acrossOf(source.width(), size.width(), part))
-    , m_along(alongOf(source.height(), size.height(), part))
 {
+    std::tie(m_across, m_along) = axes(source.size(), size, part);
+}
+
+std::pair<ScaleAxis, ScaleAxis> PartPainter::axes(QSize from, QSize size, const QRect &part)
+{
+    return {ScaleAxis::cubic(from.width(), size.width(), part.left(), part.width()),
+            ScaleAxis::cubic(from.height(), size.height(), part.top(), part.height())};
 }
 
 QRect PartPainter::maskReach(QSize mask, QSize size, const QRect &part)
@@ -91,8 +88,7 @@ void PartPainter::setMask(const QImage &values, QPoint corner, QSize mask)
 {
     m_mask = values;
     m_maskCorner = corner;
-    m_maskAcross = acrossOf(mask.width(), m_size.width(), m_part);
-    m_maskAlong = alongOf(mask.height(), m_size.height(), m_part);
+    std::tie(m_maskAcross, m_maskAlong) = axes(mask, m_size, m_part);
 }
 
 QRect PartPainter::reachedBy(const QRect &maskRect) const

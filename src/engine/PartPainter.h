@@ -9,7 +9,7 @@
 #include <QRegion>
 #include <QSize>
 
-#include <optional>
+#include <utility>
 #include <vector>
 
 namespace hazelmark {
@@ -24,6 +24,8 @@ public:
     /// asked for lies in it.
     PartPainter(const QImage &source, QSize size, const QRect &part);
 
+    /// How `part` of a picture of `size` is made of one that measures `from`: columns and lines.
+    static std::pair<ScaleAxis, ScaleAxis> axes(QSize from, QSize size, const QRect &part);
     /// What of a mask of the whole that measures `mask` pixels the part is blended with.
     static QRect maskReach(QSize mask, QSize size, const QRect &part);
     /// `values`: Format_Grayscale8, no less than maskReach(); `corner`: of it in the mask.

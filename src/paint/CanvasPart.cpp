@@ -79,6 +79,16 @@ CanvasPart::CanvasPart(QSizeF frame, double scale, const QRect &rect)
 {
 }
 
+CanvasPart CanvasPart::ofPixels(QSizeF frame, double scale, const QRect &rect, const QImage &pixels,
+                                std::size_t stepCount)
+{
+    CanvasPart part(frame, scale, rect);
+    Q_ASSERT(part.m_rect.size() == pixels.size());
+    part.m_pixels = pixels;
+    part.m_stepCount = stepCount;
+    return part;
+}
+
 QSize CanvasPart::canvasSize(QSizeF frame, double scale)
 {
     return canvasPixelSize(frame * scale);

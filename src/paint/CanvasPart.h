@@ -27,6 +27,10 @@ public:
     /// `rect`: in pixels of the canvas, whose frame measures `frame` times `scale` points; clipped to it.
     CanvasPart(QSizeF frame, double scale, const QRect &rect);
 
+    /// What has the first `stepCount` steps already: `pixels`, as large as `rect`.
+    static CanvasPart ofPixels(QSizeF frame, double scale, const QRect &rect, const QImage &pixels,
+                               std::size_t stepCount);
+
     /// The pixels of the whole canvas.
     static QSize canvasSize(QSizeF frame, double scale);
 

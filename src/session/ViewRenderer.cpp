@@ -3,7 +3,10 @@
 #include "LargeMemory.h"
 #include "ParallelFor.h"
 #include "Renderer.h"
+#include "ScaledRows.h"
 #include "Utils.h"
+
+#include <QtEndian>
 
 #include <algorithm>
 #include <cmath>
@@ -19,6 +22,8 @@ namespace {
 /// begins on one, so that they lie as they do in the whole picture.
 constexpr int kGrain = 256;
 constexpr int kGreen = 1;
+/// What the canvas for the screen may have of it beyond the picture, in pixels of the mask.
+constexpr int kCanvasReach = 6;
 constexpr int kBandLines = 64;
 /// So many rectangles are drawn one after the other; more are drawn as one.
 constexpr int kMostRects = 24;
@@ -50,15 +55,22 @@ QRect withReach(const QRect &part, QSize size, double radius)
     return rect;
 }
 
+/// Calls draw() with the bands of a rectangle.
+template <typename Draw>
+void inBands(const QRect &rect, int threads, const Draw &draw)
+{
+    parallelFor((rect.height() + kBandLines - 1) / kBandLines, threads, [&](int band) {
+        draw(QRect(rect.left(), rect.top() + band * kBandLines, rect.width(), kBandLines) & rect);
+    });
+}
+
 /// Copies `rect`, which lies in both, from one picture to another of the same format. The corners say where they lie.
 void copyPixels(const QImage &from, QPoint fromCorner, QImage &to, QPoint toCorner, const QRect &rect, int threads)
 {
     const qsizetype pixel = to.depth() / 8;
     uchar *const bits = to.bits(); // here, on one thread: it may detach
-    const int bands = (rect.height() + kBandLines - 1) / kBandLines;
-    parallelFor(bands, threads, [&](int band) {
-        const int end = std::min(rect.top() + (band + 1) * kBandLines, rect.bottom() + 1);
-        for (int y = rect.top() + band * kBandLines; y < end; ++y)
+    inBands(rect, threads, [&](const QRect &band) {
+        for (int y = band.top(); y <= band.bottom(); ++y)
             std::memcpy(bits + (y - toCorner.y()) * to.bytesPerLine() + (rect.left() - toCorner.x()) * pixel,
                         from.constScanLine(y - fromCorner.y()) + (rect.left() - fromCorner.x()) * pixel,
                         std::size_t(rect.width() * pixel));
@@ -84,12 +96,10 @@ QImage greenOf(const QImage &pixels, QPoint corner, const QRect &rect, int threa
     if (green.isNull())
         throw std::bad_alloc();
     uchar *const bits = green.bits(); // here, on one thread: it may detach
-    parallelFor((rect.height() + kBandLines - 1) / kBandLines, threads, [&](int band) {
-        const int end = std::min((band + 1) * kBandLines, rect.height());
-        for (int y = band * kBandLines; y < end; ++y) {
-            const uchar *from =
-                pixels.constScanLine(rect.y() + y - corner.y()) + 4 * qsizetype(rect.x() - corner.x()) + kGreen;
-            uchar *to = bits + y * green.bytesPerLine();
+    inBands(rect, threads, [&](const QRect &band) {
+        for (int y = band.top(); y <= band.bottom(); ++y) {
+            const uchar *from = pixels.constScanLine(y - corner.y()) + 4 * qsizetype(rect.x() - corner.x()) + kGreen;
+            uchar *to = bits + (y - rect.top()) * green.bytesPerLine();
             for (int x = 0; x < rect.width(); ++x)
                 to[x] = from[4 * x];
         }
@@ -126,13 +136,55 @@ ViewPicture ViewRenderer::render(const ViewJob &job, int threads)
     wanted.part = part;
     ViewPicture picture{{}, job.size, part, {}, job.painting.steps};
     picture.shown = draw(wanted, threads);
-    if (job.canvasScale > 1 && job.painting.steps && !job.painting.steps->empty()) {
-        const QSize canvas = CanvasPart::canvasSize(job.painting.frame, job.canvasScale);
-        picture.canvas =
-            m_canvasParts.part(job.painting, job.canvasScale,
-                               scaled(part, job.size, canvas).toAlignedRect().adjusted(-1, -1, 1, 1), threads);
-    }
+    if (job.canvasScale > 1 && job.painting.steps && !job.painting.steps->empty())
+        addCanvas(wanted, picture, threads);
     return picture;
+}
+
+void ViewRenderer::addCanvas(const ViewJob &job, ViewPicture &picture, int threads)
+{
+    const QSize canvas = CanvasPart::canvasSize(job.painting.frame, job.canvasScale);
+    const QRect rect = scaled(job.part, job.size, canvas).toAlignedRect().adjusted(-1, -1, 1, 1);
+    // At one scale, only what has come or moved is drawn.
+    const bool isOtherScale = std::exchange(m_canvasScale, job.canvasScale) != job.canvasScale;
+    if (job.isInHaste && isOtherScale)
+        picture.canvas = canvasLike(job, rect & QRect(QPoint(), canvas), threads);
+    picture.wasInHaste = !picture.canvas.isNull();
+    if (picture.wasInHaste)
+        return;
+    picture.canvas = m_canvasParts.part(job.painting, job.canvasScale, rect, threads);
+}
+
+/// What the canvas looks like, made of the mask of the picture; none where that cannot be told from it.
+CanvasPart ViewRenderer::canvasLike(const ViewJob &job, const QRect &rect, int threads) const
+{
+    const Mask &mask = m_last.mask;
+    const QSize canvas = CanvasPart::canvasSize(job.painting.frame, job.canvasScale);
+    const auto isGreen = [](const PaintStep &step) {
+        const Color color = step.color();
+        return step.eraser() || (color.red == 0 && color.green == 1 && color.blue == 0 && color.alpha == 1);
+    };
+    if (mask.values.isNull() || rect.isEmpty() ||
+        !mask.rect.contains(PartPainter::maskReach(mask.canvas, canvas, rect)) ||
+        !std::all_of(job.painting.steps->begin(), job.painting.steps->end(), isGreen))
+        return {};
+    QImage pixels = makeLargeBitmap(rect.size(), QImage::Format_RGBA8888_Premultiplied);
+    if (pixels.isNull())
+        throw std::bad_alloc();
+    uchar *const bits = pixels.bits(); // here, on one thread: it may detach
+    const auto [across, along] = PartPainter::axes(mask.canvas, canvas, rect);
+    const GrayPixels green(mask.values, mask.rect.topLeft());
+    const quint32 step = qFromBigEndian<quint32>(0x00010001); // of green and alpha
+    inBands(rect, threads, [&, &across = across, &along = along](const QRect &band) {
+        ScaledRows rows(green, across, along, band);
+        for (int y = band.top(); y <= band.bottom(); ++y) {
+            const float *from = rows.row(y);
+            auto *to = reinterpret_cast<quint32 *>(bits + (y - rect.top()) * pixels.bytesPerLine());
+            for (int x = 0; x < rect.width(); ++x)
+                to[x] = quint32(from[x] * 255 + 0.5F) * step;
+        }
+    });
+    return CanvasPart::ofPixels(job.painting.frame, job.canvasScale, rect, pixels, job.painting.steps->size());
 }
 
 QImage ViewRenderer::draw(const ViewJob &job, int threads)
@@ -271,21 +323,27 @@ QImage ViewRenderer::levelFor(const PhotoImagePtr &photo, QSize size, int thread
     return level;
 }
 
-/// What of the canvas is needed for the part.
+/// What of the canvas is needed for the part, and for the canvas over it.
 ViewRenderer::Mask ViewRenderer::maskFor(const ViewJob &job, int threads)
 {
+    const auto maskReach = [&](QSize canvas) {
+        const QRect reach = PartPainter::maskReach(canvas, job.size, job.part);
+        return reach.adjusted(-kCanvasReach, -kCanvasReach, kCanvasReach, kCanvasReach) & QRect(QPoint(), canvas);
+    };
     if (!(job.painting.scale > 1)) {
         if (job.canvas.isNull())
             return {};
-        const QRect rect = PartPainter::maskReach(job.canvas.size(), job.size, job.part);
+        const QRect rect = maskReach(job.canvas.size());
         return {greenOf(job.canvas, {}, rect, threads), rect, job.canvas.size()};
     }
     if (!job.painting.steps || job.painting.steps->empty())
         return {};
-    // No finer than what is drawn of it.
-    const double scale = std::min(job.painting.scale, job.size.width() / job.painting.frame.width());
+    // No finer than what is drawn of it, but the same for many sizes: drawing it takes longer than scaling it.
+    double scale = job.painting.scale;
+    while (scale / 2 >= job.size.width() / job.painting.frame.width())
+        scale /= 2;
     const QSize canvas = CanvasPart::canvasSize(job.painting.frame, scale);
-    const QRect rect = PartPainter::maskReach(canvas, job.size, job.part);
+    const QRect rect = maskReach(canvas);
     const CanvasPart &part = m_canvasParts.part(job.painting, scale, rect, threads);
     return {greenOf(part.pixels(), part.rect().topLeft(), rect, threads), rect, canvas};
 }

@@ -31,6 +31,7 @@ struct ViewJob
     QImage canvas;
     double canvasScale = 1; ///< at which the canvas itself is wanted for the screen; not above 1 for not at all
     DisplayColors colors;
+    bool isInHaste = false; ///< a canvas as it looks will do, where one from the steps takes longer
 
     /// Whether there is a photo that has the pixels.
     bool canRun() const;
@@ -43,6 +44,7 @@ struct ViewPicture
     QRect part;
     CanvasPart canvas; ///< the canvas over that part, if it was wanted; with all steps of the job
     std::shared_ptr<const PaintStepList> steps; ///< of the job
+    bool wasInHaste = false;                    ///< the canvas is one that looks like it
 };
 
 /// Draws what an export would show of a part of the photo: the photo scaled to a size, blurred by the radius of that
@@ -78,6 +80,8 @@ private:
     };
 
     QImage draw(const ViewJob &job, int threads);
+    void addCanvas(const ViewJob &job, ViewPicture &picture, int threads);
+    CanvasPart canvasLike(const ViewJob &job, const QRect &rect, int threads) const;
     QImage sourceFor(const ViewJob &job, int threads);
     void blur(PartPainter &painter, const QImage &source, const ViewJob &job, float radius,
               const std::vector<std::vector<PartPainter::Piece>> &pieces, int threads);
@@ -91,6 +95,7 @@ private:
     std::weak_ptr<PhotoImage> m_levelOf;
     QImage m_level;
     CanvasParts m_canvasParts;
+    double m_canvasScale = 0; ///< at which it was wanted for the screen last
 
     std::unique_ptr<KeptBlur> m_blur;
     qint64 m_blurOf = 0; ///< the bitmap's cacheKey()

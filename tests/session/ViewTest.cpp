@@ -248,6 +248,35 @@ TEST_F(View, DrawsTheSamePictureWhateverWasDrawnBefore)
     }
 }
 
+/// While a hand zooms, the canvas for the screen only looks like the one of the steps; that one follows.
+TEST_F(View, DrawsTheCanvasFromItsStepsWhenTheZoomIsOver)
+{
+    begin(writePhoto(m_folder, WriteFormat::Png, {}, noise({1500, 1100}, QImage::Format_RGBX8888)));
+    m_brush.setHardness(0);
+    paintAt(2, {0.3, 0.4}, {0.6, 0.5});
+    const QRect part(300, 300, 400, 300);
+    for (const double zoom : {1.9, 1.6, 1.5})
+        m_session->requestView((QSizeF(750, 550) * zoom).toSize(), part, zoom, m_settings);
+    ASSERT_TRUE(QTest::qWaitFor([&] { return !m_pictures.empty() && !m_pictures.back().wasInHaste; }));
+    const ViewPicture &last = m_pictures.back();
+    ASSERT_GE(m_pictures.size(), 2U);
+    const ViewPicture &hasty = m_pictures[m_pictures.size() - 2];
+    ASSERT_TRUE(hasty.wasInHaste);
+    EXPECT_EQ(hasty.size, QSize(1125, 825));
+    EXPECT_EQ(hasty.shown, last.shown);
+    CanvasPart steps(m_session->painting().scaled().frame, 1.5, last.canvas.rect());
+    steps.drawOn(*last.steps, 1);
+    EXPECT_EQ(last.canvas.pixels(), steps.pixels());
+    EXPECT_EQ(hasty.canvas.stepCount(), steps.stepCount());
+    const auto bytes = [&](QImage pixels, QPoint corner) {
+        pixels.reinterpretAsFormat(QImage::Format_RGBX8888);
+        return pixels.copy(hasty.canvas.rect().translated(-corner));
+    };
+    const QImage looks = bytes(hasty.canvas.pixels(), hasty.canvas.rect().topLeft());
+    EXPECT_LE(difference(looks, bytes(steps.pixels(), steps.rect().topLeft())), 12);
+    EXPECT_GT(difference(looks, bytes(steps.pixels(), steps.rect().topLeft() + QPoint(0, 1))), 50);
+}
+
 /// One decoding serves view and export, unless the file was written to in between.
 TEST_F(View, SharesTheDecodedPhotoWithTheExport)
 {

@@ -1,5 +1,7 @@
 #include "InterleavedRows.h"
 
+#include "Taps.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernels/InterleavedRows.cpp"
 #include <hwy/foreach_target.h>
@@ -20,18 +22,30 @@ using DPixel = hn::CappedTag<float, kChannels>;
 using DF = hn::CappedTag<float, 16>;
 using VF = hn::Vec<DF>;
 
-void ScalePixels(const float *row, const int *first, const float *weights, int taps, float *out, std::size_t width)
+/// `kTaps`: their number, known to the compiler; 0 where it is `taps`. The results are the same.
+template <int kTaps>
+HWY_INLINE void scalePixelsBy(const float *row, const int *first, const float *weights, int taps, float *out,
+                              std::size_t width)
 {
     const DPixel d;
-    for (std::size_t i = 0; i < width; ++i, weights += taps) {
+    const int count = kTaps > 0 ? kTaps : taps;
+    for (std::size_t i = 0; i < width; ++i, weights += count) {
         for (std::size_t c = 0; c < kChannels; c += hn::Lanes(d)) {
             const float *pixel = row + std::ptrdiff_t(kChannels) * first[i] + c;
             auto sum = hn::Mul(hn::Set(d, weights[0]), hn::LoadU(d, pixel));
-            for (int t = 1; t < taps; ++t)
+            for (int t = 1; t < count; ++t)
                 sum = hn::MulAdd(hn::Set(d, weights[t]), hn::LoadU(d, pixel + kChannels * std::size_t(t)), sum);
             hn::StoreU(sum, d, out + kChannels * i + c);
         }
     }
+}
+
+void ScalePixels(const float *row, const int *first, const float *weights, int taps, float *out, std::size_t width)
+{
+    const auto scale = [=](auto count) {
+        scalePixelsBy<decltype(count)::value>(row, first, weights, taps, out, width);
+    };
+    withTaps(taps, scale);
 }
 
 void BlendPixels(const float *over, const float *weights, float *pixels, std::size_t width)

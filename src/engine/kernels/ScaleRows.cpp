@@ -1,5 +1,7 @@
 #include "ScaleRows.h"
 
+#include "Taps.h"
+
 #undef HWY_TARGET_INCLUDE
 #define HWY_TARGET_INCLUDE "kernels/ScaleRows.cpp"
 #include <hwy/foreach_target.h>
@@ -38,15 +40,38 @@ void ScaleRow(const float *row, const int *first, const float *weights, int taps
     }
 }
 
-void WeighRows(const float *const *rows, const float *weights, int taps, float *out, std::size_t width)
+/// `kTaps`: their number, known to the compiler; 0 where it is `taps`. The results are the same.
+template <int kTaps>
+HWY_INLINE void weighRowsBy(const float *const *rows, const float *weights, int taps, float *out, std::size_t width)
 {
     const DF df;
-    for (std::size_t i = 0; i < width; i += hn::Lanes(df)) {
-        VF sum = hn::Zero(df);
-        for (int t = 0; t < taps; ++t)
-            sum = hn::MulAdd(hn::Set(df, weights[t]), hn::LoadU(df, rows[t] + i), sum);
-        hn::StoreU(sum, df, out + i);
+    if constexpr (kTaps > 0) {
+        // Taken out of memory once: as far as the compiler knows, `out` may be where they lie.
+        const float *row[kTaps];
+        VF weight[kTaps];
+        for (int t = 0; t < kTaps; ++t) {
+            row[t] = rows[t];
+            weight[t] = hn::Set(df, weights[t]);
+        }
+        for (std::size_t i = 0; i < width; i += hn::Lanes(df)) {
+            VF sum = hn::Zero(df);
+            for (int t = 0; t < kTaps; ++t)
+                sum = hn::MulAdd(weight[t], hn::LoadU(df, row[t] + i), sum);
+            hn::StoreU(sum, df, out + i);
+        }
+    } else {
+        for (std::size_t i = 0; i < width; i += hn::Lanes(df)) {
+            VF sum = hn::Zero(df);
+            for (int t = 0; t < taps; ++t)
+                sum = hn::MulAdd(hn::Set(df, weights[t]), hn::LoadU(df, rows[t] + i), sum);
+            hn::StoreU(sum, df, out + i);
+        }
     }
+}
+
+void WeighRows(const float *const *rows, const float *weights, int taps, float *out, std::size_t width)
+{
+    withTaps(taps, [=](auto count) { weighRowsBy<decltype(count)::value>(rows, weights, taps, out, width); });
 }
 
 void ClampToUnit(float *row, std::size_t width)
