@@ -1,5 +1,8 @@
 #include "ColorProfile.h"
+#include "CodedColors.h"
 #include "TestFiles.h"
+
+#include <QtEndian>
 
 #include <cmath>
 
@@ -110,6 +113,58 @@ TEST(ColorProfile, PixelsThatAreSrgbAlreadyOrHaveNoUsableProfileKeepEveryBit)
          {saved(cmsCreate_sRGBProfile()), QByteArray(), QByteArray("no profile"), grayProfile(2.2)})
         EXPECT_TRUE(samePixels(convertedToSrgb(original, profile), original));
     EXPECT_FALSE(ColorTransform::between(wideProfile(1.8), {}, original.format())->isIdentity());
+}
+
+TEST(ColorProfile, OfCodesHasTheirCurveAndPrimaries)
+{
+    // By the formulas of the curves, and by the matrices between the primaries with the curve of sRGB.
+    constexpr int kSrgb = 13;
+    const std::tuple<int, int, std::array<int, 3>, std::array<double, 3>> rows[] = {
+        {9, 1, {10, 10, 10}, {23.3, 23.3, 23.3}},         {9, 14, {160, 160, 160}, {169.4, 169.4, 169.4}},
+        {1, 4, {60, 60, 60}, {57.4, 57.4, 57.4}},         {1, 5, {160, 160, 160}, {142.2, 142.2, 142.2}},
+        {1, 7, {10, 10, 10}, {25.1, 25.1, 25.1}},         {1, 7, {160, 160, 160}, {170.3, 170.3, 170.3}},
+        {1, 8, {60, 60, 60}, {133.2, 133.2, 133.2}},      {1, 17, {160, 160, 160}, {148.3, 148.3, 148.3}},
+        {5, kSrgb, {150, 120, 90}, {151.2, 120, 90.4}},   {6, kSrgb, {150, 120, 90}, {148.2, 120.2, 89.7}},
+        {9, kSrgb, {150, 120, 90}, {167.4, 115.8, 84.6}}, {12, kSrgb, {150, 120, 90}, {155.8, 118.5, 85.3}}};
+    for (const auto &[primaries, transfer, sample, expected] : rows) {
+        QImage pixel(1, 1, QImage::Format_RGBX64);
+        pixel.fill(QColor(sample[0], sample[1], sample[2]));
+        const QRgba64 shown =
+            convertedToSrgb(pixel, profileOfCodes(primaries, transfer, false)).pixelColor(0, 0).rgba64();
+        EXPECT_NEAR(shown.red() / 257.0, expected[0], 0.7) << primaries << " " << transfer;
+        EXPECT_NEAR(shown.green() / 257.0, expected[1], 0.7) << primaries << " " << transfer;
+        EXPECT_NEAR(shown.blue() / 257.0, expected[2], 0.7) << primaries << " " << transfer;
+    }
+    for (const auto &[primaries, transfer, isGray] :
+         {std::tuple(1, 13, false), {2, 2, false}, {9, 13, true}, {9, 16, false}, {9, 18, false}, {99, 1, false}})
+        EXPECT_TRUE(profileOfCodes(primaries, transfer, isGray).isEmpty()) << primaries << " " << transfer;
+    EXPECT_FALSE(profileOfCodes(9, 1, true).isEmpty());
+}
+
+/// A picture in a tag of a maker's own, in one that the colours need, and between the tags.
+TEST(ColorProfile, IsCarriedWithoutPictures)
+{
+    const QByteArray plain = wideProfile(2.2);
+    const QByteArray picture = QByteArray("\xff\xd8\xff\xdb\0\x43", 6) + QByteArray(65, '\1') +
+                               QByteArray("\xff\xda\0\x08\1\1\0\0\x3f\0", 10) + noiseBytes(300, 5) + "\xff\xd9";
+    const auto withTag = [&](const char *name) {
+        cmsHPROFILE profile = cmsOpenProfileFromMem(plain.constData(), cmsUInt32Number(plain.size()));
+        cmsWriteRawTag(profile, cmsTagSignature(qFromBigEndian<quint32>(name)), picture.constData(),
+                       cmsUInt32Number(picture.size()));
+        return saved(profile);
+    };
+    EXPECT_EQ(profileWithoutPictures(plain), plain);
+    EXPECT_TRUE(profileWithoutPictures(withTag("A2B0")).isEmpty());
+    const QImage pixels = makePicture(20, 10, QImage::Format_RGBX8888);
+    for (const QByteArray &profile : {withTag("Acme"), plain + picture}) {
+        ASSERT_TRUE(profile.contains(picture));
+        const QByteArray carried = profileWithoutPictures(profile);
+        EXPECT_FALSE(carried.contains(picture.mid(100, 40)));
+        EXPECT_EQ(qFromBigEndian<quint32>(carried.constData()), quint32(carried.size()));
+        EXPECT_TRUE(samePixels(convertedToSrgb(pixels, carried), convertedToSrgb(pixels, plain)));
+        EXPECT_EQ(profileDescription(carried), profileDescription(plain));
+        EXPECT_LE(carried.size(), plain.size() + 3);
+    }
 }
 
 using ProfiledFiles = FolderTest;

@@ -1,8 +1,6 @@
 #!/usr/bin/env python3
 """A person's way through the program, in a real window: window_story.py PROGRAM OTHER_PROGRAM [unittest options]"""
 
-import os
-
 from desktop import STRIP, Story, main
 
 BRUSH_BUTTON = (218, 88)  # from the window's right and top edges
@@ -112,27 +110,6 @@ class Window(Story):
         self.do_until(lambda: self.desktop.key("ctrl+shift+a"), lambda: "stripes.png*" in self.desktop.titles(),
                       "the mark of unsaved work in the caption")
         self.do_until(lambda: self.desktop.key("ctrl+z"), lambda: "stripes.png" in self.desktop.titles(), "it undone")
-
-    def test_a_photo_from_the_command_line_that_vanishes_and_many_quick_resizes(self):
-        photo = self.desktop.path("Streifen für 100%.png")
-        os.rename(self.stripes, photo)
-        self.desktop.start_program(self.program, photo)
-        self.wait_for(lambda: self.is_sharp(0.5, 0.5) and self.is_sharp(0.1, 0.9), "the photo with stripes")
-        self.stroke(0.3, 0.7, 0.3)
-        self.wait_for(lambda: self.is_blurred(0.5, 0.3), "the blur")
-        # The file vanishes: what is loaded can still be worked on.
-        os.remove(photo)
-        for i in range(200):
-            size = (1220 + i * 37 % 200, 700 + i * 53 % 180)
-            if i % 50 == 25:
-                self.desktop.resize(*size)
-                self.stroke(0.3, 0.7, 0.6)
-            else:
-                self.desktop.xdotool("windowsize", self.desktop.window, *size)
-        self.desktop.resize(1300, 800)
-        self.point_away()
-        self.wait_for(lambda: self.is_blurred(0.5, 0.3) and self.is_blurred(0.5, 0.6) and self.is_sharp(0.5, 0.9),
-                      "all strokes at their places")
         # Closed by the window manager.
         self.desktop.key("alt+F4")
         self.leave_promotion()
