@@ -82,19 +82,4 @@ TEST_F(TiffMetadata, HasNoOrientationOrUnitThatDoesNotExist)
     }
 }
 
-/// A directory whose entries all refer to the same far-off half megabyte.
-TEST_F(TiffMetadata, ValuesThatAFileRefersToAgainAndAgainAreNotAllTaken)
-{
-    constexpr quint64 kSizeOfValue = 512 * 1024;
-    constexpr qsizetype kFar = 1024 * 1024;
-    TiffMaker tiff;
-    TiffEntries entries;
-    for (quint16 tag = 0xf000; tag < 0xf040; ++tag)
-        tiff.set(entries, tag, TiffMaker::kUndefined, kSizeOfValue, tiff.place(kFar));
-    const QByteArray file = tiff.startingAt(tiff.directory(entries)).leftJustified(kFar + kSizeOfValue, 'v');
-    const qsizetype taken = readTiffBlocks(**SourceFile::open(write(QStringLiteral("a.tif"), file))).exif.size();
-    EXPECT_GE(taken, 2 * qsizetype(kSizeOfValue));
-    EXPECT_LT(taken, 6 * qsizetype(kSizeOfValue));
-}
-
 } // namespace hazelmark

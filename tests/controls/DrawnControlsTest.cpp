@@ -137,21 +137,6 @@ TEST_F(FloatSliderTest, StepsWithKeysAndWheel)
     EXPECT_DOUBLE_EQ(m_slider.value(), 0.03);
 }
 
-TEST_F(FloatSliderTest, DrawsAGrayTrackAndAGreenPart)
-{
-    constexpr int kTrackTop = 8; // 5 rows in the middle of 21
-    const QColor green(52, 215, 64);
-    const auto atPlaces = [&] { // at both ends of the track, which is 8 points shorter than the view
-        const QImage image = drawn(m_slider);
-        return QList<QColor>{image.pixelColor(18, kTrackTop), image.pixelColor(215, kTrackTop),
-                             image.pixelColor(216, kTrackTop)};
-    };
-    const QList<QColor> empty = atPlaces();
-    EXPECT_TRUE(empty[0] == empty[1] && empty[1].alpha() == 128 && empty[2].alpha() == 0) << "nothing of it is green";
-    m_slider.setValue(100);
-    EXPECT_EQ(atPlaces().first(2), QList<QColor>({green, green}));
-}
-
 TEST(BarProgressIndicatorTest, FillsWholePointsOfTheMaximum)
 {
     for (const auto &[minimum, maximum, value, done] :

@@ -139,22 +139,6 @@ TEST(BlurPass, RadiusFollowsTheWidthAndBordersKeepTheirColour)
     EXPECT_EQ(samplesAt(blurred, 1003, 10)[0], 0);
 }
 
-TEST(BlurPass, WithoutBlurThePictureIsUnchanged)
-{
-    const QImage bitmap = noise({1000, 300}, QImage::Format_RGBA8888);
-    const PhotoImagePtr photo = PhotoImage::fromBitmap(bitmap);
-    for (const auto &[blur, motion] : {std::pair(0.0f, 0.0f), {0.0f, 10.0f}, {-5.0f, 0.0f}}) {
-        CoreFilterObject settings;
-        settings.blurAmount = blur;
-        settings.motionBlurAmount = motion;
-        const PhotoImagePtr result = utils.applyfilterOnBlurImage(photo, {}, settings);
-        EXPECT_NE(result, photo);
-        EXPECT_EQ(result->bitmap(), bitmap);
-        EXPECT_EQ(utils.applyfilterOnInFocusImage(photo, {}, settings), photo);
-    }
-    EXPECT_EQ(utils.applyfilterOnBlurImage(nullptr, {}, {}), nullptr);
-}
-
 TEST(Renderer, ProgressRisesToOne)
 {
     double last = 0;

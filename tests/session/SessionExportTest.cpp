@@ -72,21 +72,6 @@ TEST_F(SessionExport, OnlyAWholeFileWithTheseStrokesAndSettingsCountsAsSaved)
     }
 }
 
-TEST_F(SessionExport, APhotoThatIsGoneOrChangedMeanwhileGivesNoFile)
-{
-    for (const bool gone : {true, false}) {
-        openAndPaint();
-        m_results.clear();
-        QTest::qWait(15);
-        gone ? void(QFile::remove(out("a.png"))) : void(photo("a.png", {200, 300}));
-        exportTo(out("out.png"));
-        EXPECT_EQ(m_results[0].image, nullptr) << "what was painted belongs to other pixels";
-        EXPECT_EQ(QDir(m_folder.path()).entryList(QDir::Files | QDir::Hidden).filter(QStringLiteral("out")),
-                  QStringList());
-        EXPECT_FALSE(m_session->isSaved(m_settings));
-    }
-}
-
 TEST_F(SessionExport, TheEndOfTheSessionWaitsForTheFile)
 {
     m_work.exporting.render = [](const ExportJob &job) {

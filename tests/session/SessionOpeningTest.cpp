@@ -7,8 +7,6 @@ namespace hazelmark {
 
 namespace {
 
-using SessionOpening = SessionFixture;
-
 /// What is dropped at once (whole, cut off, no picture), the order in which it is read to its end (indices from 0), and
 /// which of it is open then: 0 for the photo before.
 struct Drop
@@ -59,35 +57,5 @@ INSTANTIATE_TEST_SUITE_P(Orders, SessionDrops,
                                          Drop{"wc", "21", 1}, Drop{"cw", "12", 2}, Drop{"cw", "21", 2},
                                          Drop{"wcnc", "1234", 1}, Drop{"wcnc", "2431", 1}, Drop{"ccc", "123", 0},
                                          Drop{"wwwwc", "21345", 4}));
-
-TEST_F(SessionOpening, ABrokenFileTouchesNothing)
-{
-    start();
-    const QString before = photo("before.png");
-    const QByteArray png = contentOf(before);
-    open(before);
-    paint({0.3, 0.5}, {0.6, 0.5});
-    endStroke();
-    m_session->setLastExportedImage(m_session->photo().inputImage);
-    using Reason = Failure::Reason;
-    const std::tuple<const char16_t *, QByteArray, Reason> files[]{
-        {u"text.jpg", "just words", Reason::NotAPicture},
-        {u"nothing.jpg", "", Reason::Empty},
-        {u"cut.png", png.first(png.size() / 3), Reason::Truncated},
-    };
-    for (const auto &[name, content, reason] : files) {
-        const QString path = file(QString::fromUtf16(name), content);
-        m_session->open(path, kView);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return !m_session->isLoading(); }));
-        ASSERT_FALSE(m_refused.empty());
-        EXPECT_EQ(m_refused.back().reason, reason);
-        EXPECT_EQ(m_refused.back().path, path);
-        EXPECT_FALSE(m_session->read(path, kView));
-    }
-    EXPECT_EQ(m_opened, QStringList(before));
-    EXPECT_FALSE(m_session->painting().isEmpty());
-    EXPECT_GT(maskAt({0.4, 0.5}), 200);
-    EXPECT_TRUE(m_session->lastExportedImage());
-}
 
 } // namespace hazelmark
