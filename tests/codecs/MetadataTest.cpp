@@ -45,6 +45,8 @@ TEST_F(Metadata, EachBlockIsReadBackFromEachFormat)
 {
     const QByteArray exif = kTiffStart + noiseBytes(65520, 1);
     const QByteArray largest(kTiffStart + noiseBytes(65523, 1)); // that fits into a segment
+    const std::vector<PngText> texts = {{"Title", QStringLiteral("A day"), {}, {}},
+                                        {"Author", QString(QChar(0x4e00)), "zh", {}}};
     const struct
     {
         const char *what;
@@ -56,14 +58,7 @@ TEST_F(Metadata, EachBlockIsReadBackFromEachFormat)
         {"JPEG without any", WriteFormat::Jpeg, {}},
         {"PNG", WriteFormat::Png, {exif, records(11), kXmp, noiseBytes(5000, 3), {}, {}}},
         {"PNG of a large packet", WriteFormat::Png, {{}, {}, largePacket(), {}, {}, {}}},
-        {"PNG of texts",
-         WriteFormat::Png,
-         {{},
-          {},
-          {},
-          {},
-          {},
-          {{"Title", QStringLiteral("A day"), {}, {}}, {"Author", QString(QChar(0x4e00)), "zh", {}}}}},
+        {"PNG of texts", WriteFormat::Png, {.texts = texts}},
         {"TIFF", WriteFormat::Tiff, {{}, records(3), kXmp, noiseBytes(5001, 3), {}, {}}},
     };
     for (const auto &[what, format, metadata] : rows) {

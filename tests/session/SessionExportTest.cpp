@@ -23,19 +23,6 @@ protected:
 
 } // namespace
 
-TEST_F(SessionExport, WritesTheWholePhotoBlurredWhereItIsPainted)
-{
-    openAndPaint();
-    paint({0.2, 0.5}, {0.3, 0.5}); // its preview has not been asked for yet
-    exportTo(out("out.png"));
-    EXPECT_GT(maskAt({0.25, 0.5}), 200);
-    const Outcome<Picture> written = decodePicture(out("out.png"));
-    ASSERT_TRUE(written);
-    EXPECT_NEAR(written->pixels.pixelColor(149, 100).red(), 127, 40) << "the edge is soft where it was painted";
-    EXPECT_EQ(written->pixels.pixelColor(149, 5).red(), 0) << "and hard where it was not";
-    EXPECT_EQ(written->pixels.pixelColor(150, 5).red(), 255);
-}
-
 TEST_F(SessionExport, OnlyAWholeFileWithTheseStrokesAndSettingsCountsAsSaved)
 {
     m_work.exporting.write = [](const auto &, const QString &path, const auto &) -> Outcome<Done> {
