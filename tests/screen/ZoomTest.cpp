@@ -8,6 +8,9 @@
 #include "SummaryBar.h"
 #include "ZoomField.h"
 
+#include <QAccessible>
+#include <QLineEdit>
+#include <QNativeGestureEvent>
 #include <QTest>
 #include <QWheelEvent>
 
@@ -65,8 +68,20 @@ TEST_F(Zooming, EndsWhereTheFingersEnd)
     turnWheel(-120, place, Qt::ShiftModifier);
     EXPECT_EQ(transform().frame(), frame.translated(-60, -60));
 
+    QNativeGestureEvent pinch(Qt::ZoomNativeGesture, QPointingDevice::primaryPointingDevice(), 2, place, place, place,
+                              0.1, {});
+    const QPointF held = under(place - canvas().geometry().topLeft());
+    const double scale = transform().scale();
+    QCoreApplication::sendEvent(view().vwPreviewContainer, &pinch);
+    QCoreApplication::sendEvent(m_window.get(), &pinch); // beside the photo
+    EXPECT_NEAR(transform().scale(), 1.1 * scale, 1e-9);
+    EXPECT_NEAR(under(place - canvas().geometry().topLeft()).y(), held.y(), 1e-3);
+
     perform(MenuCommand::ZoomFull);
     EXPECT_EQ(transform().scale(), 1);
+    const QAccessibleInterface *field = QAccessible::queryAccessibleInterface(view().vwBottom->zoomField()->lineEdit());
+    EXPECT_EQ(field->text(QAccessible::Name), m_application.getLocalizedStringForKey(u"ZOOM"_qs));
+    EXPECT_EQ(field->text(QAccessible::Value), u"100 %"_qs);
     ASSERT_TRUE(QTest::qWaitFor([&] { return view().imgvwAfterBokesh->detail().size == QSize(2400, 1600); }));
     resizeWindow({1400, 900});
     EXPECT_EQ(transform().scale(), 1);

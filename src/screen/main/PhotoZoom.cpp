@@ -299,10 +299,11 @@ bool PhotoZoom::handleWheel(const QObject *watched, const QWheelEvent &event)
     return true;
 }
 
-bool PhotoZoom::handleGesture(const QObject *watched, const QNativeGestureEvent &event)
+bool PhotoZoom::handleGesture(const QObject *watched, QNativeGestureEvent &event)
 {
     if (watched == m_window || event.gestureType() != Qt::ZoomNativeGesture)
         return false;
+    event.accept(); // else it goes on to the widgets that this one lies in
     const QPointF place = placeInView(watched, event.position());
     change([&](ViewTransform &wanted) { wanted.setScale(wanted.scale() * (1 + event.value()), place); });
     return true;

@@ -82,7 +82,7 @@ private:
     QPointF middle() const;
     QPointF placeInView(const QObject *watched, QPointF position) const;
     bool handleWheel(const QObject *watched, const QWheelEvent &event);
-    bool handleGesture(const QObject *watched, const QNativeGestureEvent &event);
+    bool handleGesture(const QObject *watched, QNativeGestureEvent &event);
     bool handleMouse(const QObject *watched, const QMouseEvent &event);
     bool handleTouch(const QObject *watched, const QTouchEvent &event);
     bool handleKey(const QKeyEvent &event);
