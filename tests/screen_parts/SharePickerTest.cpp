@@ -3,16 +3,26 @@
 #include "../support/ScreenApplication.h"
 #include "AlertSheet.h"
 #include "Decoder.h"
+#include "EmailComposer.h"
 #include "ProcessWide.h"
 #include "Workspace.h"
 
 #include <QApplication>
+#include <QDBusArgument>
+#include <QDBusMessage>
+#include <QDBusUnixFileDescriptor>
+#include <QDBusVirtualObject>
 #include <QDir>
 #include <QFile>
+#include <QProcess>
+#include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
 
 #include <gtest/gtest.h>
+
+#include <optional>
+#include <utility>
 
 using namespace hazelmark;
 
@@ -220,4 +230,80 @@ TEST(DesktopApplicationTest, FillsItsCommandLine)
         ASSERT_TRUE(application);
         EXPECT_EQ(application->command(QStringLiteral("/p/a b%.png")).join(QLatin1Char('|')).toStdString(), command);
     }
+}
+
+namespace {
+
+/// The desktop's mail portal; it answers before the call itself is answered.
+class FakePortal : public QDBusVirtualObject
+{
+public:
+    bool handleMessage(const QDBusMessage &message, const QDBusConnection &bus) override
+    {
+        const auto options = qdbus_cast<QVariantMap>(message.arguments().at(1));
+        const auto files = qdbus_cast<QList<QDBusUnixFileDescriptor>>(options[QStringLiteral("attachment_fds")]);
+        QFile file;
+        if (!files.isEmpty() && file.open(files.first().fileDescriptor(), QIODevice::ReadOnly))
+            m_attached = file.readAll();
+        if (m_response < 0)
+            return bus.send(message.createErrorReply(QDBusError::Failed, QStringLiteral("no")));
+        const QString request = message.path() + QStringLiteral("/request/") +
+                                message.service().mid(1).replace(QLatin1Char('.'), QLatin1Char('_')) +
+                                QLatin1Char('/') + options[QStringLiteral("handle_token")].toString();
+        QDBusMessage answer = QDBusMessage::createSignal(request, QStringLiteral("org.freedesktop.portal.Request"),
+                                                         QStringLiteral("Response"));
+        return bus.send(answer << uint(m_response) << QVariantMap()) &&
+               bus.send(message.createReply(QVariant::fromValue(QDBusObjectPath(request))));
+    }
+    QString introspect(const QString &) const override { return {}; }
+
+    QByteArray m_attached;
+    int m_response = 0; ///< below 0: it refuses
+};
+
+} // namespace
+
+TEST(EmailComposer, HandsTheOpenFileToThePortalOrElseToTheDesktopsCommand)
+{
+    if (QStandardPaths::findExecutable(QStringLiteral("dbus-daemon")).isEmpty())
+        GTEST_SKIP() << "there is no dbus-daemon to test with";
+    QProcess daemon;
+    daemon.start(QStringLiteral("dbus-daemon"),
+                 {QStringLiteral("--session"), QStringLiteral("--nofork"), QStringLiteral("--print-address")});
+    ASSERT_TRUE(daemon.waitForReadyRead());
+    const QString address = QString::fromLatin1(daemon.readLine()).trimmed();
+    QDBusConnection portalBus = QDBusConnection::connectToBus(address, QStringLiteral("portal"));
+    const QDBusConnection bus = QDBusConnection::connectToBus(address, QStringLiteral("composer"));
+    const QTemporaryDir folder;
+    const QString attachment = folder.filePath(QStringLiteral("a.jpg"));
+    writeFile(attachment, "the picture");
+    FakePortal portal;
+    LaunchingWorkspace workspace;
+    const ProcessWide<Workspace>::Replacement replacement{workspace};
+    const auto opens = [&] {
+        workspace.m_launched.clear();
+        EmailComposer composer(bus);
+        std::optional<bool> opened;
+        composer.composeWithAttachment(attachment, [&](bool ok) { opened = ok; });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return opened.has_value(); }));
+        return opened == true;
+    };
+    EXPECT_TRUE(opens()) << "without a portal";
+    const QList<QStringList> command{{QStringLiteral("xdg-email"), QStringLiteral("--attach"), attachment}};
+    EXPECT_EQ(workspace.m_launched, command);
+    ASSERT_TRUE(portalBus.registerVirtualObject(QStringLiteral("/org/freedesktop/portal/desktop"), &portal));
+    ASSERT_TRUE(portalBus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
+    // Written, turned down by the person, no mail program there, refused.
+    for (const int response : {0, 1, 2, -1}) {
+        const bool byCommand = response == 2 || response < 0;
+        portal.m_response = response;
+        workspace.m_succeeds = response >= 0;
+        EXPECT_EQ(opens(), response >= 0) << response;
+        EXPECT_EQ(workspace.m_launched, byCommand ? command : QList<QStringList>()) << response;
+        EXPECT_EQ(std::exchange(portal.m_attached, {}), "the picture") << response;
+    }
+    QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
+    QDBusConnection::disconnectFromBus(QStringLiteral("composer"));
+    daemon.terminate();
+    daemon.waitForFinished();
 }
