@@ -14,6 +14,7 @@
 #include "ZoomField.h"
 
 #include <QApplication>
+#include <QBuffer>
 #include <QClipboard>
 #include <QMimeData>
 #include <QPushButton>
@@ -162,6 +163,16 @@ TEST_F(Editing, AFileOrAPictureIsPasted)
     perform(MenuCommand::PastePhoto);
     EXPECT_TRUE(QTest::qWaitFor([&] { return m_screen->imageUrl().endsWith(u"/Clipboard.png"_qs); }));
     EXPECT_EQ(m_screen->inputImage()->size(), QSizeF(70, 30));
+    QByteArray bytes; // as from another program
+    QBuffer buffer(&bytes);
+    ASSERT_TRUE(buffer.open(QIODevice::WriteOnly) && picture.scaled(35, 15).save(&buffer, "jpeg"));
+    auto *offered = new QMimeData;
+    offered->setData(u"image/svg+xml"_qs, "<svg/>");
+    offered->setData(u"image/jpeg"_qs, bytes);
+    QGuiApplication::clipboard()->setMimeData(offered);
+    perform(MenuCommand::PastePhoto);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return m_screen->imageUrl().endsWith(u"/Clipboard.jpeg"_qs); }));
+    EXPECT_EQ(m_screen->inputImage()->size(), QSizeF(35, 15));
     const QString path = m_screen->imageUrl();
     QGuiApplication::clipboard()->setText(u"words"_qs);
     perform(MenuCommand::PastePhoto);

@@ -262,8 +262,10 @@ EmbeddedBlocks readForeignBlocks(const SourceFile &source)
     const Outcome<glass::Message> message = process ? (*process)->receive(kBaseTime) : process.failure();
     const std::optional<glass::Header> header =
         message && message->kind == glass::Kind::Header ? glass::headerOf(message->body) : std::nullopt;
-    if (!header || !header->note.empty())
+    if (!header)
         qCWarning(lcCodecs).noquote() << source.path() + QStringLiteral(": its metadata could not be read");
+    else if (!header->note.empty())
+        qCInfo(lcCodecs).noquote() << source.path() + QStringLiteral(": ") + textOf(header->note);
     return header ? blocksOf(*header) : EmbeddedBlocks();
 }
 

@@ -4,14 +4,46 @@
 
 #include <QClipboard>
 #include <QDir>
+#include <QFile>
 #include <QGuiApplication>
 #include <QImage>
 #include <QMimeData>
 #include <QUrl>
 
+#include <algorithm>
 #include <utility>
 
 namespace hazelmark {
+
+namespace {
+
+/// In which of its forms a picture is taken: PNG keeps all. Empty where it has none, or none of pixels.
+QString takenForm(const QStringList &forms)
+{
+    const QString png = QStringLiteral("image/png");
+    const auto isOfPixels = [](const QString &form) {
+        return form.startsWith(QLatin1String("image/")) && !form.contains(QLatin1String("svg"));
+    };
+    const auto first = std::find_if(forms.begin(), forms.end(), isOfPixels);
+    if (forms.contains(png))
+        return png;
+    return first == forms.end() ? QString() : *first;
+}
+
+QString nameFor(const QString &form)
+{
+    QString extension = form.section(u'/', 1).section(u'-', -1);
+    extension.removeIf([](QChar c) { return !c.isLetterOrNumber(); });
+    return QStringLiteral("/Clipboard.") + extension;
+}
+
+bool write(const QString &path, const QByteArray &bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size() && file.flush();
+}
+
+} // namespace
 
 void ClipboardPhoto::asFile(std::function<void(const QString &path)> done)
 {
@@ -23,17 +55,20 @@ void ClipboardPhoto::asFile(std::function<void(const QString &path)> done)
         if (url.isLocalFile())
             return done(url.toLocalFile());
     }
-    const QImage picture = data->hasImage() ? qvariant_cast<QImage>(data->imageData()) : QImage();
-    if (picture.isNull())
+    // Its bytes come from another program: they are read as any photo's are. What this program has copied has none.
+    const QString form = takenForm(data->formats());
+    const QByteArray bytes = form.isEmpty() ? QByteArray() : data->data(form);
+    const QImage picture = form.isEmpty() && data->hasImage() ? qvariant_cast<QImage>(data->imageData()) : QImage();
+    if (bytes.isEmpty() && picture.isNull())
         return done({});
     if (!m_folder)
         m_folder.emplace();
     // A folder each: the photo that is open is never written over.
     const QString folder = m_folder->filePath(QString::number(++m_count));
     m_writer.run(
-        [picture, folder] {
-            const QString path = folder + QStringLiteral("/Clipboard.png");
-            if (QDir().mkpath(folder) && picture.save(path))
+        [bytes, picture, folder, name = nameFor(form.isEmpty() ? QStringLiteral("image/png") : form)] {
+            const QString path = folder + name;
+            if (QDir().mkpath(folder) && (picture.isNull() ? write(path, bytes) : picture.save(path)))
                 return path;
             qCWarning(lcScreen) << "cannot write the picture on the clipboard into" << folder;
             return QString();

@@ -10,7 +10,8 @@
 namespace hazelmark {
 
 /// The photo on the clipboard as a file: one that was copied in a file manager, or else a picture that was copied in
-/// another program, which is written as "Clipboard.png" into a folder that is removed at the end. Main thread only.
+/// another program, which is written as "Clipboard.png", or what else it is, into a folder that is removed at the end.
+/// Main thread only.
 class ClipboardPhoto
 {
 public:
