@@ -165,9 +165,9 @@ void PartPainter::setBlurred(const QImage &pixels, QPoint corner)
     m_blurredAlong = ScaleAxis::plain(0, m_part.top(), m_part.height());
 }
 
-QImage PartPainter::draw(const QRect &rect, const std::vector<Piece> &pieces, int threads) const
+QImage PartPainter::draw(const QRect &rect, const std::vector<Piece> &pieces, int threads, QImage room) const
 {
-    QImage drawn = makeLargeBitmap(rect.size(), fourSampleFormat(m_source));
+    QImage drawn = makeBitmapIn(std::move(room), rect.size(), fourSampleFormat(m_source));
     if (drawn.isNull())
         throw std::bad_alloc();
     uchar *const bits = drawn.bits(); // here, on one thread: it may detach

@@ -48,9 +48,9 @@ public:
     /// ... or its own pixels, of the formats that `source` may have; `corner`: where they lie.
     void setBlurred(const QImage &pixels, QPoint corner);
 
-    /// RGBX8888 or RGBA8888 for 8-bit pictures, RGBX64 or RGBA64 for 16-bit ones. `pieces`: those of `rect`. Throws
-    /// std::bad_alloc.
-    QImage draw(const QRect &rect, const std::vector<Piece> &pieces, int threads) const;
+    /// RGBX8888 or RGBA8888 for 8-bit pictures, RGBX64 or RGBA64 for 16-bit ones. `pieces`: those of `rect`. `room`: a
+    /// picture that nobody needs any more, whose memory is taken if it is as large. Throws std::bad_alloc.
+    QImage draw(const QRect &rect, const std::vector<Piece> &pieces, int threads, QImage room = {}) const;
 
 private:
     QRect paintedIn(const QRect &rect) const;

@@ -29,8 +29,9 @@ ScaledRows::ScaledRows(const PixelSource &source, const ScaleAxis &across, const
     , m_firstColumn(across.inputBegin(rect.left()))
     , m_alongFirst(along.shrinks() || across.isPlain())
 {
-    // What pads a row is scaled as well.
-    const int last = std::min(rect.left() + m_paddedWidth, across.begin() + across.count()) - 1;
+    // What pads a row of single values is scaled as well.
+    const int width = m_channels == 1 ? m_paddedWidth : rect.width();
+    const int last = std::min(rect.left() + width, across.begin() + across.count()) - 1;
     m_columnCount = across.inputEnd(last) - m_firstColumn;
     const int columns = m_channels * padded(m_columnCount);
     const int outputs = m_channels * m_paddedWidth;

@@ -15,7 +15,8 @@ namespace hazelmark {
 class ScaledRows
 {
 public:
-    /// All outlive it. `rect`: of the outputs that the axes tell of; not empty.
+    /// All outlive it. `rect`: of the outputs that the axes tell of; not empty. A source of four values a pixel holds
+    /// what these are made of, one of single values what all outputs of the axes are.
     ScaledRows(const PixelSource &source, const ScaleAxis &across, const ScaleAxis &along, const QRect &rect);
 
     /// The pixels of row y of the rectangle, valid until the next call. They may be changed.

@@ -2,6 +2,8 @@
 
 #include "BrushTips.h"
 #include "Geometry.h"
+#include "LargeMemory.h"
+#include "ParallelFor.h"
 #include "StampPlacement.h"
 
 #include <QRegion>
@@ -59,12 +61,19 @@ QRectF reachOf(const PaintStep &step, QSizeF frame, double scale)
                    double(float(double(step.scaledTo(frame.width()).pointSize()) * scale)));
 }
 
-void copyPixels(const QImage &from, QPoint fromCorner, QImage &to, QPoint toCorner, const QRect &rect)
+/// Lines that one thread copies in one go.
+constexpr int kBandLines = 64;
+
+void copyPixels(const QImage &from, QPoint fromCorner, QImage &to, QPoint toCorner, const QRect &rect, int threads)
 {
-    for (int y = rect.top(); y <= rect.bottom(); ++y)
-        std::memcpy(to.scanLine(y - toCorner.y()) + 4 * (rect.left() - toCorner.x()),
-                    from.constScanLine(y - fromCorner.y()) + 4 * (rect.left() - fromCorner.x()),
-                    std::size_t(rect.width()) * 4);
+    uchar *const bits = to.bits(); // here, on one thread: it may detach
+    parallelFor((rect.height() + kBandLines - 1) / kBandLines, threads, [&](int band) {
+        const int end = std::min((band + 1) * kBandLines, rect.height());
+        for (int y = rect.top() + band * kBandLines; y < rect.top() + end; ++y)
+            std::memcpy(bits + (y - toCorner.y()) * to.bytesPerLine() + 4 * qsizetype(rect.left() - toCorner.x()),
+                        from.constScanLine(y - fromCorner.y()) + 4 * qsizetype(rect.left() - fromCorner.x()),
+                        std::size_t(rect.width()) * 4);
+    });
 }
 
 /// What steps reach is told in so many pieces: that of a slanting stroke is much less than the rectangle around it.
@@ -96,12 +105,22 @@ QSize CanvasPart::canvasSize(QSizeF frame, double scale)
 
 void CanvasPart::makePixels()
 {
+    makePixels({});
+}
+
+/// Transparent ones, but for `unset`.
+void CanvasPart::makePixels(const QRect &unset)
+{
     if (!m_pixels.isNull())
         return;
-    m_pixels = QImage(m_rect.size(), QImage::Format_RGBA8888_Premultiplied);
+    m_pixels = makeLargeBitmap(m_rect.size(), QImage::Format_RGBA8888_Premultiplied);
     if (m_pixels.isNull())
         throw std::bad_alloc();
-    m_pixels.fill(0);
+    uchar *const bits = m_pixels.bits();
+    for (const QRect &rect : QRegion(m_rect) - unset)
+        for (int y = rect.top(); y <= rect.bottom(); ++y)
+            std::memset(bits + (y - m_rect.y()) * m_pixels.bytesPerLine() + 4 * qsizetype(rect.x() - m_rect.x()), 0,
+                        std::size_t(rect.width()) * 4);
 }
 
 bool CanvasPart::isOf(const PaintStepList &steps, const PaintStepList &drawn) const
@@ -157,7 +176,7 @@ void CanvasPart::takeBack(const PaintStepList &drawn, std::size_t count, const C
     const std::vector<QRect> pieces = reached(drawn, count, before);
     for (const QRect &piece : pieces) {
         if (!from.pixels.isNull()) {
-            copyPixels(from.pixels, m_rect.topLeft(), m_pixels, m_rect.topLeft(), piece);
+            copyPixels(from.pixels, m_rect.topLeft(), m_pixels, m_rect.topLeft(), piece, threads);
             continue;
         }
         for (int y = piece.top(); y <= piece.bottom(); ++y)
@@ -234,8 +253,8 @@ CanvasPart CanvasPart::movedTo(const QRect &rect, const PaintStepList &steps, in
     moved.m_stepCount = m_stepCount;
     const QRect common = m_rect & moved.m_rect;
     if (!common.isEmpty() && !m_pixels.isNull()) {
-        moved.makePixels();
-        copyPixels(m_pixels, m_rect.topLeft(), moved.m_pixels, moved.m_rect.topLeft(), common);
+        moved.makePixels(common);
+        copyPixels(m_pixels, m_rect.topLeft(), moved.m_pixels, moved.m_rect.topLeft(), common, threads);
     }
     for (const QRect &fresh : QRegion(moved.m_rect) - common) {
         CanvasPart strip(m_frame, m_scale, fresh);
@@ -243,7 +262,7 @@ CanvasPart CanvasPart::movedTo(const QRect &rect, const PaintStepList &steps, in
         if (strip.m_pixels.isNull())
             continue;
         moved.makePixels();
-        copyPixels(strip.m_pixels, fresh.topLeft(), moved.m_pixels, moved.m_rect.topLeft(), fresh);
+        copyPixels(strip.m_pixels, fresh.topLeft(), moved.m_pixels, moved.m_rect.topLeft(), fresh, threads);
     }
     return moved;
 }

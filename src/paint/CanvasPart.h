@@ -71,6 +71,7 @@ private:
                 int threads);
     std::vector<QRect> reached(const PaintStepList &steps, std::size_t from, std::size_t to) const;
     void makePixels();
+    void makePixels(const QRect &unset);
 
     QSizeF m_frame;
     double m_scale = 1;

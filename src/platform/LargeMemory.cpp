@@ -44,4 +44,12 @@ try {
     return {};
 }
 
+QImage makeBitmapIn(QImage room, QSize size, QImage::Format format)
+{
+    const bool fits = room.size() == size && room.depth() == int(QImage::toPixelFormat(format).bitsPerPixel());
+    if (fits && room.isDetached() && room.reinterpretAsFormat(format))
+        return room;
+    return makeLargeBitmap(size, format);
+}
+
 } // namespace hazelmark

@@ -28,5 +28,8 @@ LargeArray<Element> makeLargeArray(std::size_t count)
 
 /// A bitmap in such memory, its pixels not set. Null when there is not enough, or `size` is empty.
 QImage makeLargeBitmap(QSize size, QImage::Format format);
+/// The same in the memory of a picture of that size that nobody else holds, if `room` is one: the system need not clear
+/// other memory for it first.
+QImage makeBitmapIn(QImage room, QSize size, QImage::Format format);
 
 } // namespace hazelmark

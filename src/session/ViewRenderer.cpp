@@ -64,6 +64,17 @@ void inBands(const QRect &rect, int threads, const Draw &draw)
     });
 }
 
+/// Which lines of a mask are 0.
+std::vector<bool> emptyLines(const QImage &mask)
+{
+    std::vector<bool> empty(std::size_t(mask.height()));
+    for (int y = 0; y < mask.height(); ++y) {
+        const uchar *line = mask.constScanLine(y);
+        empty[std::size_t(y)] = line[0] == 0 && std::memcmp(line, line + 1, std::size_t(mask.width() - 1)) == 0;
+    }
+    return empty;
+}
+
 /// Copies `rect`, which lies in both, from one picture to another of the same format. The corners say where they lie.
 void copyPixels(const QImage &from, QPoint fromCorner, QImage &to, QPoint toCorner, const QRect &rect, int threads)
 {
@@ -78,9 +89,9 @@ void copyPixels(const QImage &from, QPoint fromCorner, QImage &to, QPoint toCorn
 }
 
 /// A picture of another part, with what both show.
-QImage moved(const QImage &picture, QPoint corner, const QRect &part, int threads)
+QImage moved(const QImage &picture, QPoint corner, const QRect &part, QImage room, int threads)
 {
-    QImage other = makeLargeBitmap(part.size(), picture.format());
+    QImage other = makeBitmapIn(std::move(room), part.size(), picture.format());
     if (other.isNull())
         throw std::bad_alloc();
     copyPixels(picture, corner, other, part.topLeft(), QRect(corner, picture.size()) & part, threads);
@@ -175,11 +186,17 @@ CanvasPart ViewRenderer::canvasLike(const ViewJob &job, const QRect &rect, int t
     const auto [across, along] = PartPainter::axes(mask.canvas, canvas, rect);
     const GrayPixels green(mask.values, mask.rect.topLeft());
     const quint32 step = qFromBigEndian<quint32>(0x00010001); // of green and alpha
+    const std::vector<bool> isEmptyLine = emptyLines(mask.values);
     inBands(rect, threads, [&, &across = across, &along = along](const QRect &band) {
         ScaledRows rows(green, across, along, band);
         for (int y = band.top(); y <= band.bottom(); ++y) {
-            const float *from = rows.row(y);
             auto *to = reinterpret_cast<quint32 *>(bits + (y - rect.top()) * pixels.bytesPerLine());
+            const auto lines = isEmptyLine.begin() - mask.rect.top();
+            if (std::find(lines + along.inputBegin(y), lines + along.inputEnd(y), false) == lines + along.inputEnd(y)) {
+                std::fill_n(to, rect.width(), 0U);
+                continue;
+            }
+            const float *from = rows.row(y);
             for (int x = 0; x < rect.width(); ++x)
                 to[x] = quint32(from[x] * 255 + 0.5F) * step;
         }
@@ -221,19 +238,21 @@ QImage ViewRenderer::draw(const ViewJob &job, int threads)
     const QByteArray profile = (job.photo ? job.photo : job.reduced)->iccProfile();
     std::size_t i = 0;
     for (const QRect &rect : fresh) {
-        QImage piece = job.colors.shown(painter.draw(rect, pieces[i], threads), profile);
+        const bool isAll = rect == job.part;
+        QImage piece = painter.draw(rect, pieces[i], threads, isAll ? std::move(m_spare) : QImage());
+        piece = job.colors.shown(std::move(piece), profile);
         ++i;
-        if (rect == job.part) {
+        if (isAll) {
             drawn.shown = std::move(piece);
             break;
         }
         if (drawn.shown.isNull())
-            drawn.shown = moved(last.shown, last.part.topLeft(), job.part, threads);
+            drawn.shown = moved(last.shown, last.part.topLeft(), job.part, std::move(m_spare), threads);
         copyPixels(piece, rect.topLeft(), drawn.shown, job.part.topLeft(), rect, threads);
     }
     if (drawn.shown.isNull())
-        drawn.shown = moved(last.shown, last.part.topLeft(), job.part, threads);
-    m_last = std::move(drawn);
+        drawn.shown = moved(last.shown, last.part.topLeft(), job.part, std::move(m_spare), threads);
+    m_spare = std::exchange(m_last, std::move(drawn)).shown;
     return m_last.shown;
 }
 

@@ -91,6 +91,7 @@ private:
     static QRegion changes(const Mask &mask, const Mask &before, const PartPainter &painter);
 
     Drawn m_last;
+    QImage m_spare; ///< the picture before, whose memory the next one takes when the screen has let go of it
 
     std::weak_ptr<PhotoImage> m_levelOf;
     QImage m_level;
