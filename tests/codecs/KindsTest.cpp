@@ -352,6 +352,7 @@ TEST_F(Kinds, OfPluginsComeAsTheyWereSaved)
     for (const auto &[format, image] : {std::pair("bmp", photo),
                                         {"bmp", photo.convertToFormat(QImage::Format_Indexed8)},
                                         {"ppm", photo},
+                                        {"ico", makePicture(45, 20, kRgba8)},
                                         {"webp", photo},
                                         {"webp", makePicture(40, 30, kRgba8)}}) {
         const QByteArray file = savedByQt(image, format, 100);

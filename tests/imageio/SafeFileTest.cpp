@@ -48,12 +48,13 @@ protected:
     {
         return bool(prepared(path(name), content).commit()) && readBytes(path(name)) == content;
     }
-    mode_t modeOf(const char *name) const
+    struct stat statusOf(const char *name) const
     {
         struct stat status = {};
         ::stat(native(name).constData(), &status);
-        return status.st_mode & 07777;
+        return status;
     }
+    mode_t modeOf(const char *name) const { return statusOf(name).st_mode & 07777; }
 
     QTemporaryDir m_folder;
     QString m_source = file("photo.jpg", "the photo");
@@ -81,9 +82,11 @@ TEST_F(SafeFiles, ANewFileHasAnOrdinaryModeAndAReplacedOneKeepsItsOwn)
     EXPECT_TRUE(put("new.png", "content"));
     ::umask(before);
     EXPECT_EQ(modeOf("new.png"), mode_t(0640));
+    const bool isOthers = ::chown(native("new.png").constData(), 1234, 5678) == 0; // which only the superuser may
     ASSERT_EQ(::chmod(native("new.png").constData(), 0604), 0);
     EXPECT_TRUE(put("new.png", "other"));
     EXPECT_EQ(modeOf("new.png"), mode_t(0604));
+    EXPECT_TRUE(!isOthers || (statusOf("new.png").st_uid == 1234 && statusOf("new.png").st_gid == 5678));
     EXPECT_EQ(entries().size(), 3);
 }
 

@@ -1,6 +1,7 @@
 #include "SettingsPanel.h"
 
 #include "../support/ScreenApplication.h"
+#include "CoreFilterObject.h"
 #include "FloatSlider.h"
 #include "HighlightButton.h"
 #include "IMGButton.h"
@@ -173,6 +174,33 @@ TEST_F(SettingsPanelTest, EveryResetRestoresItsGroupAndAsksForAPreview)
     m_panel.resetAllSlidersAndTextfields();
     EXPECT_EQ(value(S::Vignette), 0.3) << "opening a photo keeps the vignette";
     EXPECT_EQ(value(S::BrushDiameter) + value(S::InFocusVividness) + value(S::BlurAmount), 40 + 50 + 60);
+}
+
+TEST_F(SettingsPanelTest, APresetHasTheNumberOfEverySlider)
+{
+    setAll(0.75);
+    for (const SettingRow &row : settingsTable())
+        m_panel.slider(row.setting)->stepBy(-int(row.setting)); // a number of its own each
+    const CoreFilterObject preset = m_panel.createPresetObjectFromSettingWithTitle(QStringLiteral("Dusk"));
+    EXPECT_EQ(preset.strPresetTitle, QStringLiteral("Dusk"));
+    using S = Setting;
+    const std::pair<S, CoreFilterObject::Number> numbers[]{
+        {S::BlurAmount, preset.blurAmount},
+        {S::Vignette, preset.vignetteAmount},
+        {S::Contrast, preset.contrastAmount},
+        {S::Highlights, preset.highlightsAmount},
+        {S::Saturation, preset.saturationAmount},
+        {S::Warmth, preset.warmthAmount},
+        {S::MotionBlurAmount, preset.motionBlurAmount},
+        {S::InFocusBrightness, preset.inFocusBrightness},
+        {S::InFocusSharpness, preset.inFocusSharpness},
+        {S::InFocusClarity, preset.inFocusClarity},
+        {S::InFocusVividness, preset.inFocusVividness},
+        {S::InFocusWarmth, preset.inFocusWarmth},
+    };
+    for (const auto &[setting, number] : numbers)
+        EXPECT_EQ(number, float(value(setting))) << int(setting);
+    EXPECT_EQ(preset.motionRadialTwist, 0) << "these are not taken";
 }
 
 TEST(NumberTextTest, ReadsTheNumberThatATextBeginsWithAndWritesWholeOnes)

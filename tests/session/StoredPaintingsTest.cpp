@@ -1,5 +1,7 @@
 #include "SessionFixture.h"
 
+#include "PaintingStore.h"
+
 #include <QDir>
 
 #include <utime.h>
@@ -174,6 +176,23 @@ TEST_F(StoredPaintings, AreSavedAndOpenedByHandAndGiveTheSamePicture)
     EXPECT_EQ(m_refused[1].reason, Failure::Reason::SameAsSource);
     requestPreview();
     EXPECT_EQ(m_session->painting().maskImage()->bitmap(), mask);
+}
+
+TEST_F(StoredPaintings, AreThoseOfTheLastHundredPhotos)
+{
+    QDir().mkpath(folder());
+    const PaintingStore store(folder());
+    for (int photo = 0; photo < 104; ++photo) {
+        const QString number = QString::number(photo, 16);
+        const QString path = store.newPath({number.rightJustified(32, u'0'), number.rightJustified(16, u'0')});
+        QFile file(path);
+        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
+        file.close();
+        age(path, photo);
+    }
+    store.prune();
+    EXPECT_EQ(files().size(), 100);
+    EXPECT_TRUE(files().constLast().fileName().startsWith(QStringLiteral("63-").rightJustified(33, u'0')));
 }
 
 } // namespace hazelmark
