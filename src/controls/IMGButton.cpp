@@ -179,8 +179,7 @@ void IMGButton::mousePressEvent(QMouseEvent *event)
     if (!isEnabled())
         return;
     m_mouseDown = true;
-    setEnabled(false);
-    update();
+    setEnabled(false); // which draws it anew
     event->accept();
 }
 

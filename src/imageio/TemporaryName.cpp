@@ -96,14 +96,6 @@ TemporaryName::TemporaryName(TemporaryName &&other) noexcept
 {
 }
 
-TemporaryName &TemporaryName::operator=(TemporaryName &&other) noexcept
-{
-    std::swap(m_folder, other.m_folder);
-    std::swap(m_name, other.m_name);
-    std::swap(m_slot, other.m_slot);
-    return *this;
-}
-
 TemporaryName::~TemporaryName()
 {
     if (*this) {

@@ -18,7 +18,6 @@ class TemporaryName
 public:
     TemporaryName() = default; ///< none
     TemporaryName(TemporaryName &&other) noexcept;
-    TemporaryName &operator=(TemporaryName &&other) noexcept;
     ~TemporaryName();
 
     /// A new, empty, locked file without a name, open for reading and writing; -1 where the file system has none such.

@@ -114,5 +114,4 @@ TEST(Places, OfWhatTheWindowsOfTheApplicationHold)
         EXPECT_TRUE(found.startsWith(QString::fromUtf8(outline))) << found.toStdString();
     }
     EXPECT_EQ(promotion.width(), 460);
-    EXPECT_EQ(about.width(), 320 + 2 * 32);
 }

@@ -299,19 +299,6 @@ TEST_F(Kinds, TiffFilesWithSamplesOfUnknownMeaningAreRefused)
         EXPECT_EQ(reasonFor(tiff({odd})), Failure::Reason::UnsupportedFormat) << odd.photometric << " " << odd.bits;
 }
 
-/// The first page of a camera raw file is a small preview: handing it out would pass for the photo.
-TEST_F(Kinds, CameraRawFilesAreRefused)
-{
-    const QString path = pathOf(QStringLiteral("raw"));
-    makeTiff({page(2, 8, 1, PHOTOMETRIC_MINISBLACK, {1, 2})}, path);
-    TIFF *tiff = TIFFOpen(QFile::encodeName(path).constData(), "r+");
-    const uint8_t version[] = {1, 4, 0, 0};
-    TIFFSetField(tiff, TIFFTAG_DNGVERSION, version);
-    TIFFRewriteDirectory(tiff);
-    TIFFClose(tiff);
-    EXPECT_EQ(reasonFor(contentOf(path)), Failure::Reason::UnsupportedFormat);
-}
-
 TEST_F(Kinds, OnlyAbsoluteDensitiesAreResolutions)
 {
     const auto ofJpeg = [&](int unit) {

@@ -24,17 +24,6 @@ using namespace hazelmark;
 
 namespace {
 
-/// How many pixels `isCounted` says yes to.
-template <typename Test>
-int count(const QImage &image, Test isCounted)
-{
-    int number = 0;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            number += isCounted(image.pixelColor(x, y));
-    return number;
-}
-
 void wheel(QWidget &widget, int angle)
 {
     QWheelEvent event(QPointF(5, 5), widget.mapToGlobal(QPointF(5, 5)), {}, {0, angle}, Qt::NoButton, {},
@@ -139,18 +128,17 @@ TEST_F(FloatSliderTest, StepsWithKeysAndWheel)
 
 TEST(BarProgressIndicatorTest, FillsWholePointsOfTheMaximum)
 {
-    for (const auto &[minimum, maximum, value, done] :
-         {std::tuple{0.0, 100.0, 50.0, 150}, {50, 100, 50, 150}, {0, 100, 130, 301}, {0, 100, -3, 0}, {0, 0, 1, 0}}) {
+    for (const auto &[minimum, maximum, value, profile] : {std::tuple{0.0, 100.0, 50.0, "2x150 5x151"},
+                                                           {50, 100, 50, "2x150 5x151"},
+                                                           {0, 100, 130, "2x301"},
+                                                           {0, 100, -3, "5x301"},
+                                                           {0, 0, 1, "5x301"}}) {
         BarProgressIndicator bar({0, 0, 301, 3}, Qt::blue, Qt::red, minimum, maximum, value);
-        const auto columns = [&](const QColor &color) {
-            return count(drawn(bar), [&](const QColor &c) { return c == color; }) / 3.0;
-        };
-        EXPECT_EQ(columns(Qt::blue), done) << value;
-        EXPECT_EQ(columns(Qt::red), 301 - done) << value;
+        EXPECT_EQ(profileOf(drawn(bar), {0, 2}), profile) << value;
     }
 }
 
-TEST(HighlightButtonTest, AFlatButtonTurnsLighterAndBoldUnderThePointerAndForTheMomentOfAPress)
+TEST(HighlightButtonTest, AFlatButtonTurnsLighterUnderThePointerAndForTheMomentOfAPress)
 {
     QCursor::setPos(0, 0);
     HighlightButton button(HighlightButton::kFlatTag, QStringLiteral("up"), QStringLiteral("file"));
@@ -161,21 +149,15 @@ TEST(HighlightButtonTest, AFlatButtonTurnsLighterAndBoldUnderThePointerAndForThe
     ASSERT_TRUE(QTest::qWaitForWindowActive(&button));
     drawn(button);
     send(button, QEvent::Leave); // where the window opened the pointer may have been
-    const auto ink = [&] {       // how much of the title there is: bold letters are more
-        return count(drawn(button), [](const QColor &color) { return color.red() > 160; });
-    };
     const auto blue = [&] { return drawn(button).pixelColor(50, 2).blue(); }; // stored premultiplied
-    const int resting = ink();
     EXPECT_NEAR(blue(), 170, 1);
     send(button, QEvent::Enter);
     EXPECT_NEAR(blue(), 190, 1);
-    EXPECT_GT(ink(), resting * 11 / 10) << "not bold";
     send(button, QEvent::Leave);
-    EXPECT_EQ(ink(), resting);
+    EXPECT_NEAR(blue(), 170, 1);
     QTest::mousePress(&button, Qt::LeftButton, {}, {5, 5});
-    EXPECT_GT(ink(), resting);
+    EXPECT_NEAR(blue(), 190, 1);
     EXPECT_TRUE(QTest::qWaitFor([&] { return !button.isHighlighted(); }));
-    EXPECT_EQ(ink(), resting);
     QTest::mouseRelease(&button, Qt::LeftButton, {}, {5, 5});
     QSignalSpy clicked(&button, &HighlightButton::clicked);
     for (const auto key : {Qt::Key_Return, Qt::Key_Space})

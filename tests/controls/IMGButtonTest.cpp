@@ -227,13 +227,4 @@ TEST_F(IMGButtonTest, FitsTheLargestFontThatTheMarginsLeaveRoomFor)
     const int size = layout.font.pixelSize();
     EXPECT_TRUE(size >= 5 && fits(size) && !fits(size + 1)) << size;
     EXPECT_EQ(layout.rect, QRectF(QPointF(9, 3 + (25 - layout.measured.height()) / 2), room));
-    // One of medium width may be bold; the width that limits it is the width at which it is measured last.
-    m_button.setMakeBoldFont(true);
-    m_button.setText(QStringLiteral("Export the picture"));
-    for (const int width : {150, 240, 400})
-        EXPECT_EQ(m_button.getAttributesForRect(QRectF(0, 0, width, 200)).font.bold(), width == 240) << width;
-    m_button.setText(QStringLiteral("hh hh hh"));
-    m_button.setMultiLineStr(QStringLiteral(" "));
-    drawn();
-    EXPECT_EQ(m_button.mTitle(), QStringLiteral("hh\nhh hh"));
 }

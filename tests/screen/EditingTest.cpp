@@ -33,7 +33,6 @@ protected:
         start();
         open(photo(u"a.png"_qs, {600, 400}));
     }
-    MainScreenView &view() const { return *m_screen->mainScreenView(); }
     void perform(MenuCommand command)
     {
         m_center.post(kNotificationCommandFromMenuTapped, {{kCommandKey, int(command)}, {kCommandIndexKey, 0}});

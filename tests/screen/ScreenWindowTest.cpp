@@ -1,14 +1,12 @@
 // The main screen and its window: what it listens to, and closing.
 #include "ScreenFixture.h"
 
-#include "DrawTrackingView.h"
 #include "IMGButton.h"
 #include "NotificationNames.h"
 #include "SaveChangesSheet.h"
 #include "SheetQueue.h"
 #include "TipsWindow.h"
 
-#include <QFileDialog>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
@@ -36,27 +34,14 @@ TEST_F(ScreenWindow, DoesWhatItIsToldOf)
     start();
     open(photo(u"a.png"_qs, {300, 200}));
     waitForPreviews(1);
-    const auto dialog = [&](QFileDialog::AcceptMode mode) {
-        for (auto *panel : m_window->findChildren<QFileDialog *>()) {
-            if (panel->isVisible() && panel->acceptMode() == mode)
-                return panel->close(), true;
-        }
-        return false;
-    };
     int rendered = 0;
-    const auto hasRendered = [&] { return QTest::qWaitFor([&] { return m_rendered > rendered; }); };
     QLabel *prompt = view().txtAddPhoto, *vignette = panel().findChild<QLabel *>(u"lblVignette"_qs);
     prompt->setText({});
     vignette->setText({});
     const std::pair<QLatin1String, std::function<bool()>> rows[] = {
-        {kNotificationOpenPhotoFromMenuTapped, [&] { return dialog(QFileDialog::AcceptOpen); }},
-        {kNotificationSavePhotoFromMenuTapped, [&] { return dialog(QFileDialog::AcceptSave); }},
-        {kNotificationMouseout, [&] { return !canvas().isVisible() && view().drawTrackingView->isVisible(); }},
-        {kNotificationMouseIn, [&] { return canvas().isVisible(); }},
         {kNotificationWindowResized, [&] { return m_screen->isResizingWindow(); }},
         {kNotificationWindowEndResizing, [&] { return !m_screen->isResizingWindow(); }},
-        {kNotificationApplyPreviewEffect, hasRendered},
-        {kNotificationBurshDrawedRegionUpdated, hasRendered},
+        {kNotificationApplyPreviewEffect, [&] { return m_rendered > rendered; }},
         {kNotificationUpdateLanguage, [&] { return !prompt->text().isEmpty() && !vignette->text().isEmpty(); }},
         {kNotificationShowTipsFromMenuTapped, [&] { return m_window->findChild<TipsWindow *>()->isVisible(); }},
     };

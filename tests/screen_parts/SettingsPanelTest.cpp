@@ -184,20 +184,18 @@ TEST_F(SettingsPanelTest, APresetHasTheNumberOfEverySlider)
     const CoreFilterObject preset = m_panel.createPresetObjectFromSettingWithTitle(QStringLiteral("Dusk"));
     EXPECT_EQ(preset.strPresetTitle, QStringLiteral("Dusk"));
     using S = Setting;
-    const std::pair<S, CoreFilterObject::Number> numbers[]{
-        {S::BlurAmount, preset.blurAmount},
-        {S::Vignette, preset.vignetteAmount},
-        {S::Contrast, preset.contrastAmount},
-        {S::Highlights, preset.highlightsAmount},
-        {S::Saturation, preset.saturationAmount},
-        {S::Warmth, preset.warmthAmount},
-        {S::MotionBlurAmount, preset.motionBlurAmount},
-        {S::InFocusBrightness, preset.inFocusBrightness},
-        {S::InFocusSharpness, preset.inFocusSharpness},
-        {S::InFocusClarity, preset.inFocusClarity},
-        {S::InFocusVividness, preset.inFocusVividness},
-        {S::InFocusWarmth, preset.inFocusWarmth},
-    };
+    const std::pair<S, CoreFilterObject::Number> numbers[]{{S::BlurAmount, preset.blurAmount},
+                                                           {S::Vignette, preset.vignetteAmount},
+                                                           {S::Contrast, preset.contrastAmount},
+                                                           {S::Highlights, preset.highlightsAmount},
+                                                           {S::Saturation, preset.saturationAmount},
+                                                           {S::Warmth, preset.warmthAmount},
+                                                           {S::MotionBlurAmount, preset.motionBlurAmount},
+                                                           {S::InFocusBrightness, preset.inFocusBrightness},
+                                                           {S::InFocusSharpness, preset.inFocusSharpness},
+                                                           {S::InFocusClarity, preset.inFocusClarity},
+                                                           {S::InFocusVividness, preset.inFocusVividness},
+                                                           {S::InFocusWarmth, preset.inFocusWarmth}};
     for (const auto &[setting, number] : numbers)
         EXPECT_EQ(number, float(value(setting))) << int(setting);
     EXPECT_EQ(preset.motionRadialTwist, 0) << "these are not taken";
