@@ -99,6 +99,9 @@ TEST_F(Editing, ThePhotoIsComparedAndThePaintingHidden)
     perform(MenuCommand::AllSettings);
     EXPECT_EQ(view().paintView->opacity(), 0);
     EXPECT_TRUE(m_application.m_menu.showsAllSettings && !m_application.m_menu.showsPainting);
+    QTest::mousePress(view().vwBottom->btnCompare(), Qt::LeftButton);
+    EXPECT_FALSE(view().imgvwAfterBokesh->isVisible());
+    QTest::mouseRelease(view().vwBottom->btnCompare(), Qt::LeftButton);
     m_screen.reset();
     openPhoto();
     EXPECT_EQ(view().paintView->opacity(), 0) << "remembered";
