@@ -7,7 +7,6 @@
 #include <QApplication>
 #include <QCursor>
 #include <QDir>
-#include <QFontMetricsF>
 #include <QImage>
 #include <QTemporaryDir>
 #include <QTest>
@@ -207,24 +206,4 @@ TEST_F(IMGButtonTest, UnderThePointerAnOffButtonIsDrawnOnceMoreWithTheHoverCap)
     drawn();
     send(m_button, QEvent::Enter);
     EXPECT_EQ(colors()[2], off);
-}
-
-TEST_F(IMGButtonTest, FitsTheLargestFontThatTheMarginsLeaveRoomFor)
-{
-    m_button.setText(QStringLiteral("Export"));
-    m_button.setMarginLeft(9);
-    m_button.setMarginRight(6);
-    m_button.setMarginTop(3);
-    m_button.setMarginBottom(4);
-    const QSizeF room(105, 25);
-    const IMGButton::Layout layout = m_button.getAttributesForRect({0, 0, 120, 32});
-    const auto fits = [&](int size) {
-        QFont font(QStringLiteral("Lucida Grande"));
-        font.setPixelSize(size);
-        const QSizeF measured = QFontMetricsF(font).size(0, m_button.text());
-        return measured.width() <= room.width() && measured.height() <= room.height();
-    };
-    const int size = layout.font.pixelSize();
-    EXPECT_TRUE(size >= 5 && fits(size) && !fits(size + 1)) << size;
-    EXPECT_EQ(layout.rect, QRectF(QPointF(9, 3 + (25 - layout.measured.height()) / 2), room));
 }

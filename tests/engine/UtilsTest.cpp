@@ -139,18 +139,4 @@ TEST(BlurPass, RadiusFollowsTheWidthAndBordersKeepTheirColour)
     EXPECT_EQ(samplesAt(blurred, 1003, 10)[0], 0);
 }
 
-TEST(Renderer, ProgressRisesToOne)
-{
-    double last = 0;
-    int calls = 0;
-    const Renderer renderer(3, [&](double done) {
-        EXPECT_GT(done, last);
-        last = done;
-        ++calls;
-    });
-    renderer.draw(FilterImage(noise({1200, 700}, QImage::Format_RGBX8888)));
-    EXPECT_EQ(last, 1.0);
-    EXPECT_GT(calls, 4);
-}
-
 } // namespace hazelmark

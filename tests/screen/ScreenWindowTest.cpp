@@ -1,13 +1,11 @@
-// The main screen and its window: what it listens to, and closing.
+// The main screen and its window: closing.
 #include "ScreenFixture.h"
 
 #include "IMGButton.h"
 #include "NotificationNames.h"
 #include "SaveChangesSheet.h"
 #include "SheetQueue.h"
-#include "TipsWindow.h"
 
-#include <QLabel>
 #include <QPushButton>
 #include <QTest>
 
@@ -28,30 +26,6 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([&] { return sheet() == nullptr; }));
     }
 };
-
-TEST_F(ScreenWindow, DoesWhatItIsToldOf)
-{
-    start();
-    open(photo(u"a.png"_qs, {300, 200}));
-    waitForPreviews(1);
-    int rendered = 0;
-    QLabel *prompt = view().txtAddPhoto, *vignette = panel().findChild<QLabel *>(u"lblVignette"_qs);
-    prompt->setText({});
-    vignette->setText({});
-    const std::pair<QLatin1String, std::function<bool()>> rows[] = {
-        {kNotificationWindowResized, [&] { return m_screen->isResizingWindow(); }},
-        {kNotificationWindowEndResizing, [&] { return !m_screen->isResizingWindow(); }},
-        {kNotificationApplyPreviewEffect, [&] { return m_rendered > rendered; }},
-        {kNotificationUpdateLanguage, [&] { return !prompt->text().isEmpty() && !vignette->text().isEmpty(); }},
-        {kNotificationShowTipsFromMenuTapped, [&] { return m_window->findChild<TipsWindow *>()->isVisible(); }},
-    };
-    letTimersFire(1700); // what is due after the opening
-    for (const auto &[name, happens] : rows) {
-        rendered = m_rendered;
-        post(name);
-        EXPECT_TRUE(QTest::qWaitFor(happens)) << name.data();
-    }
-}
 
 TEST_F(ScreenWindow, ClosesAtOnceWhenNothingWaitsToBeProcessedOrTheResultIsExported)
 {
