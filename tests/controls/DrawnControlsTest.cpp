@@ -151,6 +151,7 @@ TEST(HighlightButtonTest, AFlatButtonTurnsLighterUnderThePointerAndForTheMomentO
     send(button, QEvent::Leave); // where the window opened the pointer may have been
     const auto blue = [&] { return drawn(button).pixelColor(50, 2).blue(); }; // stored premultiplied
     EXPECT_NEAR(blue(), 170, 1);
+    EXPECT_TRUE(QString::fromStdString(profileOf(drawn(button), {0, 16})).contains(u'f')) << "white letters";
     send(button, QEvent::Enter);
     EXPECT_NEAR(blue(), 190, 1);
     send(button, QEvent::Leave);

@@ -56,6 +56,9 @@ TEST_F(TipsWindowTest, TurnsPagesOfPicturesAndWords)
     EXPECT_EQ(pages->selectedIndex(), 2);
     EXPECT_EQ(m_tips.pageButtons()->currentPage(), 2);
     EXPECT_TRUE(QTest::qWaitFor([&] { return box(2)->geometry() == pages->rect() && !box(1)->isVisible(); }));
+    QTest::mouseClick(m_tips.btnBackPage(), Qt::LeftButton);
+    EXPECT_EQ(pages->selectedIndex(), 1);
+    m_tips.btnNextpageTapped();
     m_tips.btnNextpageTapped();
     EXPECT_EQ(m_tips.btnNextpage()->text(), QStringLiteral("TIP_DONE %@"));
     EXPECT_TRUE(m_tips.btnCheckShowTipsAgain()->isChecked());
