@@ -2,9 +2,11 @@
 
 #include "Sandbox.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <new>
+#include <thread>
 
 #include <sys/mman.h>
 #include <sys/stat.h>
@@ -57,6 +59,16 @@ std::span<const std::byte> mappedPhoto()
     return {static_cast<const std::byte *>(memory), size};
 }
 
+/// Asks for the pages of the memory, which is slow one by one, while the library still thinks.
+void fetchPages(std::byte *memory, size_t size)
+{
+    constexpr size_t kAtOnce = size_t(4) << 20; // others that want memory wait meanwhile
+    for (size_t done = 0; done < size; done += kAtOnce) {
+        if (::madvise(memory + done, std::min(kAtOnce, size - done), MADV_POPULATE_WRITE) != 0)
+            return; // an old system
+    }
+}
+
 Canvas mappedCanvas(const Header &header, const Go &go)
 {
     const Size size = header.frames.at(0);
@@ -66,8 +78,12 @@ Canvas mappedCanvas(const Header &header, const Go &go)
     void *const memory = ::mmap(nullptr, go.memorySize, PROT_READ | PROT_WRITE, MAP_SHARED, kMemoryDescriptor, 0);
     if (memory == MAP_FAILED)
         throw std::bad_alloc();
-    return {static_cast<std::byte *>(memory), stride, size, go.threads,
-            [](uint32_t permille) { say(packedProgress(permille)); }};
+    if (go.threads > 1)
+        std::thread(fetchPages, static_cast<std::byte *>(memory), size_t(go.memorySize)).detach();
+    return {static_cast<std::byte *>(memory), stride, size, go.threads, [told = 0.0](double done) mutable {
+                if (done >= told + 0.01 && done <= 1.0)
+                    say(packedProgress(told = done));
+            }};
 }
 
 void decode(MakeForeignDecoder makeDecoder)

@@ -43,7 +43,8 @@ struct Canvas
     size_t stride;
     Size size;
     unsigned threads;
-    std::function<void(uint32_t permille)> tellProgress;
+    /// 0..1; as often as the library tells.
+    std::function<void(double done)> tellProgress;
 
     uint8_t *row8(uint32_t y) const { return reinterpret_cast<uint8_t *>(memory + y * stride); }
     uint16_t *row16(uint32_t y) const { return reinterpret_cast<uint16_t *>(memory + y * stride); }

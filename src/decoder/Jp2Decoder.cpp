@@ -32,6 +32,7 @@ struct Place
 {
     std::span<const std::byte> bytes;
     size_t at = 0;
+    const Canvas *canvas = nullptr; ///< that is being filled: tile by tile, as the file is read
 
     static Place &of(void *user) { return *static_cast<Place *>(user); }
     static OPJ_SIZE_T read(void *buffer, OPJ_SIZE_T count, void *user)
@@ -42,6 +43,8 @@ struct Place
             return OPJ_SIZE_T(-1);
         std::memcpy(buffer, place.bytes.data() + place.at, there);
         place.at += there;
+        if (place.canvas)
+            place.canvas->tellProgress(double(place.at) / double(place.bytes.size()));
         return there;
     }
     static OPJ_OFF_T skip(OPJ_OFF_T count, void *user)
@@ -316,6 +319,7 @@ void Jp2Photo::putRow(const Canvas &canvas, uint32_t y, bool isYcc) const
 
 Done Jp2Photo::decode(const Canvas &canvas)
 {
+    m_place.canvas = &canvas;
     if (!opj_decode(m_codec.get(), m_stream.get(), m_image.get()) || !opj_end_decompress(m_codec.get(), m_stream.get()))
         fail();
     checkComponents(canvas);

@@ -146,8 +146,25 @@ Done RawPhoto::decode(const Canvas &canvas)
     return m_preview ? m_preview->decode(canvas, m_orientation) : develop(canvas);
 }
 
+/// What the stages that take long are of the whole, about.
+int tellStage(void *canvas, enum LibRaw_progress stage, int done, int all)
+{
+    struct Share
+    {
+        LibRaw_progress stage;
+        double begin, length;
+    };
+    for (const Share &share : {Share{LIBRAW_PROGRESS_LOAD_RAW, 0, 0.3}, Share{LIBRAW_PROGRESS_INTERPOLATE, 0.3, 0.5},
+                               Share{LIBRAW_PROGRESS_CONVERT_RGB, 0.8, 0.2}}) {
+        if (stage == share.stage && all > 0)
+            static_cast<const Canvas *>(canvas)->tellProgress(share.begin + share.length * done / all);
+    }
+    return 0;
+}
+
 Done RawPhoto::develop(const Canvas &canvas)
 {
+    m_raw->set_progress_handler(tellStage, const_cast<Canvas *>(&canvas));
     // Opened anew: the sizes have been adjusted, which is done once.
     m_raw->recycle();
     check(m_raw->open_buffer(const_cast<std::byte *>(m_photo.bytes.data()), m_photo.bytes.size()));

@@ -1,4 +1,5 @@
 // Pictures in the formats of other programs, made by those programs and compared with what they were made of.
+#include "DecodeScope.h"
 #include "Photo.h"
 #include "TestFiles.h"
 #include "TiffBlock.h"
@@ -10,6 +11,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstring>
+#include <utility>
 
 namespace hazelmark {
 
@@ -193,8 +196,11 @@ TEST_F(ForeignFormats, ComeAsTheyWereSaved)
         EXPECT_EQ((*photo)->info().bitsPerChannel, row.bits);
         EXPECT_EQ((*photo)->info().hasAlpha, upright.hasAlphaChannel());
         EXPECT_EQ((*photo)->uprightSizes(), std::vector<QSize>{upright.size()});
+        double done = 0;
+        const DecodeScope scope([] { return false; }, [&](double now) { EXPECT_GT(now, std::exchange(done, now)); });
         const Outcome<Picture> picture = (*photo)->decode();
         ASSERT_TRUE(picture) << picture.failure().sentence().toStdString();
+        EXPECT_TRUE(done > 0.5 || !std::strstr(row.what, "stream in tiles")) << done;
         EXPECT_EQ(picture->pixels.format(), row.expected);
         EXPECT_LE(distance(picture->pixels, upright), row.tolerance);
     }
@@ -294,8 +300,11 @@ TEST_F(ForeignFormats, CameraRawIsDevelopedInTheCamerasWhite)
     const QVariantMap &dictionary = (*photo)->dictionary();
     EXPECT_EQ(dictionary[QStringLiteral("Orientation")], QVariant(1));
     EXPECT_EQ(dictionary[QStringLiteral("{TIFF}")].toMap()[QStringLiteral("Make")], QVariant(QStringLiteral("Hzm")));
+    double done = 0;
+    const DecodeScope scope([] { return false; }, [&](double now) { done = now; });
     const Outcome<Picture> picture = (*photo)->decode();
     ASSERT_TRUE(picture) << picture.failure().sentence().toStdString();
+    EXPECT_GT(done, 0.3);
     ASSERT_EQ(picture->pixels.format(), kRgb16);
     const QRgba64 middle = picture->pixels.pixelColor(24, 32).rgba64();
     EXPECT_NEAR(middle.red(), middle.green(), 600);

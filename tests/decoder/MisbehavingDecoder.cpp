@@ -141,6 +141,11 @@ private:
              say(packed(Header()).substr(0, 20));
              ::_exit(0);
          }},
+        {"progress beyond the end",
+         [] {
+             say(packedProgress(1.5));
+             hang();
+         }},
         {"progress without end",
          [] {
              while (true)

@@ -80,6 +80,7 @@ TEST_F(TakenDecoder, IsStoppedEachTime)
                                      {"talk nonsense", "nonsense"},
                                      {"talk without end", "nonsense"},
                                      {"half a message", "too early"},
+                                     {"progress beyond the end", "nonsense"},
                                      {"progress without end", "too long"},
                                      {"no pixels", "no pixels"},
                                      {"too many pixels", "megapixels"},

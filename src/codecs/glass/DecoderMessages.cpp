@@ -170,9 +170,9 @@ std::string packed(const Go &go)
     return Packer().number(go.memorySize).number(go.threads).message(Kind::Go);
 }
 
-std::string packedProgress(uint32_t permille)
+std::string packedProgress(double done)
 {
-    return Packer().number(permille).message(Kind::Progress);
+    return Packer().number(done).message(Kind::Progress);
 }
 
 std::optional<Header> headerOf(std::string_view body)
@@ -226,6 +226,13 @@ std::optional<Go> goOf(std::string_view body)
     go.memorySize = from.number<uint64_t>();
     go.threads = from.number<uint32_t>();
     return from.isDone() ? std::optional(go) : std::nullopt;
+}
+
+std::optional<double> progressOf(std::string_view body)
+{
+    Unpacker from(body);
+    const auto done = from.number<double>();
+    return from.isDone() && done >= 0.0 && done <= 1.0 ? std::optional(done) : std::nullopt;
 }
 
 std::optional<Message> MessageReader::next()

@@ -101,13 +101,15 @@ std::string packed(const Header &header);
 std::string packed(const Done &done);
 std::string packed(const Excuse &excuse);
 std::string packed(const Go &go);
-std::string packedProgress(uint32_t permille);
+/// `done`: 0..1 of the decoding.
+std::string packedProgress(double done);
 
 /// Nothing for a body that is too short, too long, or says what cannot be.
 std::optional<Header> headerOf(std::string_view body);
 std::optional<Done> doneOf(std::string_view body);
 std::optional<Excuse> excuseOf(std::string_view body);
 std::optional<Go> goOf(std::string_view body);
+std::optional<double> progressOf(std::string_view body);
 
 /// Puts messages together from the bytes as they come.
 class MessageReader

@@ -319,6 +319,10 @@ Outcome<glass::Message> DecoderProcess::receive(std::chrono::milliseconds allowa
         while (std::optional<glass::Message> message = m_reader.next()) {
             if (message->kind != glass::Kind::Progress)
                 return *message;
+            const std::optional<double> done = glass::progressOf(message->body);
+            if (!done)
+                return end(QStringLiteral("its decoder talks nonsense"));
+            DecodeScope::tellProgress(*done);
         }
         if (m_reader.isBroken())
             return end(QStringLiteral("its decoder talks nonsense"));
