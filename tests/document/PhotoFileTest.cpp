@@ -2,6 +2,7 @@
 
 #include "SamplePhotos.h"
 
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -14,6 +15,7 @@ TEST(Photo, IsReadFromOneOpenFileAndAgainOnlyWhileItIsTheSame)
     for (const WriteFormat format : {WriteFormat::Jpeg, WriteFormat::Bmp}) {
         const QString path = writePhoto(folder, format, richMetadata());
         const PhotoPtr photo = *Photo::open(path);
+        EXPECT_EQ(PhotoFile(photo).fileSize(), QString::number(QFileInfo(path).size()));
         QFile::remove(path);
         EXPECT_TRUE(photo->decode()) << "from the file that is open already";
         EXPECT_EQ(photo->carriedMetadata({40, 30}, WriteFormat::Png).exif.isEmpty(), format == WriteFormat::Bmp);
