@@ -22,11 +22,12 @@ QByteArray saved(cmsHPROFILE profile)
     return bytes;
 }
 
-QByteArray grayProfile(double gamma)
+QByteArray grayProfile(double gamma, cmsColorSpaceSignature connection = cmsSigXYZData)
 {
     cmsToneCurve *curve = cmsBuildGamma(nullptr, gamma);
     cmsHPROFILE profile = cmsCreateGrayProfile(cmsD50_xyY(), curve);
     cmsFreeToneCurve(curve);
+    cmsSetPCS(profile, connection);
     return saved(profile);
 }
 
@@ -61,13 +62,18 @@ std::array<double, 3> expectedSrgb(const std::array<double, 3> &wide, double gam
 
 TEST(ColorProfile, RgbProfileOfAGrayOneShowsTheSameLevels)
 {
-    for (const double gamma : {1.0, 1.8, 2.2}) {
-        const QByteArray rgb = rgbProfileForGray(grayProfile(gamma));
-        for (int level = 0; level <= 65535; level += 4369) {
-            QImage pixel(1, 1, QImage::Format_RGBX64);
-            pixel.fill(QColor::fromRgba64(quint16(level), quint16(level), quint16(level)));
-            const double shown = convertedToSrgb(pixel, rgb).pixelColor(0, 0).greenF();
-            EXPECT_NEAR(shown, srgbEncoded(std::pow(level / 65535.0, gamma)), 1e-3) << gamma << " " << level;
+    for (const double gamma : {0.0, 1.0, 1.8, 2.2}) { // 0: lightness, as it is
+        const QByteArray rgb = rgbProfileForGray(gamma > 0 ? grayProfile(gamma) : grayProfile(1.0, cmsSigLabData));
+        QImage levels(16, 1, QImage::Format_RGBX64);
+        for (int x = 0; x < 16; ++x)
+            levels.setPixelColor(x, 0, QColor::fromRgba64(quint16(4369 * x), quint16(4369 * x), quint16(4369 * x)));
+        const QImage shown = convertedToSrgb(levels, rgb);
+        for (int x = 0; x < 16; ++x) {
+            const double lightness = (100.0 * x / 15 + 16) / 116;
+            const double y = gamma > 0              ? std::pow(x / 15.0, gamma)
+                             : lightness > 6.0 / 29 ? std::pow(lightness, 3)
+                                                    : (lightness - 16.0 / 116) / 7.787;
+            EXPECT_NEAR(shown.pixelColor(x, 0).greenF(), srgbEncoded(y), 1e-3) << gamma << " " << x;
         }
     }
 }

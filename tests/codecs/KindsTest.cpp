@@ -52,7 +52,7 @@ QByteArray jpeg(TestJpeg::Colors colors, const std::vector<std::vector<int>> &bl
     return makeJpeg(kind, 16 * int(blocks.size()), 16, samples);
 }
 
-/// A picture of one row, or whose first row tells.
+/// A picture of one row, or of rows that are all alike.
 struct Kind
 {
     const char *what;
@@ -88,10 +88,12 @@ protected:
             SCOPED_TRACE(kind.what);
             const auto [info, picture] = read(kind.file);
             ASSERT_EQ(picture.pixels.format(), kind.format);
-            const std::vector<int> row = samplesOf(picture.pixels, kind.step * int(kind.samples.size()));
             const double unit = picture.pixels.depth() == 64 || kind.format == kGray16 ? 257 : 1;
-            for (size_t i = 0; i < kind.samples.size(); ++i)
-                EXPECT_NEAR(row[i * size_t(kind.step)] / unit, kind.samples[i] / unit, kind.tolerance) << i;
+            for (int y = 0; y < picture.pixels.height(); ++y) {
+                const std::vector<int> row = samplesOf(picture.pixels, kind.step * int(kind.samples.size()), y);
+                for (size_t i = 0; i < kind.samples.size(); ++i)
+                    EXPECT_NEAR(row[i * size_t(kind.step)] / unit, kind.samples[i] / unit, kind.tolerance) << i;
+            }
             EXPECT_EQ(info.colorModel, kind.model);
             EXPECT_EQ(picture.fileColorModel, kind.model);
             EXPECT_EQ(picture.convertedToSrgb, kind.model == ColorModel::Cmyk || kind.model == ColorModel::Lab);
@@ -106,31 +108,16 @@ protected:
 
 TEST_F(Kinds, GrayOfEveryDepthIsScaledToTheFullRange)
 {
-    const struct
-    {
-        int bits;
-        std::vector<uint8_t> row;
-        std::vector<int> expected;
-    } ofBoth[] = {{1, {0b01000000}, {0, 255}}, {4, {0x0f, 0x50}, {0, 255, 85, 0}}, {8, {0, 9, 255}, {0, 9, 255}}};
     constexpr ColorModel kGray = ColorModel::Gray;
-    std::vector<Kind> kinds;
-    for (const auto &[bits, row, expected] : ofBoth) {
-        const int width = int(expected.size());
-        const TestPng png{.colorType = PNG_COLOR_TYPE_GRAY, .bitDepth = bits};
-        kinds.push_back({"PNG", makePng(png, width, 1, row), kGray8, expected, bits, kGray});
-        kinds.push_back(
-            {"TIFF", tiff({page(width, bits, 1, PHOTOMETRIC_MINISBLACK, row)}), kGray8, expected, bits, kGray});
-        std::vector<int> inverted;
-        for (const int value : expected)
-            inverted.push_back(255 - value);
-        kinds.push_back({"inverted TIFF", tiff({page(width, bits, 1, PHOTOMETRIC_MINISWHITE, row)}), kGray8, inverted,
-                         bits, kGray});
-    }
-    const TestPng png{.colorType = PNG_COLOR_TYPE_GRAY, .bitDepth = 16};
-    const std::vector<int> deep = {0x1234, 0xfffe};
-    kinds.push_back({"deep PNG", makePng(png, 2, 1, {0x12, 0x34, 0xff, 0xfe}), kGray16, deep, 16, kGray});
-    kinds.push_back({"JPEG", jpeg(TestJpeg::Colors::Gray, {{0}, {77}, {255}}), kGray8, {0, 77, 255}, 8, kGray, 0, 16});
-    expectKinds(kinds);
+    const auto png = [](int bits, int width, const std::vector<uint8_t> &row) {
+        return makePng({.colorType = PNG_COLOR_TYPE_GRAY, .bitDepth = bits}, width, 1, row);
+    };
+    expectKinds({
+        {"1 bit", png(1, 2, {0b01000000}), kGray8, {0, 255}, 1, kGray},
+        {"4 bits", png(4, 4, {0x0f, 0x50}), kGray8, {0, 255, 85, 0}, 4, kGray},
+        {"16 bits", png(16, 2, {0x12, 0x34, 0xff, 0xfe}), kGray16, {0x1234, 0xfffe}, 16, kGray},
+        {"JPEG", jpeg(TestJpeg::Colors::Gray, {{0}, {77}, {255}}), kGray8, {0, 77, 255}, 8, kGray, 0, 16},
+    });
 }
 
 TEST_F(Kinds, ColoursAndAlphaComeStraightAndUnconverted)
@@ -191,7 +178,7 @@ TEST_F(Kinds, TiffSamplesOfEveryKind)
         floats.sampleFormat = SAMPLEFORMAT_IEEEFP;
         return floats;
     };
-    TestTiff coarse = page(2, 8, 3, PHOTOMETRIC_YCBCR, {100, 200, 30, 40, 90, 180});
+    TestTiff coarse = page(2, 8, 3, PHOTOMETRIC_YCBCR, {100, 200, 100, 200, 90, 180});
     coarse.height = 2;
     TestTiff inJpeg = page(16, 8, 3, PHOTOMETRIC_YCBCR, {});
     inJpeg.height = 16;
@@ -199,10 +186,13 @@ TEST_F(Kinds, TiffSamplesOfEveryKind)
     for (int i = 0; i < 16 * 16; ++i)
         inJpeg.rows.insert(inJpeg.rows.end(), {200, 90, 30});
     const std::pair<TestTiff, Kind> rows[] = {
+        {page(2, 1, 1, kBlack, {0b01000000}), {"1 bit", {}, kGray8, {0, 255}}},
+        {page(4, 4, 1, kBlack, {0x0f, 0x50}), {"4 bits", {}, kGray8, {0, 255, 85, 0}}},
+        {page(3, 8, 1, PHOTOMETRIC_MINISWHITE, {0, 9, 255}), {"inverted", {}, kGray8, {255, 246, 0}}},
         {page(2, 12, 1, kBlack, {0x12, 0x3f, 0xff}), {"12 bits", {}, kGray16, {4657, 65535}}},
         {page(2, 16, 1, kBlack, shorts({0x1234, 0xfffe})), {"16 bits", {}, kGray16, {0x1234, 0xfffe}}},
         {page(1, 32, 1, kBlack, {0x78, 0x56, 0x34, 0x12}), {"32 bits", {}, kGray16, {0x1234}}},
-        {page(1, 16, 1, PHOTOMETRIC_MINISWHITE, shorts({0x1234})), {"inverted", {}, kGray16, {0xedcb}}},
+        {page(1, 16, 1, PHOTOMETRIC_MINISWHITE, shorts({0x1234})), {"inverted, 16 bits", {}, kGray16, {0xedcb}}},
         {floats(5, 32, bytesOf<float>({-1.0F, 0.0F, 0.5F, 7.0F, NAN})),
          {"floats", {}, kGray16, {0, 0, 32768, 65535, 0}}},
         {floats(2, 16, shorts({0x3800, 0x4200})), {"half floats", {}, kGray16, {32768, 65535}}},
@@ -234,11 +224,21 @@ TEST_F(Kinds, TiffSamplesOfEveryKind)
     };
     std::vector<Kind> kinds;
     for (auto [page, kind] : rows) {
-        kind.file = tiff({page});
         kind.bits = page.bits;
         kind.model = modelOf(page);
         kind.tolerance = page.photometric > PHOTOMETRIC_SEPARATED ? 1.3 : 0; // through another space of colours
-        kinds.push_back(kind);
+        const bool isSingle = page.height == 1;
+        const std::vector<uint8_t> row = page.rows;
+        for (; isSingle && page.height < 20; ++page.height)
+            page.rows.insert(page.rows.end(), row.begin(), row.end());
+        for (const auto &[tileSide, isPlanar] : {std::pair(0, false), {0, true}, {16, false}, {16, true}}) {
+            if ((!isSingle && (tileSide || isPlanar)) || (isPlanar && page.bits != 8))
+                continue;
+            page.tileSide = tileSide;
+            page.isPlanar = isPlanar;
+            kind.file = tiff({page});
+            kinds.push_back(kind);
+        }
     }
     expectKinds(kinds);
 }

@@ -46,7 +46,9 @@ TEST_F(Metadata, EachBlockIsReadBackFromEachFormat)
     const QByteArray exif = kTiffStart + noiseBytes(65520, 1);
     const QByteArray largest(kTiffStart + noiseBytes(65523, 1)); // that fits into a segment
     const std::vector<PngText> texts = {{"Title", QStringLiteral("A day"), {}, {}},
-                                        {"Author", QString(QChar(0x4e00)), "zh", {}}};
+                                        {"Author", QString(QChar(0x4e00)), "zh", QString(QChar(0x4f5c))},
+                                        {"Source", QStringLiteral("plain"), {}, QStringLiteral("other")},
+                                        {"Comment", QStringLiteral("plain"), "en", {}}};
     const struct
     {
         const char *what;
@@ -96,7 +98,8 @@ TEST_F(Metadata, ResolutionIsKeptAsPreciselyAsTheFormatHoldsItOrLeftOut)
         EXPECT_NEAR(dpi->width(), format == WriteFormat::Jpeg ? 300 : 299.6, 0.02) << int(format);
         EXPECT_NEAR(dpi->height(), 72, 0.02) << int(format);
     }
-    for (const QSizeF dpi : {QSizeF(0, 0), QSizeF(-5, 5), QSizeF(1e12, 1e12), QSizeF(qQNaN(), 1)}) {
+    for (const QSizeF dpi : {QSizeF(0, 0), QSizeF(-5, 5), QSizeF(1e12, 1e12), QSizeF(qQNaN(), 1), QSizeF(300, 0),
+                             QSizeF(0, 300), QSizeF(300, 1e12), QSizeF(1e12, 300)}) {
         for (const WriteFormat format : {WriteFormat::Jpeg, WriteFormat::Png, WriteFormat::Bmp})
             EXPECT_EQ(dpiOfWritten(format, dpi), std::nullopt) << dpi.width() << " in " << int(format);
     }

@@ -1,5 +1,6 @@
 #include "Pictures.h"
 #include "TestFiles.h"
+#include "TestPictures.h"
 
 #include <cmath>
 
@@ -36,15 +37,23 @@ TEST_F(RoundTrip, LosslessFormatsKeepEverySample)
     }
 }
 
-TEST_F(RoundTrip, JpegKeepsColoursCloseAndChromaWhole)
+/// In several pieces.
+TEST_F(RoundTrip, BmpIsTheFileThatQtWrites)
 {
-    // Single saturated columns of red and blue: subsampled chroma would smear them over their neighbours.
-    const QImage pixels = drawn({64, 64}, QImage::Format_RGBX8888,
-                                [](int x, int) { return x % 2 ? QColor(200, 40, 40) : QColor(40, 40, 200); });
-    const QImage written = rewritten(pixels, WriteFormat::Jpeg);
-    ASSERT_EQ(written.format(), QImage::Format_RGBX8888);
-    for (qsizetype i = 0; i < pixels.sizeInBytes(); ++i)
-        ASSERT_NEAR(written.constBits()[i], pixels.constBits()[i], 12) << i;
+    QImage pixels = makePicture(701, 600, QImage::Format_RGB888);
+    pixels.setDotsPerMeterX(11811);
+    pixels.setDotsPerMeterY(5906);
+    const EncodeOptions options = optionsFor(WriteFormat::Bmp, {.dpi = QSizeF(300, 150)});
+    EXPECT_TRUE(encoded(pixels, options) == savedByQt(pixels, "bmp"));
+}
+
+TEST_F(RoundTrip, PngOfAPatternTakesLittleRoom)
+{
+    const auto sizeOf = [this](const QImage &pixels) { return encoded(pixels, optionsFor(WriteFormat::Png)).size(); };
+    const QImage photo = makePicture(1000, 300, QImage::Format_RGBX8888);
+    const QImage pattern =
+        drawn(photo.size(), photo.format(), [&](int x, int y) { return photo.pixelColor(x % 90, y); });
+    EXPECT_LT(4 * sizeOf(pattern), sizeOf(photo));
 }
 
 /// Blended and rounded once, checked against floating point for every colour and every alpha.

@@ -129,10 +129,10 @@ inline ::testing::AssertionResult samePixels(const QImage &a, const QImage &b)
     return ::testing::AssertionSuccess();
 }
 
-/// The first `count` samples of the first row, 8 or 16 bits as the format has them.
-inline std::vector<int> samplesOf(const QImage &image, int count)
+/// The first `count` samples of a row, 8 or 16 bits as the format has them.
+inline std::vector<int> samplesOf(const QImage &image, int count, int y = 0)
 {
-    const uchar *row = image.constScanLine(0);
+    const uchar *row = image.constScanLine(y);
     const bool isDeep = image.depth() == 64 || image.format() == QImage::Format_Grayscale16;
     std::vector<int> samples;
     for (int i = 0; i < count; ++i)

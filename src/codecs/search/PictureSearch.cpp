@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdint>
+#include <string_view>
 
 namespace hazelmark {
 
@@ -24,33 +25,19 @@ constexpr int8_t kNone = -1;
 constexpr int8_t kSlash = 63;
 constexpr int8_t kLargestDigit = 15;
 
-constexpr std::array<int8_t, 256> base64Values()
+/// What each letter stands for in either of two alphabets; kNone for others.
+constexpr std::array<int8_t, 256> valuesOf(std::string_view letters, std::string_view otherLetters)
 {
     std::array<int8_t, 256> values{};
-    for (int8_t &value : values)
-        value = kNone;
-    for (int i = 0; i < 26; ++i) {
-        values[size_t('A' + i)] = int8_t(i);
-        values[size_t('a' + i)] = int8_t(26 + i);
-    }
-    for (int i = 0; i < 10; ++i)
-        values[size_t('0' + i)] = int8_t(52 + i);
-    values['+'] = values['-'] = 62; // the second of each is the URL-safe one
-    values['/'] = values['_'] = kSlash;
+    values.fill(kNone);
+    for (size_t i = 0; i < letters.size(); ++i)
+        values[size_t(letters[i])] = values[size_t(otherLetters[i])] = int8_t(i);
     return values;
 }
 
-constexpr std::array<int8_t, 256> hexValues()
-{
-    std::array<int8_t, 256> values{};
-    for (int8_t &value : values)
-        value = kNone;
-    for (int i = 0; i < 10; ++i)
-        values[size_t('0' + i)] = int8_t(i);
-    for (int i = 0; i < 6; ++i)
-        values[size_t('A' + i)] = values[size_t('a' + i)] = int8_t(10 + i);
-    return values;
-}
+constexpr std::array kBase64Values = valuesOf("ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/",
+                                              "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789-_");
+constexpr std::array kHexValues = valuesOf("0123456789abcdef", "0123456789ABCDEF");
 
 /// Letters of an encoding as the numbers that they stand for, with nothing between them.
 struct Letters
@@ -100,8 +87,8 @@ private:
 
     static bool isMostlyLetters(const QByteArray &bytes)
     {
-        static constexpr std::array kValues = base64Values();
-        const auto letters = std::count_if(bytes.begin(), bytes.end(), [](char c) { return kValues[quint8(c)] >= 0; });
+        const auto letters =
+            std::count_if(bytes.begin(), bytes.end(), [](char c) { return kBase64Values[quint8(c)] >= 0; });
         return letters >= bytes.size() / 2;
     }
 
@@ -155,12 +142,11 @@ private:
 
     static qsizetype firstLongRun(QByteArrayView bytes)
     {
-        static constexpr std::array kValues = base64Values();
         constexpr int kLong = 16;
         int length = 0;
         for (qsizetype at = 0; at < bytes.size(); ++at) {
             const bool isIgnored = bytes[at] == 0 || bytes[at] == '\n' || bytes[at] == '\r' || bytes[at] == ' ';
-            length = kValues[quint8(bytes[at])] >= 0 ? length + 1 : isIgnored ? length : 0;
+            length = kBase64Values[quint8(bytes[at])] >= 0 ? length + 1 : isIgnored ? length : 0;
             if (length == kLong)
                 return std::max<qsizetype>(at - 4 * kLong, 0);
         }
@@ -169,9 +155,8 @@ private:
 
     bool isInBase64(QByteArrayView bytes)
     {
-        static constexpr std::array kValues = base64Values();
         const QByteArray plain = withoutEscapes(bytes);
-        const Letters letters = lettersOf(plain, kValues, kSlash);
+        const Letters letters = lettersOf(plain, kBase64Values, kSlash);
         if (letters.values.size() < kLeastLetters)
             return false;
         for (qsizetype shift = 0; shift < 4; ++shift) {
@@ -184,10 +169,9 @@ private:
 
     bool isInHex(QByteArrayView bytes)
     {
-        static constexpr std::array kValues = hexValues();
         QByteArray plain = bytes.toByteArray();
         plain.replace("0x", " ").replace("0X", " ");
-        const Letters digits = lettersOf(plain, kValues, kLargestDigit);
+        const Letters digits = lettersOf(plain, kHexValues, kLargestDigit);
         if (digits.values.size() < kLeastLetters)
             return false;
         for (qsizetype shift = 0; shift < 2; ++shift) {
@@ -203,7 +187,6 @@ private:
     static QByteArray fromHex(const QByteArray &values, qsizetype from, qsizetype end)
     {
         QByteArray decoded;
-        decoded.reserve((end - from) / 2);
         for (qsizetype at = from; at + 2 <= end; at += 2)
             decoded += char(values[at] << 4 | values[at + 1]);
         return decoded;
@@ -256,7 +239,6 @@ private:
     {
         const qsizetype end = most < 0 ? values.size() : std::min(values.size(), from + most);
         QByteArray decoded;
-        decoded.reserve((end - from) / 4 * 3);
         for (qsizetype at = from; at + 4 <= end; at += 4) {
             const int bits = values[at] << 18 | values[at + 1] << 12 | values[at + 2] << 6 | values[at + 3];
             decoded += char(bits >> 16);

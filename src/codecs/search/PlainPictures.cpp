@@ -70,7 +70,6 @@ public:
             picture->from = std::max(picture->from, free);
             if (m_where != SearchIn::Mixture)
                 picture->to = m_bytes.size();
-            picture->to = std::clamp(picture->to, at + 1, m_bytes.size());
             found.push_back(*picture);
             free = picture->to;
             at = picture->to - 1;

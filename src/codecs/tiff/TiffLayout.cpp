@@ -44,11 +44,6 @@ bool isLuminanceEncoded(uint16_t photometric)
 TiffLayout TiffLayout::of(TIFF *tiff)
 {
     TiffLayout layout;
-    uint16_t oldType = 0;
-    const bool hasOldType = TIFFGetField(tiff, TIFFTAG_OSUBFILETYPE, &oldType) == 1;
-    layout.isReducedOrMask =
-        (fieldOr<uint32_t>(tiff, TIFFTAG_SUBFILETYPE, 0) & (FILETYPE_REDUCEDIMAGE | FILETYPE_MASK)) != 0 ||
-        (hasOldType && oldType == OFILETYPE_REDUCEDIMAGE);
     layout.width = fieldOr<uint32_t>(tiff, TIFFTAG_IMAGEWIDTH, 0);
     layout.height = fieldOr<uint32_t>(tiff, TIFFTAG_IMAGELENGTH, 0);
     layout.bitsPerSample = fieldOr<uint16_t>(tiff, TIFFTAG_BITSPERSAMPLE, 1);
@@ -58,9 +53,8 @@ TiffLayout TiffLayout::of(TIFF *tiff)
     layout.isPlanar = fieldOr<uint16_t>(tiff, TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG) == PLANARCONFIG_SEPARATE &&
                       layout.samplesPerPixel > 1;
     layout.isTiled = TIFFIsTiled(tiff) != 0;
-    const uint16_t guess = layout.samplesPerPixel >= 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK;
-    if (!TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &layout.photometric))
-        layout.photometric = guess;
+    layout.photometric = fieldOr<uint16_t>(tiff, TIFFTAG_PHOTOMETRIC,
+                                           layout.samplesPerPixel >= 3 ? PHOTOMETRIC_RGB : PHOTOMETRIC_MINISBLACK);
 
     if (layout.needsLibraryConversion())
         return layout; // which gives every pixel full opacity

@@ -14,7 +14,6 @@ struct TiffLayout
     /// Of the current page.
     static TiffLayout of(TIFF *tiff);
 
-    bool isReducedOrMask = false;
     uint32_t width = 0;
     uint32_t height = 0;
     uint16_t bitsPerSample = 1;

@@ -77,7 +77,6 @@ public:
     Outcome<Picture> decode(QSize) override;
 
 private:
-    bool holdsRawData() const;
     Failure failure() const;
     QByteArray iccProfile() const;
     std::optional<QSizeF> dpi() const;
@@ -125,30 +124,21 @@ Failure TiffReader::failure() const
     return m_source.failure(reason, m_tiff.message());
 }
 
-/// Camera raw files are TIFF files whose first page is a small preview: not what the photo's owner means.
-bool TiffReader::holdsRawData() const
-{
-    const void *version = nullptr; // always four bytes, so the library hands out no count
-    uint16_t subPages = 0;
-    const void *offsets = nullptr;
-    return TIFFGetField(m_tiff.get(), TIFFTAG_DNGVERSION, &version) == 1 ||
-           (m_layout.isReducedOrMask && TIFFGetField(m_tiff.get(), TIFFTAG_SUBIFD, &subPages, &offsets) == 1);
-}
-
 std::optional<Failure> TiffReader::readHeader()
 {
     if (!m_tiff.get())
         return failure();
-    m_layout = TiffLayout::of(m_tiff.get());
-    if (holdsRawData())
+    // Camera raw files are TIFF files whose first page is a small preview: not what the photo's owner means.
+    const bool isFirstReduced = !m_pages.empty() && m_pages.front().isReducedOrMask;
+    uint16_t subPages = 0;
+    const void *offsets = nullptr;
+    if (isFirstReduced && TIFFGetField(m_tiff.get(), TIFFTAG_SUBIFD, &subPages, &offsets) == 1)
         return m_source.failure(Failure::Reason::UnsupportedFormat, QStringLiteral("camera raw data"));
     // Where there is nothing but copies, the first one is the picture.
     const auto picture = std::find_if(m_pages.begin(), m_pages.end(), std::mem_fn(&Page::isPicture));
-    if (m_layout.isReducedOrMask && picture != m_pages.end()) {
-        if (!TIFFSetSubDirectory(m_tiff.get(), picture->offset))
-            return failure();
-        m_layout = TiffLayout::of(m_tiff.get());
-    }
+    if (isFirstReduced && picture != m_pages.end() && !TIFFSetSubDirectory(m_tiff.get(), picture->offset))
+        return failure();
+    m_layout = TiffLayout::of(m_tiff.get());
     m_tiff.clearError();
     m_tiff.endHeader();
     return m_source.checkSize(m_layout.width, m_layout.height);
