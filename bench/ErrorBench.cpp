@@ -1,6 +1,6 @@
 #include "Benches.h"
 #include "Comparison.h"
-#include "DiscBlurReference.h"
+#include "PictureReference.h"
 #include "TestPicture.h"
 
 #include <cmath>
@@ -28,7 +28,7 @@ Steps stepsOff(const QImage &picture, double radius, const QRect &part, int step
     int count = 0;
     for (int y = part.top(); y <= part.bottom(); y += step) {
         for (int x = part.left(); x <= part.right(); x += step) {
-            const Colour wanted = reference.at(x, y);
+            const Colour wanted = reference(x, y);
             for (std::size_t c = 0; c < 3; ++c) {
                 const int got = result.constScanLine(y)[4 * std::size_t(x) + c];
                 const double off = std::abs(got - std::nearbyint(wanted[c] * 255.0));

@@ -11,6 +11,8 @@
 #include "filters/ScaleNode.h"
 #include "filters/SourceNode.h"
 
+#include "PixelFormats.h"
+
 #include <algorithm>
 #include <cmath>
 #include <limits>
@@ -20,11 +22,6 @@ namespace hazelmark {
 namespace {
 
 constexpr int kGreen = 1;
-
-bool isSixteenBit(const QImage &bitmap)
-{
-    return bitmap.format() == QImage::Format_Grayscale16 || bitmap.depth() == 64;
-}
 
 QSize wholePixels(QSizeF size)
 {
@@ -80,7 +77,7 @@ FilterImage FilterImage::exposureAdjusted(float ev) const
 
 FilterImage FilterImage::withOpacity(float factor) const
 {
-    if (isEmpty() || (factor == 1.0f && m_node->channels() != 1))
+    if (isEmpty() || factor == 1.0f)
         return *this;
     return with(std::make_shared<OpacityNode>(m_node, factor), m_extent);
 }

@@ -29,16 +29,13 @@ public:
     /// The pixels of `region` of the node's given input; computed on the calling thread.
     virtual Tile read(std::size_t input, const QRect &region) const = 0;
     /// What the node's prepare() handed back in this render, or null.
-    virtual const PreparedState *prepared() const = 0;
+    virtual const PreparedState *prepared() const { return nullptr; }
 };
 
 /// The same while a node prepares: all threads of the render are its own.
-class PrepareContext
+class PrepareContext : public TileReader
 {
 public:
-    virtual ~PrepareContext() = default;
-    /// May be called from any thread of parallelFor().
-    virtual Tile read(std::size_t input, const QRect &region) const = 0;
     /// Calls body(0) .. body(count - 1), spread over the render's threads; returns when all are done.
     virtual void parallelFor(int count, const std::function<void(int)> &body) const = 0;
 };

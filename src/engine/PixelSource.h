@@ -17,7 +17,7 @@ public:
     virtual void load(int line, int column, int count, float *pixels) const = 0;
 };
 
-/// A bitmap of the formats that SourceNode takes; it outlives this.
+/// A bitmap of four samples a pixel (see fourSampleFormat()); it outlives this.
 class BitmapPixels : public PixelSource
 {
 public:

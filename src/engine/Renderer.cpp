@@ -118,7 +118,7 @@ std::vector<QRect> dealtOut(const std::vector<QRect> &tiles, int threads)
 bool copyStored(const FilterNode *node, const QRect &region, QImage &drawn, uchar *bits, const QRect &extent)
 {
     const auto *source = dynamic_cast<const SourceNode *>(node);
-    if (!source || source->bitmap().format() != drawn.format() || source->channels() == 1)
+    if (!source || source->bitmap().format() != drawn.format())
         return false;
     const int pixelBytes = drawn.depth() / 8;
     for (int y = region.top(); y <= region.bottom(); ++y)
@@ -139,7 +139,7 @@ void packTile(const Tile &tile, int channels, QImage &drawn, uchar *bits, const 
     for (int y = region.top(); y <= region.bottom(); ++y) {
         const float *planes[4];
         for (int c = 0; c < 4; ++c)
-            planes[c] = c < tile.channels() ? tile.row(c, y) : c == 3 ? ones.data() : tile.row(0, y);
+            planes[c] = c < tile.channels() ? tile.row(c, y) : ones.data();
         uchar *line = bits + (extent.bottom() - y) * drawn.bytesPerLine();
         if (drawn.depth() == 64)
             kernels::pixelRows().sixteen.packRgb(planes, channels, reinterpret_cast<std::uint16_t *>(line) + offset,

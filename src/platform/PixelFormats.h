@@ -18,4 +18,10 @@ inline bool isGray(const QImage &image)
     return image.format() == QImage::Format_Grayscale8 || image.format() == QImage::Format_Grayscale16;
 }
 
+/// Of the formats above and the grey ones.
+inline bool isSixteenBit(const QImage &image)
+{
+    return image.format() == QImage::Format_Grayscale16 || image.depth() == 64;
+}
+
 } // namespace hazelmark

@@ -1,4 +1,4 @@
-#include "DiscBlurReference.h"
+#include "PictureReference.h"
 
 #include <gtest/gtest.h>
 
@@ -38,6 +38,44 @@ TEST(DiscSpans, FitTheirAccumulator)
 {
     for (double radius = 4.0; radius <= kernels::kLargestSummedRadius; radius += 0.37)
         EXPECT_LT(kernels::makeDiscSpans(radius, 0.3 / 255.0).total * 65535.0, 4294967296.0) << radius;
+}
+
+TEST(DiscSpans, AreNoMoreThanTheyMustBeAndNoFartherFromTheDisc)
+{
+    struct Row
+    {
+        double radius, good; // of 255
+        int fractions;
+        std::size_t spans; // what a pixel costs
+        double off;        // the weight that lies on the wrong pixels, in thousandths
+    };
+    for (const auto &[radius, good, fractions, spans, off] :
+         {Row{4.5, 0.3, 8, 27, 9.629}, Row{7.3, 0.3, 8, 37, 6.542}, Row{7.3, 0.45, 8, 25, 7.350},
+          Row{9, 0.3, 8, 51, 5.709}, Row{11.4, 0.45, 4, 31, 10.884}, Row{14, 0.3, 8, 45, 4.907},
+          Row{17.7, 0.45, 2, 43, 16.496}, Row{20, 0.3, 4, 47, 5.473}, Row{27.9, 0.3, 2, 65, 9.988},
+          Row{47, 0.3, 2, 109, 5.882}}) {
+        const kernels::DiscSpans disc = kernels::makeDiscSpans(radius, good / 255);
+        const int side = 2 * disc.reach + 1;
+        std::vector<double> weights(std::size_t(side * side), 0.0);
+        std::size_t found = 0;
+        for (const kernels::DiscSpans::Group &group : disc.groups) {
+            found += group.spans.size();
+            for (int i = 0; i < int(group.spans.size()) * side; ++i) {
+                const kernels::DiscSpans::Span &span = group.spans[std::size_t(i / side)];
+                const double end = 0.5 + double(span.end) / disc.fractions, y = i % side - disc.reach;
+                weights[std::size_t(i % side * side + disc.reach + span.dx)] +=
+                    group.weight * std::max(0.0, std::min(end, y + 0.5) - std::max(-end, y - 0.5));
+            }
+        }
+        double wrong = 0;
+        for (int i = 0; i < side * side; ++i)
+            wrong += std::abs(weights[std::size_t(i)] * disc.fractions / disc.total -
+                              kernels::discCoverage(radius, i % side - disc.reach, i / side - disc.reach) /
+                                  (M_PI * radius * radius));
+        EXPECT_EQ(disc.fractions, fractions) << radius;
+        EXPECT_EQ(found, spans) << radius;
+        EXPECT_NEAR(1000 * wrong, off, 0.002) << radius;
+    }
 }
 
 /// What is hardest to blur: contrast as full as can be, in the shapes that meet the disc's outline.
@@ -88,8 +126,9 @@ TEST_P(HardestContent, IsLessThanTwoStepsOff)
         const QPointF centre = QPointF(side / 2, side / 2) + shift;
         const QImage bitmap = paint(QSize(side, side), kDeep, content.make(double(radius), centre));
         const QImage result = blurred(bitmap, radius);
-        EXPECT_LT(errorOf(result, bitmap, double(radius), middle.toRect(), step).largest, 1.5) << content.name;
-        EXPECT_LT(errorOf(result, bitmap, double(radius), bitmap.rect(), side / 8).largest, 1.5) << content.name;
+        const DiscBlurReference reference(bitmap, double(radius));
+        EXPECT_LT(errorOf(result, reference, middle.toRect(), step).largest, 1.5) << content.name;
+        EXPECT_LT(errorOf(result, reference, bitmap.rect(), side / 8).largest, 1.5) << content.name;
     }
 }
 
@@ -106,7 +145,8 @@ TEST_P(PhotoBlur, IsWithinATenthOfAStepOnAverage)
         return 0.5 + 0.3 * std::sin(x / 97.0 + channel) * std::cos(y / 41.0) + 0.1 * (noise(x, y, channel) - 0.5);
     });
     const QImage result = blurred(bitmap.convertToFormat(kDeep), radius);
-    const BlurError error = errorOf(result, bitmap, double(radius), bitmap.rect(), radius > 50 ? 29 : 13);
+    const PictureError error =
+        errorOf(result, DiscBlurReference(bitmap, double(radius)), bitmap.rect(), radius > 50 ? 29 : 13);
     EXPECT_LT(error.largest, 0.5);
     EXPECT_LT(error.mean, 0.1);
 }
@@ -122,7 +162,8 @@ TEST_P(SmallPicture, IsBlurredAsIfItsEdgesWentOnForEver)
     const QImage bitmap = paint(size, kDeep, [](int x, int y, int c) { return noise(x, y, c) < 0.5 ? 0.0 : 1.0; });
     const QImage result = blurred(bitmap, radius);
     ASSERT_EQ(result.size(), size);
-    EXPECT_LT(errorOf(result, bitmap, double(radius), bitmap.rect(), std::max(1, size.width() / 7)).largest, 1.5);
+    const DiscBlurReference reference(bitmap, double(radius));
+    EXPECT_LT(errorOf(result, reference, bitmap.rect(), std::max(1, size.width() / 7)).largest, 1.5);
 }
 
 INSTANTIATE_TEST_SUITE_P(Blur, SmallPicture,
@@ -158,10 +199,11 @@ TEST_P(AlphaBlur, IsPremultiplied)
         return c == 0 ? 0.0 : c == 3 ? 1.0 : noise(x, y, c);
     });
     const QImage result = blurred(bitmap, radius);
-    EXPECT_LT(errorOf(result, bitmap, double(radius), bitmap.rect(), radius > 50 ? 17 : 5).largest, 1.0);
+    const DiscBlurReference reference(bitmap, double(radius));
+    EXPECT_LT(errorOf(result, reference, bitmap.rect(), radius > 50 ? 17 : 5).largest, 1.0);
     const Pixels pixels(result);
     for (int x = 0; x < 150; x += 3)
-        EXPECT_EQ(pixels.at(x, 30)[0], 0.0) << x;
+        EXPECT_EQ(pixels(x, 30)[0], 0.0) << x;
 }
 
 INSTANTIATE_TEST_SUITE_P(Blur, AlphaBlur, Values(0.8f, 5.0f, 20.0f, 40.0f, 90.0f));
@@ -189,6 +231,9 @@ TEST(DiscBlur, IsTheSameWithAnyNumberOfThreadsAndNothingForAHundredthOfAPixel)
     const QImage bitmap = paint(QSize(700, 300), QImage::Format_RGBA8888, noise);
     for (const float radius : {3.0f, 15.0f, 50.0f, 180.0f})
         EXPECT_EQ(blurred(bitmap, radius, 1), blurred(bitmap, radius, 7)) << radius;
+    std::vector<double> told;
+    Renderer(3, [&](double done) { told.push_back(done); }).draw(FilterImage(bitmap));
+    EXPECT_EQ(told, (std::vector<double>{1 / 6.0, 2 / 6.0, 3 / 6.0, 4 / 6.0, 5 / 6.0, 1})) << "a tile at a time";
 }
 
 } // namespace

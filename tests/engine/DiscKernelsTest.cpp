@@ -1,7 +1,6 @@
 // The inner loops of the disc blur against plain twins, on every instruction set of this machine.
 
 #include "KernelTest.h"
-#include "Pictures.h"
 #include "kernels/DiscSumRows.h"
 #include "kernels/DiscWeightRows.h"
 
@@ -26,7 +25,10 @@ std::size_t upTo(std::size_t grain, std::size_t width)
 
 std::vector<float> randomValues(std::size_t count, unsigned seed)
 {
-    return testing::randomValues(count, seed, kRoom);
+    std::mt19937 random(seed);
+    std::vector<float> values(count + kRoom, 0.5f);
+    std::generate_n(values.begin(), count, [&] { return float(random() >> 8) / float(1 << 24); });
+    return values;
 }
 
 std::vector<std::uint16_t> randomSamples(std::size_t count, unsigned seed, unsigned full)
@@ -65,22 +67,6 @@ TEST_P(DiscKernels, EightBitSamplesAreToldFromOthers)
         std::vector<float> deep = values;
         deep[at] = (257.0f * float(at % 255) + 1.0f) / 65535.0f;
         EXPECT_FALSE(quantizeRow8(deep.data(), samples.data(), width())) << at;
-    }
-}
-
-TEST_P(DiscKernels, PrefixRowsGoOnFromTheOneBeforeAndWrapAround)
-{
-    const std::vector<std::uint16_t> samples = randomSamples(width() + kRoom, 3, 65535);
-    for (const int fractions : {1, 2, 8}) {
-        const std::size_t stride = upTo(kNarrowGrain, width());
-        std::vector<std::uint32_t> wide((std::size_t(fractions) + 1) * stride, 4294900000u);
-        std::vector<std::uint16_t> narrow((std::size_t(fractions) + 1) * stride, 65000);
-        appendPrefixRows(samples.data(), wide.data(), stride, fractions, width());
-        appendPrefixRows(samples.data(), narrow.data(), stride, fractions, width());
-        for (std::size_t f = 0; f <= std::size_t(fractions); ++f) {
-            expectEach(&wide[f * stride], 0, [&](auto i) { return 4294900000u + std::uint32_t(f) * samples[i]; });
-            expectEach(&narrow[f * stride], 0, [&](auto i) { return std::uint16_t(65000u + f * samples[i]); });
-        }
     }
 }
 

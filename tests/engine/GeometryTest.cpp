@@ -31,9 +31,8 @@ TEST(Geometry, APictureFillsTheBoxAlongOneSide)
 TEST(Geometry, FractionsAndFrameFormsAreInversesWithoutFlip)
 {
     const QSizeF container(200, 100);
-    EXPECT_EQ(Geometry::convertedPointToPercentBase({50, 25}, container), QPointF(0.25, 0.25));
-    EXPECT_EQ(Geometry::convertedPointToFrameBase({0.25, 0.25}, container), QPointF(50, 25));
-    EXPECT_EQ(Geometry::convertedPointToPercentBase({-50, 150}, container), QPointF(-0.25, 1.5));
+    EXPECT_EQ(Geometry::convertedRectToPercentBase({-50, 150, 20, 30}, container), QRectF(-0.25, 1.5, 0.1, 0.3));
+    EXPECT_EQ(Geometry::convertedRectToFrameBase({-0.25, 1.5, 0.1, 0.3}, container), QRectF(-50, 150, 20, 30));
     const QPointF ofNothing = Geometry::convertedPointToPercentBase({1, 0}, {0, 0});
     EXPECT_TRUE(std::isinf(ofNothing.x()) && std::isnan(ofNothing.y())) << "not guarded";
 }

@@ -91,6 +91,8 @@ TEST(PartPainter, DrawsWhatTheGraphGives)
             Sight sight(source, size, radius, part);
             const QImage seen = sight.draw(part, 2);
             ASSERT_EQ(seen.format(), format);
+            const QRect needed = sight.painter.cellsFor(sight.painter.pieces(part, 1)).boundingRect();
+            EXPECT_TRUE(needed.adjusted(-127, -63, 127, 63).contains(sight.blur.cells().rect())) << "whole blocks";
             const FilterImage scaled = FilterImage(source).scaledTo(size);
             const FilterImage blurred = scaled.clamped().discBlurred(float(radius * size.width() / kSource.width()));
             const QImage graph =

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstdint>
 #include <random>
-#include <vector>
 
 namespace hazelmark::testing {
 
@@ -62,16 +61,6 @@ inline double srgbFromLinear(double v)
 inline const uchar *samplesAt(const QImage &image, int x, int y)
 {
     return image.constScanLine(y) + 4 * x;
-}
-
-/// Numbers 0..1, and `room` more of 0.5 behind them.
-inline std::vector<float> randomValues(std::size_t count, unsigned seed, std::size_t room)
-{
-    std::mt19937 random(seed);
-    std::vector<float> values(count + room, 0.5f);
-    for (std::size_t i = 0; i < count; ++i)
-        values[i] = float(random() >> 8) / float(1 << 24);
-    return values;
 }
 
 } // namespace hazelmark::testing

@@ -7,11 +7,6 @@ namespace hazelmark {
 
 namespace {
 
-int floorDivided(int value, int divisor)
-{
-    return value >= 0 ? value / divisor : -((-value + divisor - 1) / divisor);
-}
-
 // From these radii on the error stays within the bound on the hardest content (a full-contrast disc of the same
 // radius, anywhere between the pixels); from scale 8 on it depends on the radius in cells alone.
 constexpr double kLeastRadius2 = 28.0;

@@ -8,6 +8,12 @@
 
 namespace hazelmark {
 
+/// Rounded down, also below 0.
+inline int floorDivided(int value, int divisor)
+{
+    return value >= 0 ? value / divisor : -((-value + divisor - 1) / divisor);
+}
+
 /// A grid of square cells over a picture, for a disc that is large enough to be summed over cells instead of pixels.
 /// Cell (0, 0) starts at the picture's lower left pixel; cells outside the picture have the colours of its edge.
 class CellGrid

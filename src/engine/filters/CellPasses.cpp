@@ -57,7 +57,6 @@ public:
     {
         // The pixel (0, 0) of a cell is the same place in all of them.
         const CellGrid::Place first = grid.placeOfColumn(region.left());
-        m_offset = 0;
         if (grid.scale() <= 4) {
             const int begin = grid.pixelsOf(QRect(m_left + 3, 0, 1, 1)).left();
             m_offset = std::size_t(region.left() - begin);
@@ -105,7 +104,7 @@ private:
     const CellGrid &m_grid;
     int m_left;
     int m_cells;
-    std::size_t m_offset;
+    std::size_t m_offset = 0;
     std::vector<kernels::Taps> m_phases;
     std::vector<float> m_taps[kernels::kTaps];
     std::vector<kernels::CellRun> m_runs;
@@ -113,10 +112,10 @@ private:
 
 } // namespace
 
-void averageBlock(const CellGrid &grid, const QRect &block, const PrepareContext &context, CellPlanes &cells)
+void averageBlock(const CellGrid &grid, const QRect &block, const TileReader &inputs, CellPlanes &cells)
 {
     const int scale = grid.scale();
-    Tile pixels = context.read(0, grid.pixelsOf(block));
+    Tile pixels = inputs.read(0, grid.pixelsOf(block));
     const std::size_t width = std::size_t(pixels.width());
     std::vector<float> sums(paddedWidth(pixels.width()) + 2 * kernels::kRowGrain * std::size_t(scale));
     std::vector<std::uint16_t> samples(paddedWidth(block.width()));

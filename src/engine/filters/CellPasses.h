@@ -19,7 +19,7 @@ constexpr int kPixelBlockHeight = 64;
 CellPlanes averageIntoCells(const CellGrid &grid, const QRegion &needed, int channels, const PrepareContext &context);
 
 /// The same of one block of cells, no larger than kPixelBlockWidth x kPixelBlockHeight pixels.
-void averageBlock(const CellGrid &grid, const QRect &block, const PrepareContext &context, CellPlanes &cells);
+void averageBlock(const CellGrid &grid, const QRect &block, const TileReader &inputs, CellPlanes &cells);
 
 /// How far a disc of spans may be off, of 1, where it is summed over cells.
 constexpr double kGoodOverCells = 0.35 / 255.0;

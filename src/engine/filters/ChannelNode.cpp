@@ -6,8 +6,6 @@ namespace hazelmark {
 
 FilterNodePtr ChannelNode::of(const FilterNodePtr &node, int channel)
 {
-    if (node->channels() == 1)
-        return node;
     if (node->channels() == 3) {
         if (FilterNodePtr plane = node->singlePlane(channel))
             return plane;

@@ -16,16 +16,11 @@ namespace {
 constexpr int kBlockWidth = 128;
 constexpr int kBlockHeight = 64;
 
-int downTo(int value, int multiple)
-{
-    return value >= 0 ? value / multiple * multiple : -((-value + multiple - 1) / multiple * multiple);
-}
-
 QRect onBlocks(const QRect &rect, int width, int height)
 {
-    const QPoint first(downTo(rect.left(), width), downTo(rect.top(), height));
-    const QPoint end(downTo(rect.right(), width) + width - 1, downTo(rect.bottom(), height) + height - 1);
-    return {first, end};
+    const auto before = [](int value, int size) { return floorDivided(value, size) * size; };
+    return {QPoint(before(rect.left(), width), before(rect.top(), height)),
+            QPoint(before(rect.right(), width) + width - 1, before(rect.bottom(), height) + height - 1)};
 }
 
 /// The blocks of `rect` that `wanted` touches and that are not in `there`.
@@ -60,13 +55,12 @@ CellPlanes movedTo(const QRect &rect, const CellPlanes &cells, int channels, QRe
 } // namespace
 
 /// The bitmap without end, for those who average it into cells.
-class KeptBlur::Pixels : public PrepareContext, private TileReader
+class KeptBlur::Pixels : public TileReader
 {
 public:
-    Pixels(const QImage &source, int threads)
+    explicit Pixels(const QImage &source)
         : m_source(std::make_shared<SourceNode>(source))
         , m_clamped(m_source, source.rect())
-        , m_threads(threads)
     {
     }
 
@@ -74,16 +68,8 @@ public:
     {
         const FilterNode *node = m_clamped.shownIn(region);
         Tile tile(region, node->channels());
-        if (node == &m_clamped)
-            m_clamped.compute(tile, Reader(*m_source));
-        else
-            node->compute(tile, *this);
+        node->compute(tile, Reader(*m_source));
         return tile;
-    }
-    const PreparedState *prepared() const override { return nullptr; }
-    void parallelFor(int count, const std::function<void(int)> &body) const override
-    {
-        hazelmark::parallelFor(count, m_threads, body);
     }
 
 private:
@@ -99,13 +85,11 @@ private:
             source.compute(tile, *this);
             return tile;
         }
-        const PreparedState *prepared() const override { return nullptr; }
         const SourceNode &source;
     };
 
     std::shared_ptr<const SourceNode> m_source;
     AffineClampNode m_clamped;
-    int m_threads;
 };
 
 bool KeptBlur::canKeep(QSize size, double radius)
@@ -147,7 +131,7 @@ void KeptBlur::provide(const QRegion &cells, const QImage &source, int threads)
     const int reach = m_disc.reach();
     for (const QRect &block : blurred)
         means += block.adjusted(-reach, -reach, reach, reach) & m_grid.cells();
-    const Pixels pixels(source, threads);
+    const Pixels pixels(source);
     const std::vector<QRect> averaged = missingBlocks(means, m_meansThere, kPixelBlockWidth / m_grid.scale(),
                                                       kPixelBlockHeight / m_grid.scale(), m_means.rect());
     parallelFor(int(averaged.size()), threads,

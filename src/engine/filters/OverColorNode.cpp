@@ -25,16 +25,10 @@ void OverColorNode::compute(Tile &result, const TileReader &inputs) const
     }
 }
 
-std::optional<std::size_t> OverColorNode::passesThrough(const QRect &) const
-{
-    return inputs()[0]->channels() == 3 ? std::optional<std::size_t>(0) : std::nullopt;
-}
-
 bool OverColorNode::isZero(int channel, const QRect &region) const
 {
     const FilterNode &input = *inputs()[0];
-    const bool shows = !input.isZero(channel, region) && !(input.channels() == 4 && input.isZero(3, region));
-    return m_color[std::size_t(channel)] == 0.0f && !shows;
+    return m_color[std::size_t(channel)] == 0.0f && (input.isZero(channel, region) || input.isZero(3, region));
 }
 
 } // namespace hazelmark

@@ -8,7 +8,7 @@ class QColor;
 
 namespace hazelmark {
 
-/// A picture laid over an opaque colour; opaque, so always three planes.
+/// A picture with alpha laid over an opaque colour; opaque, so always three planes.
 class OverColorNode : public FilterNode
 {
 public:
@@ -16,7 +16,6 @@ public:
 
     int channels() const override { return 3; }
     void compute(Tile &result, const TileReader &inputs) const override;
-    std::optional<std::size_t> passesThrough(const QRect &region) const override;
     bool isZero(int channel, const QRect &region) const override;
 
 private:

@@ -110,6 +110,7 @@ ScaleAxis ScaleAxis::linesOfCells(const CellGrid &grid, int sourceLength, int ou
 ScaleAxis ScaleAxis::plain(int offset, int begin, int count)
 {
     ScaleAxis axis(begin, count, 1, false);
+    axis.m_isPlain = true;
     for (int i = begin; i < begin + count; ++i) {
         axis.m_first[axis.index(i)] = i - offset;
         axis.m_weights[axis.index(i)] = 1.0F;

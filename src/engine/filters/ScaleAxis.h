@@ -29,7 +29,8 @@ public:
     int begin() const { return m_begin; }
     int count() const { return m_count; }
     int taps() const { return m_taps; }
-    bool isPlain() const { return m_taps == 1; }
+    /// Whether outputs are inputs. A picture of one pixel has one tap as well, for any number of outputs.
+    bool isPlain() const { return m_isPlain; }
     /// Whether the picture gets smaller.
     bool shrinks() const { return m_shrinks; }
 
@@ -52,6 +53,7 @@ private:
     int m_count = 0;
     int m_taps = 1;
     bool m_shrinks = false;
+    bool m_isPlain = false;
     std::vector<int> m_first;
     std::vector<float> m_weights;
 };

@@ -9,11 +9,6 @@ namespace hazelmark {
 
 namespace {
 
-bool isSixteenBit(const QImage &bitmap)
-{
-    return bitmap.format() == QImage::Format_Grayscale16 || bitmap.depth() == 64;
-}
-
 /// `pixels`: the first pixel wanted; `planes`: where the wanted planes go.
 template <typename Sample>
 void unpackRow(const Sample *pixels, bool gray, int onlyPlane, float *const *planes, int channels, std::size_t width)
