@@ -185,6 +185,9 @@ TEST_F(Kinds, TiffSamplesOfEveryKind)
     inJpeg.compression = COMPRESSION_JPEG;
     for (int i = 0; i < 16 * 16; ++i)
         inJpeg.rows.insert(inJpeg.rows.end(), {200, 90, 30});
+    TestTiff luminance = page(2, 16, 1, PHOTOMETRIC_LOGL, shorts({16384, 15872})); // 1 and a quarter
+    TestTiff luv = page(2, 16, 3, PHOTOMETRIC_LOGLUV, shorts({16384, 6900, 15522, 15872, 6900, 15522}));
+    luminance.compression = luv.compression = COMPRESSION_SGILOG;
     const std::pair<TestTiff, Kind> rows[] = {
         {page(2, 1, 1, kBlack, {0b01000000}), {"1 bit", {}, kGray8, {0, 255}}},
         {page(4, 4, 1, kBlack, {0x0f, 0x50}), {"4 bits", {}, kGray8, {0, 255, 85, 0}}},
@@ -214,13 +217,15 @@ TEST_F(Kinds, TiffSamplesOfEveryKind)
         {page(1, 16, 3, PHOTOMETRIC_ICCLAB, shorts({33293, 165 * 256, 153 * 256})),
          {"ICC Lab, 16 bits", {}, kRgb16, lab16}},
         {coarse, {"coarse chrominance", {}, kRgb8, {173, 76, 33, 255, 255, 176, 133, 255}}},
+        {luminance, {"luminance", {}, kRgb8, {255, 255, 255, 255, 128, 128, 128, 255}}},
+        {luv, {"luminance and chrominance", {}, kRgb8, {255, 255, 255, 255, 128, 128, 128, 255}}},
         {inJpeg, {"JPEG in TIFF", {}, kRgb8, {200, 90, 30, 255, 200}}},
     };
     const auto modelOf = [](const TestTiff &page) {
-        return page.photometric < kRgb                     ? ColorModel::Gray
-               : page.photometric == PHOTOMETRIC_SEPARATED ? ColorModel::Cmyk
-               : page.photometric >= PHOTOMETRIC_CIELAB    ? ColorModel::Lab
-                                                           : ColorModel::Rgb;
+        return page.photometric < kRgb || page.photometric == PHOTOMETRIC_LOGL                    ? ColorModel::Gray
+               : page.photometric == PHOTOMETRIC_SEPARATED                                        ? ColorModel::Cmyk
+               : page.photometric == PHOTOMETRIC_CIELAB || page.photometric == PHOTOMETRIC_ICCLAB ? ColorModel::Lab
+                                                                                                  : ColorModel::Rgb;
     };
     std::vector<Kind> kinds;
     for (auto [page, kind] : rows) {

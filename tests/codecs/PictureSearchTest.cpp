@@ -207,6 +207,32 @@ TEST(PictureSearch, TellsAHeadFromNumbersThatBeginLikeOne)
     }
 }
 
+/// By the size that follows its two bytes, where the rest does not look packed.
+TEST(PictureSearch, TellsABareJpegXlByItsSize)
+{
+    constexpr std::array kBits = {9, 13, 18, 30};
+    const struct
+    {
+        unsigned heightKind;
+        quint64 height;
+        bool hasRatio; ///< and no width
+        unsigned widthKind;
+        quint64 width;
+        bool isPicture;
+    } rows[] = {{3, 65536, true, 0, 1, true},      {3, 65537, true, 0, 1, false},
+                {0, 512, false, 3, 65536, true},   {0, 512, false, 3, 65537, false},
+                {1, 8192, false, 3, 65536, true},  {1, 8192, false, 3, 65537, false},
+                {2, 65536, false, 3, 65536, true}, {2, 65536, false, 3, 65537, false},
+                {2, 65537, true, 0, 1, false},     {0, 1, false, 2, 65537, false}};
+    for (const auto &[heightKind, height, hasRatio, widthKind, width, isPicture] : rows) {
+        const int ratioAt = 3 + kBits[heightKind];
+        const quint64 bits = heightKind << 1 | (height - 1) << 3 | quint64(hasRatio) << ratioAt |
+                             (hasRatio ? 0 : (quint64(widthKind) | (width - 1) << 2) << (ratioAt + 3));
+        const QByteArray file = "\xff\x0a" + littleEndian(quint32(bits)) + littleEndian(quint32(bits >> 32));
+        EXPECT_EQ(holdsPicture(file + QByteArray(100, '\0')), isPicture) << height << " " << width;
+    }
+}
+
 TEST(PictureSearch, LeavesWhatIsNoPictureAlone)
 {
     QByteArray curve; // of 16-bit levels, among them 0xffd8 and 0xffe0

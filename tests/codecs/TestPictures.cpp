@@ -122,6 +122,8 @@ void setTags(TIFF *tiff, const TestTiff &page)
         TIFFSetField(tiff, tag, value);
     if (page.compression == COMPRESSION_JPEG)
         TIFFSetField(tiff, TIFFTAG_JPEGCOLORMODE, JPEGCOLORMODE_RGB);
+    if (page.compression == COMPRESSION_SGILOG)
+        TIFFSetField(tiff, TIFFTAG_SGILOGDATAFMT, SGILOGDATAFMT_16BIT);
     if (page.resolutionUnit > 0) {
         TIFFSetField(tiff, TIFFTAG_XRESOLUTION, 300.0);
         TIFFSetField(tiff, TIFFTAG_YRESOLUTION, 150.0);

@@ -1,4 +1,5 @@
 #include "Decoder.h"
+#include "IptcRecords.h"
 #include "OpenPhotos.h"
 #include "SamplePhotos.h"
 #include "TiffTags.h"
@@ -148,6 +149,37 @@ TEST(CarriedMetadataLimits, WhatDoesNotFitIntoAJpegFileIsDroppedAloneAndNotTheRe
     const QByteArray fitting = carriedOf(source, kSize, WriteFormat::Jpeg).exif;
     EXPECT_LT(fitting.size(), 65'000);
     EXPECT_TRUE(fitting.contains("Acme"));
+}
+
+TEST(CarriedMetadataLimits, IptcGoesWithoutPreviewsObjectsAndLargeUnknowns)
+{
+    const auto sized = [](int dataSet, int size) { return iptcDataSet(dataSet, QByteArray(size, 'x')); };
+    const QByteArray longer = QByteArray("\x1c\2\x78\x80\4\0\0\x9c\x40", 9) + QByteArray(40'000, 'c');
+    QByteArray all, kept;
+    for (const auto &[bytes, isKept] : {std::pair(iptcDataSet(1, "x", 6), true),
+                                        {iptcDataSet(1, "x", 7), false},
+                                        {iptcDataSet(1, "x", 9), false},
+                                        {iptcDataSet(1, "x", 10), true},
+                                        {iptcDataSet(201, "x", 3), true},
+                                        {sized(199, 1), true},
+                                        {sized(200, 1), false},
+                                        {sized(202, 1), false},
+                                        {sized(203, 1), true},
+                                        {sized(250, 4096), true},
+                                        {sized(250, 4097), false},
+                                        {iptcDataSet(120, QByteArray(4097, 'x'), 3), false},
+                                        {sized(120, 0x7fff), true},
+                                        {longer, true}}) {
+        all += bytes + QByteArray(all.size() % 3, '\0'); // some writers pad
+        kept += isKept ? bytes : QByteArray();
+    }
+    for (const QByteArray &rest : {QByteArray(), QByteArray(5, '\0'), longer.chopped(1), QByteArray("\x1c\2\x78\0", 4),
+                                   QByteArray("\x1c\2\x78\x80\5\0\0\0\0\1x", 11)}) {
+        LeftOut leftOut;
+        EXPECT_EQ(carriedIptc(all + rest, leftOut), kept);
+        EXPECT_EQ(leftOut.text().contains(QLatin1String("behind")), rest.contains('\2'))
+            << leftOut.text().toStdString();
+    }
 }
 
 } // namespace hazelmark

@@ -96,9 +96,7 @@ void addPictureDirectories(const QByteArray &hidden, std::vector<Hiding> &hiding
 void addIptcPlaces(const QByteArray &hidden, std::vector<Hiding> &hidings)
 {
     for (const auto &[name, bytes] : {std::pair("caption", iptcDataSet(120, hidden)),
-                                      {"what a preview is like", iptcDataSet(200, bare(hidden))},
                                       {"preview", iptcDataSet(202, bare(hidden))},
-                                      {"object", iptcDataSet(10, bare(hidden), 8)},
                                       {"unknown data set", iptcDataSet(250, QByteArray(4096, 'a') + bare(hidden))},
                                       {"behind the data sets", "8BIM\4\x0c" + bare(hidden)},
                                       {"behind a broken one", "\x1c\2\5\x7f\xff" + bare(hidden)}})

@@ -18,45 +18,59 @@ QByteArray carriedOf(const QByteArray &packet, const QByteArray &extension = {})
 
 } // namespace
 
+/// Each packet is carried as another that has in it what is to be left of the first, which stays as it is.
 TEST(XmpPacket, PropertiesAreCarriedAndWhatShowsThePictureOrStandsBesideThemIsNot)
 {
     const QByteArray title =
         "<dc:title><rdf:Alt><rdf:li xml:lang=\"x-default\">Ä &amp; B</rdf:li></rdf:Alt></dc:title>";
     const QByteArray thumbnails = "<xmp:Thumbnails><rdf:Alt><rdf:li rdf:parseType=\"Resource\"><xmpGImg:image>abc"
                                   "</xmpGImg:image></rdf:li></rdf:Alt></xmp:Thumbnails>";
+    const QByteArray nested = "<dc:a><dc:b>1</dc:b>%1</dc:a>";
+    const QByteArray gainMap = "xmlns:g=\"http://ns.adobe.com/hdr-gain-map/1.0/\" ";
+    const QByteArray camera = "xmlns:c=\"http://ns.google.com/photos/1.0/camera/\" ";
     const struct
     {
-        QByteArray properties;
-        QByteArray attributes;
-        QList<QByteArray> kept;
-        QList<QByteArray> gone;
+        QByteArray properties, attributes, leftProperties, leftAttributes;
     } rows[] = {
-        {"<!-- a remark -->loose text<dc:source>4<?pi x?></dc:source>" + title,
-         "xmp:Label=\"x\"",
-         {"<dc:source>4</dc:source>", "xmp:Label=\"x\"", "xml:lang=\"x-default\"", "Ä &amp; B",
-          "<?xpacket begin=\"\xef\xbb\xbf\"", "<?xpacket end=\"w\"?>", "rdf:about=\"\""},
-         {"remark", "loose", "<?pi", "behind"}},
-        {thumbnails, {}, {}, {"humbnails"}},
-        {{}, "GImage:Data=\"xyz\"", {}, {"GImage:Data"}},
-        {{}, "xmlns:g=\"http://ns.adobe.com/hdr-gain-map/1.0/\" g:Version=\"1.0\"", {}, {"g:Version"}},
-        {{}, "xmlns:c=\"http://ns.google.com/photos/1.0/camera/\" c:MotionPhoto=\"1\"", {}, {"MotionPhoto"}},
-        {{}, "xmlns:c=\"http://ns.google.com/photos/1.0/camera/\" c:Other=\"1\"", {"c:Other"}, {}},
+        {"<!-- a remark -->loose text<dc:source>4<?pi x?></dc:source>" + title, "xmp:Label=\"x\"",
+         "<dc:source>4</dc:source>" + title, "xmp:Label=\"x\""},
+        {thumbnails, {}, {}, {}},
+        {QByteArray(nested).replace("%1", thumbnails), {}, QByteArray(nested).replace("%1", ""), {}},
+        {{}, "GImage:Data=\"xyz\"", {}, {}},
+        {"<q:a xmlns:q=\"urn:q\" q:b=\"1\" c=\"2\"/>", {}, "<q:a xmlns:q=\"urn:q\" q:b=\"1\" c=\"2\"/>", {}},
+        {{}, gainMap + "g:Version=\"1.0\"", {}, gainMap},
+        {{}, camera + "c:MotionPhoto=\"1\" c:Other=\"1\"", {}, camera + "c:Other=\"1\""},
         // Only other sizes are corrected.
-        {"<tiff:ImageWidth>400</tiff:ImageWidth><exif:PixelXDimension>40</exif:PixelXDimension>",
+        {"<tiff:ImageWidth>400</tiff:ImageWidth><exif:PixelXDimension> 40</exif:PixelXDimension>",
          "exif:PixelYDimension=\"17\" tiff:ImageLength=\"many\"",
-         {"<tiff:ImageWidth>40</tiff:ImageWidth>", "<exif:PixelXDimension>40<", "exif:PixelYDimension=\"30\"",
-          "tiff:ImageLength=\"many\""},
-         {}},
+         "<tiff:ImageWidth>40</tiff:ImageWidth><exif:PixelXDimension> 40</exif:PixelXDimension>",
+         "exif:PixelYDimension=\"30\" tiff:ImageLength=\"many\""},
     };
-    for (const auto &[properties, attributes, kept, gone] : rows) {
-        const QByteArray packet = xmpPacket(properties + "<xmp:Rating>4</xmp:Rating>", attributes);
-        const QByteArray carried = carriedOf(packet + QByteArray(99, ' ') + "behind the end" + '\0');
-        for (const QByteArray &part : kept + QList<QByteArray>{"<xmp:Rating>4</xmp:Rating>"})
-            EXPECT_TRUE(carried.contains(part)) << part.constData() << " in " << carried.constData();
-        for (const QByteArray &part : gone)
-            EXPECT_FALSE(carried.contains(part)) << part.constData() << " in " << carried.constData();
+    for (const auto &[properties, attributes, leftProperties, leftAttributes] : rows) {
+        const QByteArray carried = carriedOf(xmpPacket(properties, attributes) + QByteArray(9, ' ') + "behind" + '\0');
+        EXPECT_EQ(carried, carriedOf(xmpPacket(leftProperties, leftAttributes)));
         EXPECT_EQ(carriedOf(carried), carried) << "nothing is left to do";
+        EXPECT_TRUE(carried.contains(leftProperties) && carried.contains(leftAttributes.split(' ').back()))
+            << carried.constData();
     }
+}
+
+TEST(XmpPacket, ValuesAreTextsAndListsTheFirstOfSeveralCounts)
+{
+    const QByteArray list = "<dc:subject><rdf:Bag><rdf:li>Berg</rdf:li><rdf:li>Tal</rdf:li></rdf:Bag></dc:subject>";
+    const QByteArray packet = xmpPacket(
+        list + "<dc:source x='1'>4</dc:source><dc:source>5</dc:source><dc:a><dc:b>1</dc:b></dc:a>", "xmp:Label=\"x\"");
+    QMap<QString, QStringList> values;
+    const auto read = readXmp(packet, xmpPacket("<dc:far>2</dc:far>"), kSize);
+    for (auto value = read->values.begin(); value != read->values.end(); ++value)
+        values[value.key().second] = value.value();
+    const QMap<QString, QStringList> expected{
+        {QStringLiteral("about"), {QString()}},
+        {QStringLiteral("Label"), {QStringLiteral("x")}},
+        {QStringLiteral("far"), {QStringLiteral("2")}},
+        {QStringLiteral("source"), {QStringLiteral("4")}},
+        {QStringLiteral("subject"), {QStringLiteral("Berg"), QStringLiteral("Tal")}}};
+    EXPECT_EQ(values, expected);
 }
 
 TEST(XmpPacket, AnExtensionIsJoined)
@@ -88,6 +102,9 @@ TEST(XmpPacket, WhatCannotBeReadInAMomentIsNotCarried)
         {"<!DOCTYPE x [<!ENTITY a \"aaaaaaaaaa\">]><x>&a;</x>", false},
         {xmpPacket(QByteArray("<xmp:a>").repeated(60) + QByteArray("</xmp:a>").repeated(60)), true},
         {xmpPacket(QByteArray("<xmp:a>").repeated(70) + QByteArray("</xmp:a>").repeated(70)), false},
+        {xmpPacket("<!-- <a> = --><![CDATA[ <b> ]]>" + QByteArray("<xmp:a/>").repeated(100'000)), true},
+        {xmpPacket(QByteArray("<xmp:a/>").repeated(600'000)), false},
+        {xmpPacket(QByteArray("<xmp:a xmlns:b='c'/>").repeated(2'100)), false},
         {attributes(2'000), true},
         {attributes(40'000), false}};
     for (const auto &[packet, isRead] : packets)
