@@ -1,9 +1,10 @@
 #include "ManualWindow.h"
 
+#include "AccessibleRole.h"
 #include "Theme.h"
 
-#include <QKeyEvent>
 #include <QScreen>
+#include <QShortcut>
 #include <QTextBrowser>
 #include <QVBoxLayout>
 
@@ -43,20 +44,14 @@ ManualWindow::ManualWindow(const QUrl &page, const QString &title, QWidget *main
 {
     setObjectName(QStringLiteral("manual"));
     setWindowTitle(title);
+    setAccessibleRole(*this, QAccessible::Dialog);
+    connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
     auto *browser = new PageBrowser(page);
     browser->setAccessibleName(title);
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins({});
     layout->addWidget(browser);
     resize(kSize.boundedTo(mainWindow->screen()->availableSize() - QSize(theme::kMargin, 3 * theme::kMargin)));
-}
-
-void ManualWindow::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Escape)
-        close();
-    else
-        QWidget::keyPressEvent(event);
 }
 
 } // namespace hazelmark

@@ -13,9 +13,6 @@ class ManualWindow : public QWidget
 public:
     /// `page`: a file of the resources. Links inside it are followed, others are not.
     ManualWindow(const QUrl &page, const QString &title, QWidget *mainWindow);
-
-protected:
-    void keyPressEvent(QKeyEvent *event) override;
 };
 
 } // namespace hazelmark

@@ -1,5 +1,6 @@
 #include "PromotionWindow.h"
 
+#include "AccessibleRole.h"
 #include "Bundle.h"
 #include "DotPageControl.h"
 #include "ImageCatalog.h"
@@ -53,6 +54,7 @@ PromotionWindow::PromotionWindow(Localisation &texts, InstalledTest isInstalled)
     , m_btnQuitAppPromotion(new QPushButton)
 {
     setObjectName(QStringLiteral("windowPromotion"));
+    setAccessibleRole(*this, QAccessible::Dialog);
     setWindowTitle(Bundle::infoDictionary().value(QStringLiteral("CFBundleName")).toString());
     layOut();
     m_timerOfApps.setInterval(kPageTime);
@@ -171,8 +173,6 @@ void PromotionWindow::keyPressEvent(QKeyEvent *event)
         close();
     else if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
         pressFocusedButton();
-    else
-        QWidget::keyPressEvent(event);
 }
 
 void PromotionWindow::pressFocusedButton()

@@ -5,39 +5,29 @@
 
 namespace hazelmark {
 
-/// A small window that points with an arrow at the view it belongs to. A press elsewhere, or Esc, closes it.
+/// A small window that says something, with an arrow at the view it belongs to. It takes neither focus nor presses, and
+/// goes after a while.
 class CalloutWindow : public QWidget
 {
     Q_OBJECT
 
 public:
-    /// `content` becomes a child of the callout and gives it its size.
-    explicit CalloutWindow(QWidget *content, QWidget *parent = nullptr);
-    /// A callout that only says something: it takes neither focus nor presses, and goes after a while.
-    static CalloutWindow *saying(const QString &text, QWidget *parent);
+    CalloutWindow(const QString &text, QWidget *parent);
 
-    /// Shows the callout at `edge` of `anchor`, its arrow on the edge's middle, or as near to that as the screen
-    /// allows. Where there is no room on that side it stands on the opposite one.
-    void showRelativeTo(const QWidget &anchor, Qt::Edge edge);
-
-signals:
-    void closed();
+    /// Shows the callout below `anchor`, its arrow on the middle of the edge, or as near to that as the screen allows;
+    /// where there is no room it stands above.
+    void showBelow(const QWidget &anchor);
 
 protected:
-    void keyPressEvent(QKeyEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
     QPainterPath outline() const;
-    void layOut(Qt::Edge arrowSide);
-
-    CalloutWindow(QWidget *content, QWidget *parent, Qt::WindowFlags flags);
+    void layOut(bool isBelow);
 
     QWidget *m_content;
-    bool m_takesFocus = true;
-    Qt::Edge m_arrowSide = Qt::TopEdge; ///< of the callout
-    int m_arrowPosition = 0;            ///< along that side, in points
+    bool m_isBelow = true;   ///< the arrow is on top then
+    int m_arrowPosition = 0; ///< along that side, in points
 };
 
 } // namespace hazelmark

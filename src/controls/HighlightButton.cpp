@@ -38,51 +38,38 @@ HighlightButton::HighlightButton(int tag, const QString &image, const QString &a
 void HighlightButton::setImgNormalState(const QString &name)
 {
     m_imgNormalState = name;
-    if (!m_highlighted && m_tag == kImageTag)
-        setImage(name);
+    setHighlighted(m_highlighted);
 }
 
 void HighlightButton::setImgSelectedState(const QString &name)
 {
     m_imgSelectedState = name;
-    if (m_highlighted && m_tag == kImageTag)
-        setImage(name);
+    setHighlighted(m_highlighted);
 }
 
-void HighlightButton::setImage(const QString &name)
+void HighlightButton::setHighlighted(bool highlighted)
 {
-    m_image = name;
+    m_highlighted = highlighted;
+    if (m_tag == kImageTag)
+        m_image = highlighted ? m_imgSelectedState : m_imgNormalState;
+    if (m_tag == kFlatTag)
+        m_background = highlighted ? theme::kBlueHighlight : theme::kBlue;
     updateGeometry();
     update();
 }
 
 void HighlightButton::setButtonDefault()
 {
-    m_highlighted = false;
-    if (m_tag == kImageTag)
-        setImage(m_imgNormalState);
-    if (m_tag == kFlatTag) {
-        setImage({});
-        m_background = theme::kBlue;
-    }
-    update();
+    setHighlighted(false);
 }
 
 void HighlightButton::setButtonHighlighted()
 {
-    m_highlighted = true;
-    if (m_tag == kImageTag)
-        setImage(m_imgSelectedState);
-    if (m_tag == kFlatTag) {
-        setImage({});
-        m_background = theme::kBlueHighlight;
-    }
-    update();
+    setHighlighted(true);
 }
 
 void HighlightButton::highlight()
 {
-    m_background = Qt::transparent;
     setButtonHighlighted();
     m_endOfPress.start();
 }
@@ -91,10 +78,7 @@ bool HighlightButton::event(QEvent *event)
 {
     if (m_hover.follow(*event, *this)) {
         setCursor(m_hover.isHovering() ? Qt::PointingHandCursor : Qt::ArrowCursor);
-        if (m_hover.isHovering())
-            setButtonHighlighted();
-        else
-            setButtonDefault();
+        setHighlighted(m_hover.isHovering());
     }
     return QAbstractButton::event(event);
 }

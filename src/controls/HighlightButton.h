@@ -29,7 +29,6 @@ public:
     void setImgSelectedState(const QString &name);
     /// The image on show.
     QString image() const { return m_image; }
-    void setImage(const QString &name);
     bool isHighlighted() const { return m_highlighted; }
     /// The flat style's ground.
     QColor backgroundColor() const { return m_background; }
@@ -46,6 +45,7 @@ protected:
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void setHighlighted(bool highlighted);
     void highlight();
     QFont titleFont() const;
 

@@ -50,13 +50,6 @@ IMGButton::IMGButton(QWidget *parent)
     m_colors[OnStateDis] = m_colors[OffStateDis] = kDisabledGray;
 }
 
-void IMGButton::setImage(QString &image, const QString &name)
-{
-    image = name;
-    updateGeometry();
-    update();
-}
-
 void IMGButton::setEndCaps(const EndCaps &caps)
 {
     m_images[OffState].end = caps.off;
@@ -65,60 +58,6 @@ void IMGButton::setEndCaps(const EndCaps &caps)
     m_images[OnStateDwn].end = m_images[OnStateDis].end = caps.onDisabled;
     setImgMouseHover(caps.hover);
     resize(sizeHint());
-}
-
-void IMGButton::setColor(State state, const QColor &color)
-{
-    m_colors[state] = color;
-    update();
-}
-
-void IMGButton::setMarginLeft(int margin)
-{
-    m_margins.setLeft(margin);
-    update();
-}
-
-void IMGButton::setMarginRight(int margin)
-{
-    m_margins.setRight(margin);
-    update();
-}
-
-void IMGButton::setMarginTop(int margin)
-{
-    m_margins.setTop(margin);
-    update();
-}
-
-void IMGButton::setMarginBottom(int margin)
-{
-    m_margins.setBottom(margin);
-    update();
-}
-
-void IMGButton::setMarginTopML(int margin)
-{
-    m_marginTopML = margin;
-    update();
-}
-
-void IMGButton::setMarginBottomML(int margin)
-{
-    m_marginBottomML = margin;
-    update();
-}
-
-void IMGButton::setMultiLineStr(const QString &separator)
-{
-    m_multiLineStr = separator;
-    update();
-}
-
-void IMGButton::setMakeBoldFont(bool bold)
-{
-    m_makeBoldFont = bold;
-    update();
 }
 
 QSize IMGButton::sizeHint() const
@@ -132,8 +71,8 @@ QSize IMGButton::sizeHint() const
     }
     if (!text().isEmpty()) {
         const QSizeF title = measure(text(), theme::systemFont());
-        size = size.expandedTo({std::ceil(title.width()) + m_margins.left() + m_margins.right(),
-                                std::ceil(title.height()) + m_margins.top() + m_margins.bottom()});
+        size = size.expandedTo({std::ceil(title.width()) + m_marginLeft + m_marginRight,
+                                std::ceil(title.height()) + m_marginTop + m_marginBottom});
     }
     return size.toSize();
 }
@@ -180,7 +119,6 @@ void IMGButton::mousePressEvent(QMouseEvent *event)
         return;
     m_mouseDown = true;
     setEnabled(false); // which draws it anew
-    event->accept();
 }
 
 void IMGButton::mouseReleaseEvent(QMouseEvent *event)
@@ -190,10 +128,8 @@ void IMGButton::mouseReleaseEvent(QMouseEvent *event)
         return;
     }
     m_mouseDown = false;
-    update();
     const QPointF point = event->position();
     const bool inside = point.x() >= 0 && point.x() <= width() && point.y() >= 0 && point.y() <= height();
-    event->accept();
     if (inside)
         sendActionAndToggle();
     else
@@ -213,7 +149,6 @@ void IMGButton::endClick()
     setChecked(!isChecked());
     if (m_enableImmediately)
         setEnabled(true);
-    update();
     emit clickOver();
 }
 
@@ -294,9 +229,9 @@ const IMGButton::Layout &IMGButton::getAttributesForRect(const QRectF &rect, boo
     if (multi)
         breakTitle();
     const QString title = multi ? m_mTitle : text();
-    const int top = multi ? m_marginTopML : m_margins.top();
-    const int bottom = multi ? m_marginBottomML : m_margins.bottom();
-    const QRectF area = rect.adjusted(m_margins.left(), top, -m_margins.right(), -bottom);
+    const int top = multi ? m_marginTopML : m_marginTop;
+    const int bottom = multi ? m_marginBottomML : m_marginBottom;
+    const QRectF area = rect.adjusted(m_marginLeft, top, -m_marginRight, -bottom);
 
     int size = kSmallestSize;
     QSizeF failing = measure(title, measuringFont(size + 1));

@@ -1,6 +1,8 @@
 // The application from its launch to its end: menus, notifications, and what the closing of a window means.
 #include "AppDelegate.h"
+#include "../support/Outline.h"
 #include "AboutDialog.h"
+#include "EditMenus.h"
 #include "Fakes.h"
 #include "IMGButton.h"
 #include "MainMenu.h"
@@ -15,7 +17,9 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QTest>
+#include <QTextBrowser>
 
 #include <gtest/gtest.h>
 
@@ -83,10 +87,11 @@ TEST_F(AppDelegateTest, MenuItemsActWhileTheyMakeSense)
     const std::pair<QAction *, QString> items[] = {{menu().btnOpenOnMenu, kNotificationOpenPhotoFromMenuTapped},
                                                    {menu().btnDeleteOnMenu, kNotificationClosePhotoFromMenuTapped},
                                                    {menu().btnSaveOnMenu, kNotificationSavePhotoFromMenuTapped},
+                                                   {menu().btnSaveAsOnMenu, kNotificationSavePhotoFromMenuTapped},
                                                    {menu().btnTips, kNotificationShowTipsFromMenuTapped}};
     // With a photo open it is an export that disables.
     for (const auto &[hasPhoto, isUiDisabled, posting] :
-         {std::tuple{false, true, "1101"}, {true, false, "1111"}, {true, true, "0101"}}) {
+         {std::tuple{false, true, "11001"}, {true, false, "11111"}, {true, true, "01001"}}) {
         m_delegate.setSelectedImageFile(hasPhoto ? std::make_shared<PhotoFile>(u"/photo.jpg"_s) : nullptr);
         m_delegate.setIsUiDisabled(isUiDisabled);
         std::string posted;
@@ -101,6 +106,57 @@ TEST_F(AppDelegateTest, MenuItemsActWhileTheyMakeSense)
     menu().menuHelp->actions().at(6)->trigger();
     m_delegate.helpMenuItemTapped(8);
     EXPECT_EQ(m_desktop.m_workspace.m_opened, QStringList({u"index.html"_s, u"appstream:org.gimp.GIMP"_s}));
+    menu().btnKeyboard->trigger();
+    EXPECT_TRUE(SheetQueue::forWindow(window()).current()->objectName() == u"keyboardDialog"_s);
+}
+
+TEST_F(AppDelegateTest, ShowsTheManualItselfWhereNobodyElseDoes)
+{
+    launch();
+    m_desktop.m_workspace.m_succeeds = false;
+    m_delegate.helpMenuItemTapped(LinkTable::kStorePageTag);
+    EXPECT_EQ(window().findChild<QWidget *>(u"manual"_s), nullptr);
+    menu().btnHelpApp->trigger();
+    auto *manual = window().findChild<QWidget *>(u"manual"_s);
+    ASSERT_TRUE(manual && QTest::qWaitForWindowActive(manual));
+    menu().btnHelpApp->trigger();
+    EXPECT_EQ(window().findChildren<QWidget *>(u"manual"_s).size(), 1);
+    EXPECT_EQ(toldOf(*manual).toStdString(),
+              "manual: Dialog Hazelmark Help; QTextBrowser: StaticText Hazelmark Help s; QScrollBar: ScrollBar");
+    auto *page = manual->findChild<QTextBrowser *>();
+    EXPECT_EQ(page->geometry(), manual->rect());
+    EXPECT_TRUE(page->toPlainText().contains(u"Hazelmark"_s) && !page->openExternalLinks());
+    EXPECT_EQ(page->document()->documentMargin(), 24);
+    const QUrl html = page->source();
+    for (const auto &[type, url, isRead] : {std::tuple{QTextDocument::HtmlResource, html, true},
+                                            {QTextDocument::ImageResource, html, false},
+                                            {QTextDocument::HtmlResource, QUrl(u"https://example.org/"_s), false}})
+        EXPECT_EQ(page->loadResource(type, url).isValid(), isRead) << url.toString().toStdString();
+    const QSize screen = manual->screen()->availableSize();
+    EXPECT_EQ(manual->size(), QSize(std::min(760, screen.width() - 16), std::min(640, screen.height() - 48)));
+    QTest::keyClick(manual, Qt::Key_Escape);
+    EXPECT_FALSE(manual->isVisible());
+}
+
+TEST_F(AppDelegateTest, KeysOpenTheMenus)
+{
+    launch();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    EditMenus &edit = m_delegate.mainMenu()->editMenus();
+    const std::tuple<Qt::Key, Qt::KeyboardModifiers, QMenu *> keys[] = {
+        {Qt::Key_F10, {}, menu().menuFile},
+        {Qt::Key_F, Qt::AltModifier, menu().menuFile},
+        {Qt::Key_E, Qt::AltModifier, edit.menuEdit},
+        {Qt::Key_V, Qt::AltModifier, edit.menuView},
+        {Qt::Key_L, Qt::AltModifier, menu().menuLanguage},
+        {Qt::Key_H, Qt::AltModifier, menu().menuHelp}};
+    for (const auto &[key, with, menu] : keys) {
+        QTest::keyClick(&window(), key, with);
+        EXPECT_TRUE(menu->isVisible()) << int(key);
+        QAction *first = menu->actions().first();
+        EXPECT_EQ(menu->activeAction(), first->isEnabled() ? first : nullptr) << int(key);
+        menu->close();
+    }
 }
 
 TEST_F(AppDelegateTest, TheProcessEndsWithTheMainWindowOrWithThePromotionAfterIt)

@@ -99,19 +99,30 @@ TEST(Places, OfWhatTheWindowsOfTheApplicationHold)
     promotion.promotionWindowSetup();
     AboutDialog about(texts);
     KeyboardDialog keys(texts);
-    const std::pair<QWidget *, const char *> rows[] = {
-        {&promotion, "24: 24 Recommended* 24\n24: 24 QLabel[96x96] 24\n16: 24 GIMP* 24\n8: 24 Paints, 24\n8: ~ Show ~\n"
-                     "16: ~ DotPageControl ~\n24: 24 Don’t ~ Quit 24\n16"},
-        {&about, "32: 32 QLabel[64x64] 32\n8: 32 Hazelmark 32\n8: 32 Version' 32\n16: 32 Blurs 32\n8: 32 Free' 32\n"
-                 "24: ~ OK ~\n16"},
-        {&keys, "24: 24 Keys* 24\n16: 24 Painting* ~ Photo* 24\n4: 24 B' 16 Brush ~ Ctrl+O' 16 Open 24\n"
-                "4: 24 E' 16 Eraser ~ Ctrl+V' 16 Paste 24\n4: 24 [' 16 Brush ~ Ctrl+S' 16 Save 24\n"},
+    const std::tuple<QWidget *, const char *, const char *> rows[] = {
+        {&promotion,
+         "24: 24 Recommended@17*/ 24\n24: 24 QLabel[96x96] 24\n16: 24 GIMP@20*/ 24\n8: 24 Paints,/ 24\n"
+         "8: ~ Show ~\n16: ~ DotPageControl ~\n24: 24 Don’t ~ Quit 24\n16",
+         "windowPromotion: Dialog Hazelmark; QLabel: Graphic; QPushButton: Button Show in the Software Centre s; "
+         "DotPageControl: PageTabList Recommended applications t^; QCheckBox: CheckBox Don’t show this again s; "
+         "QPushButton: Button Quit s!"},
+        {&about,
+         "32: 32 QLabel[64x64] 32\n8: 32 Hazelmark@20/# 32\n8: 32 Version'/# 32\n16: 32 Blurs/# 32\n"
+         "8: 32 Free@11'/# 32\n24: ~ OK ~\n16",
+         "AboutDialog: Dialog About Hazelmark; QLabel: Graphic; QDialogButtonBox: Grouping; QPushButton: Button OK s!"},
+        {&keys,
+         "24: 24 Keys@17* 24\n16: 24 Painting* ~ Photo* 24\n4: 24 B'# 16 Brush# ~ Ctrl+O'# 16 Open# 24\n"
+         "4: 24 E'# 16 Eraser# ~ Ctrl+V'# 16 Paste# 24\n4: 24 ['# 16 Brush# ~ Ctrl+S'# 16 Save# 24\n"
+         "4: 24 Alt+Wheel'# 16 Brush# ~ Ctrl+Shift+S'# 16 Save# 24\n4: 24 {'# 16 Brush# ~ Ctrl+W'# 16 Close# 24\n"
+         "4: 24 Ctrl+Z'# 16 Undo# ~ Ctrl+Q'# 16 Quit# 24\n",
+         "keyboardDialog: Dialog Keyboard; QPushButton: Button OK s!"},
     };
-    for (const auto &[window, outline] : rows) {
+    for (const auto &[window, outline, told] : rows) {
         window->show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(window));
         const QString found = outlineOf(*window);
         EXPECT_TRUE(found.startsWith(QString::fromUtf8(outline))) << found.toStdString();
+        EXPECT_EQ(toldOf(*window).toStdString(), told);
     }
     EXPECT_EQ(promotion.width(), 460);
 }

@@ -5,6 +5,7 @@
 #include "FloatSlider.h"
 #include "HighlightButton.h"
 #include "IMGButton.h"
+#include "ImageCatalog.h"
 #include "ScaleToFillImageView.h"
 #include "WidgetEvents.h"
 
@@ -179,11 +180,12 @@ TEST(DotPageControlTest, OnlyAPersonsChoiceIsSent)
     EXPECT_TRUE(selected.isEmpty());
     QTest::mouseClick(&control, Qt::LeftButton, {}, {48, 17});
     EXPECT_EQ(control.currentPage(), 1);
-    QTest::keyClick(&control, Qt::Key_Left);
-    QTest::keyClick(&control, Qt::Key_Left); // no page there
-    ASSERT_EQ(selected.size(), 2);
-    EXPECT_EQ(selected[0][0].toInt(), 1);
-    EXPECT_EQ(selected[1][0].toInt(), 0);
+    for (const auto key : {Qt::Key_Left, Qt::Key_Left, Qt::Key_Right, Qt::Key_Right, Qt::Key_Right}) // over both ends
+        QTest::keyClick(&control, key);
+    QString pages;
+    for (const QList<QVariant> &page : selected)
+        pages += page[0].toString();
+    EXPECT_EQ(pages, QStringLiteral("1012"));
 }
 
 TEST(ScaleToFillImageViewTest, CoversTheViewWithoutDistortion)
@@ -229,6 +231,59 @@ TEST(DrawnControlsTest, StandWhereTheirSizesPutThem)
     };
     for (const auto &[control, from, profile] : lines)
         EXPECT_EQ(profileOf(drawn(*control), from), profile);
+    // With the focus that came by Tab.
+    const std::tuple<QWidget *, QPoint, const char *> rings[] = {
+        {&slider, {0, 10}, "0x4 8x46 ax2 8x14 6x1 5x1 ax2 5x146 0x4"},
+        {&slider, {60, 0}, "4x1 ax1 6x1 0x1 8x13 0x1 6x1 ax1 4x1"},
+        {&dots, {0, 20}, "ax2 0x10 4x1 7x1 4x22 7x1 4x1 0x4 4x1 cx1 ex22 cx1 4x1 0x4 4x1 7x1 4x22 7x1 4x1 0x10 ax2"},
+        {&dots, {55, 0}, "ax2 0x6 ax1 ex23 ax1 0x6 ax2"},
+        {&button, {0, 12}, "ax2 3x56 ax2"},
+        {&button, {30, 0}, "ax2 3x20 ax2"},
+    };
+    for (const auto &[control, from, profile] : rings) {
+        focusByKeyboard(*control);
+        EXPECT_EQ(profileOf(drawn(*control), from), profile);
+    }
+}
+
+TEST(DrawnControlsTest, LeaveKeysThatAreNotTheirsToTheWindow)
+{
+    struct Window : QWidget
+    {
+        void keyPressEvent(QKeyEvent *event) override { keys << event->key(); }
+        QList<int> keys;
+    };
+    for (QWidget *control : {static_cast<QWidget *>(new FloatSlider), static_cast<QWidget *>(new DotPageControl),
+                             static_cast<QWidget *>(new IMGButton),
+                             static_cast<QWidget *>(new HighlightButton(HighlightButton::kFlatTag))}) {
+        Window window;
+        control->setParent(&window);
+        QTest::keyClick(control, Qt::Key_C);
+        EXPECT_EQ(window.keys, QList<int>{Qt::Key_C}) << control->metaObject()->className();
+    }
+}
+
+TEST(ImageCatalogTest, DrawsIconsForAllSizesAndTheMiddleOfAnImageButton)
+{
+    QList<int> widths;
+    for (const QSize size : ImageCatalog::iconNamed(QStringLiteral("hazelmark")).availableSizes())
+        widths << size.width();
+    EXPECT_EQ(widths, (QList<int>{16, 20, 24, 32, 48, 64, 128, 256}));
+    HighlightButton button(HighlightButton::kImageTag, QStringLiteral("up"), QStringLiteral("file"));
+    button.resize(100, 80);
+    const auto shows = [&](const char *name) {
+        const QSizeF size = ImageCatalog::naturalSize(QLatin1String(name));
+        QImage picture(button.size(), QImage::Format_ARGB32);
+        picture.fill(Qt::transparent);
+        QPainter(&picture).drawPixmap(QPointF((100 - size.width()) / 2, (80 - size.height()) / 2),
+                                      ImageCatalog::imageNamed(QLatin1String(name), size, 1));
+        return button.sizeHint() == size.toSize() && drawn(button) == picture;
+    };
+    EXPECT_TRUE(shows("up"));
+    button.setButtonHighlighted();
+    EXPECT_TRUE(shows("file"));
+    button.setImgSelectedState(QStringLiteral("folder"));
+    EXPECT_TRUE(shows("folder"));
 }
 
 TEST(DrawnControlsTest, WhatIsSeenToChangeIsDrawnAnew)

@@ -3,6 +3,7 @@
 #include <QCoreApplication>
 #include <QEnterEvent>
 #include <QImage>
+#include <QTest>
 #include <QWidget>
 
 namespace hazelmark {
@@ -13,6 +14,16 @@ inline void send(QWidget &widget, QEvent::Type type)
     QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
     QEvent other(type);
     QCoreApplication::sendEvent(&widget, type == QEvent::Enter ? &enter : &other);
+}
+
+/// Gives it the focus as Tab does.
+inline void focusByKeyboard(QWidget &widget)
+{
+    widget.window()->show();
+    widget.activateWindow();
+    EXPECT_TRUE(QTest::qWaitForWindowActive(&widget));
+    widget.window()->setAttribute(Qt::WA_KeyboardFocusChange);
+    widget.setFocus(Qt::TabFocusReason);
 }
 
 /// What the widget draws itself, on nothing.

@@ -1,6 +1,8 @@
 // The commands of the menus and keys: undoing, everything, comparing, painting by keyboard, and what is said of drops.
 #include "ScreenFixture.h"
 
+#include "AlertSheet.h"
+#include "FilePanelLook.h"
 #include "FloatSlider.h"
 #include "IMGButton.h"
 #include "KeyboardCursor.h"
@@ -9,6 +11,7 @@
 #include "PhotoImageView.h"
 #include "ProcessWide.h"
 #include "SettingsPanel.h"
+#include "SheetQueue.h"
 #include "SummaryBar.h"
 #include "UserDefaults.h"
 #include "ZoomField.h"
@@ -16,6 +19,8 @@
 #include <QApplication>
 #include <QBuffer>
 #include <QClipboard>
+#include <QFileDialog>
+#include <QLineEdit>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTest>
@@ -66,6 +71,67 @@ TEST_F(Editing, TheMenusUndoWhatWasPaintedAndNameIt)
     EXPECT_GT(paintAt({0.5, 0.5}), 0);
     EXPECT_FALSE(view().paintView->eraser());
     QTest::mouseRelease(view().paintView, Qt::LeftButton);
+}
+
+TEST_F(Editing, APaintingComesBackFromItsStoreAndFromAFile)
+{
+    start();
+    const QString path = photo(u"a.png"_qs, {600, 400});
+    open(path);
+    FloatSlider &blur = *panel().slider(Setting::BlurAmount);
+    blur.setValueByUser(80);
+    panel().slider(Setting::Vignette)->setValueByUser(0.1);
+    stroke({0.3, 0.5}, {0.7, 0.5});
+    const auto choose = [this](MenuCommand command, const QString &name) {
+        perform(command);
+        auto *files = m_window->findChild<QFileDialog *>(u"paintingPanel"_qs);
+        const QStringList shown{files->windowTitle(),
+                                files->selectedNameFilter(),
+                                files->labelText(QFileDialog::Accept),
+                                files->labelText(QFileDialog::Reject),
+                                files->directory().path(),
+                                files->findChild<QLineEdit *>(u"fileNameEdit"_qs)->text()};
+        EXPECT_TRUE(files->isVisible());
+        files->findChild<QLineEdit *>(u"fileNameEdit"_qs)->setText(m_folder.filePath(name));
+        static_cast<QDialog *>(files)->accept();
+        EXPECT_TRUE(QTest::qWaitFor([files = QPointer(files)] { return !files; }));
+        return shown.join(u'|').remove(u" %@"_qs).replace(m_folder.path(), u"here"_qs).toStdString();
+    };
+    const std::string saving = "SAVE_PAINTING_AS|PAINTING_FILES (*.json)|SAVE|CANCEL|";
+    EXPECT_EQ(choose(MenuCommand::SavePaintingAs, u"mine"_qs), saving + picturesFolder().toStdString() + "|a")
+        << "as one from the clipboard";
+    EXPECT_TRUE(QTest::qWaitFor([this] { return said() == u"PAINTING_SAVED mine.json"_qs; }));
+    stroke({0.3, 0.2}, {0.7, 0.2});
+    const auto size = [this] { return QFileInfo(m_folder.filePath(u"mine.json"_qs)).size(); };
+    for (const bool replaces : {false, true}) {
+        const qint64 before = size();
+        EXPECT_EQ(choose(MenuCommand::SavePaintingAs, u"mine.json"_qs), saving + "here|a");
+        ASSERT_TRUE(QTest::qWaitFor([this] { return !sheetText().isEmpty(); }));
+        EXPECT_EQ(sheetText().toStdString(), "REPLACE_TITLE mine.json|REPLACE_MSG %@");
+        auto *question = static_cast<AlertSheet *>(SheetQueue::forWindow(*m_window).current());
+        QTest::mouseClick(replaces ? question->alternateButton() : question->defaultButton(), Qt::LeftButton);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return sheetText().isEmpty() && (size() > before) == replaces; }));
+    }
+    m_screen.reset();
+    start();
+    open(path);
+    const auto offered = [this] { return view().vwBottom->btnRestore()->isVisible(); };
+    ASSERT_TRUE(QTest::qWaitFor(offered));
+    EXPECT_EQ(m_application.m_menu.storedPaintings.size(), 1);
+    view().vwBottom->btnRestore()->click();
+    EXPECT_TRUE(QTest::qWaitFor([this] { return paintAt({0.5, 0.5}) > 0; }));
+    EXPECT_EQ(m_application.m_menu.undo, u"UNDO_RESTORE %@"_qs);
+    EXPECT_FALSE(offered());
+    EXPECT_EQ(panel().field(Setting::BlurAmount)->text(), u"80"_qs);
+    perform(MenuCommand::ClearPainting);
+    EXPECT_EQ(choose(MenuCommand::OpenPainting, u"mine.json"_qs),
+              "OPEN_PAINTING|PAINTING_FILES (*.json)|OPEN|CANCEL|here|");
+    EXPECT_TRUE(QTest::qWaitFor([this] { return paintAt({0.5, 0.5}) > 0; }));
+    choose(MenuCommand::OpenPainting, u"a.png"_qs);
+    EXPECT_EQ(answeredSheet().toStdString(), "ERROR_CANT_OPEN_PAINTING %@|REFUSED_NOT_A_PAINTING a.png");
+    perform(MenuCommand::ForgetPaintings);
+    EXPECT_EQ(said(), u"PAINTINGS_FORGOTTEN %@"_qs);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return m_application.m_menu.storedPaintings.isEmpty(); }));
 }
 
 TEST_F(Editing, KeysAndWheelSetTheBrush)

@@ -5,6 +5,7 @@
 #include "NotificationNames.h"
 #include "SaveChangesSheet.h"
 #include "SheetQueue.h"
+#include "TipsWindow.h"
 
 #include <QPushButton>
 #include <QTest>
@@ -69,6 +70,28 @@ TEST_F(ScreenWindow, AsksFirstWhenPhotosWaitHoweverItIsClosed)
     m_window->close();
     answer(u"btnDontSave");
     EXPECT_FALSE(m_window->isVisible());
+}
+
+TEST_F(ScreenWindow, ItsButtonsMinimiseAndZoomUnlessAPreviewIsUnderWay)
+{
+    start();
+    QTest::mouseClick(m_window->minimizeButton(), Qt::LeftButton);
+    EXPECT_TRUE(m_window->isMinimized());
+    m_window->showNormal();
+    for (const bool isBusy : {true, false}) {
+        m_screen->session().setIsRunningAlgorithm(isBusy);
+        QTest::mouseClick(m_window->zoomButton(), Qt::LeftButton);
+        EXPECT_EQ(m_window->isMaximized(), !isBusy);
+    }
+    for (const bool isFull : {true, false}) {
+        m_center.post(kNotificationCommandFromMenuTapped, {{kCommandKey, int(MenuCommand::FullScreen)}});
+        EXPECT_EQ(m_window->isFullScreen(), isFull);
+    }
+    post(kNotificationShowTipsFromMenuTapped);
+    auto *tips = m_window->findChild<TipsWindow *>();
+    ASSERT_TRUE(tips && tips->isVisible());
+    post(kNotificationUpdateLanguage);
+    EXPECT_EQ(tips->windowTitle(), QStringLiteral("TIPS_TITLE %@"));
 }
 
 } // namespace

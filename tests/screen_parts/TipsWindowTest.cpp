@@ -11,6 +11,7 @@
 #include <QCheckBox>
 #include <QLabel>
 #include <QPushButton>
+#include <QScreen>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -67,5 +68,38 @@ TEST_F(TipsWindowTest, TurnsPagesOfPicturesAndWords)
         m_tips.btnCheckShowTipsAgain()->click();
     }
     m_tips.btnNextpageTapped();
+    EXPECT_FALSE(m_tips.isVisible());
+}
+
+TEST_F(TipsWindowTest, StaysWithTheMainWindowAndOnTheScreen)
+{
+    m_tips.close();
+    m_tips.addDemoWindow({600, 700});
+    const QPoint place = m_tips.pos();
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&m_tips));
+    const QRect screen = m_tips.screen()->availableGeometry();
+    // Where the main window goes, and where the tips are then, give or take a frame.
+    const std::pair<QPoint, QPoint> rows[] = {
+        {{310, 220}, m_tips.pos() + QPoint(10, 20)},
+        {{-3000, -3000}, screen.topLeft()},
+        {{3000, 3000}, screen.bottomRight() - QPoint(m_tips.frameGeometry().width(), m_tips.frameGeometry().height())}};
+    for (const auto &[to, tips] : rows) {
+        m_mainWindow.move(to);
+        EXPECT_TRUE(QTest::qWaitFor([&] { return (m_tips.pos() - tips).manhattanLength() < 5; })) << to.x();
+    }
+    QTest::mouseClick(m_tips.pageButtons(), Qt::LeftButton, {}, QPoint(40, 11));
+    EXPECT_EQ(m_tips.pageController()->selectedIndex(), 2);
+    m_tips.addDemoWindow({0, 0}); // as it is on show it only comes to the front
+    EXPECT_EQ(m_tips.pageController()->selectedIndex(), 2);
+    for (const auto key : {Qt::Key_Left, Qt::Key_Left, Qt::Key_Right})
+        QTest::keyClick(&m_tips, key);
+    EXPECT_EQ(m_tips.pageController()->selectedIndex(), 1);
+    QTest::keyClick(&m_tips, Qt::Key_Escape);
+    EXPECT_FALSE(m_tips.isVisible());
+    m_tips.addDemoWindow({600, 700});
+    EXPECT_EQ(m_tips.pos(), place);
+    EXPECT_EQ(m_tips.pageController()->selectedIndex(), 0);
+    EXPECT_EQ(m_tips.focusWidget(), m_tips.btnNextpage());
+    m_mainWindow.hide();
     EXPECT_FALSE(m_tips.isVisible());
 }

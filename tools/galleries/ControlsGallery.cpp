@@ -145,9 +145,8 @@ int main(int argc, char **argv)
     window.setFrameSizeLimits({800, 500}, {1400, 900});
     window.setFrame({60, 40, 1220, 700});
     window.show();
-    auto *inCallout = new QLabel(QStringLiteral("Copy to the clipboard\nSend by e-mail"));
-    auto *callout = new CalloutWindow(inCallout, &window);
+    auto *callout = new CalloutWindow(QStringLiteral("Copied to the clipboard"), &window);
     if (application.arguments().contains(QStringLiteral("--callout")))
-        QTimer::singleShot(500, &window, [&] { callout->showRelativeTo(*window.fullScreenButton(), Qt::BottomEdge); });
+        QTimer::singleShot(500, &window, [&] { callout->showBelow(*window.fullScreenButton()); });
     return QApplication::exec();
 }

@@ -18,14 +18,23 @@ namespace {
 
 const QString kExtension = QStringLiteral("json");
 
-QFileDialog *makePanel(QWidget &window, ApplicationDelegate &application, const char *titleKey, const QString &folder)
+QFileDialog *makePanel(QWidget &window, ApplicationDelegate &application, QFileDialog::AcceptMode mode,
+                       const QString &folder)
 {
-    const auto text = [&](const char *key) { return application.getLocalizedStringForKey(QLatin1String(key)); };
-    auto *panel = new QFileDialog(&window, text(titleKey).remove(QChar(0x2026)).trimmed(), folder);
+    const bool opens = mode == QFileDialog::AcceptOpen;
+    const auto text = [&](const char *key) {
+        return application.getLocalizedStringForKey(QLatin1String(key)).remove(QChar(0x2026)).trimmed();
+    };
+    auto *panel = new QFileDialog(&window, text(opens ? "OPEN_PAINTING" : "SAVE_PAINTING_AS"), folder);
     panel->setObjectName(QStringLiteral("paintingPanel"));
     panel->setOption(QFileDialog::DontConfirmOverwrite); // asked here, about the path that will be written
     panel->setNameFilter(text("PAINTING_FILES") + QStringLiteral(" (*.") + kExtension + QLatin1Char(')'));
+    panel->setFileMode(opens ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    panel->setAcceptMode(mode); // which makes other buttons
+    panel->setLabelText(QFileDialog::Accept, text(opens ? "OPEN" : "SAVE"));
     panel->setLabelText(QFileDialog::Reject, text("CANCEL"));
+    if (panel->layout()) // the toolkit's own dialog, where the desktop has none
+        dressFilePanel(*panel, application);
     return panel;
 }
 
@@ -33,24 +42,15 @@ QFileDialog *makePanel(QWidget &window, ApplicationDelegate &application, const 
 
 void PaintingPanels::open(QWidget &window, ApplicationDelegate &application, const QString &folder, Chosen chosen)
 {
-    QFileDialog *panel = makePanel(window, application, "OPEN_PAINTING", folder);
-    panel->setFileMode(QFileDialog::ExistingFile);
-    if (panel->layout()) // the toolkit's own dialog, where the desktop has none
-        dressFilePanel(*panel, application);
+    QFileDialog *panel = makePanel(window, application, QFileDialog::AcceptOpen, folder);
     QObject::connect(panel, &QFileDialog::fileSelected, panel, std::move(chosen));
     SheetQueue::forWindow(window).present(panel);
 }
 
 void PaintingPanels::save(QWidget &window, ApplicationDelegate &application, const QString &path, Chosen chosen)
 {
-    QFileDialog *panel = makePanel(window, application, "SAVE_PAINTING_AS", pathWithoutLastComponent(path));
-    panel->setAcceptMode(QFileDialog::AcceptSave);
-    panel->setFileMode(QFileDialog::AnyFile);
-    panel->setDefaultSuffix(kExtension);
-    panel->setLabelText(QFileDialog::Accept, application.getLocalizedStringForKey(QStringLiteral("SAVE")));
+    QFileDialog *panel = makePanel(window, application, QFileDialog::AcceptSave, pathWithoutLastComponent(path));
     panel->selectFile(path);
-    if (panel->layout())
-        dressFilePanel(*panel, application);
     const auto text = [&application](const char *key) {
         return application.getLocalizedStringForKey(QLatin1String(key));
     };

@@ -34,8 +34,8 @@ void Notices::say(const QString &text)
         });
         return;
     }
-    m_callout = CalloutWindow::saying(text, m_view.window());
-    m_callout->showRelativeTo(*m_view.vwTopContainer, Qt::BottomEdge);
+    m_callout = new CalloutWindow(text, m_view.window());
+    m_callout->showBelow(*m_view.vwTopContainer);
 }
 
 } // namespace hazelmark

@@ -1,5 +1,6 @@
 #include "TipsWindow.h"
 
+#include "AccessibleRole.h"
 #include "ApplicationDelegate.h"
 #include "DotPageControl.h"
 #include "FormatString.h"
@@ -11,7 +12,6 @@
 #include "UserDefaults.h"
 
 #include <QCheckBox>
-#include <QKeyEvent>
 #include <QLabel>
 #include <QMoveEvent>
 #include <QPushButton>
@@ -71,6 +71,7 @@ TipsWindow::TipsWindow(ApplicationDelegate &application, QWidget *mainWindow)
     , m_btnNextpage(new QPushButton)
 {
     setObjectName(QStringLiteral("demoWin"));
+    setAccessibleRole(*this, QAccessible::Dialog);
     mainWindow->installEventFilter(this);
     m_lblDemoMsg->setObjectName(QStringLiteral("lblDemoMsg"));
     for (int page = 0; page < static_cast<int>(kTips.size()); ++page)
@@ -99,6 +100,7 @@ TipsWindow::TipsWindow(ApplicationDelegate &application, QWidget *mainWindow)
     layout->setSizeConstraint(QLayout::SetFixedSize);
 
     // As shortcuts: buttons that have the focus would take the arrows to hand it on.
+    connect(new QShortcut(Qt::Key_Escape, this), &QShortcut::activated, this, &QWidget::close);
     connect(new QShortcut(Qt::Key_Left, this), &QShortcut::activated, this, &TipsWindow::btnBackPageTapped);
     connect(new QShortcut(Qt::Key_Right, this), &QShortcut::activated, m_pageController, &PageSlider::navigateForward);
     connect(m_pageButtons, &DotPageControl::pageSelected, this, &TipsWindow::pageButtonsAction);
@@ -238,14 +240,6 @@ bool TipsWindow::eventFilter(QObject *watched, QEvent *event)
                    std::clamp(wanted.y(), room.top(), std::max(room.top(), room.bottom())));
     }
     return QWidget::eventFilter(watched, event);
-}
-
-void TipsWindow::keyPressEvent(QKeyEvent *event)
-{
-    if (event->key() == Qt::Key_Escape)
-        close();
-    else
-        QWidget::keyPressEvent(event);
 }
 
 } // namespace hazelmark
