@@ -145,7 +145,7 @@ QVariant codedText(const Exiv2::Value &value, Exiv2::ByteOrder byteOrder)
         return textObject(metadataText(hasCode ? text : bytes));
     }
     const auto encoding = byteOrder == Exiv2::bigEndian ? QStringDecoder::Utf16BE : QStringDecoder::Utf16LE;
-    const QString decoded = QStringDecoder(encoding)(text.left(text.size() / 2 * 2));
+    const QString decoded = QStringDecoder(encoding)(text);
     return textObject(upToZero(decoded).trimmed());
 }
 

@@ -110,18 +110,4 @@ TEST_F(EmbeddedBlocksOf, WebpChunksAreRead)
     EXPECT_EQ(blocks.xmp, "xmp");
 }
 
-TEST_F(EmbeddedBlocksOf, GifPacketIsReadBehindOtherBlocks)
-{
-    const QByteArray xmp = "<x:xmpmeta xmlns:x='adobe:ns:meta/'>" + QByteArray(400, 'x') + "</x:xmpmeta>";
-    QByteArray trailer = "\1";
-    for (int byte = 255; byte >= 0; --byte)
-        trailer += char(byte);
-    trailer += '\0';
-    const QByteArray comment("\x21\xfe\3abc\2de\0", 10), image("\x2c\0\0\0\0\1\0\1\0\x80", 10);
-    const QByteArray file = QByteArray("GIF89a\1\0\1\0\x81\0\0", 13) + QByteArray(12, 'c') + comment + image +
-                            QByteArray(6, 'c') + QByteArray("\2\2\x44\1\0", 5) + "\x21\xff\x0bXMP DataXMP" + xmp +
-                            trailer + ';';
-    EXPECT_EQ(blocksOf(file, "gif").xmp, xmp);
-}
-
 } // namespace hazelmark

@@ -5,24 +5,6 @@ namespace hazelmark {
 
 namespace {
 
-/// 48 x 40 pixels with all the metadata that the format takes.
-QByteArray written(WriteFormat format, QImage::Format pixels)
-{
-    MetadataBlocks metadata;
-    metadata.exif = QByteArray("II*\0\x08\0\0\0\0\0\0\0\0\0", 14);
-    metadata.xmp = "<x:xmpmeta xmlns:x='adobe:ns:meta/'/>";
-    metadata.iptc = QByteArray("\x1c\x02\x19\0\x04word", 9);
-    if (format != WriteFormat::Bmp && format != WriteFormat::Gif)
-        metadata.iccProfile = QByteArray(500, 'p');
-    metadata.dpi = QSizeF(300, 300);
-    const QTemporaryDir folder;
-    QFile file(folder.filePath(QStringLiteral("written")));
-    return encodePicture(makePicture(48, 40, pixels), optionsFor(format, metadata), file.fileName()) &&
-                   file.open(QIODevice::ReadOnly)
-               ? file.readAll()
-               : QByteArray();
-}
-
 QByteArray jpeg(const TestJpeg &kind)
 {
     const QByteArray noise = noiseBytes(qsizetype(48) * 40 * (kind.colors == TestJpeg::Colors::Ycck ? 4 : 3), 7);
@@ -43,6 +25,18 @@ TEST_F(HostileFiles, CutOffAnywhereIsAFailureNeverAPartOfThePicture)
     constexpr auto kRgb = QImage::Format_RGBX8888;
     constexpr auto kRgba = QImage::Format_RGBA8888;
     constexpr int kForeign = 40;
+    // With all the metadata that the format takes.
+    const auto written = [this](WriteFormat format, QImage::Format pixels) {
+        MetadataBlocks metadata{QByteArray("II*\0\x08\0\0\0\0\0\0\0\0\0", 14),
+                                QByteArray("\x1c\x02\x19\0\x04word", 9),
+                                "<x:xmpmeta xmlns:x='adobe:ns:meta/'/>",
+                                {},
+                                QSizeF(300, 300),
+                                {}};
+        if (format != WriteFormat::Bmp && format != WriteFormat::Gif)
+            metadata.iccProfile = QByteArray(500, 'p');
+        return encoded(makePicture(48, 40, pixels), optionsFor(format, metadata));
+    };
     const struct
     {
         const char *what;

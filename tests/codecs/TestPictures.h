@@ -53,8 +53,8 @@ struct TestTiff
     int tileSide = 0;       ///< 0: strips of a few rows
     bool isPlanar = false;  ///< of samples of 8 bits
     int resolutionUnit = 0; ///< of 300 across and 150 down; 0 for none
-    std::vector<uint16_t> extraSamples;
-    std::vector<uint16_t> colorMap; ///< reds, greens, blues
+    std::vector<uint16_t> extraSamples = {};
+    std::vector<uint16_t> colorMap = {}; ///< reds, greens, blues
     std::vector<uint8_t> rows; ///< as the file stores them, in the machine's byte order; of planes as beside each other
 };
 

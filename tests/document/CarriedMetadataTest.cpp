@@ -153,28 +153,26 @@ TEST(CarriedMetadataLimits, WhatDoesNotFitIntoAJpegFileIsDroppedAloneAndNotTheRe
 
 TEST(CarriedMetadataLimits, IptcGoesWithoutPreviewsObjectsAndLargeUnknowns)
 {
-    const auto sized = [](int dataSet, int size) { return iptcDataSet(dataSet, QByteArray(size, 'x')); };
+    const struct
+    {
+        int record;
+        int dataSet;
+        int size;
+        bool isKept;
+    } rows[] = {{6, 1, 1, true},       {7, 1, 1, false},     {9, 1, 1, false},      {10, 1, 1, true},
+                {3, 201, 1, true},     {2, 199, 1, true},    {2, 200, 1, false},    {2, 202, 1, false},
+                {2, 203, 1, true},     {2, 250, 4096, true}, {2, 250, 4097, false}, {3, 120, 4097, false},
+                {2, 120, 0x7fff, true}};
+    // Longer values state how long their length is.
     const QByteArray longer = QByteArray("\x1c\2\x78\x80\4\0\0\x9c\x40", 9) + QByteArray(40'000, 'c');
-    QByteArray all, kept;
-    for (const auto &[bytes, isKept] : {std::pair(iptcDataSet(1, "x", 6), true),
-                                        {iptcDataSet(1, "x", 7), false},
-                                        {iptcDataSet(1, "x", 9), false},
-                                        {iptcDataSet(1, "x", 10), true},
-                                        {iptcDataSet(201, "x", 3), true},
-                                        {sized(199, 1), true},
-                                        {sized(200, 1), false},
-                                        {sized(202, 1), false},
-                                        {sized(203, 1), true},
-                                        {sized(250, 4096), true},
-                                        {sized(250, 4097), false},
-                                        {iptcDataSet(120, QByteArray(4097, 'x'), 3), false},
-                                        {sized(120, 0x7fff), true},
-                                        {longer, true}}) {
+    QByteArray all = longer;
+    QByteArray kept = longer;
+    for (const auto &[record, dataSet, size, isKept] : rows) {
+        const QByteArray bytes = iptcDataSet(dataSet, QByteArray(size, 'x'), record);
         all += bytes + QByteArray(all.size() % 3, '\0'); // some writers pad
         kept += isKept ? bytes : QByteArray();
     }
-    for (const QByteArray &rest : {QByteArray(), QByteArray(5, '\0'), longer.chopped(1), QByteArray("\x1c\2\x78\0", 4),
-                                   QByteArray("\x1c\2\x78\x80\5\0\0\0\0\1x", 11)}) {
+    for (const QByteArray &rest : {QByteArray(5, '\0'), longer.chopped(1), QByteArray("\x1c\2\x78\0", 4)}) {
         LeftOut leftOut;
         EXPECT_EQ(carriedIptc(all + rest, leftOut), kept);
         EXPECT_EQ(leftOut.text().contains(QLatin1String("behind")), rest.contains('\2'))

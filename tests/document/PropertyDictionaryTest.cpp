@@ -2,6 +2,7 @@
 
 #include "ExifInfo.h"
 #include "OpenPhotos.h"
+#include "ParallelFor.h"
 #include "SamplePhotos.h"
 
 #include <QColorSpace>
@@ -11,7 +12,7 @@
 
 #include <gtest/gtest.h>
 
-#include <thread>
+#include <atomic>
 
 namespace hazelmark {
 
@@ -43,12 +44,12 @@ TEST_P(PropertyDictionary, HasWhatTheFileSaysUnderStandardNames)
         "Orientation": 6,
         "{TIFF}": {"Make": "Acme", "Model": "Acme One", "Orientation": 6, "Software": "Studio 4"},
         "{Exif}": {"ExposureTime": 0.004, "FNumber": 2.8, "ISOSpeedRatings": [400], "Flash": 16, "FocalLength": 4.2,
-                   "ExposureBiasValue": -0.3333333333333333, "UserComment": "on the pier", "Rating": 4,
+                   "ExposureBiasValue": -0.3333333333333333, "UserComment": "the pier", "Rating": 4,
                    "LensModel": "Acme 50mm", "LensSpecification": [50, 50, 1.8, null], "ExifVersion": "0230",
-                   "ComponentsConfiguration": [1, 2, 3, 0]},
+                   "SubjectArea": [1, 2, 3], "SceneType": 1},
         "{ExifAux}": {"LensModel": "Acme 50mm", "LensInfo": [50, 50, 1.8, null]},
         "{GPS}": {"LatitudeRef": "S", "Latitude": 33.86, "LongitudeRef": "E", "Longitude": 151.2, "Altitude": 12.5,
-                  "TimeStamp": "09:41:07", "DestLongitude": 2.504166666666667, "ProcessingMethod": "GPS"},
+                  "TimeStamp": "09:41:07", "AreaInformation": "bay"},
         "{IPTC}": {"Caption/Abstract": "Low tide", "Keywords": ["sea", "Strand ä"]}})");
     EXPECT_EQ(QJsonDocument(QJsonObject::fromVariantMap(dict)).toJson().toStdString(), expected.toJson().toStdString());
 }
@@ -101,15 +102,8 @@ TEST_P(PropertyDictionary, IsReadFromSeveralThreadsAtOnce)
 {
     const QString path = writePhoto(m_folder, GetParam(), richMetadata());
     const std::optional<QVariantMap> expected = hazelmark::dictionaryOf(path);
-    std::vector<std::jthread> threads;
     std::atomic<int> different = 0;
-    for (int i = 0; i < 4; ++i) {
-        threads.emplace_back([&] {
-            for (int round = 0; round < 25; ++round)
-                different += hazelmark::dictionaryOf(path) != expected;
-        });
-    }
-    threads.clear();
+    parallelFor(100, 4, [&](int) { different += hazelmark::dictionaryOf(path) != expected; });
     EXPECT_EQ(different, 0);
 }
 

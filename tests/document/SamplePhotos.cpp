@@ -91,30 +91,19 @@ MetadataBlocks oriented(int orientation)
 MetadataBlocks richMetadata()
 {
     MetadataBlocks blocks;
-    blocks.exif = exifBlock({{"Exif.Image.Make", "Acme "},
-                             {"Exif.Image.Model", "Acme One"},
-                             {"Exif.Image.Orientation", "6"},
-                             {"Exif.Image.Software", "Studio 4"},
-                             {"Exif.Photo.ExposureTime", "1/250"},
-                             {"Exif.Photo.FNumber", "28/10"},
-                             {"Exif.Photo.ISOSpeedRatings", "400"},
-                             {"Exif.Photo.ExposureBiasValue", "-1/3"},
-                             {"Exif.Photo.FocalLength", "42/10"},
-                             {"Exif.Photo.Flash", "16"},
-                             {"Exif.Photo.DigitalZoomRatio", "0/0"},
-                             {"Exif.Photo.UserComment", "charset=Ascii on the pier"},
-                             {"Exif.Photo.LensModel", "Acme 50mm"},
-                             {"Exif.Photo.LensSpecification", "50/1 50/1 18/10 0/0"},
-                             {"Exif.GPSInfo.GPSLatitudeRef", "S"},
-                             {"Exif.GPSInfo.GPSLatitude", "33/1 51/1 36/1"},
-                             {"Exif.GPSInfo.GPSLongitudeRef", "E"},
-                             {"Exif.GPSInfo.GPSLongitude", "151/1 12/1 0/0"},
-                             {"Exif.GPSInfo.GPSAltitude", "125/10"},
-                             {"Exif.GPSInfo.GPSTimeStamp", "9/1 41/1 7/1"},
-                             {"Exif.GPSInfo.GPSDestLongitude", "5/2 1/4"},
-                             {"Exif.GPSInfo.GPSProcessingMethod", "charset=Unicode GPS"},
-                             {"Exif.Photo.ExifVersion", "48 50 51 48"},
-                             {"Exif.Photo.ComponentsConfiguration", "1 2 3 0"}});
+    blocks.exif =
+        exifBlock({{"Exif.Image.Make", "Acme "},           {"Exif.Image.Model", "Acme One"},
+                   {"Exif.Image.Orientation", "6"},        {"Exif.Image.Software", "Studio 4"},
+                   {"Exif.Photo.ExposureTime", "1/250"},   {"Exif.Photo.FNumber", "28/10"},
+                   {"Exif.Photo.ISOSpeedRatings", "400"},  {"Exif.Photo.ExposureBiasValue", "-1/3"},
+                   {"Exif.Photo.FocalLength", "42/10"},    {"Exif.Photo.Flash", "16"},
+                   {"Exif.Photo.DigitalZoomRatio", "0/0"}, {"Exif.Photo.UserComment", "charset=Unicode the pier"},
+                   {"Exif.Photo.LensModel", "Acme 50mm"},  {"Exif.Photo.LensSpecification", "50/1 50/1 18/10 0/0"},
+                   {"Exif.GPSInfo.GPSLatitudeRef", "S"},   {"Exif.GPSInfo.GPSLatitude", "33/1 51/1 36/1"},
+                   {"Exif.GPSInfo.GPSLongitudeRef", "E"},  {"Exif.GPSInfo.GPSLongitude", "151/1 12/1 0/0"},
+                   {"Exif.GPSInfo.GPSAltitude", "125/10"}, {"Exif.GPSInfo.GPSTimeStamp", "9/1 41/1 7/1"},
+                   {"Exif.Photo.SubjectArea", "1 2 3"},    {"Exif.GPSInfo.GPSAreaInformation", "charset=Ascii bay"},
+                   {"Exif.Photo.SceneType", "1"},          {"Exif.Photo.ExifVersion", "48 50 51 48"}});
     blocks.iptc = iptcDataSet(25, "sea") + iptcDataSet(25, "Strand \xc3\xa4") + iptcDataSet(120, "Low tide");
     blocks.xmp = xmpPacket("<xmp:Rating>4</xmp:Rating>");
     return blocks;

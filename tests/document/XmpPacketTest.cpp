@@ -60,17 +60,11 @@ TEST(XmpPacket, ValuesAreTextsAndListsTheFirstOfSeveralCounts)
     const QByteArray list = "<dc:subject><rdf:Bag><rdf:li>Berg</rdf:li><rdf:li>Tal</rdf:li></rdf:Bag></dc:subject>";
     const QByteArray packet = xmpPacket(
         list + "<dc:source x='1'>4</dc:source><dc:source>5</dc:source><dc:a><dc:b>1</dc:b></dc:a>", "xmp:Label=\"x\"");
-    QMap<QString, QStringList> values;
     const auto read = readXmp(packet, xmpPacket("<dc:far>2</dc:far>"), kSize);
+    QStringList values;
     for (auto value = read->values.begin(); value != read->values.end(); ++value)
-        values[value.key().second] = value.value();
-    const QMap<QString, QStringList> expected{
-        {QStringLiteral("about"), {QString()}},
-        {QStringLiteral("Label"), {QStringLiteral("x")}},
-        {QStringLiteral("far"), {QStringLiteral("2")}},
-        {QStringLiteral("source"), {QStringLiteral("4")}},
-        {QStringLiteral("subject"), {QStringLiteral("Berg"), QStringLiteral("Tal")}}};
-    EXPECT_EQ(values, expected);
+        values += value.key().second + u'=' + value->join(u',');
+    EXPECT_EQ(values.join(u' ').toStdString(), "Label=x far=2 source=4 subject=Berg,Tal about=");
 }
 
 TEST(XmpPacket, AnExtensionIsJoined)

@@ -19,6 +19,10 @@ TEST(ExportFormats, TheSourcesOwnFormatLeadsInOneOfTwoCases)
         const ExportFormats formats = ExportFormats::forSource(QLatin1String(extension));
         EXPECT_EQ(formats.formats.join(QLatin1Char(' ')).toStdString(), wanted) << extension;
         EXPECT_EQ(formats.titles, titles) << extension;
+        const QString own = formats.formats.contains(u"jpg"_qs) ? u"jpg"_qs : u"jpeg"_qs;
+        for (const auto &[name, form] :
+             {std::pair("JPG", own), {"Jpeg", own}, {"tif", u"tiff"_qs}, {"webp", QString()}})
+            EXPECT_EQ(formats.formFor(QLatin1String(name)), form) << extension << " " << name;
     }
 }
 

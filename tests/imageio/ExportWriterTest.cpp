@@ -60,6 +60,7 @@ TEST_F(Writer, AnExtensionThatTheListLacksFallsBackToJpgOrWritesNothing)
     for (const auto &[source, type, expected] : {std::tuple(WriteFormat::Png, "Png", ""), // nothing
                                                  {WriteFormat::Png, "", "png"},
                                                  {WriteFormat::Png, "gif", "gif"},
+                                                 {WriteFormat::Png, "bmp", "bmp"},
                                                  {WriteFormat::Jpeg, "JPG", "jpeg"},
                                                  {WriteFormat::Jpeg, "png", "png"}}) {
         ExportWriter::Settings chosen = settings(source);
@@ -69,6 +70,8 @@ TEST_F(Writer, AnExtensionThatTheListLacksFallsBackToJpgOrWritesNothing)
         const Outcome<PictureInfo> written = readPictureInfo(path("chosen"));
         EXPECT_EQ(written ? written->format : QByteArray(), expected) << type;
         EXPECT_EQ(QFile::exists(path("chosen")), bool(written)) << type;
+        const bool hasTag = written && written->format != "bmp" && written->format != "gif"; // else it stands upright
+        EXPECT_TRUE(!written || written->frames.back() == (hasTag ? kUpright.transposed() : kUpright)) << type;
     }
 }
 
