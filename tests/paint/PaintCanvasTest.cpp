@@ -149,6 +149,25 @@ TEST_F(Canvas, ReplayGivesThePixelsThatDrawingGaveAndLeavesTheStateOfItsLastStep
     EXPECT_EQ(before, copy) << "a snapshot is not touched by later strokes";
 }
 
+TEST_F(Canvas, RecordsTakeThePlaceOfTheSessionUndoably)
+{
+    std::vector<QVariantList> records{{}};
+    for (const double y : {50.0, 200.0}) {
+        drag({50, y}, {100, y + 20});
+        records.push_back(canvas.paintSession()->dataArray());
+    }
+    canvas.clearDrawing();
+    EXPECT_EQ(alphaAt(90, 66), 0);
+    for (const std::size_t i : {1, 2})
+        canvas.updatePaintCanvasBySessionDataArray(records[i]);
+    for (const std::size_t left : {2, 1, 0}) {
+        EXPECT_EQ(canvas.paintSession()->dataArray(), records[left]);
+        EXPECT_EQ(alphaAt(60, 50), left > 0 ? 255 : 0) << "its last step is drawn";
+        canvas.undoStack().undo();
+    }
+    EXPECT_EQ(PaintSession(records[2]).dataArray(), records[2]);
+}
+
 TEST_F(Canvas, MoreStampsThanThePixelsAreWorthAreDrawnTogetherAndLookTheSame)
 {
     canvas.setCanvasSize({100, 80});

@@ -19,6 +19,20 @@ namespace hazelmark {
 
 namespace {
 
+/// What a widget was asked to paint.
+class PaintedRegion : public QObject
+{
+public:
+    explicit PaintedRegion(QWidget &widget) { widget.installEventFilter(this); }
+    bool eventFilter(QObject *, QEvent *event) override
+    {
+        if (event->type() == QEvent::Paint)
+            region += static_cast<QPaintEvent *>(event)->region();
+        return false;
+    }
+    QRegion region;
+};
+
 class Window : public testing::Test
 {
 protected:
@@ -62,6 +76,41 @@ protected:
 
     int alphaAt(int x, int y) { return qAlpha(view.snapshot().pixel(x, y)); }
     std::size_t steps() const { return view.arrDrawedPoints()->size(); }
+
+    /// The window after a change. Whatever looks otherwise has been painted anew by itself.
+    QImage seenAfter(const std::function<void()> &change)
+    {
+        const QImage before = window.grab().toImage();
+        PaintedRegion painted(view);
+        change();
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !painted.region.isEmpty(); }));
+        const QRegion region = painted.region.translated(view.pos());
+        const QImage after = window.grab().toImage();
+        for (int i = 0; i < after.width() * after.height(); ++i) {
+            const QPoint at(i % after.width(), i / after.width());
+            EXPECT_TRUE(before.pixel(at) == after.pixel(at) || region.contains(at)) << at.x() << ' ' << at.y();
+        }
+        return after;
+    }
+    /// `part` pixel for pixel where it lies on the enlarged canvas, and around it the canvas's own pixels.
+    void expectShown(const QImage &seen, const QRectF &whole, const QRect &visible, const CanvasPart &part)
+    {
+        const double zoom = view.zoom() / part.scale();
+        const QRectF fine(whole.topLeft() + QPointF(part.rect().topLeft()) * zoom, QSizeF(part.rect().size()) * zoom);
+        const QImage coarse = view.snapshot().scaled(whole.size().toSize(), {}, Qt::SmoothTransformation);
+        for (int y = 0; y < seen.height(); ++y) {
+            for (int x = 0; x < seen.width(); ++x) {
+                const bool isFine = fine.toAlignedRect().contains(x, y);
+                const bool isRim = isFine != QRectF(fine.adjusted(1, 1, -1, -1)).contains(QPointF(x, y));
+                const QPoint at = isFine ? QPoint((QPointF(x, y) - fine.topLeft()).toPoint() / zoom)
+                                         : QPoint(x, y) - whole.topLeft().toPoint();
+                const int green = visible.contains(x, y) ? qGreen((isFine ? part.pixels() : coarse).pixel(at)) : 0;
+                if (zoom != 1 && isRim)
+                    continue;
+                ASSERT_NEAR(qGreen(seen.pixel(x, y)), green * view.opacity(), isFine ? 1.5 : 6) << x << ' ' << y;
+            }
+        }
+    }
 
     NotificationCenter::Token count(QLatin1String name, int &counter)
     {
@@ -149,6 +198,51 @@ TEST_F(Window, FrameBetweenPointsIsPaintedAndShownThere)
     const QImage shown = window.grab().toImage();
     EXPECT_NEAR(qGreen(shown.pixel(150, 140)), 153, 1);
     EXPECT_EQ(alphaAt(99, 99), 255);
+}
+
+TEST_F(Window, IsShownEnlargedAndFinerWhereFinerPixelsLie)
+{
+    control.setHardness(0);
+    control.setLineWidth(120);
+    view.mouseDown({100, 100});
+    view.mouseDragged({300, 200});
+    show();
+    const QRect visible(0, 10, 480, 370);
+    for (const auto &[zoom, scale] : {std::pair(2.0, 2.0), {1.6, 1.6}, {2.0, 1.25}}) {
+        const QRectF whole(QPointF(-150, -80), QSizeF(400, 300) * zoom);
+        view.setShown(whole, visible);
+        EXPECT_EQ(view.zoom(), zoom);
+        EXPECT_EQ(view.geometry(), visible);
+        const QRect rect(QPoint(160, 130), QSize(150, 90) * scale);
+        QImage pixels(rect.size(), QImage::Format_RGBA8888_Premultiplied);
+        pixels.fill(QColor(0, 77, 0));
+        for (int x = 0; scale == zoom && x < rect.width(); ++x)
+            for (int y = 0; y < rect.height(); ++y)
+                pixels.setPixel(x, y, qRgba(0, (x * 37 + y * 91) % 256, 0, 255));
+        const PaintStepList before = *view.arrDrawedPoints();
+        CanvasPart part = CanvasPart::ofPixels({400, 300}, scale, rect, pixels, before.size());
+        expectShown(seenAfter([&] { view.setCanvasPart(part, before); }), whole, visible, part);
+        expectShown(seenAfter([&] { view.setOpacity(0.6); }), whole, visible, part);
+        const QPointF place(250, 200);
+        control.setZoom(zoom * 4);
+        const QImage painted = seenAfter([&] { view.beginKeyStroke(place - visible.topLeft()); });
+        EXPECT_NEAR(view.arrDrawedPoints()->back().start().x(), (place.x() - whole.x()) / whole.width(), 1e-9);
+        EXPECT_NEAR(view.arrDrawedPoints()->back().start().y(), (place.y() - whole.y()) / whole.height(), 1e-9);
+        part.drawOn(*view.arrDrawedPoints(), 1);
+        if (scale == zoom)
+            expectShown(painted, whole, visible, part);
+        // What lies beside the part in sight lies beside the canvas.
+        view.continueKeyStroke({-20, 390});
+        EXPECT_EQ(view.arrDrawedPoints()->back().end(), QPointF(-20.0 / 400, 320.0 / 300));
+        view.continueKeyStroke({500, -30});
+        EXPECT_EQ(view.arrDrawedPoints()->back().end(), QPointF(420.0 / 400, -30.0 / 300));
+        view.endKeyStroke();
+        expectShown(seenAfter([&] { view.restoreDrawedPoints(std::make_shared<PaintStepList>(before)); }), whole,
+                    visible, {});
+        view.setOpacity(1);
+    }
+    view.setFrame({50, 40, 400, 300});
+    expectShown(window.grab().toImage(), view.frame(), view.geometry(), {});
 }
 
 TEST_F(Window, StackedViewsShownAndHiddenOnNoticeComeToRest)
@@ -261,6 +355,27 @@ TEST_F(Window, CursorIsACircleOfTheStampSize)
             EXPECT_EQ(cursor.pixelColor(0, 0).alpha(), 0);
         }
     }
+    show();
+    view.setPointSize(66);
+    view.mouseEntered();
+    EXPECT_EQ(view.cursor().hotSpot(), QPoint(66, 66)) << "as it always was when the pointer comes";
+    point({100, 100});
+    const auto isShown = [&](bool erases) {
+        view.setEraser(erases);
+        return QTest::qWaitFor([this] {
+            return view.cursor().hotSpot() == QPoint(33, 33) &&
+                   view.cursor().pixmap().toImage().convertToFormat(QImage::Format_ARGB32_Premultiplied) ==
+                       view.cursorImage();
+        });
+    };
+    EXPECT_TRUE(isShown(true) && isShown(false));
+    const auto isArrow = [this] { return view.cursor().shape() == Qt::ArrowCursor; };
+    ProcessState::shared().isUiDisabled = true;
+    EXPECT_TRUE(QTest::qWaitFor(isArrow));
+    ProcessState::shared().isUiDisabled = false;
+    EXPECT_TRUE(isShown(true));
+    point({10, 10});
+    EXPECT_TRUE(QTest::qWaitFor(isArrow));
 }
 
 } // namespace hazelmark

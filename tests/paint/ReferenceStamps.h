@@ -43,8 +43,10 @@ inline void stampReference(QImage &buffer, StampPainter::Mode mode, const Color 
         }
     };
     for (const StampCentre &centre : centres.places) {
-        for (int i = 0; i < centres.times * buffer.width() * buffer.height(); ++i) {
-            const int x = i % buffer.width(), y = i / buffer.width() % buffer.height();
+        const double reach = double(pointSize) / 2 + 1;
+        const QRect near = QRectF(centre.x - reach, centre.y - reach, 2 * reach, 2 * reach).toRect() & buffer.rect();
+        for (int i = 0; i < centres.times * near.width() * near.height(); ++i) {
+            const int x = near.x() + i % near.width(), y = near.y() + i / near.width() % near.height();
             const double s = (x + 0.5 - centre.x) / double(pointSize) + 0.5;
             const double t = (y + 0.5 - centre.y) / double(pointSize) + 0.5;
             if (s >= 0 && s < 1 && t >= 0 && t < 1)

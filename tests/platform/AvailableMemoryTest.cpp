@@ -6,6 +6,9 @@
 
 #include <gtest/gtest.h>
 
+#include <sys/resource.h>
+#include <unistd.h>
+
 namespace hazelmark {
 
 TEST(AvailableMemory, IsTheLeastOfWhatSystemAndGroupsLeave)
@@ -57,6 +60,22 @@ TEST(AvailableMemory, IsTheLeastOfWhatSystemAndGroupsLeave)
             write(QStringLiteral("/sys/fs/cgroup") + QLatin1String(path), content);
         EXPECT_EQ(availableMemory(root.path()), expected) << what;
     }
+}
+
+TEST(AvailableMemory, IsNoMoreThanTheAddressesThatAreLeft)
+{
+    const QTemporaryDir root;
+    QFile pages(root.filePath(QStringLiteral("proc/self/statm")));
+    ASSERT_TRUE(QDir(root.path()).mkpath(QStringLiteral("proc/self")) && pages.open(QIODevice::WriteOnly));
+    pages.write("1000 17 3\n");
+    pages.close();
+    rlimit before = {};
+    ASSERT_EQ(::getrlimit(RLIMIT_AS, &before), 0);
+    constexpr qint64 kMost = qint64(1) << 60;
+    const rlimit limit{kMost, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_AS, &limit), 0);
+    EXPECT_EQ(availableMemory(root.path()), kMost - 1000 * ::sysconf(_SC_PAGESIZE));
+    ::setrlimit(RLIMIT_AS, &before);
 }
 
 } // namespace hazelmark

@@ -1,6 +1,7 @@
 #include "FullPhoto.h"
 
 #include "../support/Gate.h"
+#include "AvailableMemory.h"
 #include "DecodeScope.h"
 #include "SamplePhotos.h"
 
@@ -58,6 +59,11 @@ TEST(FullPhoto, TellsHowFarItsDecodingIs)
         EXPECT_TRUE(QTest::qWaitFor([&] { return full.image() != nullptr; }));
         EXPECT_FALSE(full.isDecoding());
         EXPECT_EQ(unwanted, std::vector({true, false}));
+        full.giveBackIfShort();
+        EXPECT_TRUE(full.image());
+        const MemoryCap cap(full.image()->bitmap().sizeInBytes() - 1);
+        full.giveBackIfShort();
+        EXPECT_FALSE(full.image());
     }
 }
 

@@ -1,5 +1,7 @@
 #include "SessionFixture.h"
 
+#include <numeric>
+
 namespace hazelmark {
 
 namespace {
@@ -66,6 +68,10 @@ TEST_F(Edits, ManyAreUndoneFromFewSnapshots)
     std::vector<QImage> pictures;
     for (int i = 0; i < 20; ++i) {
         pictures.push_back(m_canvas.snapshot().copy());
+        const QImage coverage = pictures.back().convertToFormat(QImage::Format_Alpha8); // of lines without padding
+        EXPECT_NEAR(m_session->painting().paintedFraction(),
+                    std::accumulate(coverage.bits(), coverage.bits() + coverage.sizeInBytes(), 0.0) / 255 / 800 / 600,
+                    0.003);
         m_brush.setEraser(i % 4 == 3);
         m_brush.setHardness(float(i % 3) / 2);
         m_brush.setLineWidth(float(60 + i * 7 % 90));

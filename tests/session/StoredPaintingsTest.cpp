@@ -185,14 +185,20 @@ TEST_F(StoredPaintings, AreThoseOfTheLastHundredPhotos)
     for (int photo = 0; photo < 104; ++photo) {
         const QString number = QString::number(photo, 16);
         const QString path = store.newPath({number.rightJustified(32, u'0'), number.rightJustified(16, u'0')});
-        QFile file(path);
-        ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-        file.close();
-        age(path, photo);
+        for (const char *aside : {"", ".aside"}) { // those that could not be used are no photo's
+            file(path + QLatin1String(aside), {});
+            age(path + QLatin1String(aside), photo);
+        }
     }
+    file(QStringLiteral("state/hazelmark/paintings/of-somebody-else.json"), {});
     store.prune();
-    EXPECT_EQ(files().size(), 100);
-    EXPECT_TRUE(files().constLast().fileName().startsWith(QStringLiteral("63-").rightJustified(33, u'0')));
+    EXPECT_EQ(files().size(), 100 + 3 + 1);
+    const QStringList kept = QDir(folder()).entryList(QDir::Files, QDir::Name);
+    EXPECT_TRUE(kept[0].startsWith(QString(32, u'0')) && kept[5].startsWith(QString(31, u'0') + u'2'));
+    EXPECT_TRUE(kept[5].endsWith(QStringLiteral(".json.aside")));
+    EXPECT_TRUE(kept[102].startsWith(QStringLiteral("63-").rightJustified(33, u'0')));
+    store.forget();
+    EXPECT_EQ(files().size(), 1);
 }
 
 } // namespace hazelmark
