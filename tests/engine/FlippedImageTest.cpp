@@ -53,39 +53,27 @@ TEST(Blend, MixesByTheMasksGreenOverBlackAndNeedsAllThree)
     EXPECT_EQ(FlippedImage::blendWithAlphaMask(nullptr, photoOf(front), mask(Qt::black), 20), nullptr);
 }
 
-using BlendFormats = ::testing::TestWithParam<QImage::Format>;
-
-TEST_P(BlendFormats, UnpaintedPixelsKeepEveryStoredBit)
+TEST(Blend, UnpaintedPixelsKeepEveryStoredBit)
 {
-    const QImage photo = noise(kSize, GetParam());
     // A spot in one tile, so that its tile is computed and others are copied.
-    const QImage paint = drawn(kSize, QImage::Format_RGBX8888, [](int x, int y) -> QColor {
-        return x >= 10 && x < 60 && y >= 40 && y < 100 ? Qt::green : Qt::black;
-    });
+    const QRect spot(10, 40, 50, 60);
+    const QImage paint = drawn(kSize, QImage::Format_RGBX8888,
+                               [&](int x, int y) -> QColor { return spot.contains(x, y) ? Qt::green : Qt::black; });
     CoreFilterObject settings;
     settings.blurAmount = 25.0f;
-    const PhotoImagePtr original = photoOf(photo);
-    const PhotoImagePtr blurred = Utils::sharedUtils().applyfilterOnBlurImage(original, {}, settings);
-    const PhotoImagePtr blended = FlippedImage::blendWithAlphaMask(blurred, original, photoOf(paint), 20);
-    const QImage result = blended->bitmap();
-    ASSERT_EQ(result.format(), photo.format());
-    int changed = 0;
-    for (int y = 0; y < kSize.height(); ++y) {
-        for (int x = 0; x < kSize.width(); ++x) {
-            const int bytes = photo.depth() / 8;
-            const bool same = std::memcmp(result.constScanLine(y) + x * bytes, photo.constScanLine(y) + x * bytes,
-                                          std::size_t(bytes)) == 0;
-            const bool painted = paint.pixelColor(x, y) != QColor(Qt::black);
-            ASSERT_TRUE(same || painted) << x << ", " << y;
-            changed += !same;
-        }
+    for (const QImage::Format format :
+         {QImage::Format_RGBX8888, QImage::Format_RGBA8888, QImage::Format_RGBX64, QImage::Format_RGBA64}) {
+        const PhotoImagePtr original = photoOf(noise(kSize, format));
+        const PhotoImagePtr blurred = Utils::sharedUtils().applyfilterOnBlurImage(original, {}, settings);
+        const QImage soft = blurred->bitmap();
+        QImage wanted = original->bitmap();
+        for (int y = spot.top(); y <= spot.bottom(); ++y)
+            std::memcpy(wanted.scanLine(y) + spot.x() * wanted.depth() / 8,
+                        soft.constScanLine(y) + spot.x() * wanted.depth() / 8,
+                        std::size_t(spot.width() * wanted.depth() / 8));
+        EXPECT_EQ(FlippedImage::blendWithAlphaMask(blurred, original, photoOf(paint), 20)->bitmap(), wanted) << format;
     }
-    EXPECT_GT(changed, 60 * 50 * 9 / 10);
 }
-
-INSTANTIATE_TEST_SUITE_P(AllDepths, BlendFormats,
-                         ::testing::Values(QImage::Format_RGBX8888, QImage::Format_RGBA8888, QImage::Format_RGBX64,
-                                           QImage::Format_RGBA64));
 
 TEST(Blend, PicturesAreFittedToTheReceiversSize)
 {

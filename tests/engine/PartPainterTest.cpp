@@ -64,21 +64,6 @@ struct Sight
     QImage cutMask;
 };
 
-/// In steps of 255.
-double difference(const QImage &a, const QImage &b)
-{
-    const QImage one = a.convertToFormat(QImage::Format_RGBA64_Premultiplied);
-    const QImage other = b.convertToFormat(QImage::Format_RGBA64_Premultiplied);
-    int most = one.size() == other.size() ? 0 : 65535;
-    for (int y = 0; y < one.height() && most < 65535; ++y) {
-        const auto *p = reinterpret_cast<const quint16 *>(one.constScanLine(y));
-        const auto *q = reinterpret_cast<const quint16 *>(other.constScanLine(y));
-        for (int i = 0; i < 4 * one.width(); ++i)
-            most = std::max(most, std::abs(p[i] - q[i]));
-    }
-    return most / 257.0;
-}
-
 } // namespace
 
 TEST(PartPainter, DrawsWhatTheGraphGives)

@@ -121,21 +121,13 @@ TEST_P(PixelKernels, WholePicturesComeOutTheSame)
         painter.setMask(values, {}, values.size());
         painter.setBlurred(Utils::sharedUtils().scaleImage(dark, part.size())->bitmap(), {});
         all.push_back(painter.draw(part, painter.pieces(part, 1), 1));
-        for (QImage &picture : all)
-            picture.convertTo(QImage::Format_RGBA64_Premultiplied);
         return all;
     };
     const std::vector<QImage> own = results();
     TearDown();
     const std::vector<QImage> best = results();
-    for (std::size_t r = 0; r < own.size(); ++r) {
-        for (int y = 0; y < own[r].height(); ++y) {
-            const auto *one = reinterpret_cast<const quint16 *>(own[r].constScanLine(y));
-            const auto *other = reinterpret_cast<const quint16 *>(best[r].constScanLine(y));
-            for (int i = 0; i < 4 * own[r].width(); ++i)
-                ASSERT_NEAR(one[i], other[i], 3) << r << ": " << i << ", " << y;
-        }
-    }
+    for (std::size_t i = 0; i < own.size(); ++i)
+        EXPECT_LE(testing::difference(own[i], best[i]), 3 / 257.0) << i;
 }
 
 INSTANTIATE_TEST_SUITE_P(EveryInstructionSet, PixelKernels, testing::everyTargetAndWidth(), testing::targetAndWidth);

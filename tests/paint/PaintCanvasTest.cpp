@@ -22,7 +22,7 @@ protected:
     void bufferChanged(const QRect &rect) override { changed |= rect; }
 };
 
-class Canvas : public testing::Test
+class Canvas : public ::testing::Test
 {
 protected:
     Canvas()
@@ -85,7 +85,7 @@ TEST_F(Canvas, StrokesAgreeWithTheReferenceAtTwoSizes)
         QImage wanted = blankBuffer(size);
         for (const PaintStep &step : *steps)
             drawReference(wanted, step);
-        EXPECT_LE(largestDifference(canvas.snapshot(), wanted), 1) << size.width();
+        EXPECT_LE(testing::difference(canvas.snapshot(), wanted), 1) << size.width();
         canvas.setCanvasSize({200, 150});
         canvas.restoreDrawedPoints(steps);
     }
@@ -182,7 +182,7 @@ TEST_F(Canvas, MoreStampsThanThePixelsAreWorthAreDrawnTogetherAndLookTheSame)
         canvas.appendStep(canvas.paintStepFromPoint(from, to));
         drawReference(wanted, canvas.arrDrawedPoints()->back());
     }
-    EXPECT_LE(largestDifference(canvas.snapshot(), wanted), 20); // at the faintest rim
+    EXPECT_LE(testing::difference(canvas.snapshot(), wanted), 20); // at the faintest rim
 
     canvas.setPointSize(90);
     canvas.setEraser(false);

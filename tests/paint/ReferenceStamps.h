@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Pictures.h"
 #include "StampPainter.h"
 
 #include <QImage>
@@ -53,16 +54,6 @@ inline void stampReference(QImage &buffer, StampPainter::Mode mode, const Color 
                 blend(buffer.scanLine(y) + 4 * x, s * texels.width() - 0.5, t * texels.width() - 0.5);
         }
     }
-}
-
-/// The largest difference of any component of any pixel.
-inline int largestDifference(const QImage &a, const QImage &b)
-{
-    int largest = a.size() == b.size() && a.format() == b.format() ? 0 : 256;
-    for (int y = 0; y < a.height() && largest < 256; ++y)
-        for (int x = 0; x < 4 * a.width(); ++x)
-            largest = std::max(largest, std::abs(a.constScanLine(y)[x] - b.constScanLine(y)[x]));
-    return largest;
 }
 
 } // namespace hazelmark

@@ -43,7 +43,7 @@ struct StampCase
 
 /// On every instruction set of this machine. The sizes take all ways in which pixels may be spaced on the tip, the
 /// stamps' lines have all lengths, and the buffer cuts some of them off on each side.
-class Stamps : public testing::TestWithParam<std::tuple<std::int64_t, StampCase>>
+class Stamps : public ::testing::TestWithParam<std::tuple<std::int64_t, StampCase>>
 {
 protected:
     void SetUp() override { use(std::get<0>(GetParam())); }
@@ -77,18 +77,18 @@ TEST_P(Stamps, AgreeWithDoublePrecision)
         StampPainter(mode, paint, pointSize, texture).stamp(StampTarget(got), centres);
         stampReference(wanted, mode, paint, pointSize, tip, centres);
         // Single precision may tip a number that lies between two, and again a few stamps later.
-        EXPECT_LE(largestDifference(got, wanted), times > 1 ? 2 : 1);
+        EXPECT_LE(testing::difference(got, wanted), times > 1 ? 2 : 1);
     }
 }
 
 INSTANTIATE_TEST_SUITE_P(
     EveryInstructionSet, Stamps,
-    testing::Combine(testing::ValuesIn(hwy::SupportedAndGeneratedTargets()),
-                     testing::Values(StampCase{0, 64.8F}, StampCase{0, 486}, StampCase{0.37F, 11.5F},
-                                     StampCase{0.5F, 66, {0.1, 0.5, 1, 0.5}}, StampCase{1, 128}, StampCase{1, 256},
-                                     StampCase{1, 306}, StampCase{1, 3.3F}, StampCase{0.2F, 50, {1, 1, 1, 0.2}},
-                                     StampCase{0, 40, kGreen, 12}, StampCase{-1, 33, {0.9, 0.2, 0.6, 0.5}},
-                                     StampCase{-1, 90}, StampCase{-1, 22, {1, 1, 1, 1}, 3})));
+    ::testing::Combine(::testing::ValuesIn(hwy::SupportedAndGeneratedTargets()),
+                       ::testing::Values(StampCase{0, 64.8F}, StampCase{0, 486}, StampCase{0.37F, 11.5F},
+                                         StampCase{0.5F, 66, {0.1, 0.5, 1, 0.5}}, StampCase{1, 128}, StampCase{1, 256},
+                                         StampCase{1, 306}, StampCase{1, 3.3F}, StampCase{0.2F, 50, {1, 1, 1, 0.2}},
+                                         StampCase{0, 40, kGreen, 12}, StampCase{-1, 33, {0.9, 0.2, 0.6, 0.5}},
+                                         StampCase{-1, 90}, StampCase{-1, 22, {1, 1, 1, 1}, 3})));
 
 TEST(Stamp, CoversThePixelsWhoseCentresLieInItsSquareIfThereIsAny)
 {

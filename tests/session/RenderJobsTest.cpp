@@ -15,16 +15,6 @@ using namespace testing;
 
 namespace {
 
-int largestDifference(const QImage &a, const QImage &b)
-{
-    int largest = a.size() == b.size() ? 0 : 256;
-    for (int y = 0; y < a.height() && largest < 256; ++y) {
-        for (int i = 0; i < 4 * a.width(); ++i)
-            largest = std::max(largest, std::abs(a.constScanLine(y)[i] - b.constScanLine(y)[i]));
-    }
-    return largest;
-}
-
 class RenderJobs : public ::testing::Test
 {
 protected:
@@ -55,8 +45,8 @@ TEST_F(RenderJobs, BlurWhereTheMaskIsGreenAndOnlyAnExportDarkens)
         };
         const Outcome<ImageLoader::Loaded> result = job.run();
         ASSERT_TRUE(bool(result));
-        EXPECT_LE(largestDifference(result->photo->bitmap(), onto(dark)), 1) << blur << " " << vignette;
-        EXPECT_LE(largestDifference(PreviewJob{plain, mask, job.settings}.run()->bitmap(), onto(blurred)), 1);
+        EXPECT_LE(difference(result->photo->bitmap(), onto(dark)), 1) << blur << " " << vignette;
+        EXPECT_LE(difference(PreviewJob{plain, mask, job.settings}.run()->bitmap(), onto(blurred)), 1);
     }
 }
 

@@ -95,16 +95,6 @@ void SessionFixture::exportTo(const QString &path)
     ASSERT_TRUE(QTest::qWaitFor([&] { return m_results.size() > before; }));
 }
 
-int SessionFixture::maskAt(QPointF place) const
-{
-    const PhotoImagePtr &mask = m_session->painting().maskImage();
-    return mask ? mask->bitmap()
-                      .pixelColor(int(place.x() * mask->pixelSize().width()),
-                                  int(place.y() * mask->pixelSize().height()))
-                      .green()
-                : -1;
-}
-
 } // namespace hazelmark
 
 int main(int argc, char **argv)

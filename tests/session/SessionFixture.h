@@ -40,8 +40,6 @@ protected:
     void exportTo(const QString &path);
     Session::ExportRequest exportRequest(const QString &path) const;
     QString out(const char *name) const { return m_folder.filePath(QLatin1String(name)); }
-    /// Green in the mask at a fraction of it, 0..255.
-    int maskAt(QPointF place) const;
 
     const PhotoView kView{{1600, 1000}, {800, 600}, DisplayColors()};
     QTemporaryDir m_folder;

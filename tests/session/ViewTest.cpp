@@ -65,23 +65,6 @@ protected:
     std::vector<ViewPicture> m_pictures;
 };
 
-/// The largest difference between two pictures, in steps of 255.
-int difference(const QImage &a, const QImage &b)
-{
-    if (a.size() != b.size())
-        return 256;
-    int most = 0;
-    for (int y = 0; y < a.height(); ++y) {
-        for (int x = 0; x < a.width(); ++x) {
-            const QColor p = a.pixelColor(x, y);
-            const QColor q = b.pixelColor(x, y);
-            most = std::max(
-                {most, std::abs(p.red() - q.red()), std::abs(p.green() - q.green()), std::abs(p.blue() - q.blue())});
-        }
-    }
-    return most;
-}
-
 } // namespace
 
 TEST(ViewTransform, ZoomsAboutAPlaceWithinItsBoundsAndNeverShowsBeyondAnEdge)
