@@ -9,13 +9,20 @@
 
 namespace hazelmark::testing {
 
+/// Makes the dispatch choose one instruction set; 0: the best.
+inline void useTarget(std::int64_t target)
+{
+    hwy::SetSupportedTargetsForTest(target);
+    hwy::GetChosenTarget().Update(hwy::SupportedTargets());
+}
+
 /// A kernel against its plain twin: on every instruction set of this machine, at widths around those of vectors and
 /// tiles, since the ends are where kernels fail.
 class KernelTest : public ::testing::TestWithParam<std::tuple<std::int64_t, std::size_t>>
 {
 protected:
-    void SetUp() override { use(std::get<0>(GetParam())); }
-    void TearDown() override { use(0); }
+    void SetUp() override { useTarget(std::get<0>(GetParam())); }
+    void TearDown() override { useTarget(0); }
     std::size_t width() const { return std::get<1>(GetParam()); }
     /// Every value of a row against the twin's.
     template <typename Value, typename Twin>
@@ -23,14 +30,6 @@ protected:
     {
         for (std::size_t i = 0; i < width(); ++i)
             ASSERT_NEAR(double(values[i]), double(twin(i)), tolerance) << i;
-    }
-
-private:
-    /// Makes the dispatch choose one instruction set; 0: the best.
-    static void use(std::int64_t target)
-    {
-        hwy::SetSupportedTargetsForTest(target);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
     }
 };
 

@@ -4,6 +4,7 @@
 #include "Pictures.h"
 #include "Renderer.h"
 #include "Utils.h"
+#include "kernels/DiscSumRows.h"
 #include "kernels/PixelRows.h"
 #include "kernels/ScaleRows.h"
 
@@ -18,6 +19,7 @@ namespace hazelmark {
 namespace {
 
 constexpr std::size_t kPadding = 16;
+constexpr std::size_t kRoom = 64; // behind a row, for what kernels may touch there
 
 /// A row of floats as tiles have them: aligned and padded.
 struct Row
@@ -93,6 +95,11 @@ TEST_P(PixelKernels, PackingClampsAndNeverPassesNaNOn)
     const int wanted[] = {0, 0, 0, 128, 255, 255, 2};
     for (std::size_t i = 0; i < width; ++i)
         EXPECT_EQ(packed[4 * i], wanted[i % 7]) << i;
+    std::vector<std::uint16_t> samples(width + kRoom);
+    kernels::quantizeRow(values.data, samples.data(), width);
+    expectEach(samples.data(), 0, [&](std::size_t i) {
+        return std::isnan(wild[i % 7]) ? 0 : std::lrintf(std::clamp(wild[i % 7], 0.0f, 1.0f) * 65535.0f);
+    });
     // Clamping keeps full areas full.
     const float nearly[] = {-0.2f, 0.0f, 0.25f, 1.0f - 0x1p-22f, 1.0f, 1.3f, 65534.0f / 65535};
     const float clamped[] = {0.0f, 0.0f, 0.25f, 1.0f, 1.0f, 1.0f, 65534.0f / 65535};
@@ -100,6 +107,21 @@ TEST_P(PixelKernels, PackingClampsAndNeverPassesNaNOn)
         values.data[i] = nearly[i % 7];
     kernels::clampToUnit(values.data, width);
     expectEach(values.data, 0, [&](std::size_t i) { return clamped[i % 7]; });
+}
+
+TEST_P(PixelKernels, EightBitSamplesAreToldFromOthers)
+{
+    std::vector<float> values(width() + kRoom, 0.3f); // what lies behind the row does not count
+    for (std::size_t i = 0; i < width(); ++i)
+        values[i] = float(i % 256) * (1.0f / 255.0f);
+    std::vector<std::uint16_t> samples(width() + kRoom);
+    ASSERT_TRUE(kernels::quantizeRow8(values.data(), samples.data(), width()));
+    expectEach(samples.data(), 0, [](std::size_t i) { return i % 256; });
+    for (const std::size_t at : {std::size_t(0), width() / 2, width() - 1}) {
+        std::vector<float> deep = values;
+        deep[at] = (257.0f * float(at % 255) + 1.0f) / 65535.0f;
+        EXPECT_FALSE(kernels::quantizeRow8(deep.data(), samples.data(), width())) << at;
+    }
 }
 
 /// What the best instruction set makes of a picture, which other tests hold against doubles, every other makes as well.

@@ -1,7 +1,6 @@
 #include "BrushTips.h"
+#include "KernelTest.h"
 #include "ReferenceStamps.h"
-
-#include <hwy/targets.h>
 
 #include <gtest/gtest.h>
 
@@ -46,15 +45,8 @@ struct StampCase
 class Stamps : public ::testing::TestWithParam<std::tuple<std::int64_t, StampCase>>
 {
 protected:
-    void SetUp() override { use(std::get<0>(GetParam())); }
-    void TearDown() override { use(0); }
-
-private:
-    static void use(std::int64_t target)
-    {
-        hwy::SetSupportedTargetsForTest(target);
-        hwy::GetChosenTarget().Update(hwy::SupportedTargets());
-    }
+    void SetUp() override { testing::useTarget(std::get<0>(GetParam())); }
+    void TearDown() override { testing::useTarget(0); }
 };
 
 } // namespace

@@ -11,6 +11,13 @@
 
 namespace hazelmark {
 
+static void write(const QTemporaryDir &root, const QString &path, const char *content)
+{
+    QFile file(root.path() + path);
+    ASSERT_TRUE(QDir().mkpath(QFileInfo(file).path()) && file.open(QIODevice::WriteOnly));
+    file.write(content);
+}
+
 TEST(AvailableMemory, IsTheLeastOfWhatSystemAndGroupsLeave)
 {
     constexpr qint64 kOfSystem = 10'000'000LL * 1024;
@@ -48,33 +55,24 @@ TEST(AvailableMemory, IsTheLeastOfWhatSystemAndGroupsLeave)
     for (const auto &[what, ofProcess, groups, expected] : rows) {
         const QTemporaryDir root;
         EXPECT_EQ(availableMemory(root.path()), std::numeric_limits<qint64>::max()) << "nothing is told";
-        const auto write = [&](const QString &path, const char *content) {
-            QFile file(root.path() + path);
-            ASSERT_TRUE(QDir().mkpath(QFileInfo(file).path()) && file.open(QIODevice::WriteOnly));
-            file.write(content);
-        };
-        write(QStringLiteral("/proc/meminfo"),
+        write(root, QStringLiteral("/proc/meminfo"),
               "MemTotal: 16000000 kB\nMemAvailable: 9000000 kB\nSwapFree: 1000000 kB\n");
-        write(QStringLiteral("/proc/self/cgroup"), ofProcess);
+        write(root, QStringLiteral("/proc/self/cgroup"), ofProcess);
         for (const auto &[path, content] : groups)
-            write(QStringLiteral("/sys/fs/cgroup") + QLatin1String(path), content);
+            write(root, QStringLiteral("/sys/fs/cgroup") + QLatin1String(path), content);
         EXPECT_EQ(availableMemory(root.path()), expected) << what;
     }
 }
 
 TEST(AvailableMemory, IsNoMoreThanTheAddressesThatAreLeft)
 {
-    const QTemporaryDir root;
-    QFile pages(root.filePath(QStringLiteral("proc/self/statm")));
-    ASSERT_TRUE(QDir(root.path()).mkpath(QStringLiteral("proc/self")) && pages.open(QIODevice::WriteOnly));
-    pages.write("1000 17 3\n");
-    pages.close();
     rlimit before = {};
     ASSERT_EQ(::getrlimit(RLIMIT_AS, &before), 0);
-    constexpr qint64 kMost = qint64(1) << 60;
-    const rlimit limit{kMost, before.rlim_max};
+    const rlimit limit{rlim_t(1) << 60, before.rlim_max};
     ASSERT_EQ(::setrlimit(RLIMIT_AS, &limit), 0);
-    EXPECT_EQ(availableMemory(root.path()), kMost - 1000 * ::sysconf(_SC_PAGESIZE));
+    const QTemporaryDir root;
+    write(root, QStringLiteral("/proc/self/statm"), "1000 17 3\n");
+    EXPECT_EQ(availableMemory(root.path()), (qint64(1) << 60) - 1000 * ::sysconf(_SC_PAGESIZE));
     ::setrlimit(RLIMIT_AS, &before);
 }
 

@@ -1,6 +1,8 @@
 // What a session shows of a photo's colours.
 #include "DisplayColors.h"
 
+#include "Pictures.h"
+
 #include <gtest/gtest.h>
 
 #include <QColorSpace>
@@ -20,15 +22,7 @@ TEST(DisplayColors, ShowAPhotoInTheColoursThatItsProfileMeans)
         QImage expected = photo;
         expected.setColorSpace(adobe);
         expected.convertToColorSpace(QColorSpace::SRgb);
-        int worst = 0;
-        for (int y = 0; y < photo.height(); y += 7)
-            for (int x = 0; x < photo.width(); x += 7) {
-                const QColor a = shown.pixelColor(x, y);
-                const QColor b = expected.pixelColor(x, y);
-                worst = std::max({worst, std::abs(a.red() - b.red()), std::abs(a.green() - b.green()),
-                                  std::abs(a.blue() - b.blue())});
-            }
-        EXPECT_LE(worst, 2);
+        EXPECT_LE(testing::difference(shown, expected), 1.01);
         EXPECT_EQ(DisplayColors("junk").shown(photo, "rubbish"), DisplayColors().shown(photo, {}));
     }
 }

@@ -9,17 +9,7 @@ namespace hazelmark {
 
 namespace {
 
-class SessionExport : public SessionFixture
-{
-protected:
-    void openAndPaint()
-    {
-        start();
-        open(photo("a.png"));
-        paint({0.5, 0.2}, {0.5, 0.8});
-        endStroke();
-    }
-};
+using SessionExport = SessionFixture;
 
 } // namespace
 
@@ -65,7 +55,10 @@ TEST_F(SessionExport, TheEndOfTheSessionWaitsForTheFile)
         QTest::qSleep(100);
         return job.run();
     };
-    openAndPaint();
+    start();
+    open(photo("a.png"));
+    paint({0.5, 0.2}, {0.5, 0.8});
+    endStroke();
     m_session->startExport(exportRequest(out("out.png")));
     m_session.reset();
     EXPECT_TRUE(decodePicture(out("out.png"))) << "whole, since it had begun";
