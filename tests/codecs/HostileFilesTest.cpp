@@ -3,21 +3,6 @@
 
 namespace hazelmark {
 
-namespace {
-
-QByteArray jpeg(const TestJpeg &kind)
-{
-    const QByteArray noise = noiseBytes(qsizetype(48) * 40 * (kind.colors == TestJpeg::Colors::Ycck ? 4 : 3), 7);
-    return makeJpeg(kind, 48, 40, {noise.begin(), noise.end()});
-}
-
-QByteArray saved(QImage::Format pixels, const char *format, int quality = -1)
-{
-    return savedByQt(makePicture(45, 20, pixels), format, quality);
-}
-
-} // namespace
-
 using HostileFiles = FolderTest;
 
 TEST_F(HostileFiles, CutOffAnywhereIsAFailureNeverAPartOfThePicture)
@@ -27,16 +12,18 @@ TEST_F(HostileFiles, CutOffAnywhereIsAFailureNeverAPartOfThePicture)
     constexpr int kForeign = 40;
     // With all the metadata that the format takes.
     const auto written = [this](WriteFormat format, QImage::Format pixels) {
-        MetadataBlocks metadata{QByteArray("II*\0\x08\0\0\0\0\0\0\0\0\0", 14),
-                                QByteArray("\x1c\x02\x19\0\x04word", 9),
-                                "<x:xmpmeta xmlns:x='adobe:ns:meta/'/>",
-                                {},
-                                QSizeF(300, 300),
-                                {}};
+        MetadataBlocks metadata{.xmp = "<x:xmpmeta xmlns:x='adobe:ns:meta/'/>", .dpi = QSizeF(300, 300)};
+        metadata.exif = QByteArray("II*\0\x08\0\0\0\0\0\0\0\0\0", 14);
+        metadata.iptc = QByteArray("\x1c\x02\x19\0\x04word", 9);
         if (format != WriteFormat::Bmp && format != WriteFormat::Gif)
             metadata.iccProfile = QByteArray(500, 'p');
         return encoded(makePicture(48, 40, pixels), optionsFor(format, metadata));
     };
+    const auto saved = [](QImage::Format pixels, const char *format, int quality = -1) {
+        return savedByQt(makePicture(45, 20, pixels), format, quality);
+    };
+    const QByteArray noise = noiseBytes(48 * 40 * 4, 7);
+    const std::vector<uint8_t> samples(noise.begin(), noise.end());
     const struct
     {
         const char *what;
@@ -48,9 +35,9 @@ TEST_F(HostileFiles, CutOffAnywhereIsAFailureNeverAPartOfThePicture)
         int share = 1;
     } rows[] = {
         {"JPEG", written(WriteFormat::Jpeg, kRgb), 2},
-        {"JPEG of ink", jpeg({.colors = TestJpeg::Colors::Ycck}), 2},
-        {"progressive JPEG", jpeg({.isProgressive = true}), 2},
-        {"JPEG with restarts", jpeg({.restartInterval = 2}), 2},
+        {"JPEG of ink", makeJpeg({.colors = TestJpeg::Colors::Ycck}, 48, 40, samples), 2},
+        {"progressive JPEG", makeJpeg({.isProgressive = true}, 48, 40, samples), 2},
+        {"JPEG with restarts", makeJpeg({.restartInterval = 2}, 48, 40, samples), 2},
         {"PNG", written(WriteFormat::Png, QImage::Format_RGBA64)},
         {"TIFF", written(WriteFormat::Tiff, kRgb), 4},
         {"BMP", written(WriteFormat::Bmp, kRgb), 0, kForeign},

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "DecodeScope.h"
 #include "Decoder.h"
 #include "Encoder.h"
 
@@ -52,6 +53,20 @@ protected:
         const auto picture = decodePicture(write(QStringLiteral("picture"), bytes), atLeast);
         EXPECT_TRUE(picture) << picture.failure().sentence().toStdString();
         return picture ? *picture : Picture();
+    }
+    /// Told of on the way, in steps that are not too long, up to the end.
+    QImage decodedEvenly(const QByteArray &bytes) const
+    {
+        double done = 0;
+        const DecodeScope scope([] { return false; },
+                                [&](double now) {
+                                    EXPECT_TRUE(now >= done && now <= std::min(1.0, done + 0.5))
+                                        << now << " behind " << done;
+                                    done = now;
+                                });
+        const QImage pixels = decoded(bytes).pixels;
+        EXPECT_GT(done, 0.9);
+        return pixels;
     }
     struct Read
     {

@@ -18,17 +18,13 @@ namespace hazelmark {
 
 QByteArray makeJpeg(const TestJpeg &kind, int width, int height, const std::vector<uint8_t> &samples)
 {
-    constexpr struct
-    {
-        J_COLOR_SPACE input;
-        J_COLOR_SPACE file;
-        int samples;
-    } kSpaces[] = {{JCS_GRAYSCALE, JCS_GRAYSCALE, 1},
-                   {JCS_RGB, JCS_RGB, 3},
-                   {JCS_RGB, JCS_YCbCr, 3},
-                   {JCS_CMYK, JCS_CMYK, 4},
-                   {JCS_CMYK, JCS_YCCK, 4}}; // in the order of TestJpeg::Colors
-    const auto &space = kSpaces[int(kind.colors)];
+    constexpr std::tuple<J_COLOR_SPACE, J_COLOR_SPACE, int> kSpaces[] = {
+        {JCS_GRAYSCALE, JCS_GRAYSCALE, 1},
+        {JCS_RGB, JCS_RGB, 3},
+        {JCS_RGB, JCS_YCbCr, 3},
+        {JCS_CMYK, JCS_CMYK, 4},
+        {JCS_CMYK, JCS_YCCK, 4}}; // in the order of TestJpeg::Colors
+    const auto [input, inFile, sampleCount] = kSpaces[int(kind.colors)];
     jpeg_compress_struct lib = {};
     jpeg_error_mgr errors;
     lib.err = jpeg_std_error(&errors); // ends the test program on an error
@@ -38,10 +34,10 @@ QByteArray makeJpeg(const TestJpeg &kind, int width, int height, const std::vect
     jpeg_mem_dest(&lib, &bytes, &size);
     lib.image_width = JDIMENSION(width);
     lib.image_height = JDIMENSION(height);
-    lib.in_color_space = space.input;
-    lib.input_components = space.samples;
+    lib.in_color_space = input;
+    lib.input_components = sampleCount;
     jpeg_set_defaults(&lib);
-    jpeg_set_colorspace(&lib, space.file);
+    jpeg_set_colorspace(&lib, inFile);
     jpeg_set_quality(&lib, 100, TRUE);
     for (int component = 0; component < lib.num_components; ++component)
         lib.comp_info[component].h_samp_factor = lib.comp_info[component].v_samp_factor = 1;

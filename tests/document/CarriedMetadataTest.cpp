@@ -172,6 +172,7 @@ TEST(CarriedMetadataLimits, IptcGoesWithoutPreviewsObjectsAndLargeUnknowns)
         all += bytes + QByteArray(all.size() % 3, '\0'); // some writers pad
         kept += isKept ? bytes : QByteArray();
     }
+    EXPECT_EQ(iptcRecords(iptcDataSet(25, "k").repeated(1'000'001)).size(), 1'000'000U);
     for (const QByteArray &rest : {QByteArray(5, '\0'), longer.chopped(1), QByteArray("\x1c\2\x78\0", 4)}) {
         LeftOut leftOut;
         EXPECT_EQ(carriedIptc(all + rest, leftOut), kept);

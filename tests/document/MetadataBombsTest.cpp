@@ -1,4 +1,3 @@
-#include "IptcRecords.h"
 #include "OpenPhotos.h"
 #include "PropertyDictionary.h"
 #include "SamplePhotos.h"
@@ -51,17 +50,6 @@ TEST(MetadataBombs, NotesFarLargerThanTheyShouldBeAreNotRead)
         EXPECT_EQ(withoutUnusualNote(large).contains(entry), more < 800'000) << more;
         EXPECT_EQ(withoutUnusualNote(large).size(), large.size());
     }
-}
-
-TEST(MetadataBombs, ThousandsOfKeywordsAreReadAndCarriedMillionsAreNotAll)
-{
-    const QTemporaryDir folder;
-    const QByteArray keywords = QByteArray("\x1c\x02\x19\0\x01k", 6).repeated(60'000);
-    const QString path = writePhoto(folder, WriteFormat::Jpeg, {.iptc = keywords});
-    EXPECT_EQ(carriedOf(path, {40, 30}, WriteFormat::Jpeg).iptc, keywords);
-    const QVariantMap dict = dictionaryOf(path).value_or(QVariantMap());
-    EXPECT_EQ(dict[kIptcGroup].toMap()[QStringLiteral("Keywords")].toList().size(), 60'000);
-    EXPECT_EQ(iptcRecords(keywords.repeated(40)).size(), 1'000'000U);
 }
 
 TEST(MetadataBombs, HugeCountsAndLongTextsAreBounded)

@@ -58,21 +58,15 @@ TEST_P(PropertyDictionary, TakesRatingKeywordsAndLensFromXmpAlone)
 {
     const QByteArray lens = "aux:Lens=\"Acme 24mm\" ";
     const QByteArray keywords = "<dc:subject><rdf:Bag><rdf:li>Berg</rdf:li><rdf:li>Tal</rdf:li></rdf:Bag></dc:subject>";
-    const struct
-    {
-        const char *rating;  ///< of the EXIF block; null: none
-        const char *percent; ///< the same
-        QByteArray xmp;
-        int expected;
-    } rows[] = {{"0", "75", {}, 0},
-                {nullptr, "75", {}, 4},
-                {"5", "75", "xmp:Rating=\"-1\"", -1},
-                {nullptr, nullptr, "xmlns:m=\"http://ns.microsoft.com/photo/1.0/\" m:Rating=\"50\"", 3}};
-    for (const auto &[rating, percent, xmp, expected] : rows) {
-        MetadataBlocks blocks{.xmp = xmpPacket(keywords, lens + xmp)};
-        if (percent)
-            blocks.exif = rating ? exifBlock({{"Exif.Image.Rating", rating}, {"Exif.Image.RatingPercent", percent}})
-                                 : exifBlock({{"Exif.Image.RatingPercent", percent}});
+    const QByteArray percent = exifBlock({{"Exif.Image.RatingPercent", "75"}});
+    const std::tuple<QByteArray, QByteArray, int> rows[] = {
+        {exifBlock({{"Exif.Image.Rating", "0"}, {"Exif.Image.RatingPercent", "75"}}), {}, 0},
+        {percent, {}, 4},
+        {percent, "xmp:Rating=\"-1\"", -1},
+        {{}, "xmlns:m=\"http://ns.microsoft.com/photo/1.0/\" m:Rating=\"50\"", 3},
+        {{}, "xmlns:m=\"http://ns.microsoft.com/photo/1.0/\" m:Rating=\"88\"", 5}};
+    for (const auto &[exif, xmp, expected] : rows) {
+        const MetadataBlocks blocks{.exif = exif, .xmp = xmpPacket(keywords, lens + xmp)};
         const ExifInfo info(dictionaryOf(blocks));
         EXPECT_EQ(info.rating().toInt(), expected);
         EXPECT_EQ(info.keywords(), QStringLiteral("Berg,Tal"));

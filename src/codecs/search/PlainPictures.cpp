@@ -142,7 +142,7 @@ private:
                 return false;
             at += 2 + length;
         }
-        return at <= end() && (at == end() || byteAt(at) == 0xff);
+        return at == end() || byteAt(at) == 0xff;
     }
 
     /// Quantisation or Huffman tables or the head of a frame, with contents that such have.
@@ -152,14 +152,12 @@ private:
         const int length = int(number<quint16>(at + 2, true));
         const int first = byteAt(at + 4);
         if (marker == kQuantisation)
-            return first >= 0 && first >> 4 <= 1 && (first & 15) <= 3 && (length - 2) % (first >> 4 ? 129 : 65) == 0 &&
-                   length > 2;
+            return first >> 4 <= 1 && (first & 15) <= 3 && (length - 2) % (first >> 4 ? 129 : 65) == 0 && length > 2;
         if (marker == kHuffman) {
             int codes = 0;
             for (int i = 0; i < 16; ++i)
                 codes += std::max(byteAt(at + 5 + i), 0);
-            return first >= 0 && first >> 4 <= 1 && (first & 15) <= 3 && codes > 0 && codes <= 256 &&
-                   length >= 2 + 17 + codes;
+            return first >> 4 <= 1 && (first & 15) <= 3 && codes > 0 && codes <= 256 && length >= 2 + 17 + codes;
         }
         const bool isFrame = marker >= 0xc0 && marker <= 0xcf && marker != 0xc8 && marker != 0xcc;
         const int components = byteAt(at + 9);
@@ -175,7 +173,7 @@ private:
             return false;
         for (int i = 0; i < components; ++i) {
             const int tables = byteAt(at + 6 + 2 * i);
-            if (tables < 0 || tables >> 4 > 3 || (tables & 15) > 3)
+            if (tables >> 4 > 3 || (tables & 15) > 3)
                 return false;
         }
         const qsizetype spectrum = at + 5 + 2 * components;
@@ -199,7 +197,6 @@ private:
     qsizetype jpegEnd(qsizetype at) const
     {
         bool hasScan = false;
-        at += 1;
         while (at + 1 < end()) {
             const int marker = byteAt(at + 1);
             if (byteAt(at) != 0xff || marker == 0 || marker == 0xff || (marker >= 0xd0 && marker <= 0xd8)) {
@@ -222,7 +219,7 @@ private:
     bool isPngHeaderAt(qsizetype at) const
     {
         constexpr std::array kDepths = {1, 2, 4, 8, 16};
-        return at >= 0 && number<quint32>(at, true) == 13 && m_bytes.sliced(at + 4).startsWith("IHDR") &&
+        return number<quint32>(at, true) == 13 && m_bytes.sliced(at + 4).startsWith("IHDR") &&
                std::find(kDepths.begin(), kDepths.end(), byteAt(at + 16)) != kDepths.end();
     }
 
@@ -244,8 +241,6 @@ private:
         if (!rest.startsWith("GIF87a") && !rest.startsWith("GIF89a"))
             return false;
         const int flags = byteAt(at + 10);
-        if (flags < 0)
-            return false;
         const qsizetype colors = flags & 0x80 ? qsizetype(3) << ((flags & 7) + 1) : 0;
         const int introducer = byteAt(at + 13 + colors);
         return introducer == 0x21 || introducer == 0x2c || introducer == 0x3b;
@@ -282,7 +277,7 @@ private:
     bool isFileTypeBoxAt(qsizetype at) const
     {
         constexpr quint64 kMostSize = 4096;
-        if (at < 0 || !has(at, 12) || !m_bytes.sliced(at + 4).startsWith("ftyp"))
+        if (!has(at, 12) || !m_bytes.sliced(at + 4).startsWith("ftyp"))
             return false;
         const quint64 size = number<quint32>(at, true);
         const auto isPrintable = [](char c) { return c >= ' ' && c <= '~'; };
@@ -293,10 +288,10 @@ private:
     /// A TIFF structure with a directory that leads to pixels. (Makers' notes and EXIF blocks are such structures too.)
     bool isTiffAt(qsizetype at) const
     {
-        const QByteArrayView mark = m_bytes.sliced(at).first(std::min<qsizetype>(4, end() - at));
-        const bool isBigEndian = mark.startsWith("MM");
-        const bool isPlain = mark == QByteArrayView("II*\0", 4) || mark == QByteArrayView("MM\0*", 4);
-        const bool isLarge = mark == QByteArrayView("II+\0", 4) || mark == QByteArrayView("MM\0+", 4);
+        const QByteArrayView rest = m_bytes.sliced(at);
+        const bool isBigEndian = rest.startsWith("MM");
+        const bool isPlain = rest.startsWith(QByteArrayView("II*\0", 4)) || rest.startsWith(QByteArrayView("MM\0*", 4));
+        const bool isLarge = rest.startsWith(QByteArrayView("II+\0", 4)) || rest.startsWith(QByteArrayView("MM\0+", 4));
         if (!isPlain && !isLarge)
             return false;
         constexpr int kMostDirectories = 4;
