@@ -61,9 +61,9 @@ void takeProperty(const Box &box, HeifPrimary &primary)
     }
 }
 
-/// Of a "clap" box, by the middle that it states; in pixels from the left, or the top.
-std::optional<std::pair<int64_t, int64_t>> croppedSide(const uint32_t (&size)[2], const int32_t (&offset)[2],
-                                                       int64_t whole)
+/// Of a "clap" box, by the middle that it states, both as numerator and denominator; in pixels from the left, or the
+/// top.
+std::optional<std::pair<int64_t, int64_t>> croppedSide(const uint32_t *size, const int32_t *offset, int64_t whole)
 {
     if (size[1] == 0 || offset[1] == 0)
         return std::nullopt;
@@ -75,9 +75,9 @@ std::optional<std::pair<int64_t, int64_t>> croppedSide(const uint32_t (&size)[2]
 }
 
 /// The path with one more step behind it: pixel (x, y) now comes from where (a·x + b·y + c, ...) came from.
-void lead(PixelPath &path, const int64_t (&across)[3], const int64_t (&down)[3])
+void lead(PixelPath &path, const PixelPath::Row &across, const PixelPath::Row &down)
 {
-    for (int64_t(*row)[3] : {&path.across, &path.down}) {
+    for (PixelPath::Row *row : {&path.across, &path.down}) {
         const int64_t x = (*row)[0];
         const int64_t y = (*row)[1];
         (*row)[0] = x * across[0] + y * down[0];
@@ -133,10 +133,8 @@ std::optional<PixelPath> pathThrough(const std::vector<HeifStep> &steps, uint32_
     path.height = height;
     for (const HeifStep &step : steps) {
         if (step.kind == HeifStep::Kind::Crop) {
-            const auto columns =
-                croppedSide({step.crop[0], step.crop[1]}, {step.cropOffset[0], step.cropOffset[1]}, path.width);
-            const auto rows =
-                croppedSide({step.crop[2], step.crop[3]}, {step.cropOffset[2], step.cropOffset[3]}, path.height);
+            const auto columns = croppedSide(step.crop, step.cropOffset, path.width);
+            const auto rows = croppedSide(step.crop + 2, step.cropOffset + 2, path.height);
             if (!columns || !rows)
                 return std::nullopt;
             lead(path, {1, 0, columns->first}, {0, 1, rows->first});

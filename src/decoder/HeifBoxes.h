@@ -1,5 +1,6 @@
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -35,8 +36,9 @@ std::optional<HeifPrimary> readHeifPrimary(std::span<const std::byte> file);
 /// Where a pixel of the finished picture comes from: x = across[0]·x + across[1]·y + across[2], likewise y of `down`.
 struct PixelPath
 {
-    int64_t across[3] = {1, 0, 0};
-    int64_t down[3] = {0, 1, 0};
+    using Row = std::array<int64_t, 3>;
+    Row across = {1, 0, 0};
+    Row down = {0, 1, 0};
     int64_t width = 0; ///< of the finished picture
     int64_t height = 0;
 };

@@ -2,6 +2,7 @@
 #include "ForeignDecoder.h"
 #include "HdrToSrgb.h"
 #include "HeifBoxes.h"
+#include "IsoBoxes.h"
 
 #include <algorithm>
 #include <cstring>
@@ -61,21 +62,6 @@ std::string metadata(const heif_image_handle *handle, heif_item_id id)
     return bytes;
 }
 
-/// The block begins with the distance of what matters, which some writers give a lead-in.
-std::string withoutDistance(const std::string &block)
-{
-    if (block.size() < 4)
-        return {};
-    size_t distance = 0;
-    for (size_t index = 0; index < 4; ++index)
-        distance = distance << 8 | uint8_t(block[index]);
-    if (distance > block.size() - 4)
-        return {};
-    std::string exif = block.substr(4 + distance);
-    constexpr std::string_view kLeadIn("Exif\0\0", 6);
-    return exif.starts_with(kLeadIn) ? exif.substr(kLeadIn.size()) : exif;
-}
-
 class HeifDecoder : public ForeignDecoder
 {
 public:
@@ -94,8 +80,7 @@ private:
     bool isDeep() const { return m_header.bitsPerChannel > 8; }
     std::unique_ptr<const heif_image, ReleaseImage> decodedImage() const;
     /// One row of the finished picture as R, G, B, A of the file's depth, from the decoded one.
-    template <typename Sample>
-    void fetchRow(const PixelPath &path, uint32_t y, Sample *rgba) const;
+    void fetchRow(const PixelPath &path, uint32_t y, uint16_t *rgba) const;
 
     const Photo &m_photo;
     std::unique_ptr<heif_context, FreeContext> m_context;
@@ -138,12 +123,7 @@ Header HeifDecoder::readHeader()
     m_turnsItself = isDeep() && m_primary.isMirrored();
     takeColors();
     m_header.isGray = m_primary.channels == 1 && !m_header.isConverted;
-    if (m_header.isGray && !m_header.hasAlpha)
-        m_header.layout = isDeep() ? Layout::Gray16 : Layout::Gray8;
-    else if (isDeep() || m_header.isConverted)
-        m_header.layout = m_header.hasAlpha ? Layout::Rgba16 : Layout::Rgbx16;
-    else
-        m_header.layout = m_header.hasAlpha ? Layout::Rgba8 : Layout::Rgbx8;
+    m_header.layout = layoutOf(m_header.isGray, m_header.hasAlpha, isDeep() || m_header.isConverted);
     takeBlocks();
     return m_header;
 }
@@ -178,7 +158,7 @@ void HeifDecoder::takeBlocks()
         const std::string_view type = heif_image_handle_get_metadata_type(m_handle.get(), ids[index]);
         const std::string_view content = heif_image_handle_get_metadata_content_type(m_handle.get(), ids[index]);
         if (type == "Exif" && m_header.exif.empty())
-            m_header.exif = withoutDistance(metadata(m_handle.get(), ids[index]));
+            m_header.exif = exifIn(metadata(m_handle.get(), ids[index]));
         else if (type == "mime" && content == "application/rdf+xml" && m_header.xmp.empty())
             m_header.xmp = metadata(m_handle.get(), ids[index]);
     }
@@ -200,30 +180,23 @@ std::unique_ptr<const heif_image, ReleaseImage> HeifDecoder::decodedImage() cons
     return std::unique_ptr<const heif_image, ReleaseImage>(image);
 }
 
-template <typename Sample>
-void HeifDecoder::fetchRow(const PixelPath &path, uint32_t y, Sample *rgba) const
+void HeifDecoder::fetchRow(const PixelPath &path, uint32_t y, uint16_t *rgba) const
 {
     for (int64_t x = 0; x < path.width; ++x) {
         const int64_t column = path.across[0] * x + path.across[1] * y + path.across[2];
         const int64_t row = path.down[0] * x + path.down[1] * y + path.down[2];
-        const auto *const from = reinterpret_cast<const Sample *>(m_decoded.memory + size_t(row) * m_decoded.stride) +
+        const auto *const from = reinterpret_cast<const uint16_t *>(m_decoded.memory + size_t(row) * m_decoded.stride) +
                                  column * m_decoded.samples;
         std::copy_n(from, m_decoded.samples, rgba + 4 * x);
     }
 }
 
 /// Samples of `most` at most to the canvas's.
-void putRow(const Header &header, const uint16_t *rgba, uint32_t most, const Canvas &canvas, uint32_t y)
+void putRow(const uint16_t *rgba, uint32_t most, const Canvas &canvas, uint32_t y, bool isGray)
 {
-    const size_t width = canvas.size.width;
-    if (header.layout == Layout::Gray16) {
-        for (size_t x = 0; x < width; ++x)
-            canvas.row16(y)[x] = scaledTo16(rgba[4 * x], most);
-        return;
-    }
-    uint16_t *const target = canvas.row16(y);
-    for (size_t sample = 0; sample < 4 * width; ++sample)
-        target[sample] = scaledTo16(rgba[sample], most);
+    const size_t samples = (isGray ? 1 : 4) * size_t(canvas.size.width);
+    for (size_t sample = 0; sample < samples; ++sample)
+        canvas.row16(y)[sample] = scaledTo16(rgba[isGray ? 4 * sample : sample], most);
 }
 
 Done HeifDecoder::decode(const Canvas &canvas)
@@ -243,26 +216,25 @@ Done HeifDecoder::decode(const Canvas &canvas)
     if (!path || path->width != canvas.size.width || path->height != canvas.size.height)
         throw NoPicture(Trouble::Damaged, "the picture has another size than its header says");
 
-    const bool isPlain = m_header.layout == Layout::Rgbx8 || m_header.layout == Layout::Rgba8;
     const int depth = heif_image_get_bits_per_pixel_range(image.get(), heif_channel_interleaved);
     const uint32_t most = (1u << std::clamp(depth, 1, 16)) - 1;
     std::vector<uint16_t> row(4 * size_t(canvas.size.width), uint16_t(most));
     for (uint32_t y = 0; y < canvas.size.height; ++y) {
         const uint8_t *const source = m_decoded.memory + y * m_decoded.stride;
-        if (isPlain) {
-            std::memcpy(canvas.row8(y), source, row.size());
-            continue;
-        }
         if (m_header.layout == Layout::Gray8) {
             for (size_t x = 0; x < canvas.size.width; ++x)
                 canvas.row8(y)[x] = source[4 * x];
+            continue;
+        }
+        if (!glass::isDeep(m_header.layout)) {
+            std::memcpy(canvas.row8(y), source, row.size());
             continue;
         }
         if (isDeep())
             fetchRow(*path, y, row.data());
         else
             std::copy_n(source, row.size(), row.data());
-        putRow(m_header, row.data(), most, canvas, y);
+        putRow(row.data(), most, canvas, y, m_header.layout == Layout::Gray16);
     }
     finishRows(canvas, m_header, m_isPremultiplied, m_colors);
     return {};

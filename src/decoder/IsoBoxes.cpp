@@ -37,6 +37,16 @@ std::vector<Box> boxesIn(std::span<const std::byte> bytes)
     return boxes;
 }
 
+std::string exifIn(const std::string &block)
+{
+    constexpr std::string_view kLeadIn("Exif\0\0", 6);
+    const size_t begin = 4 + BoxFields(std::as_bytes(std::span(block))).next(4);
+    if (begin > block.size())
+        return {};
+    const bool isLedIn = std::string_view(block).substr(begin).starts_with(kLeadIn);
+    return block.substr(begin + (isLedIn ? kLeadIn.size() : 0));
+}
+
 std::optional<std::span<const std::byte>> contentOf(const std::vector<Box> &boxes, std::string_view type)
 {
     const auto found = std::find_if(boxes.begin(), boxes.end(), [type](const Box &box) { return box.type == type; });

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -35,6 +36,10 @@ struct Box
 
 /// Boxes in a row; the last one may reach to the end. Those behind one that makes no sense are left out.
 std::vector<Box> boxesIn(std::span<const std::byte> bytes);
+
+/// Of a block that begins with the distance of what matters, which some writers give a lead-in. Empty when it makes no
+/// sense.
+std::string exifIn(const std::string &block);
 
 /// The content of the first box of the type.
 std::optional<std::span<const std::byte>> contentOf(const std::vector<Box> &boxes, std::string_view type);

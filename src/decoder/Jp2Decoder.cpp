@@ -168,7 +168,7 @@ private:
     static void remember(const char *message, void *user) { *static_cast<std::string *>(user) = message; }
     [[noreturn]] void fail() const;
     void takeLayout();
-    void checkComponents(const Canvas &canvas) const;
+    void checkComponents() const;
     /// A sample of a component, which may be coarser than the picture, in 16 bits.
     uint32_t sample(int component, uint32_t x, uint32_t y) const;
     void putRow(const Canvas &canvas, uint32_t y, bool isYcc) const;
@@ -246,27 +246,17 @@ void Jp2Photo::takeLayout()
     m_header.hasAlpha = m_alpha.has_value();
     m_header.isGray = m_colorChannels == 1;
     m_header.frames = {{m_image->x1 - m_image->x0, m_image->y1 - m_image->y0}};
-    const bool isDeep = bits > 8;
-    if (m_header.isGray && !m_alpha)
-        m_header.layout = isDeep ? Layout::Gray16 : Layout::Gray8;
-    else if (m_alpha)
-        m_header.layout = isDeep ? Layout::Rgba16 : Layout::Rgba8;
-    else
-        m_header.layout = isDeep ? Layout::Rgbx16 : Layout::Rgbx8;
+    m_header.layout = layoutOf(m_header.isGray, m_header.hasAlpha, bits > 8);
 }
 
-void Jp2Photo::checkComponents(const Canvas &canvas) const
+void Jp2Photo::checkComponents() const
 {
     const int wanted = std::max(m_colorChannels, m_alpha ? *m_alpha + 1 : 0);
     if (int(m_image->numcomps) < wanted)
         throw NoPicture(Trouble::Damaged, "a channel is missing");
     for (int index = 0; index < wanted; ++index) {
         const opj_image_comp_t &component = m_image->comps[index];
-        const bool covers = component.data && component.dx > 0 && component.dy > 0 && component.w > 0 &&
-                            component.h > 0 && component.prec >= 1 && component.prec <= 31 &&
-                            (canvas.size.width - 1) / component.dx < component.w + 1 &&
-                            (canvas.size.height - 1) / component.dy < component.h + 1;
-        if (!covers)
+        if (!component.data || component.w == 0 || component.h == 0 || component.prec > 31)
             throw NoPicture(Trouble::Damaged, "a channel is incomplete");
     }
 }
@@ -281,11 +271,11 @@ uint32_t Jp2Photo::sample(int component, uint32_t x, uint32_t y) const
     return scaledTo16(uint32_t(std::clamp<int64_t>(value, 0, most)), most);
 }
 
-/// Y, Cb, Cr of 16 bits, the last two around their middle.
-std::array<uint32_t, 3> rgbOfYcc(const std::array<uint32_t, 3> &ycc)
+/// Y, Cb, Cr of 16 bits, the last two around the middle level of so many bits.
+std::array<uint32_t, 3> rgbOfYcc(const std::array<uint32_t, 3> &ycc, uint32_t chromaBits)
 {
-    constexpr double kMiddle = 32768;
-    const double luma = ycc[0], blue = ycc[1] - kMiddle, red = ycc[2] - kMiddle;
+    const double middle = scaledTo16(1u << (chromaBits - 1), (1u << chromaBits) - 1);
+    const double luma = ycc[0], blue = ycc[1] - middle, red = ycc[2] - middle;
     const auto rounded = [](double value) { return uint32_t(std::clamp(value, 0.0, 65535.0) + 0.5); };
     return {rounded(luma + 1.402 * red), rounded(luma - 0.344136 * blue - 0.714136 * red),
             rounded(luma + 1.772 * blue)};
@@ -293,8 +283,7 @@ std::array<uint32_t, 3> rgbOfYcc(const std::array<uint32_t, 3> &ycc)
 
 void Jp2Photo::putRow(const Canvas &canvas, uint32_t y, bool isYcc) const
 {
-    const bool isGrayLayout = m_header.layout == Layout::Gray8 || m_header.layout == Layout::Gray16;
-    const bool isDeep = bytesPerPixel(m_header.layout) / (isGrayLayout ? 1 : 4) == 2;
+    const bool isDeep = glass::isDeep(m_header.layout);
     const auto put = [&](size_t at, uint32_t value) {
         if (isDeep)
             canvas.row16(y)[at] = uint16_t(value);
@@ -302,7 +291,7 @@ void Jp2Photo::putRow(const Canvas &canvas, uint32_t y, bool isYcc) const
             canvas.row8(y)[at] = uint8_t((value + 128) / 257);
     };
     for (uint32_t x = 0; x < canvas.size.width; ++x) {
-        if (isGrayLayout) {
+        if (isGray(m_header.layout)) {
             put(x, sample(0, x, y));
             continue;
         }
@@ -310,7 +299,7 @@ void Jp2Photo::putRow(const Canvas &canvas, uint32_t y, bool isYcc) const
         for (int channel = 0; channel < 3; ++channel)
             color[size_t(channel)] = sample(m_colorChannels == 3 ? channel : 0, x, y);
         if (isYcc)
-            color = rgbOfYcc(color);
+            color = rgbOfYcc(color, m_image->comps[1].prec);
         for (size_t channel = 0; channel < 3; ++channel)
             put(4 * size_t(x) + channel, color[channel]);
         put(4 * size_t(x) + 3, m_alpha ? sample(*m_alpha, x, y) : 65535);
@@ -322,8 +311,8 @@ Done Jp2Photo::decode(const Canvas &canvas)
     m_place.canvas = &canvas;
     if (!opj_decode(m_codec.get(), m_stream.get(), m_image.get()) || !opj_end_decompress(m_codec.get(), m_stream.get()))
         fail();
-    checkComponents(canvas);
-    const bool isYcc = m_colorChannels == 3 && (m_wrapping.colors == kYcc || m_image->color_space == OPJ_CLRSPC_SYCC);
+    checkComponents();
+    const bool isYcc = m_colorChannels == 3 && m_wrapping.colors == kYcc;
     for (uint32_t y = 0; y < canvas.size.height; ++y)
         putRow(canvas, y, isYcc);
     return {};

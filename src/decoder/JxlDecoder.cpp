@@ -1,6 +1,7 @@
 #include "FinishedRows.h"
 #include "ForeignDecoder.h"
 #include "HdrToSrgb.h"
+#include "IsoBoxes.h"
 
 #include <algorithm>
 #include <array>
@@ -59,17 +60,6 @@ private:
     std::string *m_target = nullptr;
 };
 
-/// The block begins with the distance of what matters.
-std::string withoutDistance(const std::string &block)
-{
-    if (block.size() < 4)
-        return {};
-    size_t distance = 0;
-    for (size_t index = 0; index < 4; ++index)
-        distance = distance << 8 | uint8_t(block[index]);
-    return distance <= block.size() - 4 ? block.substr(4 + distance) : std::string();
-}
-
 /// The numbers of ITU-T H.273 are the library's too.
 ColorCodes codesOf(const JxlColorEncoding &encoding)
 {
@@ -126,8 +116,7 @@ void JxlPhoto::begin(int events)
 
 JxlPixelFormat JxlPhoto::pixelFormat() const
 {
-    const bool isGray = m_header.layout == Layout::Gray8 || m_header.layout == Layout::Gray16;
-    return {isGray ? 1u : 4u, bytesPerPixel(m_header.layout) / (isGray ? 1 : 4) == 2 ? JXL_TYPE_UINT16 : JXL_TYPE_UINT8,
+    return {isGray(m_header.layout) ? 1u : 4u, glass::isDeep(m_header.layout) ? JXL_TYPE_UINT16 : JXL_TYPE_UINT8,
             JXL_NATIVE_ENDIAN, 4};
 }
 
@@ -210,14 +199,8 @@ Header JxlPhoto::readHeader()
     content.end(m_decoder.get());
     if (!hasColors)
         throw NoPicture(Trouble::Truncated, {});
-    m_header.exif = withoutDistance(exif);
-    const bool isDeepOut = isDeep() || m_header.isConverted;
-    if (m_header.isGray && !m_header.hasAlpha)
-        m_header.layout = isDeepOut ? Layout::Gray16 : Layout::Gray8;
-    else if (m_header.hasAlpha)
-        m_header.layout = isDeepOut ? Layout::Rgba16 : Layout::Rgba8;
-    else
-        m_header.layout = isDeepOut ? Layout::Rgbx16 : Layout::Rgbx8;
+    m_header.exif = exifIn(exif);
+    m_header.layout = layoutOf(m_header.isGray, m_header.hasAlpha, isDeep() || m_header.isConverted);
     return m_header;
 }
 

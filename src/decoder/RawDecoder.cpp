@@ -3,6 +3,7 @@
 #include "ForeignDecoder.h"
 
 #include <algorithm>
+#include <iterator>
 #include <new>
 
 #include <libraw/libraw.h>
@@ -43,12 +44,9 @@ bool isOfThePhoto(uint16_t tag)
         Rating = 18246,
         Copyright = 33432
     };
-    for (const int known : {Description, Make, Model, Orientation, ResolutionX, ResolutionY, ResolutionUnit, Software,
-                            DateTime, Artist, HostComputer, Rating, Copyright}) {
-        if (tag == known)
-            return true;
-    }
-    return false;
+    constexpr int kKnown[] = {Description, Make,     Model,  Orientation,  ResolutionX, ResolutionY, ResolutionUnit,
+                              Software,    DateTime, Artist, HostComputer, Rating,      Copyright};
+    return std::find(std::begin(kKnown), std::end(kKnown), tag) != std::end(kKnown);
 }
 
 class RawPhoto : public ForeignDecoder

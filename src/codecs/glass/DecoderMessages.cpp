@@ -105,16 +105,10 @@ bool isResolution(double value)
     return std::isfinite(value) && value >= 0.0;
 }
 
-bool isDeep(Layout layout)
-{
-    return layout == Layout::Gray16 || layout == Layout::Rgbx16 || layout == Layout::Rgba16;
-}
-
 /// What one part says is what the others say.
 bool isConsistent(const Header &header)
 {
-    const bool isGrayLayout = header.layout == Layout::Gray8 || header.layout == Layout::Gray16;
-    return isFormatName(header.format) && (!isGrayLayout || header.isGray) && header.bitsPerChannel >= 1 &&
+    return isFormatName(header.format) && (!isGray(header.layout) || header.isGray) && header.bitsPerChannel >= 1 &&
            header.bitsPerChannel <= (isDeep(header.layout) ? 32 : 8) && isResolution(header.dotsPerInchX) &&
            isResolution(header.dotsPerInchY);
 }
@@ -125,6 +119,25 @@ int bytesPerPixel(Layout layout)
 {
     constexpr std::array kBytes = {1, 2, 4, 4, 8, 8};
     return kBytes[size_t(layout)];
+}
+
+bool isGray(Layout layout)
+{
+    return layout == Layout::Gray8 || layout == Layout::Gray16;
+}
+
+bool isDeep(Layout layout)
+{
+    return layout == Layout::Gray16 || layout == Layout::Rgbx16 || layout == Layout::Rgba16;
+}
+
+Layout layoutOf(bool isGray, bool hasAlpha, bool isDeep)
+{
+    if (hasAlpha)
+        return isDeep ? Layout::Rgba16 : Layout::Rgba8;
+    if (isGray)
+        return isDeep ? Layout::Gray16 : Layout::Gray8;
+    return isDeep ? Layout::Rgbx16 : Layout::Rgbx8;
 }
 
 int64_t rowBytes(Layout layout, uint32_t width)

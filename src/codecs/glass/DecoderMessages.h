@@ -16,6 +16,11 @@ namespace hazelmark::glass {
 enum class Layout : uint8_t { Gray8, Gray16, Rgbx8, Rgba8, Rgbx16, Rgba16 };
 
 int bytesPerPixel(Layout layout);
+bool isGray(Layout layout);
+/// Samples of 16 bits.
+bool isDeep(Layout layout);
+/// The smallest that holds it all.
+Layout layoutOf(bool isGray, bool hasAlpha, bool isDeep);
 /// Bytes of a row; sides come from checked headers.
 int64_t rowBytes(Layout layout, uint32_t width);
 
