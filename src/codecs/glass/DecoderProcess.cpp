@@ -301,13 +301,8 @@ std::optional<Failure> DecoderProcess::readSome()
     }
     if (count < 0 && (errno == EINTR || errno == EAGAIN))
         return std::nullopt;
-    // It has closed the line, so it ends; one that does not is ended.
-    for (int look = 0; look < 20 && m_process != 0; ++look) {
-        if (const int status = endStatus(); status >= 0 && !WIFSTOPPED(status))
-            return failureOfEnd(status);
-        std::this_thread::sleep_for(10ms);
-    }
-    return end(QStringLiteral("its decoder has fallen silent"));
+    const std::optional<Failure> failure = awaitEnd(); // it has closed the line
+    return failure ? failure : failureOfEnd(0);
 }
 
 Outcome<glass::Message> DecoderProcess::receive(std::chrono::milliseconds allowance)
