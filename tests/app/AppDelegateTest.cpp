@@ -2,7 +2,6 @@
 #include "AppDelegate.h"
 #include "../support/Outline.h"
 #include "AboutDialog.h"
-#include "EditMenus.h"
 #include "Fakes.h"
 #include "IMGButton.h"
 #include "MainMenu.h"
@@ -106,6 +105,10 @@ TEST_F(AppDelegateTest, MenuItemsActWhileTheyMakeSense)
     menu().menuHelp->actions().at(6)->trigger();
     m_delegate.helpMenuItemTapped(8);
     EXPECT_EQ(m_desktop.m_workspace.m_opened, QStringList({u"index.html"_s, u"appstream:org.gimp.GIMP"_s}));
+    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
+    QTest::keyClick(&window(), Qt::Key_H, Qt::AltModifier);
+    EXPECT_EQ(menu().menuHelp->activeAction(), menu().btnTips);
+    menu().menuHelp->close();
     menu().btnKeyboard->trigger();
     EXPECT_TRUE(SheetQueue::forWindow(window()).current()->objectName() == u"keyboardDialog"_s);
 }
@@ -136,27 +139,6 @@ TEST_F(AppDelegateTest, ShowsTheManualItselfWhereNobodyElseDoes)
     EXPECT_EQ(manual->size(), QSize(std::min(760, screen.width() - 16), std::min(640, screen.height() - 48)));
     QTest::keyClick(manual, Qt::Key_Escape);
     EXPECT_FALSE(manual->isVisible());
-}
-
-TEST_F(AppDelegateTest, KeysOpenTheMenus)
-{
-    launch();
-    ASSERT_TRUE(QTest::qWaitForWindowActive(&window()));
-    EditMenus &edit = m_delegate.mainMenu()->editMenus();
-    const std::tuple<Qt::Key, Qt::KeyboardModifiers, QMenu *> keys[] = {
-        {Qt::Key_F10, {}, menu().menuFile},
-        {Qt::Key_F, Qt::AltModifier, menu().menuFile},
-        {Qt::Key_E, Qt::AltModifier, edit.menuEdit},
-        {Qt::Key_V, Qt::AltModifier, edit.menuView},
-        {Qt::Key_L, Qt::AltModifier, menu().menuLanguage},
-        {Qt::Key_H, Qt::AltModifier, menu().menuHelp}};
-    for (const auto &[key, with, menu] : keys) {
-        QTest::keyClick(&window(), key, with);
-        EXPECT_TRUE(menu->isVisible()) << int(key);
-        QAction *first = menu->actions().first();
-        EXPECT_EQ(menu->activeAction(), first->isEnabled() ? first : nullptr) << int(key);
-        menu->close();
-    }
 }
 
 TEST_F(AppDelegateTest, TheProcessEndsWithTheMainWindowOrWithThePromotionAfterIt)

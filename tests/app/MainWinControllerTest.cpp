@@ -4,6 +4,7 @@
 #include "TitlebarWindow.h"
 
 #include <QTest>
+#include <QVBoxLayout>
 
 #include <gtest/gtest.h>
 
@@ -56,4 +57,8 @@ TEST(MainWinControllerTest, PutsTheMainScreenIntoTheWindowAndTellsOfResizesAndTh
     window.toggleFullScreen();
     EXPECT_TRUE(isEnd(2));
     EXPECT_EQ(sizeAtTheEnd, window.size());
+    window.toggleFullScreen();
+    EXPECT_TRUE(isEnd(3));
+    controller.changeViewController(0);
+    EXPECT_EQ(view->parentWidget(), window.findChild<QVBoxLayout *>()->parentWidget());
 }

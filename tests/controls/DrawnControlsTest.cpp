@@ -246,23 +246,6 @@ TEST(DrawnControlsTest, StandWhereTheirSizesPutThem)
     }
 }
 
-TEST(DrawnControlsTest, LeaveKeysThatAreNotTheirsToTheWindow)
-{
-    struct Window : QWidget
-    {
-        void keyPressEvent(QKeyEvent *event) override { keys << event->key(); }
-        QList<int> keys;
-    };
-    for (QWidget *control : {static_cast<QWidget *>(new FloatSlider), static_cast<QWidget *>(new DotPageControl),
-                             static_cast<QWidget *>(new IMGButton),
-                             static_cast<QWidget *>(new HighlightButton(HighlightButton::kFlatTag))}) {
-        Window window;
-        control->setParent(&window);
-        QTest::keyClick(control, Qt::Key_C);
-        EXPECT_EQ(window.keys, QList<int>{Qt::Key_C}) << control->metaObject()->className();
-    }
-}
-
 TEST(ImageCatalogTest, DrawsIconsForAllSizesAndTheMiddleOfAnImageButton)
 {
     QList<int> widths;
@@ -282,8 +265,6 @@ TEST(ImageCatalogTest, DrawsIconsForAllSizesAndTheMiddleOfAnImageButton)
     EXPECT_TRUE(shows("up"));
     button.setButtonHighlighted();
     EXPECT_TRUE(shows("file"));
-    button.setImgSelectedState(QStringLiteral("folder"));
-    EXPECT_TRUE(shows("folder"));
 }
 
 TEST(DrawnControlsTest, WhatIsSeenToChangeIsDrawnAnew)

@@ -23,6 +23,7 @@ inline void focusByKeyboard(QWidget &widget)
     widget.activateWindow();
     EXPECT_TRUE(QTest::qWaitForWindowActive(&widget));
     widget.window()->setAttribute(Qt::WA_KeyboardFocusChange);
+    widget.clearFocus(); // a window that comes to the front hands it to the first that takes it
     widget.setFocus(Qt::TabFocusReason);
 }
 

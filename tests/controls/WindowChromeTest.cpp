@@ -1,3 +1,4 @@
+#include "../support/Outline.h"
 #include "CalloutWindow.h"
 #include "Compositor.h"
 #include "FrameEdge.h"
@@ -68,6 +69,10 @@ TEST_F(TitlebarWindowTest, TheContentFillsTheFrameBehindTheButtons)
         right = button->geometry().right();
     }
     EXPECT_GT(menuBar->x(), right);
+    m_window.setButtonNames(u"C"_qs, u"M"_qs, u"Z"_qs, u"F"_qs);
+    EXPECT_EQ(toldOf(m_window).section(u"; "_qs, 0, 4).toStdString(),
+              "TitlebarWindow: Window; IMGButton: Button C t^; IMGButton: Button M t^; IMGButton: Button Z t^; "
+              "IMGButton: Button F (F (F11)) t^");
 }
 
 TEST_F(TitlebarWindowTest, EveryWayOfClosingAsksFirst)
@@ -85,7 +90,10 @@ TEST_F(TitlebarWindowTest, EveryWayOfClosingAsksFirst)
                          .fullScreen = {}});
     EXPECT_FALSE(m_window.close());
     QTest::mouseClick(m_window.closeButton(), Qt::LeftButton);
-    EXPECT_EQ(asked, 2);
+    QAccessibleInterface *close = QAccessible::queryAccessibleInterface(m_window.closeButton());
+    close->actionInterface()->doAction(QAccessibleActionInterface::pressAction());
+    EXPECT_EQ(asked, 3);
+    QCoreApplication::processEvents();
     EXPECT_TRUE(m_window.isVisible());
     EXPECT_FALSE(m_window.closeButton()->isChecked());
     agree = true;

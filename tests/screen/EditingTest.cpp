@@ -2,10 +2,12 @@
 #include "ScreenFixture.h"
 
 #include "AlertSheet.h"
+#include "CalloutWindow.h"
 #include "FilePanelLook.h"
 #include "FloatSlider.h"
 #include "IMGButton.h"
 #include "KeyboardCursor.h"
+#include "Notices.h"
 #include "NotificationNames.h"
 #include "PaintView.h"
 #include "PhotoImageView.h"
@@ -117,7 +119,9 @@ TEST_F(Editing, APaintingComesBackFromItsStoreAndFromAFile)
     open(path);
     const auto offered = [this] { return view().vwBottom->btnRestore()->isVisible(); };
     ASSERT_TRUE(QTest::qWaitFor(offered));
-    EXPECT_EQ(m_application.m_menu.storedPaintings.size(), 1);
+    const QDateTime when = m_screen->session().storedPaintings().at(0).when.toLocalTime();
+    EXPECT_EQ(m_application.m_menu.storedPaintings,
+              QStringList(u"RESTORE_PAINTING_OF "_qs + QLocale().toString(when, QLocale::ShortFormat)));
     view().vwBottom->btnRestore()->click();
     EXPECT_TRUE(QTest::qWaitFor([this] { return paintAt({0.5, 0.5}) > 0; }));
     EXPECT_EQ(m_application.m_menu.undo, u"UNDO_RESTORE %@"_qs);
@@ -161,6 +165,16 @@ TEST_F(Editing, ThePhotoIsComparedAndThePaintingHidden)
     QTest::keyRelease(m_window.get(), Qt::Key_C);
     EXPECT_TRUE(view().imgvwAfterBokesh->isVisible());
     EXPECT_EQ(view().paintView->opacity(), 0.6);
+    // The key comes up elsewhere, or the person paints on.
+    for (const bool paints : {false, true}) {
+        QTest::keyPress(m_window.get(), Qt::Key_C, Qt::ShiftModifier);
+        EXPECT_TRUE(view().vwBottom->btnCompare()->isChecked());
+        panel().field(Setting::BlurAmount)->setFocus();
+        QEvent away(QEvent::WindowDeactivate);
+        paints ? stroke({0.3, 0.5}, {0.4, 0.5}) : void(QCoreApplication::sendEvent(m_window.get(), &away));
+        EXPECT_FALSE(view().vwBottom->btnCompare()->isChecked());
+        EXPECT_EQ(panel().field(Setting::BlurAmount)->hasFocus(), !paints) << "keys are for the painting then";
+    }
     perform(MenuCommand::ShowPainting);
     perform(MenuCommand::AllSettings);
     EXPECT_EQ(view().paintView->opacity(), 0);
@@ -180,8 +194,16 @@ TEST_F(Editing, IsDoneByKeyboardAlone)
     QTest::keyClick(m_window.get(), Qt::Key_Tab);
     EXPECT_TRUE(m_window->focusWidget() == m_screen->panel().toolInForce());
     KeyboardCursor *cursor = view().keyboardCursor;
-    for (int tabs = 0; tabs < 40 && !cursor->hasFocus(); ++tabs)
+    QStringList order;
+    for (int tabs = 0; tabs < 40 && !order.contains(m_window->focusWidget()->objectName()); ++tabs) {
+        order << m_window->focusWidget()->objectName();
         QTest::keyClick(m_window->focusWidget(), Qt::Key_Tab);
+    }
+    EXPECT_EQ(order.join(u' ').toStdString(),
+              "btnPaint btnEraser btnBlurEverything btnClearPainting btnReset0 txtBrushDiameter sliderBrushDiameter "
+              "txtBrushHardness sliderBrushHardness sliderBrushSizeAuto btnReset1 txtBlurAmount sliderBlurAmount "
+              "sliderVignette keyboardCursor zoomField btnCompare btnAddPhoto btnShareService btnExport ");
+    cursor->setFocus(Qt::TabFocusReason);
     ASSERT_TRUE(cursor->isCircleShown());
     post(kNotificationMouseout);
     EXPECT_TRUE(view().paintView->isVisible()) << "the circle counts as the pointer";
@@ -201,6 +223,10 @@ TEST_F(Editing, IsDoneByKeyboardAlone)
 TEST_F(Editing, ARefusedDropIsExplained)
 {
     start();
+    m_screen->sayWhyRefused({});
+    const auto *callout = m_window->findChild<CalloutWindow *>();
+    ASSERT_TRUE(callout && callout->isVisible()) << "without a bar";
+    EXPECT_EQ(callout->accessibleName(), u"DROP_NO_FILE %@"_qs);
     m_screen->openPhotos({photo(u"a.png"_qs, {60, 40}), photo(u"b.png"_qs, {60, 40})});
     EXPECT_TRUE(QTest::qWaitFor([this] { return said().startsWith(u"ONE_PHOTO_AT_A_TIME"_qs); }));
     EXPECT_EQ(view().vwBottom->txtPixelSize(), u"PIXEL_SIZE 60"_qs);
@@ -214,6 +240,10 @@ TEST_F(Editing, ARefusedDropIsExplained)
     }
     m_screen->photoDraggedWithPath(photo(u"b.png"_qs, {60, 40}));
     EXPECT_TRUE(said().startsWith(u"DROP_AFTER_EXPORT"_qs));
+    auto *read = m_screen->view()->findChild<Notices *>()->findChild<QTimer *>();
+    EXPECT_EQ(read->interval(), 15000);
+    read->setInterval(0);
+    EXPECT_TRUE(QTest::qWaitFor([this] { return said().isEmpty(); }));
 }
 
 TEST_F(Editing, AFileOrAPictureIsPasted)

@@ -196,8 +196,10 @@ TEST_F(Export, EverythingThatWouldDisturbItRests)
         return job.run();
     };
     openAndPaint();
+    panel().field(Setting::BlurAmount)->setFocus();
     save(m_folder.filePath(QStringLiteral("out.png")));
     EXPECT_TRUE(m_application.isUiDisabled());
+    EXPECT_EQ(m_window->focusWidget(), nullptr) << "a key would close the window";
     EXPECT_FALSE(view().btnExport->isEnabled() || view().btnShareService->isEnabled() ||
                  view().btnAddPhoto->isEnabled() || panel().isEnabled() || canvas().isEnabled());
     EXPECT_TRUE(view().progressBar->isVisible());
@@ -214,6 +216,7 @@ TEST_F(Export, EverythingThatWouldDisturbItRests)
     waitForTheEnd();
     EXPECT_EQ(m_screen->imageUrl(), before);
     EXPECT_TRUE(panel().isEnabled() && view().btnExport->isEnabled());
+    EXPECT_EQ(m_window->focusWidget(), panel().field(Setting::BlurAmount));
     EXPECT_FALSE(m_application.isUiDisabled());
 }
 

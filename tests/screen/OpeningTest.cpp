@@ -85,9 +85,12 @@ TEST_F(Opening, ABrokenFileIsRefusedWithASentenceAndCostsNobodyTheirPainting)
 {
     start();
     const QString text = file(u"text.jpg"_qs, "just words");
+    view().btnAddPhotoOnPrompt->setFocus();
     m_screen->photoDraggedWithPath(text);
+    EXPECT_FALSE(view().btnAddPhotoOnPrompt->hasFocus()) << "hidden meanwhile";
     EXPECT_EQ(answeredSheet(), u"ERROR_CANT_OPEN %@|REFUSED_NOT_A_PICTURE text.jpg"_qs);
     expectNoPhoto();
+    EXPECT_EQ(m_window->focusWidget(), view().btnAddPhotoOnPrompt);
     const QString before = photo(u"before.png"_qs, {300, 200});
     open(before);
     stroke({0.3, 0.5}, {0.6, 0.5});

@@ -34,6 +34,9 @@ TEST_F(PaintModes, TheBrushSlidersReachTheBrush)
     panel().slider(Setting::BrushDiameter)->setValueByUser(50.7);
     EXPECT_FLOAT_EQ(canvas().pointSize(), 1.32F * 50.7F);
     EXPECT_EQ(panel().field(Setting::BrushDiameter)->text(), u"50"_qs);
+    panel().slider(Setting::BrushSizeAuto)->setValueByUser(80.6);
+    EXPECT_FLOAT_EQ(canvas().pointSize(), 1.32F * 81);
+    EXPECT_EQ(panel().field(Setting::BrushDiameter)->text(), u"80"_qs);
     panel().btnResetSliderSettingsTapped(SettingsPanel::kResetMasking);
     EXPECT_FLOAT_EQ(canvas().hardness(), 0);
     EXPECT_FLOAT_EQ(canvas().pointSize(), 64.8F);
@@ -73,40 +76,6 @@ TEST_F(PaintModes, ANewPhotoStartsEmptyWhateverIsStillDueOrUnderWay)
     EXPECT_EQ(paintAt({0.5, 0.5}), 0) << "the stroke on the photo before";
     EXPECT_GT(paintAt({0.5, 0.15}), 200) << "the stroke on this one";
     EXPECT_EQ(canvas().arrDrawedPoints()->size(), 11U);
-}
-
-TEST_F(PaintModes, ADraggedSliderWaitsForTheOneBefore)
-{
-    Gate gate;
-    std::atomic<bool> held = false;
-    std::atomic<int> shownBlur = -1;
-    m_work.render = [&](const PreviewJob &job) {
-        ++m_rendered;
-        if (held)
-            gate.pass();
-        shownBlur = int(job.settings.blurAmount.value_or(0));
-        return job.resizedInputImage;
-    };
-    openPhoto();
-    letTimersFire(kAfterRedraw);
-    FloatSlider *blur = panel().slider(Setting::BlurAmount);
-    blur->setValueByUser(10);
-    ASSERT_TRUE(QTest::qWaitFor([&] { return shownBlur == 10; }));
-    held = true;
-    const int before = m_rendered;
-    const int width = blur->width();
-    QTest::mousePress(blur, Qt::LeftButton, {}, {width / 2, 10});
-    ASSERT_TRUE(QTest::qWaitFor([&] { return m_rendered == before + 1; }));
-    for (const int x : {width * 2 / 3, width - 1}) {
-        QTest::mouseMove(blur, {x, 10});
-        letTimersFire(50);
-    }
-    EXPECT_LT(blur->value(), 60) << "where it was pressed";
-    held = false;
-    gate.open(1);
-    EXPECT_TRUE(QTest::qWaitFor([&] { return shownBlur == 100; })) << "the pointer's place";
-    EXPECT_EQ(m_rendered, before + 2);
-    m_screen.reset(); // its threads use what stands here
 }
 
 } // namespace

@@ -53,16 +53,16 @@ TEST(Places, OfWhatPanelBarAndSheetsHold)
          "12: 16 GROUP_BLURRED_AREA*/ 16\n8: 16 lblContrast 8 txtContrast[48x24] 16\n0: 16 sliderContrast 16+++++++\n"
          "8: 16 VIGNETTE_COLOR 6 colorPickerVignette 16\n20: 16 GROUP_IN_FOCUS_AREA*/ 4 btnReset3@11 16\n"
          "8: 16 lblInFocusBrightness 8 txtInFocusBrightness[48x24] 16\n0: 16 sliderInFocusBrightness 16++++\n~",
-         "vwSettingOptions: Grouping SETTINGS_PANEL; btnPaint: RadioButton PAINT (PAINT (B)) t^; "
+         "vwSettingOptions: Grouping SETTINGS_PANEL; btnPaint: RadioButton PAINT (PAINT (B)) t^x; "
          "btnEraser: RadioButton ERASE (ERASE (E)) t^; "
          "btnBlurEverything: Button BLUR_EVERYTHING (BLUR_EVERYTHING (Ctrl+Shift+A)) t^; "
          "btnClearPainting: Button CLEAR_PAINTING (CLEAR_PAINTING (Del)) t^; btnReset0: Button GROUP_BRUSH: RESET t; "
-         "BrushDiameter=BRUSH_SIZE s; BrushHardness=BRUSH_HARDNESS s; BrushSizeAuto=SLIDER_BRUSH_SIZE_AUTO; "
-         "btnReset1: Button GROUP_BLUR: RESET t; BlurAmount=BLUR s; Vignette=SLIDER_VIGNETTE; "
-         "btnMoreSettings: ButtonDropDown SLIDERS_WITHOUT_EFFECT t^; Contrast=SLIDER_CONTRAST s; "
+         "BrushDiameter=BRUSH_SIZE s; BrushHardness=BRUSH_HARDNESS s; BrushSizeAuto=SLIDER_BRUSH_SIZE_AUTO o; "
+         "btnReset1: Button GROUP_BLUR: RESET t; BlurAmount=BLUR s; Vignette=SLIDER_VIGNETTE o; "
+         "btnMoreSettings: ButtonDropDown SLIDERS_WITHOUT_EFFECT t^v; Contrast=SLIDER_CONTRAST s; "
          "Highlights=SLIDER_HIGHLIGHTS s; Saturation=SLIDER_SATURATION s; Warmth=SLIDER_WARMTH s; "
-         "MotionBlurAmount=SLIDER_MOTION_BLUR_AMOUNT; MotionRadialTwist=SLIDER_MOTION_RADIAL_TWIST; "
-         "MotionLinearAngle=SLIDER_MOTION_LINEAR_ANGLE; EdgeBlurAmount=SLIDER_EDGE_BLUR_AMOUNT; "
+         "MotionBlurAmount=SLIDER_MOTION_BLUR_AMOUNT o; MotionRadialTwist=SLIDER_MOTION_RADIAL_TWIST o; "
+         "MotionLinearAngle=SLIDER_MOTION_LINEAR_ANGLE o; EdgeBlurAmount=SLIDER_EDGE_BLUR_AMOUNT o; "
          "colorPickerVignette: Button VIGNETTE_COLOR t^; btnReset3: Button GROUP_IN_FOCUS_AREA: RESET t; "
          "InFocusBrightness=SLIDER_IN_FOCUS_BRIGHTNESS s; InFocusSharpness=SLIDER_IN_FOCUS_SHARPNESS s; "
          "InFocusClarity=SLIDER_IN_FOCUS_CLARITY s; InFocusVividness=SLIDER_IN_FOCUS_VIVIDNESS s; "
@@ -89,7 +89,7 @@ TEST(Places, OfWhatPanelBarAndSheetsHold)
     static const QRegularExpression kFurther(
         QStringLiteral("\n4: 16 lbl\\w+ 8 txt\\w+\\[48x24\\] 16\n0: 16 slider\\w+ 16"));
     static const QRegularExpression kRow(
-        QStringLiteral("txt(\\w+): EditableText (\\w+)( s)?; slider\\1: Slider \\2 s"));
+        QStringLiteral("txt(\\w+): EditableText (\\w+)( s| o)?; slider\\1: Slider \\2 s"));
     for (const auto &[widget, outline, told] : rows) {
         widget->show();
         ASSERT_TRUE(QTest::qWaitForWindowExposed(widget));

@@ -1,19 +1,18 @@
 // The parts that the main screen is built from and that need no window of its own.
 #include "../controls/WidgetEvents.h"
+#include "FocusRing.h"
 #include "KeyboardCursor.h"
 #include "OverviewView.h"
 #include "PaintControl.h"
 #include "PaintView.h"
 #include "PhotoImageView.h"
-#include "PhotoTest.h"
 #include "ZoomField.h"
 
 #include <gtest/gtest.h>
 
-#include <QDir>
-#include <QFile>
+#include <QAccessible>
 #include <QLineEdit>
-#include <QTemporaryDir>
+#include <QPainter>
 #include <QTest>
 
 namespace hazelmark {
@@ -128,23 +127,50 @@ TEST(KeyboardCursor, GoesInStepsWithinWhatIsSeen)
     }
 }
 
-TEST(PhotoTest, GoesByTheNameAndWhereThatSaysNothingByTheFirstBytes)
+TEST(KeyboardCursor, ShowsItsCircleWhileItHasTheFocusAndIsAValueForScreenReaders)
 {
-    const QTemporaryDir folder;
-    const auto path = [&](const char16_t *name, const QByteArray &content) {
-        QFile file(folder.filePath(QString::fromUtf16(name)));
-        EXPECT_TRUE(file.open(QIODevice::WriteOnly));
-        file.write(content);
-        return file.fileName();
+    QWidget window;
+    PaintView canvas(&window);
+    PaintControl control(&canvas);
+    canvas.setFrame({0, 0, 400, 300});
+    KeyboardCursor cursor(canvas, &window);
+    cursor.setGeometry(canvas.geometry());
+    const auto expected = [&] {
+        QImage picture(cursor.size(), QImage::Format_ARGB32);
+        picture.fill(Qt::transparent);
+        QPainter painter(&picture);
+        const QImage circle = canvas.cursorImage();
+        painter.drawImage(cursor.place() - QPointF(circle.width(), circle.height()) / 2, circle);
+        drawFocusRing(painter, cursor);
+        return picture;
     };
-    const QByteArray png("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16);
-    EXPECT_TRUE(isReadablePhotoFile(path(u"Ü 100%.PNG", png)));
-    EXPECT_TRUE(isReadablePhotoFile(path(u"no extension", png)));
-    EXPECT_FALSE(isReadablePhotoFile(path(u"text.txt", "words")));
-    EXPECT_FALSE(isReadablePhotoFile(path(u"drawing.svg", "<svg xmlns='http://www.w3.org/2000/svg'/>")));
-    ASSERT_TRUE(QDir(folder.path()).mkdir(u"folder.jpg"_qs));
-    EXPECT_FALSE(isReadablePhotoFile(folder.filePath(u"folder.jpg"_qs)));
-    EXPECT_FALSE(isReadablePhotoFile(folder.filePath(u"missing.jpg"_qs)));
+    window.show();
+    cursor.setFocus(Qt::MouseFocusReason);
+    EXPECT_FALSE(cursor.isCircleShown());
+    cursor.clearFocus();
+    focusByKeyboard(cursor);
+    EXPECT_TRUE(cursor.isCircleShown());
+    EXPECT_EQ(cursor.place(), QPointF(200, 150));
+    EXPECT_EQ(drawn(cursor), expected());
+    EXPECT_EQ(profileOf(drawn(cursor), {0, 20}), "ax2 0x396 ax2");
+    cursor.resize(200, 100);
+    canvas.setFrame({0, 0, 200, 100});
+    cursor.resize(201, 100);
+    EXPECT_EQ(cursor.place(), QPointF(100, 50));
+    for (const auto &[key, isTaken] : {std::pair{Qt::Key_Left, true}, {Qt::Key_Space, true}, {Qt::Key_B, false}}) {
+        QKeyEvent shortcut(QEvent::ShortcutOverride, key, {});
+        shortcut.ignore();
+        QCoreApplication::sendEvent(&cursor, &shortcut);
+        EXPECT_EQ(shortcut.isAccepted(), isTaken);
+    }
+    cursor.setPainted(0.25, QStringLiteral("a quarter"));
+    QAccessibleInterface *told = QAccessible::queryAccessibleInterface(&cursor);
+    EXPECT_EQ(told->text(QAccessible::Description), QStringLiteral("a quarter"));
+    EXPECT_EQ(told->valueInterface()->currentValue().toDouble() / told->valueInterface()->maximumValue().toDouble(),
+              0.25);
+    cursor.clearFocus();
+    EXPECT_FALSE(cursor.isCircleShown());
+    EXPECT_EQ(profileOf(drawn(cursor), {0, 50}), "0x201");
 }
 
 } // namespace hazelmark

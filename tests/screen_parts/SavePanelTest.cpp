@@ -1,6 +1,11 @@
 #include "SavePanel.h"
 
+#include "../support/Outline.h"
 #include "../support/ScreenApplication.h"
+#include "FloatSlider.h"
+#include "ProcessWide.h"
+#include "UserDefaults.h"
+#include "ViewSettings.h"
 
 #include <QComboBox>
 #include <QDialogButtonBox>
@@ -103,6 +108,34 @@ TEST_F(SavePanelTest, ANameAlwaysEndsInAnExtensionOfTheList)
         save();
         EXPECT_EQ(m_chosen, QStringList(inOut(written))) << m_panel->message().toStdString();
     }
+}
+
+TEST_F(SavePanelTest, OffersFormatsAndToWhoSeesAllSettingsTheQuality)
+{
+    UserDefaults defaults(m_folder.filePath(QStringLiteral("defaults.conf")));
+    const ProcessWide<UserDefaults>::Replacement replacement(defaults);
+    ViewSettings::setShowsAllSettings(true);
+    open(QStringLiteral("a.jpg"));
+    auto *options = m_panel->findChild<QWidget *>(QStringLiteral("viewExportOptions"));
+    EXPECT_EQ(outlineOf(*options).toStdString(),
+              "0: 0 btnPopupFileFormat 16 lblQuality 8 lblLow@11' 8 sliderExportQuality 8 lblhigh@11' ~\n"
+              "~: ~ QUALITY_WITHOUT_EFFECT@11' ~\n0");
+    EXPECT_EQ(toldOf(*options).toStdString(),
+              "btnPopupFileFormat: ComboBox JPEG (*.jpg); sliderExportQuality: Slider QUALITY s");
+    EXPECT_EQ(m_panel->sliderExportQuality()->value(), 0.92);
+    EXPECT_EQ(m_panel->focusWidget(), m_panel->nameField());
+    EXPECT_EQ(m_panel->nameField()->selectedText(), QStringLiteral("a"));
+    // What is typed, the format that this chooses.
+    for (const auto &[typed, format] :
+         {std::pair{"x.png", "PNG"}, {"x.none", "PNG"}, {"x.jpg", "JPEG"}, {"x.png", "PNG"}}) {
+        type(QLatin1String(typed));
+        const QString chosen = m_panel->btnPopupFileFormat()->currentText();
+        EXPECT_TRUE(chosen.startsWith(QLatin1String(format))) << typed;
+        EXPECT_EQ(m_panel->sliderExportQuality()->isVisible(), chosen.startsWith(u'J')) << typed;
+    }
+    chooseFormat("JPEG (*.jpg)");
+    EXPECT_EQ(m_panel->nameField()->text(), QStringLiteral("x.jpg"));
+    EXPECT_TRUE(m_panel->sliderExportQuality()->isVisible());
 }
 
 TEST_F(SavePanelTest, AsksBeforeItReplacesWhatWillReallyBeWrittenAndLooksAgainThen)

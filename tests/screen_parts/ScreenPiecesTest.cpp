@@ -1,4 +1,5 @@
 // The smaller pieces of the main screen: summary bar and the view that photos are dropped on.
+#include "../controls/WidgetEvents.h"
 #include "../support/ScreenApplication.h"
 #include "FileDraggingView.h"
 #include "SummaryBar.h"
@@ -88,6 +89,11 @@ TEST_F(FileDraggingViewTest, TakesPhotosInOrderAndAlwaysAsACopy)
     EXPECT_EQ(drag<QDropEvent>(data), Qt::CopyAction);
     EXPECT_EQ(m_dropped, QStringList({QStringLiteral("/p/50 % ü.jpg"), QStringLiteral("/p/a#b?.jpg"),
                                       QStringLiteral("/p/2.jpg")}));
+    m_view.setHighlighted(true);
+    EXPECT_EQ(profileOf(drawn(m_view), {0, 200}), "ax3 0x394 ax3");
+    QDragLeaveEvent leave;
+    QCoreApplication::sendEvent(&m_view, &leave);
+    EXPECT_FALSE(m_view.isHighlighted());
 }
 
 TEST_F(FileDraggingViewTest, OneOtherFileRefusesTheWholeDrag)

@@ -1,7 +1,10 @@
 #include "SettingsPanel.h"
 
+#include "../controls/WidgetEvents.h"
 #include "../support/ScreenApplication.h"
+#include "ColorWell.h"
 #include "CoreFilterObject.h"
+#include "DisclosureButton.h"
 #include "FloatSlider.h"
 #include "HighlightButton.h"
 #include "IMGButton.h"
@@ -128,13 +131,26 @@ TEST_F(SettingsPanelTest, AFieldTakesNumbersThatAreTypedSlowlyAndStepsItsSlider)
     QTest::keyClicks(field, QStringLiteral("5"));
     EXPECT_EQ(value(Setting::BlurAmount), 4) << "it waits for the next key";
     EXPECT_TRUE(takes(45));
+    type(Setting::BlurAmount, "45");
+    m_effect.clear();
+    QTest::keyClicks(field, QStringLiteral("0"));
+    m_panel.setEnabled(false); // an export begins
+    EXPECT_TRUE(QTest::qWaitFor([&] { return shown(Setting::BlurAmount) == QStringLiteral("45"); }));
+    m_panel.setEnabled(true);
+    field->setFocus();
     // A corrected number gives way to what is typed next.
     type(Setting::BlurAmount, "450");
     EXPECT_EQ(field->selectedText(), QStringLiteral("100"));
     QTest::keyClicks(field, QStringLiteral("7"));
     EXPECT_TRUE(takes(7));
-    QTest::keyClick(field, Qt::Key_Up);
-    EXPECT_EQ(shown(Setting::BlurAmount), QStringLiteral("8"));
+    for (const auto &[key, number] : {std::pair{Qt::Key_Up, "8"},
+                                      {Qt::Key_PageUp, "18"},
+                                      {Qt::Key_Down, "17"},
+                                      {Qt::Key_PageDown, "7"},
+                                      {Qt::Key_Up, "8"}}) {
+        QTest::keyClick(field, key);
+        EXPECT_EQ(shown(Setting::BlurAmount), QLatin1String(number));
+    }
     const auto turn = [](QLineEdit *target) {
         QWheelEvent wheel(QPointF(5, 5), target->mapToGlobal(QPointF(5, 5)), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
                           Qt::NoScrollPhase, false);
@@ -144,6 +160,43 @@ TEST_F(SettingsPanelTest, AFieldTakesNumbersThatAreTypedSlowlyAndStepsItsSlider)
     EXPECT_EQ(value(Setting::BlurAmount), 9);
     turn(m_panel.field(Setting::BrushHardness)); // not what the person works in: scrolling past it changes nothing
     EXPECT_EQ(value(Setting::BrushHardness), 0);
+}
+
+TEST_F(SettingsPanelTest, TheVignettesColourIsChosenInAWindowThatBlocksNothing)
+{
+    m_panel.setAllSettingsShown(true);
+    ColorWell &well = *m_panel.colorPickerVignette();
+    well.setColor({});
+    well.click();
+    well.click();
+    ASSERT_EQ(well.findChildren<QColorDialog *>().size(), 1);
+    QColorDialog &colors = *well.colorPanel();
+    EXPECT_TRUE(colors.isVisible() && !colors.isModal());
+    EXPECT_EQ(colors.windowTitle(), QStringLiteral("VIGNETTE_COLOR %@"));
+    EXPECT_EQ(colors.options(), QColorDialog::DontUseNativeDialog | QColorDialog::NoButtons);
+    for (const QColor &color : {QColor(Qt::red), QColor(Qt::red), QColor(0x40, 0x40, 0x40)})
+        colors.setCurrentColor(color);
+    EXPECT_EQ(m_process.size(), 2) << "changes only";
+    EXPECT_EQ(m_panel.createPresetObjectFromSettingWithTitle({}).colorVignette, QColor(0x40, 0x40, 0x40));
+    well.closeColorPanel();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return well.colorPanel() == nullptr; }));
+    // It, as it is, disabled and with the focus; and the button that unfolds the rest.
+    for (const auto &[isEnabled, profile] : {std::pair{false, "3x1 1x46 3x1"}, {true, "7x1 4x46 7x1"}}) {
+        well.setEnabled(isEnabled);
+        EXPECT_EQ(profileOf(drawn(well), {0, 12}), profile);
+    }
+    focusByKeyboard(well);
+    EXPECT_EQ(profileOf(drawn(well), {0, 12}), "ax2 4x44 ax2");
+    auto *button = m_panel.findChild<DisclosureButton *>();
+    focusByKeyboard(*button);
+    EXPECT_EQ(profileOf(drawn(*button), {5, 0}), "ax2 0x" + std::to_string(button->height() - 4) + " ax2");
+    const QImage unfolded = drawn(*button);
+    QTest::keyClick(button, Qt::Key_Return);
+    EXPECT_FALSE(m_panel.isUnfolded());
+    EXPECT_NE(drawn(*button), unfolded);
+    button->setText({});
+    m_panel.setFocus();
+    EXPECT_EQ(profileOf(drawn(*button), {0, button->height() / 2}), "0x10 4x1 ax1 1x1 0x205");
 }
 
 TEST_F(SettingsPanelTest, EveryResetRestoresItsGroupAndAsksForAPreview)
@@ -174,31 +227,6 @@ TEST_F(SettingsPanelTest, EveryResetRestoresItsGroupAndAsksForAPreview)
     m_panel.resetAllSlidersAndTextfields();
     EXPECT_EQ(value(S::Vignette), 0.3) << "opening a photo keeps the vignette";
     EXPECT_EQ(value(S::BrushDiameter) + value(S::InFocusVividness) + value(S::BlurAmount), 40 + 50 + 60);
-}
-
-TEST_F(SettingsPanelTest, APresetHasTheNumberOfEverySlider)
-{
-    setAll(0.75);
-    for (const SettingRow &row : settingsTable())
-        m_panel.slider(row.setting)->stepBy(-int(row.setting)); // a number of its own each
-    const CoreFilterObject preset = m_panel.createPresetObjectFromSettingWithTitle(QStringLiteral("Dusk"));
-    EXPECT_EQ(preset.strPresetTitle, QStringLiteral("Dusk"));
-    using S = Setting;
-    const std::pair<S, CoreFilterObject::Number> numbers[]{{S::BlurAmount, preset.blurAmount},
-                                                           {S::Vignette, preset.vignetteAmount},
-                                                           {S::Contrast, preset.contrastAmount},
-                                                           {S::Highlights, preset.highlightsAmount},
-                                                           {S::Saturation, preset.saturationAmount},
-                                                           {S::Warmth, preset.warmthAmount},
-                                                           {S::MotionBlurAmount, preset.motionBlurAmount},
-                                                           {S::InFocusBrightness, preset.inFocusBrightness},
-                                                           {S::InFocusSharpness, preset.inFocusSharpness},
-                                                           {S::InFocusClarity, preset.inFocusClarity},
-                                                           {S::InFocusVividness, preset.inFocusVividness},
-                                                           {S::InFocusWarmth, preset.inFocusWarmth}};
-    for (const auto &[setting, number] : numbers)
-        EXPECT_EQ(number, float(value(setting))) << int(setting);
-    EXPECT_EQ(preset.motionRadialTwist, 0) << "these are not taken";
 }
 
 TEST(NumberTextTest, ReadsTheNumberThatATextBeginsWithAndWritesWholeOnes)

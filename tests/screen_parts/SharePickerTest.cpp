@@ -131,6 +131,13 @@ protected:
 TEST_F(SharePickerTest, OffersWhatThereIsAndHandsTheFileOver)
 {
     show();
+    SheetQueue &sheets = SheetQueue::forWindow(m_window);
+    sheets.present(new QDialog);
+    EXPECT_EQ(sheets.current(), nullptr) << "it waits for the menu";
+    m_picker->menu()->close();
+    EXPECT_TRUE(QTest::qWaitFor([&] { return sheets.current() != nullptr; }));
+    sheets.current()->close();
+    show();
     EXPECT_TRUE(service("SHARE_EMAIL")->isEnabled() && service("SHARE_COPY")->isEnabled());
     QAction *openWith = service("SHARE_OPEN_WITH");
     ASSERT_TRUE(QTest::qWaitFor([&] { return openWith->isEnabled(); }));
@@ -148,6 +155,10 @@ TEST_F(SharePickerTest, OffersWhatThereIsAndHandsTheFileOver)
     EXPECT_EQ(sent->pixels.size(), QSize(40, 30));
     EXPECT_GT(sent->pixels.pixelColor(3, 3).red(), 250);
     EXPECT_EQ(alert(), nullptr);
+    const QString sender = m_folder.filePath(QStringLiteral("bluedevil-sendfile"));
+    writeFile(sender, "#!/bin/sh\n", true);
+    choose("SHARE_BLUETOOTH");
+    EXPECT_EQ(launched(3), QStringList({sender, QStringLiteral("-f"), viewer.value(2)}));
 }
 
 TEST_F(SharePickerTest, AServiceThatFailsSaysSo)
@@ -280,15 +291,16 @@ TEST(EmailComposer, HandsTheOpenFileToThePortalOrElseToTheDesktopsCommand)
     FakePortal portal;
     LaunchingWorkspace workspace;
     const ProcessWide<Workspace>::Replacement replacement{workspace};
-    const auto opens = [&] {
+    const auto opens = [&](const QString &path) {
         workspace.m_launched.clear();
         EmailComposer composer(bus);
         std::optional<bool> opened;
-        composer.composeWithAttachment(attachment, [&](bool ok) { opened = ok; });
+        composer.composeWithAttachment(path, [&](bool ok) { opened = ok; });
         EXPECT_TRUE(QTest::qWaitFor([&] { return opened.has_value(); }));
         return opened == true;
     };
-    EXPECT_TRUE(opens()) << "without a portal";
+    EXPECT_FALSE(opens(folder.filePath(QStringLiteral("none.jpg"))));
+    EXPECT_TRUE(opens(attachment)) << "without a portal";
     const QList<QStringList> command{{QStringLiteral("xdg-email"), QStringLiteral("--attach"), attachment}};
     EXPECT_EQ(workspace.m_launched, command);
     ASSERT_TRUE(portalBus.registerVirtualObject(QStringLiteral("/org/freedesktop/portal/desktop"), &portal));
@@ -298,7 +310,7 @@ TEST(EmailComposer, HandsTheOpenFileToThePortalOrElseToTheDesktopsCommand)
         const bool byCommand = response == 2 || response < 0;
         portal.m_response = response;
         workspace.m_succeeds = response >= 0;
-        EXPECT_EQ(opens(), response >= 0) << response;
+        EXPECT_EQ(opens(attachment), response >= 0) << response;
         EXPECT_EQ(workspace.m_launched, byCommand ? command : QList<QStringList>()) << response;
         EXPECT_EQ(std::exchange(portal.m_attached, {}), "the picture") << response;
     }

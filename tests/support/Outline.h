@@ -85,7 +85,8 @@ inline QString outlineOf(const QWidget &root)
 
 /// What keyboard, pointer and screen reader find in `root`: "name: ROLE accessible name [description] (tool tip)" of
 /// each widget that has something to tell beside its text; then t or s where it takes the focus by Tab or by anything,
-/// ^ where the pointer is a hand, - where it is disabled, ! for what Return presses. Two that tell the same share it.
+/// ^ where the pointer is a hand, - where it is disabled, ! for what Return presses, o for what is read only, x for
+/// what is on, v for what is unfolded. Two that tell the same share it.
 inline QString toldOf(QWidget &root)
 {
     QStringList found;
@@ -101,6 +102,8 @@ inline QString toldOf(QWidget &root)
         flags += QLatin1String(widget->focusPolicy() == Qt::StrongFocus ? "s" : "");
         flags += QLatin1String(widget->cursor().shape() == Qt::PointingHandCursor ? "^" : "");
         flags += QLatin1String(widget->isEnabledTo(&root) ? "" : "-");
+        flags += QLatin1String(told->role() == QAccessible::EditableText && told->state().readOnly ? "o" : "");
+        flags += QLatin1String(told->state().checked ? "x" : told->state().expanded ? "v" : "");
         flags += QLatin1String(button && button->isDefault() ? "!" : "");
         QString line = QString::fromLatin1(QMetaEnum::fromType<QAccessible::Role>().valueToKey(told->role()));
         line +=

@@ -99,11 +99,9 @@ void MainScreenVC::initialViewSet()
     m_view->btnExport->setEnabled(false);
     m_view->btnShareService->setEnabled(false);
     m_session->setIsRunningAlgorithm(false);
-    m_view->progressBar->hide();
     m_isResizingWindow = false;
     m_menuSelectedIndex = -1;
     m_session->painting().setToolType(Painting::kToolNone);
-    m_view->setPanelAndBarVisible(false);
     showHideRightMenu();
     setLocalizedStrings();
     m_application.setIsUiDisabled(true);

@@ -4,8 +4,6 @@
 #include "MainScreenView.h"
 #include "SummaryBar.h"
 
-#include <QTimer>
-
 #include <chrono>
 
 namespace hazelmark {
@@ -19,7 +17,14 @@ constexpr std::chrono::seconds kReadingTime{15};
 Notices::Notices(MainScreenView &view)
     : QObject(&view)
     , m_view(view)
+    , m_read(this)
 {
+    m_read.setSingleShot(true);
+    m_read.setInterval(kReadingTime);
+    connect(&m_read, &QTimer::timeout, this, [this] {
+        if (m_view.vwBottom->exportText() == m_said)
+            m_view.vwBottom->clearExport();
+    });
 }
 
 void Notices::say(const QString &text)
@@ -28,10 +33,8 @@ void Notices::say(const QString &text)
         m_callout->close();
     if (m_view.vwBottom->isVisible()) {
         m_view.vwBottom->showMessage(text);
-        QTimer::singleShot(kReadingTime, m_view.vwBottom, [bar = m_view.vwBottom, text] {
-            if (bar->exportText() == text)
-                bar->clearExport();
-        });
+        m_said = text;
+        m_read.start();
         return;
     }
     m_callout = new CalloutWindow(text, m_view.window());

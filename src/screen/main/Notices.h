@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QTimer>
 
 namespace hazelmark {
 
@@ -23,6 +24,8 @@ public:
 private:
     MainScreenView &m_view;
     QPointer<CalloutWindow> m_callout;
+    QString m_said; ///< in the bar
+    QTimer m_read;  ///< by then a person has read it
 };
 
 } // namespace hazelmark
