@@ -152,7 +152,7 @@ void packTile(const Tile &tile, int channels, QImage &drawn, uchar *bits, const 
 } // namespace
 
 Renderer::Renderer(int threads, Progress progress)
-    : m_threads(threads > 0 ? threads : defaultThreadCount())
+    : m_threads(threads)
     , m_progress(std::move(progress))
 {
 }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "FilterImage.h"
+#include "ParallelFor.h"
 
 #include <QImage>
 
@@ -18,7 +19,7 @@ public:
     /// Called with the fraction of tiles done, 0 < f <= 1, from any thread of the render, never by two at once.
     using Progress = std::function<void(double)>;
 
-    explicit Renderer(int threads = 0, Progress progress = {});
+    explicit Renderer(int threads = defaultThreadCount(), Progress progress = {});
 
     /// The pixels of the image's extent, top row first: RGBX8888 or RGBA8888 for 8-bit pictures, RGBX64 or RGBA64 for
     /// 16-bit ones. A null image for the empty picture. Throws std::bad_alloc when memory runs out.

@@ -28,7 +28,7 @@ double ScaledPainting::largestScale(QSizeF frame, QSizeF photo)
     return std::max(1.0, largest);
 }
 
-QImage ScaledPainting::mask(int threads) const
+QImage ScaledPainting::mask() const
 {
     const QSize size = CanvasPart::canvasSize(frame, scale);
     if (size.isEmpty())
@@ -38,7 +38,7 @@ QImage ScaledPainting::mask(int threads) const
         throw std::bad_alloc();
     uchar *const bits = mask.bits(); // here, on one thread: it may detach
     const int bands = (size.height() + kBandLines - 1) / kBandLines;
-    parallelFor(bands, threads > 0 ? threads : defaultThreadCount(), [&](int band) {
+    parallelFor(bands, defaultThreadCount(), [&](int band) {
         CanvasPart part(frame, scale, QRect(0, band * kBandLines, size.width(), kBandLines));
         part.drawOn(*steps, 1);
         for (int y = 0; y < part.rect().height(); ++y) {

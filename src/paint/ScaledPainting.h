@@ -27,7 +27,7 @@ struct ScaledPainting
 
     /// The mask that the painting gives, Format_Grayscale8: the green of the canvas. It is drawn band by band, so that
     /// only a few of them are ever there as a canvas. Null for an empty frame; throws std::bad_alloc.
-    QImage mask(int threads = 0) const;
+    QImage mask() const;
 };
 
 } // namespace hazelmark

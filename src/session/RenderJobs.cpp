@@ -43,7 +43,7 @@ Outcome<ImageLoader::Loaded> ExportJob::run() const
     try {
         const Utils &utils = Utils::sharedUtils();
         const PhotoImagePtr source = loaded->photo;
-        const PhotoImagePtr painted = painting.scale > 1 ? PhotoImage::fromBitmap(painting.mask(threads)) : maskImage;
+        const PhotoImagePtr painted = painting.scale > 1 ? PhotoImage::fromBitmap(painting.mask()) : maskImage;
         const PhotoImagePtr mask = utils.scaleImage(painted, source->size());
         PhotoImagePtr blurred = utils.applyfilterOnBlurImage(source, {}, settings);
         const PhotoImagePtr inFocus = utils.applyfilterOnInFocusImage(source, {}, settings);
@@ -51,7 +51,7 @@ Outcome<ImageLoader::Loaded> ExportJob::run() const
         if (v > 0.0f)
             blurred = FlippedImage::vignetteWithRadius(blurred, 0.0f, v, QColor::fromRgbF(0, 0, 0, std::min(v, 1.0f)));
         loaded->photo = FlippedImage::blendWithAlphaMask(blurred, inFocus, mask, kBlendNumber);
-        loaded->photo->bitmap(Renderer(threads, progress));
+        loaded->photo->bitmap(Renderer(defaultThreadCount(), progress));
         return loaded;
     } catch (const std::bad_alloc &) {
         return Failure{Failure::Reason::OutOfMemory, photo->path(), {}};

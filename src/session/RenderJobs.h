@@ -23,7 +23,7 @@ struct PreviewJob
     CoreFilterObject settings;
 
     /// The drawn preview at the input's size; null without input. No darkening: `vignetteAmount` shows at export only.
-    PhotoImagePtr run(int threads = 0) const;
+    PhotoImagePtr run(int threads = defaultThreadCount()) const;
 };
 
 /// One export up to the finished picture; ExportWriter puts it into a file.
@@ -37,7 +37,6 @@ struct ExportJob
     /// The photo where it is decoded already; used only if its file is still as it was.
     std::optional<ImageLoader::Loaded> loaded;
     Renderer::Progress progress;
-    int threads = 0; ///< 0: all processors
 
     /// The photo in full size, upright and RGB, blurred and darkened where the mask is green, drawn.
     Outcome<ImageLoader::Loaded> run() const;

@@ -136,10 +136,9 @@ bool ViewJob::canRun() const
     return (photo && photo->isValid()) || (reduced && covers(reduced->pixelSize(), size));
 }
 
-ViewPicture ViewRenderer::render(const ViewJob &job, int threads)
+ViewPicture ViewRenderer::render(const ViewJob &job)
 {
-    if (threads <= 0)
-        threads = defaultThreadCount();
+    const int threads = defaultThreadCount();
     const QRect part = job.part & QRect(QPoint(), job.size);
     if (!job.canRun() || part.isEmpty())
         return {};

@@ -57,7 +57,7 @@ class ViewRenderer
 {
 public:
     /// Throws std::bad_alloc.
-    ViewPicture render(const ViewJob &job, int threads = 0);
+    ViewPicture render(const ViewJob &job);
 
 private:
     /// The green of a part of the canvas.

@@ -83,10 +83,19 @@ TEST_F(Edits, ManyAreUndoneFromFewSnapshots)
         endStroke();
     }
     for (const bool resizes : {false, true}) {
-        if (resizes)
-            m_session->painting().redraw(); // snapshots of its own
+        if (resizes) { // with snapshots of its own
+            m_canvas.setCanvasSize(m_canvas.canvasSize() / 2);
+            m_session->painting().redraw();
+        }
         for (std::size_t left = pictures.size(); left > 0; --left) {
             m_session->undo();
+            if (resizes) {
+                PaintCanvas fresh;
+                fresh.setScalesStrokes(true);
+                fresh.setCanvasSize(m_canvas.canvasSize());
+                fresh.restoreDrawedPoints(std::make_shared<PaintStepList>(*m_canvas.arrDrawedPoints()));
+                pictures[left - 1] = fresh.snapshot();
+            }
             ASSERT_EQ(m_canvas.snapshot(), pictures[left - 1]) << left;
         }
         while (m_session->redoEdit())

@@ -124,6 +124,14 @@ TEST(ViewTransform, StopsAtFitAndAt100PerCentAndKeepsZoomAndMiddleInAnotherWindo
     transform.setFit();
     EXPECT_TRUE(transform.isFit());
     EXPECT_EQ(transform.frame(), transform.place().fitted);
+    // A window in which all of it is as large, or larger, fits it.
+    for (const QSizeF &view : {QSizeF(1500, 1000), QSizeF(1800, 1200)}) {
+        transform.setPlace(transformOf({6000, 4000}, {1000, 700}).place());
+        transform.setScale(0.25, {500, 350});
+        EXPECT_FALSE(transform.isFit());
+        transform.setPlace(transformOf({6000, 4000}, view).place());
+        EXPECT_TRUE(transform.isFit());
+    }
 }
 
 /// At 100 % what is seen is what the file has, wherever the stroke was painted; a part of it alone is drawn.
@@ -235,18 +243,19 @@ TEST_F(View, DrawsTheSamePictureWhateverWasDrawnBefore)
 /// While a hand zooms, the canvas for the screen only looks like the one of the steps; that one follows.
 TEST_F(View, DrawsTheCanvasFromItsStepsWhenTheZoomIsOver)
 {
-    begin(writePhoto(m_folder, WriteFormat::Png, {}, noise({1500, 1100}, QImage::Format_RGBX8888)));
+    begin(writePhoto(m_folder, WriteFormat::Png, {},
+                     noise({1500, 1000}, QImage::Format_RGBX8888))); // no larger one comes
     m_brush.setHardness(0);
     paintAt(2, {0.3, 0.4}, {0.6, 0.5});
     const QRect part(300, 300, 400, 300);
     for (const double zoom : {1.9, 1.6, 1.5})
-        m_session->requestView((QSizeF(750, 550) * zoom).toSize(), part, zoom, m_settings);
+        m_session->requestView((QSizeF(750, 500) * zoom).toSize(), part, zoom, m_settings);
     ASSERT_TRUE(QTest::qWaitFor([&] { return !m_pictures.empty() && !m_pictures.back().wasInHaste; }));
     const ViewPicture &last = m_pictures.back();
     ASSERT_GE(m_pictures.size(), 2U);
     const ViewPicture &hasty = m_pictures[m_pictures.size() - 2];
     ASSERT_TRUE(hasty.wasInHaste);
-    EXPECT_EQ(hasty.size, QSize(1125, 825));
+    EXPECT_EQ(hasty.size, QSize(1125, 750));
     EXPECT_EQ(hasty.shown, last.shown);
     CanvasPart steps(m_session->painting().scaled().frame, 1.5, last.canvas.rect());
     steps.drawOn(*last.steps, 1);

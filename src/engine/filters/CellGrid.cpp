@@ -101,7 +101,7 @@ CellGrid::CellGrid(const QRect &extent, double radius)
     const double finer = 1.0 - 1.0 / (double(m_scale) * m_scale);
     const double added = m_scale == 1 ? 0.0 : -2.0 / 3.0 * finer - 4.0 * interpolationFor(m_scale).variance;
     m_discRadius = std::sqrt(radius * radius / (double(m_scale) * m_scale) + added);
-    if (m_scale > 1 && m_scale <= kMostKeptPhases)
+    if (m_scale <= kMostKeptPhases)
         for (int q = 0; q < m_scale; ++q)
             m_phases.push_back(tapsAt(q, m_scale));
 }
