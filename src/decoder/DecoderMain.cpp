@@ -73,8 +73,6 @@ Canvas mappedCanvas(const Header &header, const Go &go)
 {
     const Size size = header.frames.at(0);
     const auto stride = size_t(rowBytes(header.layout, size.width));
-    if (go.memorySize < stride * size.height)
-        throw NoPicture(Trouble::OutOfMemory, "the memory for the picture is too small");
     void *const memory = ::mmap(nullptr, go.memorySize, PROT_READ | PROT_WRITE, MAP_SHARED, kMemoryDescriptor, 0);
     if (memory == MAP_FAILED)
         throw std::bad_alloc();

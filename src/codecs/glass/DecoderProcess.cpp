@@ -220,11 +220,15 @@ DecoderProcess::~DecoderProcess()
 
 int DecoderProcess::endStatus()
 {
+    if (m_process == 0)
+        return m_endStatus;
     int status = 0;
     if (::waitpid(m_process, &status, WNOHANG | WUNTRACED) != m_process)
         return -1;
-    if (!WIFSTOPPED(status))
+    if (!WIFSTOPPED(status)) {
         m_process = 0;
+        m_endStatus = status;
+    }
     return status;
 }
 
@@ -275,7 +279,7 @@ std::optional<Failure> DecoderProcess::watch(std::chrono::nanoseconds begin, std
 {
     if (DecodeScope::isUnwanted())
         return end(QStringLiteral("nobody wants it any more"));
-    if (const int status = endStatus(); status >= 0 && WIFSTOPPED(status))
+    if (WIFSTOPPED(endStatus()))
         return end(QStringLiteral("its decoder was stopped"));
     const std::chrono::nanoseconds used = processorTime();
     const auto now = steady_clock::now();
@@ -301,8 +305,14 @@ std::optional<Failure> DecoderProcess::readSome()
     }
     if (count < 0 && (errno == EINTR || errno == EAGAIN))
         return std::nullopt;
-    const std::optional<Failure> failure = awaitEnd(); // it has closed the line
-    return failure ? failure : failureOfEnd(0);
+    return failureOfSilence();
+}
+
+/// It has closed the line.
+Failure DecoderProcess::failureOfSilence()
+{
+    const std::optional<Failure> failure = awaitEnd();
+    return failure ? *failure : failureOfEnd(0);
 }
 
 Outcome<glass::Message> DecoderProcess::receive(std::chrono::milliseconds allowance)
@@ -349,28 +359,26 @@ std::optional<Failure> DecoderProcess::go(qint64 memorySize, qint64 ownMemory, s
     const std::string bytes = glass::packed(go);
     if (::send(m_channel.get(), bytes.data(), bytes.size(), MSG_NOSIGNAL) == ssize_t(bytes.size()))
         return std::nullopt;
-    const int status = endStatus();
-    return status >= 0 && !WIFSTOPPED(status) ? failureOfEnd(status)
-                                              : end(QStringLiteral("its decoder does not listen"));
+    return failureOfSilence();
 }
 
 std::optional<Failure> DecoderProcess::awaitEnd()
 {
     const auto deadline = steady_clock::now() + kIdle;
     pollfd line = {m_channel.get(), POLLIN, 0};
-    while (m_process != 0) {
+    while (true) {
         ::poll(&line, 1, int(kGlance / 1ms)); // it is closed when the process ends, shortly before its status is there
         const int status = endStatus();
-        if (status >= 0 && WIFSTOPPED(status))
+        if (status == 0)
+            return std::nullopt;
+        if (WIFSTOPPED(status))
             return end(QStringLiteral("its decoder was stopped"));
-        if (status >= 0 && (!WIFEXITED(status) || WEXITSTATUS(status) != 0))
+        if (status > 0)
             return failureOfEnd(status);
         if (steady_clock::now() > deadline)
             return end(QStringLiteral("its decoder does not end"));
-        if (m_process != 0)
-            std::this_thread::sleep_for(100us);
+        std::this_thread::sleep_for(100us);
     }
-    return std::nullopt;
 }
 
 Outcome<QImage> DecoderProcess::takePixels(QSize size, qsizetype bytesPerLine, QImage::Format format)

@@ -48,7 +48,8 @@ private:
                    FileDescriptor memory);
     Failure end(const QString &why);
     Failure failureOfEnd(int status) const;
-    /// Its status when it has ended, or -1.
+    Failure failureOfSilence();
+    /// Its status when it has ended or been stopped, or -1, which is neither.
     int endStatus();
     void kill();
     std::chrono::nanoseconds processorTime() const;
@@ -59,6 +60,7 @@ private:
     const SourceFile &m_source;
     std::unique_ptr<Start> m_start; ///< as long as the process may live in it
     pid_t m_process;                ///< 0 once it has ended and been taken leave of
+    int m_endStatus = 0;            ///< with which it has
     FileDescriptor m_channel;
     FileDescriptor m_memory;
     qint64 m_memorySize = 0;
