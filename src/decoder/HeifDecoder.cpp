@@ -52,14 +52,8 @@ void check(const heif_error &error)
 
 std::string metadata(const heif_image_handle *handle, heif_item_id id)
 {
-    constexpr size_t kLargest = 64u * 1024 * 1024;
-    const size_t size = heif_image_handle_get_metadata_size(handle, id);
-    if (size == 0 || size > kLargest)
-        return {};
-    std::string bytes(size, '\0');
-    if (heif_image_handle_get_metadata(handle, id, bytes.data()).code != heif_error_Ok)
-        return {};
-    return bytes;
+    std::string bytes(heif_image_handle_get_metadata_size(handle, id), '\0');
+    return heif_image_handle_get_metadata(handle, id, bytes.data()).code == heif_error_Ok ? bytes : std::string();
 }
 
 class HeifDecoder : public ForeignDecoder
@@ -130,13 +124,9 @@ Header HeifDecoder::readHeader()
 
 void HeifDecoder::takeColors()
 {
-    constexpr size_t kLargestProfile = 64u * 1024 * 1024;
-    const size_t size = heif_image_handle_get_raw_color_profile_size(m_handle.get());
-    if (size > 0 && size <= kLargestProfile) {
-        m_header.iccProfile.resize(size);
-        if (heif_image_handle_get_raw_color_profile(m_handle.get(), m_header.iccProfile.data()).code != heif_error_Ok)
-            m_header.iccProfile.clear();
-    }
+    m_header.iccProfile.resize(heif_image_handle_get_raw_color_profile_size(m_handle.get()));
+    if (heif_image_handle_get_raw_color_profile(m_handle.get(), m_header.iccProfile.data()).code != heif_error_Ok)
+        m_header.iccProfile.clear();
     heif_color_profile_nclx *codes = nullptr;
     if (heif_image_handle_get_nclx_color_profile(m_handle.get(), &codes).code != heif_error_Ok || !codes)
         return;
