@@ -32,7 +32,7 @@ constexpr std::array kPreviewTags = {
 
 /// The same where the library has no names for them.
 constexpr std::array kMinoltaStyleGroups = {"Minolta", "SonyMinolta", "Olympus", "Olympus2"};
-constexpr std::array<uint16_t, 3> kMinoltaStylePreviewTags = {0x0081, 0x0088, 0x0089};
+constexpr std::array kMinoltaStylePreviewTags = {0x0081, 0x0088, 0x0089};
 
 template <typename List, typename Element>
 bool contains(const List &list, const Element &element)

@@ -58,7 +58,6 @@ protected:
         return {process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1, process.readAllStandardOutput(),
                 process.readAllStandardError()};
     }
-    QJsonObject info(const char *line) { return QJsonDocument::fromJson(run(line).output).object(); }
 
     /// One sentence, in a line of its own, that has `part` in it; nothing new in the folder.
     void expectFailure(const char *line, int exitCode, const char *part, const std::function<void()> &prepare = {})
@@ -153,7 +152,7 @@ TEST_F(CommandLineProgram, BadInputIsOneSentenceAndChangesNothing)
 TEST_F(CommandLineProgram, InfoPrintsEveryField)
 {
     picture("rich.jpg", noise({40, 30}, QImage::Format_RGBX8888), WriteFormat::Jpeg, richMetadata());
-    const QJsonObject all = info("info rich.jpg");
+    const QJsonObject all = QJsonDocument::fromJson(run("info rich.jpg").output).object();
     const QJsonObject file = all[QLatin1String("PhotoFile")].toObject();
     const QJsonObject exif = all[QLatin1String("ExifInfo")].toObject();
     EXPECT_EQ(file[QLatin1String("width")].toInt(), 30); // the tag says a quarter turn

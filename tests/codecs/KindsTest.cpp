@@ -65,6 +65,7 @@ struct Kind
     int step = 1;         ///< samples from one of those to the next
 };
 
+const std::vector<int> kPaletteColors = {10, 20, 30, 255, 255, 0, 128, 255, 1, 2, 3, 255};
 constexpr auto kGray8 = QImage::Format_Grayscale8;
 constexpr auto kGray16 = QImage::Format_Grayscale16;
 constexpr auto kRgb8 = QImage::Format_RGBX8888;
@@ -106,22 +107,14 @@ protected:
     }
 };
 
-TEST_F(Kinds, GrayOfEveryDepthIsScaledToTheFullRange)
+/// Grey is scaled to the full range, colours and alpha come straight and unconverted, and ink becomes sRGB.
+TEST_F(Kinds, PngAndJpegSamplesOfEveryKind)
 {
-    constexpr ColorModel kGray = ColorModel::Gray;
-    const auto png = [](int bits, int width, const std::vector<uint8_t> &row) {
+    using Colors = TestJpeg::Colors;
+    constexpr ColorModel kGray = ColorModel::Gray, kCmyk = ColorModel::Cmyk;
+    const auto gray = [](int bits, int width, const std::vector<uint8_t> &row) {
         return makePng({.colorType = PNG_COLOR_TYPE_GRAY, .bitDepth = bits}, width, 1, row);
     };
-    expectKinds({
-        {"1 bit", png(1, 2, {0b01000000}), kGray8, {0, 255}, 1, kGray},
-        {"4 bits", png(4, 4, {0x0f, 0x50}), kGray8, {0, 255, 85, 0}, 4, kGray},
-        {"16 bits", png(16, 2, {0x12, 0x34, 0xff, 0xfe}), kGray16, {0x1234, 0xfffe}, 16, kGray},
-        {"JPEG", jpeg(TestJpeg::Colors::Gray, {{0}, {77}, {255}}), kGray8, {0, 77, 255}, 8, kGray, 0, 16},
-    });
-}
-
-TEST_F(Kinds, ColoursAndAlphaComeStraightAndUnconverted)
-{
     TestPng paletted{.colorType = PNG_COLOR_TYPE_PALETTE, .bitDepth = 2};
     paletted.palette = QByteArray("\x0a\x14\x1e\xff\x00\x80\x01\x02\x03", 9);
     TestPng transparent = paletted;
@@ -130,29 +123,21 @@ TEST_F(Kinds, ColoursAndAlphaComeStraightAndUnconverted)
     gamma.extraChunkType = "gAMA";
     gamma.extraChunk = QByteArray("\x00\x01\x86\xa0", 4); // 1.0
     const QByteArray grays = makePng({.colorType = PNG_COLOR_TYPE_GRAY_ALPHA}, 2, 1, {50, 0, 60, 128});
-    const std::vector<int> opaque = {10, 20, 30, 255, 255, 0, 128, 255, 1, 2, 3, 255};
     const std::vector<int> seeThrough = {10, 20, 30, 0, 255, 0, 128, 64, 1, 2, 3, 255};
     // Not taken for luminance and chroma: the reds, then red and green of the last.
-    const QByteArray rgbJpeg = jpeg(TestJpeg::Colors::Rgb, {{200, 10, 30}, {0, 90, 250}});
-    expectKinds({
-        {"PNG palette", makePng(paletted, 3, 1, {0b00011000}), kRgb8, opaque},
-        {"PNG palette with alpha", makePng(transparent, 3, 1, {0b00011000}), kRgba8, seeThrough},
-        {"PNG with a gamma", makePng(gamma, 1, 1, {100, 50, 3}), kRgb8, {100, 50, 3, 255}},
-        {"PNG grey and alpha", grays, kRgba8, {50, 50, 50, 0, 60, 60, 60, 128}, 8, ColorModel::Gray},
-        {"JPEG of RGB", rgbJpeg, kRgb8, {200, 0}, 8, ColorModel::Rgb, 0, 64},
-        {"TIFF palette", tiff({palette(257)}), kRgb8, opaque},
-        {"TIFF palette of 8 bits", tiff({palette(1)}), kRgb8, opaque},
-        {"TIFF palette of 8 bits, shifted", tiff({palette(256)}), kRgb8, opaque},
-    });
-}
-
-TEST_F(Kinds, InkBecomesSrgb)
-{
-    using Colors = TestJpeg::Colors;
+    const QByteArray rgbJpeg = jpeg(Colors::Rgb, {{200, 10, 30}, {0, 90, 250}});
     const std::vector<std::vector<int>> inks = {{0, 0, 0, 0}, {0, 255, 255, 0}, {0, 0, 0, 255}, {51, 102, 0, 51}};
     const std::vector<int> reds = {255, 255, 0, 163}; // the profile is none: the plain formula is taken
-    constexpr ColorModel kCmyk = ColorModel::Cmyk;
     expectKinds({
+        {"1 bit", gray(1, 2, {0b01000000}), kGray8, {0, 255}, 1, kGray},
+        {"4 bits", gray(4, 4, {0x0f, 0x50}), kGray8, {0, 255, 85, 0}, 4, kGray},
+        {"16 bits", gray(16, 2, {0x12, 0x34, 0xff, 0xfe}), kGray16, {0x1234, 0xfffe}, 16, kGray},
+        {"palette", makePng(paletted, 3, 1, {0b00011000}), kRgb8, kPaletteColors},
+        {"palette with alpha", makePng(transparent, 3, 1, {0b00011000}), kRgba8, seeThrough},
+        {"a gamma", makePng(gamma, 1, 1, {100, 50, 3}), kRgb8, {100, 50, 3, 255}},
+        {"grey and alpha", grays, kRgba8, {50, 50, 50, 0, 60, 60, 60, 128}, 8, kGray},
+        {"JPEG of grey", jpeg(Colors::Gray, {{0}, {77}, {255}}), kGray8, {0, 77, 255}, 8, kGray, 0, 16},
+        {"JPEG of RGB", rgbJpeg, kRgb8, {200, 0}, 8, ColorModel::Rgb, 0, 64},
         {"JPEG of ink", jpeg(Colors::Cmyk, inks), kRgb8, reds, 8, kCmyk, 2, 64},
         {"JPEG of ink as luminance", jpeg(Colors::Ycck, inks), kRgb8, reds, 8, kCmyk, 2, 64},
     });
@@ -181,6 +166,9 @@ TEST_F(Kinds, TiffSamplesOfEveryKind)
     TestTiff luv = page(2, 16, 3, PHOTOMETRIC_LOGLUV, shorts({16384, 6900, 15522, 15872, 6900, 15522}));
     luminance.compression = luv.compression = COMPRESSION_SGILOG;
     const std::pair<TestTiff, Kind> rows[] = {
+        {palette(257), {"palette", {}, kRgb8, kPaletteColors}},
+        {palette(1), {"palette of 8 bits", {}, kRgb8, kPaletteColors}},
+        {palette(256), {"palette of 8 bits, shifted", {}, kRgb8, kPaletteColors}},
         {page(2, 1, 1, kBlack, {0b01000000}), {"1 bit", {}, kGray8, {0, 255}}},
         {page(4, 4, 1, kBlack, {0x0f, 0x50}), {"4 bits", {}, kGray8, {0, 255, 85, 0}}},
         {page(3, 8, 1, PHOTOMETRIC_MINISWHITE, {0, 9, 255}), {"inverted", {}, kGray8, {255, 246, 0}}},
@@ -217,14 +205,15 @@ TEST_F(Kinds, TiffSamplesOfEveryKind)
         {inJpeg, {"JPEG in TIFF", {}, kRgb8, {200, 90, 30, 255, 200}}},
     };
     const auto modelOf = [](const TestTiff &page) {
-        return page.photometric < kRgb || page.photometric == PHOTOMETRIC_LOGL                    ? ColorModel::Gray
+        return (page.photometric < kRgb && page.colorMap.empty()) || page.photometric == PHOTOMETRIC_LOGL
+                   ? ColorModel::Gray
                : page.photometric == PHOTOMETRIC_SEPARATED                                        ? ColorModel::Cmyk
                : page.photometric == PHOTOMETRIC_CIELAB || page.photometric == PHOTOMETRIC_ICCLAB ? ColorModel::Lab
                                                                                                   : ColorModel::Rgb;
     };
     std::vector<Kind> kinds;
     for (auto [page, kind] : rows) {
-        kind.bits = page.bits;
+        kind.bits = page.colorMap.empty() ? page.bits : 8;
         kind.model = modelOf(page);
         kind.tolerance = page.photometric > PHOTOMETRIC_SEPARATED ? 1.3 : 0; // through another space of colours
         const bool isSingle = page.height == 1;
@@ -275,9 +264,9 @@ TEST_F(Kinds, PagesThatAreCopiesOrMasksAreNoFrames)
     mask.subfileType = FILETYPE_MASK;
     TestTiff second = page(5, 8, 3, PHOTOMETRIC_RGB, std::vector<uint8_t>(15, 9));
     second.subfileType = FILETYPE_PAGE;
-    const Read got = read(tiff({thumbnail, picture, mask, second}));
-    EXPECT_EQ(got.info.frames, (std::vector<QSize>{QSize(3, 2), QSize(5, 1)}));
-    EXPECT_EQ(samplesOf(got.picture.pixels, 3), (std::vector<int>{10, 20, 30}));
+    const auto [info, shown] = read(tiff({thumbnail, picture, mask, second}));
+    EXPECT_EQ(info.frames, (std::vector<QSize>{QSize(3, 2), QSize(5, 1)}));
+    EXPECT_EQ(samplesOf(shown.pixels, 3), (std::vector<int>{10, 20, 30}));
     // A file of nothing but copies still shows its first.
     EXPECT_EQ(infoOf(tiff({thumbnail})).frames, std::vector<QSize>{QSize(2, 1)});
 }

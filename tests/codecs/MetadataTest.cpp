@@ -33,12 +33,6 @@ protected:
         EXPECT_EQ(info.iccProfile, metadata.iccProfile);
         return format == WriteFormat::Tiff ? readTiffBlocks(**source) : *readEmbeddedBlocks(**source, info.format);
     }
-    std::optional<QSizeF> dpiOfWritten(WriteFormat format, QSizeF dpi) const
-    {
-        MetadataBlocks metadata;
-        metadata.dpi = dpi;
-        return infoOf(encoded(makePicture(20, 10, QImage::Format_RGBX8888), optionsFor(format, metadata))).dpi;
-    }
 };
 
 TEST_F(Metadata, EachBlockIsReadBackFromEachFormat)
@@ -92,6 +86,9 @@ TEST_F(Metadata, WhatIsTooLargeForASegmentIsSplitShortenedOrLeftOutAlone)
 
 TEST_F(Metadata, ResolutionIsKeptAsPreciselyAsTheFormatHoldsItOrLeftOut)
 {
+    const auto dpiOfWritten = [this](WriteFormat format, QSizeF dpi) {
+        return infoOf(encoded(makePicture(20, 10, QImage::Format_RGBX8888), optionsFor(format, {.dpi = dpi}))).dpi;
+    };
     for (const WriteFormat format : {WriteFormat::Jpeg, WriteFormat::Png, WriteFormat::Tiff, WriteFormat::Bmp}) {
         const std::optional<QSizeF> dpi = dpiOfWritten(format, QSizeF(299.6, 72));
         ASSERT_TRUE(dpi) << int(format);

@@ -4,6 +4,8 @@
 #include "TestPictures.h"
 #include "ZlibStream.h"
 
+#include <QStringEncoder>
+
 #include <gtest/gtest.h>
 
 namespace hazelmark {
@@ -20,12 +22,6 @@ QByteArray saved(const char *format)
 QByteArray head(const char *bytes, qsizetype size)
 {
     return QByteArray(bytes, size) + noiseBytes(500, 4);
-}
-
-QByteArray tiff()
-{
-    const QByteArray tags("\2\0\0\1\3\0\1\0\0\0\x28\0\0\0\x11\1\4\0\1\0\0\0\x40\0\0\0\0\0\0\0", 30);
-    return head("II*\0\x08\0\0\0", 8).insert(8, tags);
 }
 
 struct Kind
@@ -57,7 +53,7 @@ std::vector<Kind> kinds()
         {"BMP without its mark", saved("BMP").mid(14)},
         {"GIF", head("GIF89a\x28\0\x1e\0\0\0\0\x2c", 14)},
         {"WebP", head("RIFF\0\2\0\0WEBPVP8L", 16)},
-        {"TIFF", tiff()},
+        {"TIFF", head("II*\0\x08\0\0\0\2\0\0\1\3\0\1\0\0\0\x28\0\0\0\x11\1\4\0\1\0\0\0\x40\0\0\0\0\0\0\0", 38)},
         {"JPEG 2000", head("\0\0\0\x0cjP  \r\n\x87\n", 12)},
         {"its codestream", head("\xff\x4f\xff\x51\0\x2f", 6)},
         {"JPEG XL", head("\0\0\0\x0cJXL \r\n\x87\n", 12)},
@@ -66,14 +62,6 @@ std::vector<Kind> kinds()
                       "ftypheic",
                       12)},
     };
-}
-
-QByteArray inUtf16(const QByteArray &text)
-{
-    QByteArray wide;
-    for (const char c : text)
-        wide += QByteArray{1, c} + '\0';
-    return wide;
 }
 
 QByteArray broken(const QByteArray &text, const char *by)
@@ -102,7 +90,7 @@ TEST(PictureSearch, FindsEveryKindInEveryEncoding)
             {"an address", "data:image/jpeg;base64," + url},
             {"an address with escapes", QByteArray("data:;base64,") + base64.toPercentEncoding()},
             {"behind a character code", QByteArray("ASCII\0\0\0", 8) + base64},
-            {"UTF-16", inUtf16(base64)},
+            {"UTF-16", QByteArray(QStringEncoder(QStringEncoder::Utf16LE)(QString::fromLatin1(base64)))},
             {"digits in a note", QByteArray("ACME\1\2 ", 7) + file.toHex(' ')},
             {"hexadecimal", file.toHex()},
             {"bytes of C", "{0x" + file.toHex(' ').replace(" ", ", 0x") + "}"},

@@ -68,12 +68,7 @@ protected:
         EXPECT_GT(done, 0.9);
         return pixels;
     }
-    struct Read
-    {
-        PictureInfo info;
-        Picture picture;
-    };
-    Read read(const QByteArray &bytes) const { return {infoOf(bytes), decoded(bytes)}; }
+    std::pair<PictureInfo, Picture> read(const QByteArray &bytes) const { return {infoOf(bytes), decoded(bytes)}; }
     /// Why a file with these bytes is not decoded; nothing when it is.
     std::optional<Failure::Reason> reasonFor(const QByteArray &bytes) const
     {

@@ -14,17 +14,9 @@ namespace hazelmark {
 using testing::noise;
 using testing::samplesAt;
 
-namespace {
-
-struct ImageLoaderFiles : ::testing::Test
+TEST(ImageLoader, ThePictureStandsUprightWithItsProfile)
 {
-    const QTemporaryDir m_folder;
-};
-
-} // namespace
-
-TEST_F(ImageLoaderFiles, ThePictureStandsUprightWithItsProfile)
-{
+    const QTemporaryDir folder;
     for (const QImage::Format format : {QImage::Format_RGBX8888, QImage::Format_RGBA64}) {
         const QImage upright = noise({64, 48}, format);
         for (int orientation = 0; orientation <= 8; ++orientation) { // 0: no metadata
@@ -32,7 +24,7 @@ TEST_F(ImageLoaderFiles, ThePictureStandsUprightWithItsProfile)
             if (orientation % 2 == 1)
                 blocks.iccProfile = QColorSpace(QColorSpace::DisplayP3).iccProfile();
             const QString path =
-                writePhoto(m_folder, WriteFormat::Png, blocks, FlippedImage::RotateWithEXIF(upright, orientation));
+                writePhoto(folder, WriteFormat::Png, blocks, FlippedImage::RotateWithEXIF(upright, orientation));
             const PhotoImagePtr photo = ImageLoader::getImageWithFixedOrientionFromUrl(path);
             ASSERT_TRUE(photo);
             EXPECT_EQ(photo->bitmap(), upright) << orientation;
@@ -44,9 +36,10 @@ TEST_F(ImageLoaderFiles, ThePictureStandsUprightWithItsProfile)
     }
 }
 
-TEST_F(ImageLoaderFiles, GrayBecomesRgbWithTheSameLevels)
+TEST(ImageLoader, GrayBecomesRgbWithTheSameLevels)
 {
-    const QString path = m_folder.filePath(QStringLiteral("gray.pgm"));
+    const QTemporaryDir folder;
+    const QString path = folder.filePath(QStringLiteral("gray.pgm"));
     QImage gray({256, 2}, QImage::Format_Grayscale8);
     for (int x = 0; x < 256; ++x)
         gray.scanLine(0)[x] = gray.scanLine(1)[x] = uchar(x);

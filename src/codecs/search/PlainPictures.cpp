@@ -249,7 +249,7 @@ private:
     /// `at`: the place of the header's size.
     bool isBitmapAt(qsizetype at) const
     {
-        constexpr std::array<quint64, 8> kSizes = {12, 16, 40, 52, 56, 64, 108, 124};
+        constexpr std::array kSizes = {12, 16, 40, 52, 56, 64, 108, 124};
         const quint64 size = little32(at);
         if (std::find(kSizes.begin(), kSizes.end(), size) == kSizes.end())
             return false;
@@ -259,7 +259,7 @@ private:
 
     static bool isDepth(quint64 bits)
     {
-        constexpr std::array<quint64, 8> kDepths = {0, 1, 2, 4, 8, 16, 24, 32};
+        constexpr std::array kDepths = {0, 1, 2, 4, 8, 16, 24, 32};
         return std::find(kDepths.begin(), kDepths.end(), bits) != kDepths.end();
     }
 
@@ -314,7 +314,7 @@ private:
 
     bool leadsToPixels(qsizetype entries, quint64 count, qsizetype entrySize, bool isBigEndian) const
     {
-        constexpr std::array<quint64, 5> kPixelTags = {0x0111, 0x0144, 0x014a, 0x0201, 0xbcc0};
+        constexpr std::array kPixelTags = {0x0111, 0x0144, 0x014a, 0x0201, 0xbcc0};
         constexpr quint64 kMostLooked = 64; // they are in ascending order, and these are among the first
         constexpr quint64 kLastType = 18;
         for (quint64 i = 0; i < std::min(count, kMostLooked); ++i) {
