@@ -68,11 +68,11 @@ TEST(AvailableMemory, IsNoMoreThanTheAddressesThatAreLeft)
 {
     rlimit before = {};
     ASSERT_EQ(::getrlimit(RLIMIT_AS, &before), 0);
-    const rlimit limit{rlim_t(1) << 60, before.rlim_max};
+    const rlimit limit{std::min(rlim_t(1) << 60, before.rlim_max), before.rlim_max};
     ASSERT_EQ(::setrlimit(RLIMIT_AS, &limit), 0);
     const QTemporaryDir root;
     write(root, QStringLiteral("/proc/self/statm"), "1000 17 3\n");
-    EXPECT_EQ(availableMemory(root.path()), (qint64(1) << 60) - 1000 * ::sysconf(_SC_PAGESIZE));
+    EXPECT_EQ(availableMemory(root.path()), qint64(limit.rlim_cur) - 1000 * ::sysconf(_SC_PAGESIZE));
     ::setrlimit(RLIMIT_AS, &before);
 }
 
