@@ -30,7 +30,6 @@ void DotPageControl::setNumberOfPages(int pages)
     m_numberOfPages = std::max(0, pages);
     setCurrentPage(m_currentPage);
     updateGeometry();
-    update();
 }
 
 void DotPageControl::setCurrentPage(int page)

@@ -208,10 +208,8 @@ void FloatSlider::endDrag()
 
 void FloatSlider::changeEvent(QEvent *event)
 {
-    if (event->type() == QEvent::EnabledChange) {
+    if (event->type() == QEvent::EnabledChange)
         endDrag();
-        update();
-    }
     QWidget::changeEvent(event);
 }
 

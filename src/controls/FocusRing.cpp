@@ -18,13 +18,11 @@ void drawFocusRing(QPainter &painter, const QWidget &control)
     constexpr qreal kRadius = 4;
     if (!showsKeyboardFocus(control))
         return;
-    painter.save();
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(theme::kFocus, theme::kFocusRingWidth));
     const qreal inset = theme::kFocusRingWidth / 2.0;
     painter.drawRoundedRect(QRectF(control.rect()).adjusted(inset, inset, -inset, -inset), kRadius, kRadius);
-    painter.restore();
 }
 
 } // namespace hazelmark

@@ -140,7 +140,6 @@ void HighlightButton::paintEvent(QPaintEvent *)
         painter.setFont(titleFont());
         painter.drawText(QRectF(rect()), Qt::AlignCenter | Qt::TextShowMnemonic, text());
     }
-    painter.setOpacity(1.0);
     drawFocusRing(painter, *this);
 }
 

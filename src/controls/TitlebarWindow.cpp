@@ -28,6 +28,7 @@ constexpr int kShadowDrop = 3; ///< how much lower than the frame the shadow lie
 constexpr int kShadowRingAlpha = 7;
 constexpr int kShadowAlphaAtFrame = 78; ///< what the shadow's rings add up to
 constexpr int kButtonSpacing = theme::kGrid;
+constexpr int kButtonLeftMargin = 7;
 
 constexpr std::array<Qt::Edges::Int, 8> kEdges{Qt::LeftEdge,
                                                Qt::RightEdge,
@@ -45,7 +46,6 @@ TitlebarWindow::TitlebarWindow(QWidget *parent)
     , m_composited(Compositor::current().isComposited())
     , m_drawsShadow(Compositor::current().acceptsFrameExtents())
     , m_actions{[this] { closeNow(); }, [this] { showMinimized(); }, [this] { zoom(); }, [this] { toggleFullScreen(); }}
-    , m_titleBarHeight(theme::kTitleBarHeight)
 {
     if (m_composited)
         setAttribute(Qt::WA_TranslucentBackground);
@@ -62,8 +62,12 @@ void TitlebarWindow::makeButtons()
     const auto make = [this](const QString &name, std::function<void()> Actions::*action) {
         auto *button = new IMGButton(this);
         setAccessibleRole(*button, QAccessible::Button);
-        setButtonImages(*button, name + QStringLiteral("-normal"), name + QStringLiteral("-press"),
-                        name + QStringLiteral("-hover"));
+        const QString press = name + QStringLiteral("-press");
+        button->setEndCaps({.off = name + QStringLiteral("-normal"),
+                            .offDisabled = press,
+                            .on = press,
+                            .onDisabled = press,
+                            .hover = name + QStringLiteral("-hover")});
         connect(button, &IMGButton::clicked, this, [this, action] { (m_actions.*action)(); });
         // It pushes; its on state would only linger. What asks before the window closes leaves it on meanwhile.
         connect(button, &IMGButton::clickOver, this, [this, button] {
@@ -88,12 +92,6 @@ void TitlebarWindow::setActions(const Actions &actions)
         if (actions.*action)
             m_actions.*action = actions.*action;
     }
-}
-
-void TitlebarWindow::setButtonImages(IMGButton &button, const QString &normal, const QString &press,
-                                     const QString &hover)
-{
-    button.setEndCaps({.off = normal, .offDisabled = press, .on = press, .onDisabled = press, .hover = hover});
 }
 
 void TitlebarWindow::setButtonNames(const QString &close, const QString &minimize, const QString &zoom,
@@ -129,19 +127,6 @@ void TitlebarWindow::setMenuBar(QMenuBar *menuBar)
     m_menuBar = menuBar;
     menuBar->setParent(this);
     menuBar->show();
-    layOut();
-}
-
-void TitlebarWindow::setTitleBarHeight(int height)
-{
-    m_titleBarHeight = height;
-    layOut();
-}
-
-void TitlebarWindow::setTitleBarButtonMargins(int top, int left)
-{
-    m_buttonTopMargin = top;
-    m_buttonLeftMargin = left;
     layOut();
 }
 
@@ -268,19 +253,15 @@ void TitlebarWindow::layOut()
     const QRect frame = frameRect();
     if (m_content)
         m_content->setGeometry(frame);
-    int left = frame.left() + m_buttonLeftMargin;
-    const auto centred = [&](int height) {
-        return frame.top() + std::max(m_buttonTopMargin, (m_titleBarHeight - height) / 2);
-    };
+    int left = frame.left() + kButtonLeftMargin;
+    const auto centred = [&](int height) { return frame.top() + (theme::kTitleBarHeight - height) / 2; };
     for (IMGButton *button : {m_closeButton, m_minimizeButton, m_zoomButton, m_fullScreenButton}) {
         button->move(left, centred(button->height()));
-        button->raise();
         left += button->width() + kButtonSpacing;
     }
     if (m_menuBar) {
         const QSize size = m_menuBar->sizeHint();
         m_menuBar->setGeometry(left + theme::kSpacing, centred(size.height()), size.width(), size.height());
-        m_menuBar->raise();
     }
     const bool roundCorners = m_composited && !fillsScreen();
     const QColor shadowAtFrame(0, 0, 0, shadowMargins().isNull() ? 0 : kShadowAlphaAtFrame);
@@ -288,7 +269,6 @@ void TitlebarWindow::layOut()
         edge->setVisible(!fillsScreen());
         edge->setCorner(roundCorners ? kCornerRadius : 0, shadowAtFrame);
         edge->place(frame, shadowMargins().left());
-        edge->raise();
     }
 }
 
@@ -323,7 +303,7 @@ void TitlebarWindow::mouseReleaseEvent(QMouseEvent *)
 void TitlebarWindow::mouseDoubleClickEvent(QMouseEvent *event)
 {
     const QPoint point = event->position().toPoint();
-    const bool onStrip = point.y() < frameRect().top() + m_titleBarHeight;
+    const bool onStrip = point.y() < frameRect().top() + theme::kTitleBarHeight;
     if (event->button() == Qt::LeftButton && onStrip && isBackground(point))
         m_actions.zoom();
 }

@@ -45,17 +45,10 @@ public:
     void setMenuBar(QMenuBar *menuBar);      ///< the window owns it
     void setActions(const Actions &actions); ///< those that are empty stay as they were
 
-    int titleBarHeight() const { return m_titleBarHeight; }
-    void setTitleBarHeight(int height);
-    /// The buttons stand in the strip's vertical middle, but `top` or more below its edge.
-    void setTitleBarButtonMargins(int top, int left);
-
     IMGButton *closeButton() const { return m_closeButton; }
     IMGButton *minimizeButton() const { return m_minimizeButton; }
     IMGButton *zoomButton() const { return m_zoomButton; }
     IMGButton *fullScreenButton() const { return m_fullScreenButton; }
-    /// Shows the images named `normal`, `press` and `hover` in the states of a window button.
-    static void setButtonImages(IMGButton &button, const QString &normal, const QString &press, const QString &hover);
     /// Tool tips and accessible names.
     void setButtonNames(const QString &close, const QString &minimize, const QString &zoom, const QString &fullScreen);
 
@@ -112,9 +105,6 @@ private:
     QShortcut *m_leaveFullScreenKey = nullptr;
     std::vector<FrameEdge *> m_edges;
     Actions m_actions;
-    int m_titleBarHeight;
-    int m_buttonTopMargin = 3;
-    int m_buttonLeftMargin = 7;
     QSize m_minimumSize{0, 0};
     QSize m_maximumSize{QWIDGETSIZE_MAX, QWIDGETSIZE_MAX};
     bool m_closing = false; ///< the close event that comes, or is asking, is to be accepted

@@ -90,6 +90,14 @@ class Window(Story):
         self.do_until(lambda: self.stroke_with(BRUSH_BUTTON, 0.3, 0.7, 0.7), lambda: self.is_blurred(0.5, 0.7),
                       "a second stroke")
 
+        # The window is moved by its strip and made narrower by its edge.
+        left, top, width, height = self.desktop.geometry()
+        self.desktop.drag((left + width // 2, top + 30), (left + width // 2 + 90, top + 70))
+        self.wait_for(lambda: self.desktop.geometry()[0] > left + 20, "the window at another place")
+        left, top, width, height = self.desktop.geometry()
+        self.desktop.drag((left + 1, top + height // 2), (left - 80, top + height // 2))
+        self.wait_for(lambda: self.desktop.geometry()[2] > width + 20, "a wider window")
+
         # Another photo, from the menu.
         left, top, _, _ = self.desktop.geometry()
         self.desktop.click(left + 163, top + 30)

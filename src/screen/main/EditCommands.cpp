@@ -183,8 +183,6 @@ void EditCommands::perform(MenuCommand command, int index)
 
 void EditCommands::scaleBrush(double factor)
 {
-    if (!m_panel || isStrokeUnderWay())
-        return;
     FloatSlider *diameter = m_panel->slider(Setting::BrushDiameter);
     const double value = std::round(diameter->value());
     // A small brush by a point at least.

@@ -283,7 +283,6 @@ void MainScreenView::showLoading(const QString &text)
 {
     m_loadingNote->setText(text);
     m_loadingNote->setVisible(!text.isEmpty());
-    m_loadingNote->raise();
     setPromptVisible(!m_photoShown && text.isEmpty());
     placeLoadingNote();
 }
@@ -382,7 +381,6 @@ void MainScreenView::layOutMainContainer()
     vwPreviewContainer->setGeometry(whole.adjusted(kInset, kInset, -kInset, -kInset));
     vwPreviewContainer->setVisible(m_photoShown);
     progressBar->setGeometry(0, 0, whole.width(), kProgressHeightPoints);
-    progressBar->raise();
     placeLoadingNote();
 }
 

@@ -6,7 +6,6 @@
 #include "Screen.h"
 #include "Session.h"
 #include "SheetQueue.h"
-#include "Theme.h"
 #include "TitlebarWindow.h"
 
 #include <QTimer>
@@ -23,16 +22,7 @@ namespace {
 using namespace std::chrono_literals;
 
 constexpr int kFirstWidthPoints = 1300;
-constexpr int kButtonTopMarginPoints = 3;
-constexpr int kButtonLeftMarginPoints = 7;
 constexpr auto kHideButtonsDelay = 20ms;
-
-void setImages(IMGButton *button, const char *name)
-{
-    const QString base = QLatin1String(name);
-    TitlebarWindow::setButtonImages(*button, base + QStringLiteral("-normal"), base + QStringLiteral("-press"),
-                                    base + QStringLiteral("-hover"));
-}
 
 } // namespace
 
@@ -41,15 +31,10 @@ MainWindowChrome::MainWindowChrome(ApplicationDelegate &application, Session &se
     , m_session(session)
     , m_window(window)
 {
-    window.setTitleBarHeight(theme::kTitleBarHeight);
-    window.setTitleBarButtonMargins(kButtonTopMarginPoints, kButtonLeftMarginPoints);
     // The window's controller comes later with another frame and other limits: those hold.
     const QRect visible = Screen::mainScreen().visibleFrame().toRect();
     window.setFrameSizeLimits(window.minimumFrameSize(), visible.size());
     window.setFrame({visible.topLeft(), QSize(std::min(kFirstWidthPoints, visible.width()), visible.height())});
-    setImages(window.closeButton(), "close");
-    setImages(window.minimizeButton(), "min");
-    setImages(window.zoomButton(), "max");
     QTimer::singleShot(kHideButtonsDelay, this, &MainWindowChrome::hideWindowBtnsAfterDelay);
 }
 

@@ -147,7 +147,6 @@ void PhotoZoom::showParts()
         const QSize view = m_view.previewSize();
         overview->move(view.width() - overview->width() - kOverviewMargin,
                        view.height() - overview->height() - kOverviewMargin);
-        overview->raise();
     }
     emit changed();
 }

@@ -78,7 +78,6 @@ void ColorWell::paintEvent(QPaintEvent *)
     painter.setPen(underMouse() ? theme::kQuietText : theme::kDisabledText);
     painter.setBrush(m_color);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), kRadius, kRadius);
-    painter.setOpacity(1.0);
     drawFocusRing(painter, *this);
 }
 
