@@ -14,14 +14,6 @@ namespace hazelmark {
 
 namespace {
 
-constexpr QSize kSize(40, 30);
-
-/// Bytes from the end of the picture's data, by which it would be found.
-QByteArray traceOf(const QByteArray &picture)
-{
-    return picture.right(40).left(24);
-}
-
 QByteArray exifBlock(const Exiv2::ExifData &data, Exiv2::ByteOrder order = Exiv2::littleEndian)
 {
     Exiv2::MemIo io;
@@ -46,11 +38,11 @@ Exiv2::ExifData exifOf(const QString &path)
 class CarriedMetadata : public testing::TestWithParam<std::pair<WriteFormat, WriteFormat>>
 {
 protected:
-    QString writeSource(const MetadataBlocks &blocks) { return writePhoto(m_sources, GetParam().first, blocks, kSize); }
+    QString writeSource(const MetadataBlocks &blocks) { return writePhoto(m_sources, GetParam().first, blocks); }
     /// The written file of the same size, with what it carries.
     QString exportOf(const QString &source)
     {
-        return writePhoto(m_targets, GetParam().second, carriedOf(source, kSize, GetParam().second), kSize);
+        return writePhoto(m_targets, GetParam().second, carriedOf(source, GetParam().second));
     }
 
     const QTemporaryDir m_sources;
@@ -65,7 +57,7 @@ TEST_P(CarriedMetadata, IsAllOfTheSource)
     const QString source = writeSource(blocks);
     const QString target = exportOf(source);
     EXPECT_EQ((*Photo::open(target))->info().iccProfile, blocks.iccProfile);
-    const MetadataBlocks again = carriedOf(target, kSize, GetParam().second);
+    const MetadataBlocks again = carriedOf(target, GetParam().second);
     EXPECT_EQ(again.iptc, blocks.iptc);
     EXPECT_TRUE(again.xmp.contains("<xmp:Rating>4</xmp:Rating>"));
 
@@ -84,32 +76,28 @@ TEST_P(CarriedMetadata, IsAllOfTheSource)
 TEST_P(CarriedMetadata, KeepsANoteInItsPlaceWithoutItsPicturesAndStatesTheSize)
 {
     const QByteArray inNote = hiddenJpeg(2);
-    const QByteArray inTag = hiddenJpeg(3);
     Exiv2::ExifData data;
     data["Exif.Image.Make"] = "Acme";
     setBytes(data, "Exif.Photo.MakerNote", "ACME\1 offsets from the start of the block " + inNote + " and the end");
-    Exiv2::ExifThumb(data).setJpegThumbnail(reinterpret_cast<const Exiv2::byte *>(inTag.constData()),
-                                            long(inTag.size()));
     data["Exif.Photo.PixelXDimension"] = uint32_t(4000);
     data["Exif.Photo.PixelYDimension"] = uint16_t(30);
     const QByteArray block = exifBlock(data, Exiv2::bigEndian);
     const QString target = exportOf(writeSource({.exif = block}));
 
-    const QByteArray carried = carriedOf(target, kSize, WriteFormat::Png).exif;
+    const QByteArray carried = carriedOf(target, WriteFormat::Png).exif;
     EXPECT_EQ(carried.indexOf("ACME\1 offsets"), block.indexOf("ACME\1 offsets"));
     EXPECT_TRUE(carried.contains(QByteArray(inNote.size(), '\0') + " and the end"));
     EXPECT_TRUE(carried.startsWith("MM"));
-    EXPECT_FALSE(readBytes(target).contains(traceOf(inNote)));
-    EXPECT_FALSE(readBytes(target).contains(traceOf(inTag)));
+    EXPECT_FALSE(readBytes(target).contains(inNote.right(40).left(24)));
     const Exiv2::ExifData exif = exifOf(target);
     EXPECT_EQ(exif.findKey(Exiv2::ExifKey("Exif.Photo.PixelXDimension"))->toLong(), 40);
     EXPECT_EQ(exif.findKey(Exiv2::ExifKey("Exif.Photo.PixelYDimension"))->toString(), "30");
-    EXPECT_EQ(exif.findKey(Exiv2::ExifKey("Exif.Thumbnail.Compression")), exif.end());
 }
 
 TEST_P(CarriedMetadata, LosesThePreviewsInNotesOfKnownMakers)
 {
     const QByteArray picture = hiddenJpeg(4).mid(30); // known by its tag alone
+    const QByteArray trace = picture.right(40).left(24);
     for (const auto &[make, preview, other] :
          {std::tuple("CASIO COMPUTER CO.,LTD.", "Exif.Casio2.PreviewImage", "Exif.Casio2.0x1234"),
           {"OLYMPUS OPTICAL CO.,LTD", "Exif.Olympus.0x0088", "Exif.Olympus.0x1234"},
@@ -118,16 +106,14 @@ TEST_P(CarriedMetadata, LosesThePreviewsInNotesOfKnownMakers)
         data["Exif.Image.Make"] = make;
         setBytes(data, other, "kept as it is");
         setBytes(data, preview, picture);
-        data["Exif.Photo.PixelXDimension"] = uint32_t(4000);
         const QString source = writeSource({.exif = exifBlock(data)});
-        ASSERT_TRUE(readBytes(source).contains(traceOf(picture))) << preview;
+        ASSERT_TRUE(readBytes(source).contains(trace)) << preview;
         const QString target = exportOf(source);
-        EXPECT_FALSE(readBytes(target).contains(traceOf(picture))) << preview;
+        EXPECT_FALSE(readBytes(target).contains(trace)) << preview;
         const Exiv2::ExifData exif = exifOf(target);
         EXPECT_EQ(exif.findKey(Exiv2::ExifKey(preview)), exif.end());
         EXPECT_NE(exif.findKey(Exiv2::ExifKey(other)), exif.end()) << other;
         EXPECT_TRUE(readBytes(target).contains("kept as it is"));
-        EXPECT_EQ(exif.findKey(Exiv2::ExifKey("Exif.Photo.PixelXDimension"))->toLong(), 40);
     }
 }
 
@@ -144,9 +130,9 @@ TEST(CarriedMetadataLimits, WhatDoesNotFitIntoAJpegFileIsDroppedAloneAndNotTheRe
     data["Exif.Image.Make"] = "Acme";
     setBytes(data, "Exif.Photo.MakerNote", QByteArray(70'000, 'n'));
     const MetadataBlocks blocks{.exif = exifBlock(data)};
-    const QString source = writePhoto(folder, WriteFormat::Png, blocks, kSize);
-    EXPECT_EQ(carriedOf(source, kSize, WriteFormat::Png).exif, blocks.exif);
-    const QByteArray fitting = carriedOf(source, kSize, WriteFormat::Jpeg).exif;
+    const QString source = writePhoto(folder, WriteFormat::Png, blocks);
+    EXPECT_EQ(carriedOf(source, WriteFormat::Png).exif, blocks.exif);
+    const QByteArray fitting = carriedOf(source, WriteFormat::Jpeg).exif;
     EXPECT_LT(fitting.size(), 65'000);
     EXPECT_TRUE(fitting.contains("Acme"));
 }

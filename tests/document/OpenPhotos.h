@@ -6,18 +6,18 @@
 
 namespace hazelmark {
 
-/// What a written file carries of the photo at `path`; nothing when it is none.
-inline MetadataBlocks carriedOf(const QString &path, QSize size, WriteFormat format)
+/// What a written file of 40 by 30 pixels carries of the photo at `path`; nothing when it is none.
+inline MetadataBlocks carriedOf(const QString &path, WriteFormat format)
 {
     const Outcome<PhotoPtr> photo = Photo::open(path);
-    return photo ? (*photo)->carriedMetadata(size, format) : MetadataBlocks();
+    return photo ? (*photo)->carriedMetadata({40, 30}, format) : MetadataBlocks();
 }
 
-/// Absent when the file at `path` is no photo.
-inline std::optional<QVariantMap> dictionaryOf(const QString &path)
+/// Empty when the file at `path` is no photo.
+inline QVariantMap dictionaryOf(const QString &path)
 {
     const Outcome<PhotoPtr> photo = Photo::open(path);
-    return photo ? std::optional((*photo)->dictionary()) : std::nullopt;
+    return photo ? (*photo)->dictionary() : QVariantMap();
 }
 
 /// A JPEG file of 22 bytes and a scan of 600, any twenty of which occur nowhere else.

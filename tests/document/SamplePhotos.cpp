@@ -3,7 +3,6 @@
 #include "TiffBytes.h"
 
 #include <QFile>
-#include <QImage>
 #include <QTemporaryDir>
 
 #include <exiv2/exiv2.hpp>
@@ -44,25 +43,17 @@ QByteArray xmpPacket(const QByteArray &properties, const QByteArray &attributes)
            attributes + ">\n" + properties + "\n</rdf:Description>\n</rdf:RDF>\n</x:xmpmeta>\n<?xpacket end=\"w\"?>";
 }
 
-QString writePhoto(const QTemporaryDir &folder, WriteFormat format, const MetadataBlocks &metadata, QSize size)
-{
-    QImage pixels(size, QImage::Format_RGBX8888);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            pixels.setPixel(x, y, qRgb(x * 5 % 256, y * 7 % 256, 120));
-    }
-    return writePhoto(folder, format, metadata, pixels);
-}
-
 QString writePhoto(const QTemporaryDir &folder, WriteFormat format, const MetadataBlocks &metadata,
                    const QImage &pixels)
 {
     constexpr const char *kExtensions[] = {"png", "jpg", "bmp", "tiff", "gif"}; // in the order of WriteFormat
     const QString path = folder.filePath(QStringLiteral("photo.") + QLatin1String(kExtensions[int(format)]));
+    QImage plain(40, 30, QImage::Format_RGBX8888);
+    plain.fill(qRgb(60, 90, 120));
     EncodeOptions options;
     options.format = format;
     options.metadata = metadata;
-    const Outcome<Done> written = encodePicture(pixels, options, path);
+    const Outcome<Done> written = encodePicture(pixels.isNull() ? plain : pixels, options, path);
     if (!written)
         throw std::runtime_error(written.failure().sentence().toStdString());
     return path;

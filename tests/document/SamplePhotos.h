@@ -3,7 +3,7 @@
 #include "Encoder.h"
 
 #include <QByteArray>
-#include <QSize>
+#include <QImage>
 #include <QString>
 
 #include <initializer_list>
@@ -29,13 +29,10 @@ QByteArray iptcDataSet(int dataSet, const QByteArray &value, int record = 2);
 /// An XMP packet whose one description holds `properties`, in which the usual prefixes are declared.
 QByteArray xmpPacket(const QByteArray &properties, const QByteArray &attributes = {});
 
-/// Writes a small grey-blue picture of `size` pixels with the blocks embedded, and hands back its path.
+/// Writes the picture, a plain one of 40 by 30 pixels where it is null, with the blocks embedded, and hands back its
+/// path.
 QString writePhoto(const QTemporaryDir &folder, WriteFormat format, const MetadataBlocks &metadata,
-                   QSize size = {40, 30});
-
-/// The same with a picture of one's own.
-QString writePhoto(const QTemporaryDir &folder, WriteFormat format, const MetadataBlocks &metadata,
-                   const QImage &pixels);
+                   const QImage &pixels = {});
 
 /// The bytes as a file in the folder; its path.
 QString writeBytes(const QTemporaryDir &folder, const QString &name, const QByteArray &bytes);

@@ -6,8 +6,7 @@ using namespace hazelmark;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
 {
-    const FuzzFile file(bytes, size);
-    const Outcome<PhotoPtr> photo = Photo::open(file.path());
+    const Outcome<PhotoPtr> photo = Photo::open(fuzzFile(bytes, size));
     if (!photo)
         return 0;
     (void)PhotoFile(*photo).fields();

@@ -11,15 +11,14 @@ using namespace hazelmark;
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
 {
     static const QTemporaryDir folder(QStringLiteral("/dev/shm/hazelmark-fuzz-XXXXXX"));
-    const FuzzFile file(bytes, size);
-    if (!file.isSmall())
+    const Outcome<PhotoPtr> photo = Photo::open(fuzzFile(bytes, size));
+    if (!photo || !isSmall((*photo)->info()))
         return 0;
-    if (const Outcome<PhotoPtr> photo = Photo::open(file.path()))
-        (void)ImageLoader::loadReduced(**photo, {20, 20});
-    const Outcome<ImageLoader::Loaded> loaded = ImageLoader::load(file.path());
+    (void)ImageLoader::loadReduced(**photo, {20, 20});
+    const Outcome<ImageLoader::Loaded> loaded = ImageLoader::load(**photo);
     if (!loaded)
         return 0;
-    ExportWriter::Settings settings{PhotoFile(file.path()), ExportFormats::forSource({}).formats, {}};
+    ExportWriter::Settings settings{PhotoFile(*photo), ExportFormats::forSource({}).formats, {}};
     for (const auto *form : {"jpeg", "png", "tiff"}) {
         settings.fileTypeToExportImage = QString::fromLatin1(form);
         const QString path = folder.filePath(settings.fileTypeToExportImage);

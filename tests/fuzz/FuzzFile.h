@@ -10,31 +10,21 @@
 
 namespace hazelmark {
 
-/// A regular file in memory with the fuzzer's bytes: the roads begin at a path, and a disk would be the slowest part.
-class FuzzFile
+/// The path of a regular file in memory, the same one each time, with the fuzzer's bytes: the roads begin at a path,
+/// and a disk would be the slowest part.
+inline QString fuzzFile(const uint8_t *bytes, size_t size)
 {
-public:
-    FuzzFile(const uint8_t *bytes, size_t size)
-    {
-        if (::ftruncate(descriptor(), 0) != 0 || ::pwrite(descriptor(), bytes, size, 0) != ssize_t(size))
-            std::abort();
-    }
-    static QString path() { return QStringLiteral("/proc/self/fd/%1").arg(descriptor()); }
+    static const int descriptor = ::memfd_create("picture", 0);
+    if (::ftruncate(descriptor, 0) != 0 || ::pwrite(descriptor, bytes, size, 0) != ssize_t(size))
+        std::abort();
+    return QStringLiteral("/proc/self/fd/%1").arg(descriptor);
+}
 
-    /// Pictures of more pixels only show that large pictures take long.
-    static bool isSmall()
-    {
-        constexpr qint64 kMostPixels = 1 << 20;
-        const Outcome<PictureInfo> info = readPictureInfo(path());
-        return info && qint64(info->frames.front().width()) * info->frames.front().height() <= kMostPixels;
-    }
-
-private:
-    static int descriptor()
-    {
-        static const int descriptor = ::memfd_create("picture", 0);
-        return descriptor;
-    }
-};
+/// Pictures of more pixels only show that large pictures take long.
+inline bool isSmall(const PictureInfo &info)
+{
+    constexpr qint64 kMostPixels = 1 << 20;
+    return qint64(info.frames.front().width()) * info.frames.front().height() <= kMostPixels;
+}
 
 } // namespace hazelmark

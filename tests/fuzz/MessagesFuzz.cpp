@@ -18,13 +18,7 @@ void readMessages(std::string_view bytes)
         (void)glass::doneOf(message->body);
         (void)glass::excuseOf(message->body);
         (void)glass::goOf(message->body);
-        const std::optional<glass::Header> header = glass::headerOf(message->body);
-        if (!header)
-            continue;
-        glass::MessageReader again;
-        again.add(glass::packed(*header));
-        if (glass::headerOf(again.next().value().body) != header)
-            std::abort();
+        (void)glass::headerOf(message->body);
     }
 }
 
@@ -51,8 +45,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *bytes, size_t size)
 {
     readMessages({reinterpret_cast<const char *>(bytes), size});
     readBoxes({reinterpret_cast<const std::byte *>(bytes), size});
-    const FuzzFile file(bytes, size);
-    if (const auto source = SourceFile::open(file.path()))
+    if (const auto source = SourceFile::open(fuzzFile(bytes, size)))
         (void)foreignKindOf(**source);
     return 0;
 }

@@ -1,3 +1,4 @@
+#include "BoxMaker.h"
 #include "DecoderMessages.h"
 #include "SamplePhotos.h"
 #include "TestPictures.h"
@@ -5,42 +6,21 @@
 #include <QCoreApplication>
 #include <QDir>
 #include <QTemporaryDir>
-#include <QtEndian>
-
-#include <cstdio>
 
 using namespace hazelmark;
 
 namespace {
 
-bool write(const QString &path, const QByteArray &bytes)
-{
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
-}
-
-QByteArray box(const char *type, const QByteArray &content)
-{
-    QByteArray size(4, '\0');
-    qToBigEndian(quint32(content.size() + 8), size.data());
-    return size + type + content;
-}
-
 /// The beginning of a HEIC file whose picture is cropped, turned and mirrored.
 QByteArray heifBoxes()
 {
-    const auto numbers = [](std::initializer_list<int> values) {
-        QByteArray bytes;
-        for (const int value : values)
-            bytes += QByteArray("\0\0\0", 3) + char(value);
-        return bytes;
-    };
-    const QByteArray properties =
-        box("clap", numbers({80, 1, 60, 1, 0, 1, 0, 1})) + box("irot", "\1") + box("imir", "\1");
-    const QByteArray association = numbers({0, 1}) + QByteArray("\0\1\3\1\2\3", 6);
-    const QByteArray meta = numbers({0}) + box("pitm", numbers({0}) + QByteArray("\0\1", 2)) +
-                            box("iprp", box("ipco", properties) + box("ipma", association));
-    return box("ftyp", "heic" + numbers({0}) + "mif1heic") + box("meta", meta);
+    const auto hex = [](const char *digits) { return QByteArray::fromHex(digits); };
+    const QByteArray crop = hex("00000050 00000001 0000003c 00000001 00000000 00000001 00000000 00000001");
+    const QByteArray properties = boxOf("ipco" + boxOf("clap" + crop) + boxOf("irot\1") + boxOf("imir\1"));
+    const QByteArray associations = boxOf("ipma" + hex("00000000 00000001 0001 03 01 02 03"));
+    return boxOf("ftypheic" + hex("00000000") + "mif1heic") +
+           boxOf("meta" + hex("00000000") + boxOf("pitm" + hex("00000000 0001")) +
+                 boxOf("iprp" + properties + associations));
 }
 
 } // namespace
@@ -50,18 +30,18 @@ QByteArray heifBoxes()
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    if (application.arguments().size() != 2) {
-        std::fputs("write_seeds: the folder is missing\n", stderr);
-        return 2;
-    }
-    const QDir folder(application.arguments().at(1));
+    const QDir folder(application.arguments().value(1));
     const QTemporaryDir scratch;
-    bool written = folder.mkpath(QStringLiteral("pictures")) && folder.mkpath(QStringLiteral("strokes")) &&
-                   folder.mkpath(QStringLiteral("messages"));
+    bool written = true;
+    const auto write = [&](const QString &name, const QByteArray &bytes) {
+        QFile file(folder.filePath(name));
+        written &= folder.mkpath(QFileInfo(name).path()) && file.open(QIODevice::WriteOnly) &&
+                   file.write(bytes) == bytes.size();
+    };
     int count = 0;
     const auto add = [&](const QByteArray &bytes) {
         if (!bytes.isEmpty()) // a format that this machine's Qt cannot write
-            written &= write(folder.filePath(QStringLiteral("pictures/%1").arg(++count)), bytes);
+            write(QStringLiteral("pictures/%1").arg(++count), bytes);
     };
     for (const WriteFormat format :
          {WriteFormat::Png, WriteFormat::Jpeg, WriteFormat::Bmp, WriteFormat::Tiff, WriteFormat::Gif})
@@ -71,14 +51,10 @@ int main(int argc, char **argv)
     for (const char *format : {"webp", "ppm", "ico"})
         add(savedByQt(picture, format));
     add(makeJpeg({.isProgressive = true}, 16, 8, std::vector<uint8_t>(16 * 8 * 3, 90)));
-    glass::Header header;
-    header.format = "heic";
-    header.frames = {{12, 9}};
-    header.note = "a note";
-    written &= write(folder.filePath(QStringLiteral("messages/header")), QByteArray::fromStdString(packed(header)));
-    written &= write(folder.filePath(QStringLiteral("messages/boxes")), heifBoxes());
-    written &= write(folder.filePath(QStringLiteral("strokes/1")),
-                     R"({"canvas": [100, 50], "steps": [["{0.2, 0.5}", "{0.8, 0.5}",)"
-                     R"( "0", "1", "0", "1", "40.8", "1", "false", "0.5", "4.08"]]})");
+    const glass::Header header{.format = "heic", .frames = {{12, 9}}, .note = "a note"};
+    write(QStringLiteral("messages/header"), QByteArray::fromStdString(packed(header)));
+    write(QStringLiteral("messages/boxes"), heifBoxes());
+    write(QStringLiteral("strokes/1"), R"({"canvas": [100, 50], "steps": [["{0.2, 0.5}", "{0.8, 0.5}",)"
+                                       R"( "0", "1", "0", "1", "40.8", "1", "false", "0.5", "4.08"]]})");
     return written ? 0 : 1;
 }

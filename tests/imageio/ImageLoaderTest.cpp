@@ -12,7 +12,6 @@
 namespace hazelmark {
 
 using testing::noise;
-using testing::samplesAt;
 
 TEST(ImageLoader, ThePictureStandsUprightWithItsProfile)
 {
@@ -40,18 +39,12 @@ TEST(ImageLoader, GrayBecomesRgbWithTheSameLevels)
 {
     const QTemporaryDir folder;
     const QString path = folder.filePath(QStringLiteral("gray.pgm"));
-    QImage gray({256, 2}, QImage::Format_Grayscale8);
-    for (int x = 0; x < 256; ++x)
-        gray.scanLine(0)[x] = gray.scanLine(1)[x] = uchar(x);
+    const QImage gray = noise({64, 48}, QImage::Format_Grayscale8);
     ASSERT_TRUE(gray.save(path, "PNG"));
     const auto loaded = ImageLoader::load(path);
     ASSERT_TRUE(bool(loaded));
     EXPECT_EQ(loaded->colorModel, ColorModel::Gray);
-    const QImage rgb = loaded->photo->bitmap();
-    EXPECT_EQ(rgb.format(), QImage::Format_RGBX8888);
-    for (int x = 0; x < 256; ++x)
-        for (int c = 0; c < 3; ++c)
-            EXPECT_EQ(samplesAt(rgb, x, 1)[c], x);
+    EXPECT_EQ(loaded->photo->bitmap(), gray.convertToFormat(QImage::Format_RGBX8888));
 }
 
 } // namespace hazelmark
