@@ -32,9 +32,7 @@ public:
     const Color &color() const { return m_color; }
     void setColor(const Color &color) { m_color = color; }
     QPointF start() const { return m_start; }
-    void setStart(QPointF start) { m_start = start; }
     QPointF end() const { return m_end; }
-    void setEnd(QPointF end) { m_end = end; }
     /// Takes paint away instead of adding it.
     bool eraser() const { return m_eraser; }
     void setEraser(bool eraser) { m_eraser = eraser; }

@@ -41,14 +41,6 @@ QVariantList readArray(QXmlStreamReader &xml, int depth)
     return array;
 }
 
-template <typename Number>
-QVariant checked(QXmlStreamReader &xml, Number number, bool isNumber)
-{
-    if (!isNumber)
-        xml.raiseError(QStringLiteral("a number is none"));
-    return QVariant::fromValue(number);
-}
-
 QVariant readValue(QXmlStreamReader &xml, int depth)
 {
     const QString type = xml.name().toString();
@@ -62,19 +54,6 @@ QVariant readValue(QXmlStreamReader &xml, int depth)
         return readDictionary(xml, depth + 1);
     if (type == QLatin1String("array"))
         return readArray(xml, depth + 1);
-    bool isNumber = false;
-    if (type == QLatin1String("integer")) {
-        const qint64 number = xml.readElementText().trimmed().toLongLong(&isNumber);
-        return checked(xml, number, isNumber);
-    }
-    if (type == QLatin1String("real")) {
-        const double number = xml.readElementText().trimmed().toDouble(&isNumber);
-        return checked(xml, number, isNumber);
-    }
-    if (type == QLatin1String("true") || type == QLatin1String("false")) {
-        xml.skipCurrentElement();
-        return type == QLatin1String("true");
-    }
     xml.raiseError(QStringLiteral("\"%1\" is no type of value").arg(type));
     return {};
 }

@@ -25,11 +25,8 @@ std::vector<StampCentre> line(StampCentre from, StampCentre step, int count)
 /// Not white, and different in all four components.
 QImage colouredTip()
 {
-    QImage tip(64, 64, QImage::Format_ARGB32);
-    for (int y = 0; y < 64; ++y)
-        for (int x = 0; x < 64; ++x)
-            tip.setPixel(x, y, qRgba(4 * x, 255 - 2 * y, 128, 4 * y));
-    return tip;
+    return testing::drawn({64, 64}, QImage::Format_ARGB32,
+                          [](int x, int y) { return QColor(4 * x, 255 - 2 * y, 128, 4 * y); });
 }
 
 struct StampCase

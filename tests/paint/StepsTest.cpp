@@ -1,6 +1,3 @@
-#include "PaintCanvas.h"
-#include "PaintControl.h"
-#include "PaintSession.h"
 #include "StrokesFile.h"
 
 #include <gtest/gtest.h>
@@ -45,37 +42,6 @@ TEST(PaintStep, RecordHasElevenElementsInTheirOrderAndReadsBack)
     EXPECT_EQ(read.end().x(), kStep.end().x());
     EXPECT_EQ(read.color(), (Color{0.1F, float(1.0 / 3), 0.75F, 0.9F}));
     EXPECT_NE(read.color(), kStep.color());
-}
-
-TEST(StrokesFile, GivesTheStepsThatACanvasWouldWrite)
-{
-    PaintCanvas canvas;
-    canvas.setCanvasSize({200, 133.4});
-    PaintControl control(&canvas);
-    control.setColor({0, 1, 0, 1});
-    canvas.mouseDown({50.3, 60});
-    canvas.mouseDragged({120, 70.7});
-    control.setEraser(true);
-    control.setHardness(1);
-    canvas.mouseDragged({90, 100});
-    const QVariantList records = canvas.paintSession()->dataArray();
-    StrokesFile written;
-    written.canvas = canvas.canvasSize();
-    written.steps = canvas.arrDrawedPoints();
-    written.blur = 0.1F;
-    QString fault;
-    const auto file = StrokesFile::parse(written.toJson(), fault);
-    ASSERT_TRUE(file) << fault.toStdString();
-    EXPECT_EQ(file->blur, 0.1F);
-    EXPECT_FALSE(file->vignette);
-    PaintSession session;
-    session.setSteps(file->steps);
-    EXPECT_EQ(session.dataArray(), records);
-    const QImage mask = file->mask(fault);
-    ASSERT_EQ(mask.size(), QSize(200, 133));
-    const QImage painted = canvas.snapshot();
-    for (int i = 0; i < 200 * 133; ++i)
-        ASSERT_EQ(mask.pixel(i % 200, i / 200), qRgb(0, qAlpha(painted.pixel(i % 200, i / 200)), 0)) << i;
 }
 
 TEST(StrokesFile, FaultsAreSentencesThatNameWhatIsToBlame)

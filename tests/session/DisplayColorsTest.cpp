@@ -14,10 +14,9 @@ TEST(DisplayColors, ShowAPhotoInTheColoursThatItsProfileMeans)
     // Qt's own conversion is the other way to compute it.
     const QColorSpace adobe(QColorSpace::AdobeRgb);
     for (const QImage::Format format : {QImage::Format_RGBX8888, QImage::Format_RGBA64}) {
-        QImage photo(300, 193, format); // a line more than whole bands
-        for (int y = 0; y < photo.height(); ++y)
-            for (int x = 0; x < photo.width(); ++x)
-                photo.setPixelColor(x, y, QColor(80 + x / 3, 60 + y / 2, 140));
+        const QSize size(300, 193); // a line more than whole bands
+        const QImage photo =
+            testing::drawn(size, format, [](int x, int y) { return QColor(80 + x / 3, 60 + y / 2, 140); });
         const QImage shown = DisplayColors().shown(photo, adobe.iccProfile());
         QImage expected = photo;
         expected.setColorSpace(adobe);

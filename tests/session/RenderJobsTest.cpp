@@ -13,20 +13,9 @@ namespace hazelmark {
 
 using namespace testing;
 
-namespace {
-
-class RenderJobs : public ::testing::Test
+TEST(RenderJobs, BlurWhereTheMaskIsGreenAndOnlyAnExportDarkens)
 {
-protected:
-    QString stored(const QImage &image) { return writePhoto(m_folder, WriteFormat::Png, {}, image); }
-
-    QTemporaryDir m_folder;
-};
-
-} // namespace
-
-TEST_F(RenderJobs, BlurWhereTheMaskIsGreenAndOnlyAnExportDarkens)
-{
+    const QTemporaryDir folder;
     const QSize size(300, 200);
     const QImage photo = noise(size, QImage::Format_RGBX8888);
     const PhotoImagePtr plain = PhotoImage::fromBitmap(photo);
@@ -34,7 +23,7 @@ TEST_F(RenderJobs, BlurWhereTheMaskIsGreenAndOnlyAnExportDarkens)
         size, QImage::Format_RGBX8888, [](int x, int) { return QColor(255, std::clamp(x * 2 - 100, 0, 255), 90); }));
     for (const auto &[blur, vignette] : {std::pair(60.0f, 0.0f), {60.0f, 0.1f}, {0.0f, 1.0f}, {13.7f, 0.0f}}) {
         ExportJob job;
-        job.photo = *Photo::open(stored(photo));
+        job.photo = *Photo::open(writePhoto(folder, WriteFormat::Png, {}, photo));
         job.maskImage = mask;
         job.settings.blurAmount = blur;
         job.settings.vignetteAmount = vignette;
@@ -50,11 +39,12 @@ TEST_F(RenderJobs, BlurWhereTheMaskIsGreenAndOnlyAnExportDarkens)
     }
 }
 
-TEST_F(RenderJobs, ExportWithoutMaskOrEffectKeepsEveryBit)
+TEST(RenderJobs, ExportWithoutMaskOrEffectKeepsEveryBit)
 {
+    const QTemporaryDir folder;
     const QImage photo = noise({200, 100}, QImage::Format_RGBA8888);
     ExportJob job;
-    job.photo = *Photo::open(stored(photo));
+    job.photo = *Photo::open(writePhoto(folder, WriteFormat::Png, {}, photo));
     EXPECT_EQ((*job.run()).photo->bitmap(), photo);
     job.maskImage = PhotoImage::fromBitmap(filled({50, 50}, QImage::Format_RGBX8888, Qt::green));
     job.settings.blurAmount = -3.0f;

@@ -8,9 +8,6 @@ namespace {
 
 using Edits = SessionFixture;
 
-constexpr QPointF kLeft(0.25, 0.5);
-constexpr QPointF kRight(0.75, 0.5);
-
 } // namespace
 
 TEST_F(Edits, EachCanBeUndoneAndRedoneWithTheBrushAsItWas)

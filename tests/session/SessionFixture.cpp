@@ -1,6 +1,7 @@
 #include "SessionFixture.h"
 
-#include <QCoreApplication>
+#include "Pictures.h"
+
 #include <QDir>
 #include <QFile>
 
@@ -34,12 +35,8 @@ void SessionFixture::start()
 
 QString SessionFixture::photo(const char *name, QSize size) const
 {
-    QImage image(size, QImage::Format_RGB32);
-    for (int y = 0; y < size.height(); ++y) {
-        for (int x = 0; x < size.width(); ++x)
-            image.setPixelColor(x, y, x < size.width() / 2 ? Qt::black : Qt::white);
-    }
-    EXPECT_TRUE(image.save(out(name), "PNG"));
+    const auto half = [&](int x, int) { return x < size.width() / 2 ? Qt::black : Qt::white; };
+    EXPECT_TRUE(testing::drawn(size, QImage::Format_RGB32, half).save(out(name), "PNG"));
     return out(name);
 }
 
@@ -96,10 +93,3 @@ void SessionFixture::exportTo(const QString &path)
 }
 
 } // namespace hazelmark
-
-int main(int argc, char **argv)
-{
-    testing::InitGoogleTest(&argc, argv);
-    const QCoreApplication application(argc, argv);
-    return RUN_ALL_TESTS();
-}

@@ -41,6 +41,7 @@ protected:
     Session::ExportRequest exportRequest(const QString &path) const;
     QString out(const char *name) const { return m_folder.filePath(QLatin1String(name)); }
 
+    static constexpr QPointF kLeft{0.25, 0.5}, kRight{0.75, 0.5};
     const PhotoView kView{{1600, 1000}, {800, 600}, DisplayColors()};
     QTemporaryDir m_folder;
     PaintCanvas m_canvas;

@@ -53,9 +53,6 @@ protected:
     }
 };
 
-constexpr QPointF kLeft(0.25, 0.5);
-constexpr QPointF kRight(0.75, 0.5);
-
 } // namespace
 
 TEST_F(StoredPaintings, ComeBackInAWindowOfAnotherSizeAsOneEdit)

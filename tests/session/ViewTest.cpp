@@ -158,6 +158,13 @@ TEST_F(View, ShowsWhatAnExportWrites)
         picture(size / 2, QRect(0, 0, 200, 200), 2);
         EXPECT_EQ(m_session->lastExportedImage(), result);
         EXPECT_EQ(m_session->painting().scaled().scale, std::min(zoom, 2.0));
+        // One decoding serves view and export, unless the file was written to in between.
+        ExportJob job;
+        job.photo = m_session->photo().record->photo();
+        job.loaded = m_session->fullPhoto().loaded();
+        ASSERT_TRUE(job.loaded && job.run());
+        ASSERT_TRUE(QFile::resize(m_session->photo().path(), 2000));
+        EXPECT_FALSE(job.run()) << "what was decoded is not what the file holds";
     }
 }
 
@@ -268,21 +275,6 @@ TEST_F(View, DrawsTheCanvasFromItsStepsWhenTheZoomIsOver)
     const QImage looks = bytes(hasty.canvas.pixels(), hasty.canvas.rect().topLeft());
     EXPECT_LE(difference(looks, bytes(steps.pixels(), steps.rect().topLeft())), 12);
     EXPECT_GT(difference(looks, bytes(steps.pixels(), steps.rect().topLeft() + QPoint(0, 1))), 50);
-}
-
-/// One decoding serves view and export, unless the file was written to in between.
-TEST_F(View, SharesTheDecodedPhotoWithTheExport)
-{
-    begin(writePhoto(m_folder, WriteFormat::Png, {}, noise({1800, 1100}, QImage::Format_RGBX8888)));
-    paintAt(1, {0.3, 0.4}, {0.6, 0.5});
-    picture({1800, 1100}, {0, 0, 100, 100});
-    ExportJob job;
-    job.photo = m_session->photo().record->photo();
-    job.loaded = m_session->fullPhoto().loaded();
-    ASSERT_TRUE(job.loaded);
-    EXPECT_TRUE(job.run());
-    ASSERT_TRUE(QFile::resize(m_session->photo().path(), 2000));
-    EXPECT_FALSE(job.run()) << "what was decoded is not what the file holds";
 }
 
 /// Of many wishes the last one is drawn, and small, long and thin pictures are.
