@@ -16,7 +16,6 @@
 #include <QMenu>
 #include <QMenuBar>
 #include <QPushButton>
-#include <QScreen>
 #include <QTest>
 #include <QTextBrowser>
 
@@ -127,16 +126,12 @@ TEST_F(AppDelegateTest, ShowsTheManualItselfWhereNobodyElseDoes)
     EXPECT_EQ(toldOf(*manual).toStdString(),
               "manual: Dialog Hazelmark Help; QTextBrowser: StaticText Hazelmark Help s; QScrollBar: ScrollBar");
     auto *page = manual->findChild<QTextBrowser *>();
-    EXPECT_EQ(page->geometry(), manual->rect());
     EXPECT_TRUE(page->toPlainText().contains(u"Hazelmark"_s) && !page->openExternalLinks());
-    EXPECT_EQ(page->document()->documentMargin(), 24);
     const QUrl html = page->source();
     for (const auto &[type, url, isRead] : {std::tuple{QTextDocument::HtmlResource, html, true},
                                             {QTextDocument::ImageResource, html, false},
                                             {QTextDocument::HtmlResource, QUrl(u"https://example.org/"_s), false}})
         EXPECT_EQ(page->loadResource(type, url).isValid(), isRead) << url.toString().toStdString();
-    const QSize screen = manual->screen()->availableSize();
-    EXPECT_EQ(manual->size(), QSize(std::min(760, screen.width() - 16), std::min(640, screen.height() - 48)));
     QTest::keyClick(manual, Qt::Key_Escape);
     EXPECT_FALSE(manual->isVisible());
 }

@@ -1,14 +1,13 @@
 #pragma once
 
+#include "../support/NotedWorkspace.h"
 #include "Bundle.h"
 #include "NotificationCenter.h"
 #include "ProcessState.h"
-#include "ProcessWide.h"
 #include "Screen.h"
 #include "UserDefaults.h"
 #include "UserSession.h"
 #include "ViewController.h"
-#include "Workspace.h"
 
 #include <QTemporaryDir>
 #include <QWidget>
@@ -28,19 +27,6 @@ struct FakeScreen : Screen
     QPointF origin() const override { return m_visibleFrame.topLeft() - QPointF(0, 24); }
 
     QRectF m_visibleFrame{0, 24, 1600, 1000}; ///< below a panel
-};
-
-struct FakeWorkspace : Workspace
-{
-    void openUrl(const QUrl &url, Completion completion) override
-    {
-        m_opened << (url.isLocalFile() ? url.fileName() : url.toString());
-        if (completion)
-            completion(m_succeeds);
-    }
-
-    QStringList m_opened;
-    bool m_succeeds = true;
 };
 
 struct FakeScreenController : ViewController
@@ -68,7 +54,7 @@ public:
     UserDefaults m_defaults{m_folder.filePath(QStringLiteral("defaults.conf"))};
     FakeUserSession m_session;
     FakeScreen m_screen;
-    FakeWorkspace m_workspace;
+    NotedWorkspace m_workspace;
     ProcessState m_state;
     QStringList m_posted;
 
@@ -78,7 +64,6 @@ private:
     ProcessWide<UserDefaults>::Replacement m_replaceDefaults{m_defaults};
     ProcessWide<UserSession>::Replacement m_replaceSession{m_session};
     ProcessWide<Screen>::Replacement m_replaceScreen{m_screen};
-    ProcessWide<Workspace>::Replacement m_replaceWorkspace{m_workspace};
     ProcessWide<ProcessState>::Replacement m_replaceState{m_state};
 };
 

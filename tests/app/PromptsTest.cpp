@@ -39,7 +39,7 @@ TEST(RatePromptTest, IsDueOnEverySeventhLaunchUntilItIsAnsweredForThisVersion)
     // The answer (none: Esc), whether the store opens, whether the question is answered.
     for (const auto &[answer, storeOpens, isAnswered] :
          {std::tuple{"", true, false}, {"YES", false, false}, {"YES", true, true}, {"NO", true, true}}) {
-        desktop.m_workspace = {};
+        desktop.m_workspace.m_opened.clear();
         desktop.m_workspace.m_succeeds = storeOpens;
         desktop.m_defaults.setString(u"appVersion"_s, u"0.1"_s);
         prompt.showAlertForRateApp();
@@ -78,7 +78,8 @@ TEST(PromotionWindowTest, TurnsRoundWhatIsNotInstalledUntilADotIsChosen)
         EXPECT_FALSE(entry(index, u"appName"_s).isEmpty() || entry(index, u"Desc"_s) == u"(null)"_s);
         window.changeAppDetail();
     }
-    QTest::keyClick(window.control(), Qt::Key_Left);
+    for (const auto key : {Qt::Key_Right, Qt::Key_Right, Qt::Key_Left}) // over the end
+        QTest::keyClick(window.control(), key);
     EXPECT_TRUE(shows(1) && !window.isRotating());
     QTest::mouseClick(window.btnOpenSuggestedApp(), Qt::LeftButton);
     EXPECT_EQ(desktop.m_workspace.m_opened, QStringList(entry(1, u"url"_s)));

@@ -4,6 +4,7 @@
 #include <QEnterEvent>
 #include <QImage>
 #include <QTest>
+#include <QWheelEvent>
 #include <QWidget>
 
 namespace hazelmark {
@@ -14,6 +15,14 @@ inline void send(QWidget &widget, QEvent::Type type)
     QEnterEvent enter(QPointF(1, 1), QPointF(1, 1), QPointF(1, 1));
     QEvent other(type);
     QCoreApplication::sendEvent(&widget, type == QEvent::Enter ? &enter : &other);
+}
+
+/// Turns the wheel over it, an eighth of a degree a unit.
+inline void wheel(QWidget &widget, int angle)
+{
+    QWheelEvent event(QPointF(5, 5), widget.mapToGlobal(QPointF(5, 5)), {}, {0, angle}, Qt::NoButton, {},
+                      Qt::NoScrollPhase, false);
+    QCoreApplication::sendEvent(&widget, &event);
 }
 
 /// Gives it the focus as Tab does.

@@ -127,28 +127,20 @@ TEST_F(TitlebarWindowTest, LiftsTheLargestSizeWhileItFillsTheScreen)
     EXPECT_EQ(left.size(), 1);
     QTest::mouseClick(m_window.zoomButton(), Qt::LeftButton);
     EXPECT_TRUE(m_window.isMaximized());
+    auto *photo = new QWidget(m_content);
+    photo->setGeometry(300, 10, 200, 40); // on the strip, takes no press itself
+    photo->show();
+    for (const QPoint place : {QPoint(400, 30), QPoint(600, 300)}) {
+        QTest::mouseDClick(&m_window, Qt::LeftButton, {}, place);
+        EXPECT_TRUE(m_window.isMaximized()) << "only bare background is the window's handle";
+    }
+    TitlebarWindow::setMovesWindow(*photo);
     QTest::mouseDClick(&m_window, Qt::LeftButton, {}, {400, 30});
     EXPECT_FALSE(m_window.isMaximized()) << "a double click on the strip zooms";
     EXPECT_EQ(m_window.maximumSize(), QSize(700, 600));
     m_window.setFrameSizeLimits({1220, 700}, {1024, 700});
     m_window.setFrame({51, 35, 1220, 700});
     EXPECT_EQ(m_window.frame().size(), QSize(1220, 700)) << "of limits that contradict each other the minimum holds";
-}
-
-TEST_F(TitlebarWindowTest, OnlyBareBackgroundIsTheWindowsHandle)
-{
-    int zooms = 0;
-    m_window.setActions({.close = {}, .minimize = {}, .zoom = [&] { ++zooms; }, .fullScreen = {}});
-    auto *photo = new QWidget(m_content);
-    photo->setGeometry(300, 10, 200, 40); // on the strip, takes no press itself
-    photo->show();
-    QTest::mouseDClick(&m_window, Qt::LeftButton, {}, {400, 30});
-    EXPECT_EQ(zooms, 0);
-    QTest::mouseDClick(&m_window, Qt::LeftButton, {}, {600, 300});
-    EXPECT_EQ(zooms, 0) << "below the strip";
-    TitlebarWindow::setMovesWindow(*photo);
-    QTest::mouseDClick(&m_window, Qt::LeftButton, {}, {400, 30});
-    EXPECT_EQ(zooms, 1);
 }
 
 TEST(TitlebarWindowShadowTest, RoundsItsCornersAndKeepsTheShadowOutOfItsFrame)
@@ -185,16 +177,8 @@ TEST(TitlebarWindowShadowTest, RoundsItsCornersAndKeepsTheShadowOutOfItsFrame)
     EXPECT_EQ(edges[Qt::SizeHorCursor] + edges[Qt::SizeVerCursor],
               QRegion(whole) - whole.adjusted(reach + 1, reach + 1, -reach - 1, -reach - 1) - falling - rising);
     EXPECT_EQ(profileOf(image.copy(reach - 1, 0, 2, window.height()), {0, 200}), "0x1 4x1");
-    const auto alphas = [&](QPoint from, QPoint step) {
-        std::string alphas;
-        for (int i = 0; i < reach + 2; ++i)
-            alphas += std::to_string(image.pixelColor(from + i * step).alpha()) + ' ';
-        return alphas;
-    };
-    EXPECT_EQ(alphas({200, 0}, {0, 1}), "0 0 0 0 0 0 7 14 21 27 33 39 45 51 57 62 255 255 ");
-    EXPECT_EQ(alphas({200, window.height() - 1}, {0, -1}), "7 14 21 27 33 39 45 51 57 62 67 72 77 77 77 77 255 255 ");
-    EXPECT_EQ(alphas({0, 200}, {1, 0}), "0 0 0 7 14 21 27 33 39 45 51 57 62 67 72 77 255 255 ");
-    EXPECT_TRUE(alphas({reach - 1, reach - 1}, {1, 1}).starts_with("53 78 144 255 255 "));
+    EXPECT_EQ(image.pixelColor(reach, reach).alpha(), 78) << "round";
+    EXPECT_EQ(image.pixelColor(200, window.height() - 1).alpha(), 7) << "a shadow to the edge";
 
     window.toggleFullScreen();
     EXPECT_TRUE(compositor.m_extents.isNull());

@@ -1,7 +1,7 @@
 // The programs beside this one on a desktop, as far as the stories need them; independent of the project's own code.
 //   other_program stripes FILE WIDTH HEIGHT PERIOD  writes a grey picture: PERIOD columns of 40, as many of 220, ...
 //   other_program pixels FILE X,Y … prints width and height, then the grey value of each place, as stored
-//   other_program drag FILE …       a file manager: a window from which the files can be dragged; prints the action
+//   other_program drag FILE         a file manager: a window from which the file can be dragged; prints the action
 //   other_program clipboard FILE    writes the picture on the clipboard to a file, once there is one
 #include <QApplication>
 #include <QClipboard>
@@ -19,8 +19,8 @@ namespace {
 class FileManager : public QWidget
 {
 public:
-    explicit FileManager(const QStringList &files)
-        : m_files(files)
+    explicit FileManager(const QString &file)
+        : m_file(file)
     {
         setWindowTitle(QStringLiteral("Files"));
         setGeometry(0, 0, 60, 400);
@@ -31,22 +31,16 @@ protected:
     void mousePressEvent(QMouseEvent *) override
     {
         auto *data = new QMimeData;
-        QList<QUrl> urls;
-        for (const QString &file : m_files)
-            urls << QUrl::fromLocalFile(file);
-        data->setUrls(urls);
+        data->setUrls({QUrl::fromLocalFile(m_file)});
         auto *drag = new QDrag(this); // the toolkit's; it is asked for the files after the drop
         drag->setMimeData(data);
         // Within one disk a file manager would rather move.
         const Qt::DropAction action = drag->exec(Qt::CopyAction | Qt::MoveAction, Qt::MoveAction);
-        QTextStream(stdout) << (action == Qt::CopyAction   ? "copied"
-                                : action == Qt::MoveAction ? "moved"
-                                                           : "refused")
-                            << Qt::endl;
+        QTextStream(stdout) << (action == Qt::CopyAction ? "copied" : "moved or refused") << Qt::endl;
     }
 
 private:
-    QStringList m_files;
+    QString m_file;
 };
 
 bool writeStripes(const QStringList &arguments)
@@ -87,7 +81,7 @@ int main(int argc, char **argv)
     if (what == QLatin1String("pixels"))
         return printPixels(path, arguments.mid(3)) ? 0 : 1;
     if (what == QLatin1String("drag")) {
-        FileManager manager(arguments.mid(2));
+        FileManager manager(path);
         manager.show();
         return QApplication::exec();
     }

@@ -152,11 +152,6 @@ class Desktop:
     def type(self, text):
         self.xdotool("type", "--delay", 2, text)
 
-    def resize(self, *size):
-        """Comes back when the window has it: what is pressed then lies where the new size puts it."""
-        self.xdotool("windowsize", self.window, *size)
-        wait_until(lambda: self.geometry()[2:] == size, "the new size")
-
     def click(self, x, y):
         self.xdotool("mousemove", x, y, "sleep", 0.1, "click", 1)
 

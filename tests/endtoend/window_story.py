@@ -1,10 +1,9 @@
 #!/usr/bin/env python3
 """A person's way through the program, in a real window: window_story.py PROGRAM OTHER_PROGRAM [unittest options]"""
 
-from desktop import STRIP, Story, main
+from desktop import Story, main
 
-BRUSH_BUTTON = (218, 88)  # from the window's right and top edges
-ERASER_BUTTON = (178, 88)
+ERASER_BUTTON = (178, 88)  # from the window's right and top edges
 STRIPES = (1600, 1000)  # pixels of the photo with stripes; the darks are 40, the lights 220
 PLAIN = (900, 1200)
 
@@ -34,8 +33,8 @@ class Window(Story):
         if let_go:
             self.point_away()
 
-    def stroke_with(self, button, *places):
-        self.click_from_right(*button)
+    def erase(self, *places):
+        self.click_from_right(*ERASER_BUTTON)
         self.stroke(*places)
 
     def open_with_panel(self, path):
@@ -52,18 +51,11 @@ class Window(Story):
         self.wait_for(lambda: self.desktop.active_window() in
                       [w for w in self.desktop.windows("^Hazelmark$") if w != main_window], "the last window in front")
         self.desktop.key("Return")
-        self.assert_ends()
-
-    def assert_ends(self):
         self.wait_for(lambda: self.desktop.program.poll() is not None, "the end of the program")
         self.assertEqual(self.desktop.program.returncode, 0, self.desktop.program_log())
 
     def test_open_paint_erase_resize_open_another_close(self):
         self.desktop.start_program(self.program)
-        left, top, width, _ = self.desktop.geometry()
-        picture = self.desktop.screenshot()
-        self.assertEqual(len(set(picture.at(left + x, top + STRIP + 30) for x in range(100, width - 100, 50))), 1,
-                         "an even, empty area")
         self.desktop.key("ctrl+o")
         self.open_with_panel(self.stripes)
         self.wait_for(lambda: self.is_sharp(0.5, 0.5) and self.is_sharp(0.1, 0.9), "the photo with stripes")
@@ -78,25 +70,19 @@ class Window(Story):
         self.assertTrue(self.is_sharp(0.5, 0.7), "and nowhere else")
 
         # Erase half of it. The redraw that follows an opening ends with the last stroke's tool, whenever it comes.
-        self.do_until(lambda: self.stroke_with(ERASER_BUTTON, 0.25, 0.5, 0.3), lambda: self.is_sharp(0.38, 0.3),
+        self.do_until(lambda: self.erase(0.25, 0.5, 0.3), lambda: self.is_sharp(0.38, 0.3),
                       "the sharp photo where it was erased")
         self.assertTrue(self.is_blurred(0.62, 0.3))
 
-        # Make the window larger and smaller; what is painted stays at its place on the photo.
-        for size in ((1420, 760), (1240, 880)):
-            self.desktop.resize(*size)
-            self.wait_for(lambda: self.is_blurred(0.62, 0.3) and self.is_sharp(0.38, 0.3) and self.is_sharp(0.5, 0.7),
-                          "the same parts blurred at another size")
-        self.do_until(lambda: self.stroke_with(BRUSH_BUTTON, 0.3, 0.7, 0.7), lambda: self.is_blurred(0.5, 0.7),
-                      "a second stroke")
-
-        # The window is moved by its strip and made narrower by its edge.
+        # The window is moved by its strip and made wider by its edge; what is painted stays at its place on the photo.
         left, top, width, height = self.desktop.geometry()
         self.desktop.drag((left + width // 2, top + 30), (left + width // 2 + 90, top + 70))
         self.wait_for(lambda: self.desktop.geometry()[0] > left + 20, "the window at another place")
         left, top, width, height = self.desktop.geometry()
         self.desktop.drag((left + 1, top + height // 2), (left - 80, top + height // 2))
         self.wait_for(lambda: self.desktop.geometry()[2] > width + 20, "a wider window")
+        self.wait_for(lambda: self.is_blurred(0.62, 0.3) and self.is_sharp(0.38, 0.3) and self.is_sharp(0.5, 0.7),
+                      "the same parts blurred at another size")
 
         # Another photo, from the menu.
         left, top, _, _ = self.desktop.geometry()
@@ -115,9 +101,6 @@ class Window(Story):
         left, top, width, height = self.desktop.geometry()
         self.assertTrue(left + width <= 1440 and top + height <= 900, "the window hangs off the screen")
         self.wait_for(lambda: "stripes.png" in self.desktop.titles(), "the photo")
-        self.do_until(lambda: self.desktop.key("ctrl+shift+a"), lambda: "stripes.png*" in self.desktop.titles(),
-                      "the mark of unsaved work in the caption")
-        self.do_until(lambda: self.desktop.key("ctrl+z"), lambda: "stripes.png" in self.desktop.titles(), "it undone")
         # Closed by the window manager.
         self.desktop.key("alt+F4")
         self.leave_promotion()

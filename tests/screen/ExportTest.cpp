@@ -1,4 +1,5 @@
 // Saving and sharing from the main screen: what rests meanwhile, what is shown, what is left.
+#include "../support/NotedWorkspace.h"
 #include "ScreenFixture.h"
 
 #include "BarProgressIndicator.h"
@@ -8,8 +9,6 @@
 #include "RenderCommand.h"
 #include "SavePanel.h"
 #include "SummaryBar.h"
-#include "UserDefaults.h"
-#include "Workspace.h"
 
 #include <QDialogButtonBox>
 #include <QFile>
@@ -24,14 +23,6 @@
 namespace hazelmark {
 
 namespace {
-
-class SilentWorkspace : public Workspace
-{
-public:
-    void openUrl(const QUrl &url, Completion) override { m_opened << url.toLocalFile(); }
-
-    QStringList m_opened;
-};
 
 class Export : public ScreenFixture
 {
@@ -52,15 +43,11 @@ protected:
         ASSERT_TRUE(QTest::qWaitFor([&] { return isSoft(shownAt({0.499, 0.5})); })) << "where it was painted";
     }
     static bool isSoft(const QColor &edge) { return edge.red() > 40 && edge.red() < 200; }
-    void openPanel()
-    {
-        post(kNotificationSavePhotoFromMenuTapped);
-        ASSERT_TRUE(QTest::qWaitFor([&] { return savePanel() && savePanel()->isVisible(); }));
-    }
     SavePanel *savePanel() const { return m_screen->exportFlow()->savePanel(); }
     void save(const QString &path)
     {
-        openPanel();
+        post(kNotificationSavePhotoFromMenuTapped);
+        ASSERT_TRUE(QTest::qWaitFor([&] { return savePanel() && savePanel()->isVisible(); }));
         savePanel()->nameField()->setText(path);
         QTest::mouseClick(savePanel()->findChild<QDialogButtonBox *>()->button(QDialogButtonBox::Save), Qt::LeftButton);
         if (savePanel())
@@ -77,7 +64,7 @@ protected:
     }
     bool opens(const QString &path)
     {
-        return QTest::qWaitFor([&] { return m_workspace.m_opened.contains(path); });
+        return QTest::qWaitFor([&] { return m_workspace.m_opened.contains(QFileInfo(path).fileName()); });
     }
     void waitForTheEnd()
     {
@@ -87,10 +74,7 @@ protected:
     bool isMarked() const { return m_screen->view()->findChild<QWidget *>(QStringLiteral("unsavedMark"))->isVisible(); }
 
     const int kAfterExport = 250; ///< milliseconds until the result is opened
-    SilentWorkspace m_workspace;
-    ProcessWide<Workspace>::Replacement m_replaceWorkspace{m_workspace};
-    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("defaults.conf"))};
-    ProcessWide<UserDefaults>::Replacement m_replaceDefaults{m_defaults};
+    NotedWorkspace m_workspace;
 };
 
 } // namespace

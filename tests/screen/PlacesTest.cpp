@@ -170,9 +170,6 @@ TEST(Places, OfTheAreasFollowTheWindow)
     view.showAddPhotoLayout();
     view.showLoading({});
     EXPECT_TRUE(view.vwDragging->isVisible() && !note->isVisible());
-    view.showLoading(QStringLiteral("opening"));
-    EXPECT_TRUE(!view.vwDragging->isVisible() && note->isVisible());
-    view.showLoading({});
     EXPECT_EQ(toldOf(*view.vwDragging), u"QLabel: Graphic; btnAddPhotoOnPrompt: Button OPEN_IMAGE s!"_qs);
     EXPECT_EQ(outlineOf(*view.vwDragging).toStdString(),
               "~: ~ QLabel[120x120] ~\n30: ~ txtAddPhoto@17 ~\n30: ~ btnAddPhotoOnPrompt ~\n~");

@@ -44,6 +44,17 @@ void ScreenFixture::start()
     ASSERT_TRUE(QTest::qWaitForWindowActive(m_window.get()));
 }
 
+void ScreenFixture::openPhoto(QSize size)
+{
+    start();
+    open(photo(QStringLiteral("a.png"), size));
+}
+
+void ScreenFixture::perform(MenuCommand command)
+{
+    m_center.post(kNotificationCommandFromMenuTapped, {{kCommandKey, int(command)}, {kCommandIndexKey, 0}});
+}
+
 QString ScreenFixture::photo(const QString &name, QSize size, QColor color) const
 {
     QImage image(size, QImage::Format_RGB32);

@@ -8,6 +8,7 @@
 #include "PaintView.h"
 #include "SettingsPanel.h"
 #include "TitlebarWindow.h"
+#include "UserDefaults.h"
 
 #include <gtest/gtest.h>
 
@@ -29,7 +30,9 @@ protected:
     ~ScreenFixture() override;
 
     void start();
+    void openPhoto(QSize size = {600, 400});
     void post(QLatin1String name) { m_center.post(name); }
+    void perform(MenuCommand command);
 
     /// A photo in a single colour, in a file of its own; its path.
     QString photo(const QString &name, QSize size, QColor color = Qt::red) const;
@@ -57,8 +60,10 @@ protected:
     QTemporaryDir m_folder;
     NotificationCenter m_center;
     ProcessState m_state;
+    UserDefaults m_defaults{m_folder.filePath(QStringLiteral("defaults.conf"))};
     ProcessWide<NotificationCenter>::Replacement m_replaceCenter{m_center};
     ProcessWide<ProcessState>::Replacement m_replaceState{m_state};
+    ProcessWide<UserDefaults>::Replacement m_replaceDefaults{m_defaults};
 
     ScreenApplication m_application;
     Session::Work m_work;

@@ -30,8 +30,7 @@ protected:
 
 TEST_F(ScreenWindow, ClosesAtOnceWhenNothingWaitsToBeProcessedOrTheResultIsExported)
 {
-    start();
-    open(photo(u"a.png"_qs, {30, 20}));
+    openPhoto();
     post(kNotificationClosePhotoFromMenuTapped);
     EXPECT_FALSE(m_window->isVisible());
 
@@ -84,7 +83,7 @@ TEST_F(ScreenWindow, ItsButtonsMinimiseAndZoomUnlessAPreviewIsUnderWay)
         EXPECT_EQ(m_window->isMaximized(), !isBusy);
     }
     for (const bool isFull : {true, false}) {
-        m_center.post(kNotificationCommandFromMenuTapped, {{kCommandKey, int(MenuCommand::FullScreen)}});
+        perform(MenuCommand::FullScreen);
         EXPECT_EQ(m_window->isFullScreen(), isFull);
     }
     post(kNotificationShowTipsFromMenuTapped);

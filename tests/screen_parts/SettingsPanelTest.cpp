@@ -71,7 +71,6 @@ TEST_F(SettingsPanelTest, ShowsWhatWorksAtFirstAndSendsItsAction)
     for (const SettingRow &row : settingsTable()) {
         const FloatSlider *slider = m_panel.slider(row.setting);
         const QLineEdit *field = m_panel.field(row.setting);
-        EXPECT_EQ(slider->accessibleName(), QLatin1String(row.labelKey) + QStringLiteral(" %@"));
         const bool works = row.region == SettingRegion::Brush || row.setting == Setting::BlurAmount ||
                            row.setting == Setting::Vignette;
         for (const bool unfolded : {true, false}) {
@@ -151,14 +150,10 @@ TEST_F(SettingsPanelTest, AFieldTakesNumbersThatAreTypedSlowlyAndStepsItsSlider)
         QTest::keyClick(field, key);
         EXPECT_EQ(shown(Setting::BlurAmount), QLatin1String(number));
     }
-    const auto turn = [](QLineEdit *target) {
-        QWheelEvent wheel(QPointF(5, 5), target->mapToGlobal(QPointF(5, 5)), {}, {0, 120}, Qt::NoButton, Qt::NoModifier,
-                          Qt::NoScrollPhase, false);
-        QCoreApplication::sendEvent(target, &wheel);
-    };
-    turn(field);
+    wheel(*field, 120);
     EXPECT_EQ(value(Setting::BlurAmount), 9);
-    turn(m_panel.field(Setting::BrushHardness)); // not what the person works in: scrolling past it changes nothing
+    wheel(*m_panel.field(Setting::BrushHardness),
+          120); // not what the person works in: scrolling past it changes nothing
     EXPECT_EQ(value(Setting::BrushHardness), 0);
 }
 
@@ -180,23 +175,8 @@ TEST_F(SettingsPanelTest, TheVignettesColourIsChosenInAWindowThatBlocksNothing)
     EXPECT_EQ(m_panel.createPresetObjectFromSettingWithTitle({}).colorVignette, QColor(0x40, 0x40, 0x40));
     well.closeColorPanel();
     EXPECT_TRUE(QTest::qWaitFor([&] { return well.colorPanel() == nullptr; }));
-    // It, as it is, disabled and with the focus; and the button that unfolds the rest.
-    for (const auto &[isEnabled, profile] : {std::pair{false, "3x1 1x46 3x1"}, {true, "7x1 4x46 7x1"}}) {
-        well.setEnabled(isEnabled);
-        EXPECT_EQ(profileOf(drawn(well), {0, 12}), profile);
-    }
-    focusByKeyboard(well);
-    EXPECT_EQ(profileOf(drawn(well), {0, 12}), "ax2 4x44 ax2");
-    auto *button = m_panel.findChild<DisclosureButton *>();
-    focusByKeyboard(*button);
-    EXPECT_EQ(profileOf(drawn(*button), {5, 0}), "ax2 0x" + std::to_string(button->height() - 4) + " ax2");
-    const QImage unfolded = drawn(*button);
-    QTest::keyClick(button, Qt::Key_Return);
+    QTest::keyClick(m_panel.findChild<DisclosureButton *>(), Qt::Key_Return);
     EXPECT_FALSE(m_panel.isUnfolded());
-    EXPECT_NE(drawn(*button), unfolded);
-    button->setText({});
-    m_panel.setFocus();
-    EXPECT_EQ(profileOf(drawn(*button), {0, button->height() / 2}), "0x10 4x1 ax1 1x1 0x205");
 }
 
 TEST_F(SettingsPanelTest, EveryResetRestoresItsGroupAndAsksForAPreview)

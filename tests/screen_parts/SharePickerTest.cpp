@@ -1,11 +1,10 @@
 #include "SharePicker.h"
 
+#include "../support/NotedWorkspace.h"
 #include "../support/ScreenApplication.h"
 #include "AlertSheet.h"
 #include "Decoder.h"
 #include "EmailComposer.h"
-#include "ProcessWide.h"
-#include "Workspace.h"
 
 #include <QApplication>
 #include <QDBusArgument>
@@ -17,6 +16,7 @@
 #include <QProcess>
 #include <QStandardPaths>
 #include <QTemporaryDir>
+#include <QTemporaryFile>
 #include <QTest>
 
 #include <gtest/gtest.h>
@@ -27,21 +27,6 @@
 using namespace hazelmark;
 
 namespace {
-
-class LaunchingWorkspace : public Workspace
-{
-public:
-    void openUrl(const QUrl &, Completion) override { FAIL() << "nothing is opened by its address"; }
-    void launch(const QString &program, const QStringList &arguments, Completion completion) override
-    {
-        m_launched << (QStringList(program) + arguments);
-        if (completion)
-            completion(m_succeeds);
-    }
-
-    QList<QStringList> m_launched;
-    bool m_succeeds = true;
-};
 
 PhotoImagePtr picture(QImage::Format format = QImage::Format_RGBX8888)
 {
@@ -117,8 +102,7 @@ protected:
 
     std::vector<std::pair<const char *, QByteArray>> m_environment; ///< as it was
     QTemporaryDir m_folder;
-    LaunchingWorkspace m_workspace;
-    ProcessWide<Workspace>::Replacement m_replacement{m_workspace};
+    NotedWorkspace m_workspace;
     ScreenApplication m_application;
     PhotoImagePtr m_picture = picture();
     QWidget m_window;
@@ -254,7 +238,7 @@ public:
         const auto options = qdbus_cast<QVariantMap>(message.arguments().at(1));
         const auto files = qdbus_cast<QList<QDBusUnixFileDescriptor>>(options[QStringLiteral("attachment_fds")]);
         QFile file;
-        if (!files.isEmpty() && file.open(files.first().fileDescriptor(), QIODevice::ReadOnly))
+        if (file.open(files.value(0).fileDescriptor(), QIODevice::ReadOnly))
             m_attached = file.readAll();
         if (m_response < 0)
             return bus.send(message.createErrorReply(QDBusError::Failed, QStringLiteral("no")));
@@ -285,37 +269,26 @@ TEST(EmailComposer, HandsTheOpenFileToThePortalOrElseToTheDesktopsCommand)
     const QString address = QString::fromLatin1(daemon.readLine()).trimmed();
     QDBusConnection portalBus = QDBusConnection::connectToBus(address, QStringLiteral("portal"));
     const QDBusConnection bus = QDBusConnection::connectToBus(address, QStringLiteral("composer"));
-    const QTemporaryDir folder;
-    const QString attachment = folder.filePath(QStringLiteral("a.jpg"));
-    writeFile(attachment, "the picture");
+    QTemporaryFile attachment;
+    ASSERT_TRUE(attachment.open() && attachment.write("the picture") && attachment.flush());
+    const QList<QStringList> command{{QStringLiteral("xdg-email"), QStringLiteral("--attach"), attachment.fileName()}};
     FakePortal portal;
-    LaunchingWorkspace workspace;
-    const ProcessWide<Workspace>::Replacement replacement{workspace};
-    const auto opens = [&](const QString &path) {
-        workspace.m_launched.clear();
-        EmailComposer composer(bus);
-        std::optional<bool> opened;
-        composer.composeWithAttachment(path, [&](bool ok) { opened = ok; });
-        EXPECT_TRUE(QTest::qWaitFor([&] { return opened.has_value(); }));
-        return opened == true;
-    };
-    EXPECT_FALSE(opens(folder.filePath(QStringLiteral("none.jpg"))));
-    EXPECT_TRUE(opens(attachment)) << "without a portal";
-    const QList<QStringList> command{{QStringLiteral("xdg-email"), QStringLiteral("--attach"), attachment}};
-    EXPECT_EQ(workspace.m_launched, command);
+    NotedWorkspace workspace;
     ASSERT_TRUE(portalBus.registerVirtualObject(QStringLiteral("/org/freedesktop/portal/desktop"), &portal));
     ASSERT_TRUE(portalBus.registerService(QStringLiteral("org.freedesktop.portal.Desktop")));
     // Written, turned down by the person, no mail program there, refused.
     for (const int response : {0, 1, 2, -1}) {
-        const bool byCommand = response == 2 || response < 0;
         portal.m_response = response;
         workspace.m_succeeds = response >= 0;
-        EXPECT_EQ(opens(attachment), response >= 0) << response;
-        EXPECT_EQ(workspace.m_launched, byCommand ? command : QList<QStringList>()) << response;
+        workspace.m_launched.clear();
+        EmailComposer composer(bus);
+        std::optional<bool> opened;
+        composer.composeWithAttachment(attachment.fileName(), [&](bool ok) { opened = ok; });
+        EXPECT_TRUE(QTest::qWaitFor([&] { return opened.has_value(); }));
+        EXPECT_EQ(opened, response >= 0);
+        EXPECT_EQ(workspace.m_launched, response == 2 || response < 0 ? command : QList<QStringList>()) << response;
         EXPECT_EQ(std::exchange(portal.m_attached, {}), "the picture") << response;
     }
     QDBusConnection::disconnectFromBus(QStringLiteral("portal"));
     QDBusConnection::disconnectFromBus(QStringLiteral("composer"));
-    daemon.terminate();
-    daemon.waitForFinished();
 }
