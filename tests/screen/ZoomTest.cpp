@@ -139,6 +139,9 @@ TEST_F(Zooming, ThePhotoIsMovedByMouseKeysAndPadOnceItIsNear)
             move();
             const QPointF moved = transform().frame().topLeft() - frame.topLeft();
             EXPECT_LT((moved - (isNear ? way : QPointF())).manhattanLength(), 1) << what << moved.x() << moved.y();
+            EXPECT_TRUE(!isNear || QTest::qWaitFor([&] {
+                return view().imgvwAfterBokesh->detail().part == transform().visiblePixels();
+            })) << what;
         }
     }
     EXPECT_EQ(view().overview->geometry().bottomRight(), area.rect().bottomRight() - QPoint(12, 12));
