@@ -26,6 +26,11 @@ bool Painting::isEmpty() const
     return m_strokes->empty() || (m_strokes->back().coversCanvas() && m_strokes->back().eraser());
 }
 
+bool Painting::isFull() const
+{
+    return !m_strokes->empty() && m_strokes->back().coversCanvas() && !m_strokes->back().eraser();
+}
+
 void Painting::keepStrokes()
 {
     m_strokes = m_canvas.arrDrawedPoints();
@@ -46,22 +51,16 @@ void Painting::clear()
     m_scales.clear();
 }
 
-bool Painting::blurEverything()
+void Painting::blurEverything()
 {
-    if (!m_strokes->empty() && m_strokes->back().coversCanvas() && !m_strokes->back().eraser())
-        return false;
     m_history.append(PaintEdit::Everything, {PaintStep::covering(kGreen, false)});
     keepStrokes();
-    return true;
 }
 
-bool Painting::clearPainting()
+void Painting::clearPainting()
 {
-    if (isEmpty())
-        return false;
     m_history.append(PaintEdit::Clear, {PaintStep::covering(kGreen, true)});
     keepStrokes();
-    return true;
 }
 
 StrokesFile Painting::file() const

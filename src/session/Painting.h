@@ -37,6 +37,8 @@ public:
 
     /// Nothing was painted, or it was cleared since.
     bool isEmpty() const;
+    /// Everything was blurred, and nothing was done since.
+    bool isFull() const;
     /// The canvas's own list, as it was kept last. A redraw draws it.
     const std::shared_ptr<PaintStepList> &strokes() const { return m_strokes; }
     void keepStrokes();
@@ -46,9 +48,9 @@ public:
     /// The edits since the last clearing.
     PaintHistory &history() { return m_history; }
     const PaintHistory &history() const { return m_history; }
-    /// Fills the canvas or empties it; one edit. Not during a stroke. Nothing happens where nothing would change.
-    bool blurEverything();
-    bool clearPainting();
+    /// Fills the canvas or empties it; one edit. Not during a stroke.
+    void blurEverything();
+    void clearPainting();
     /// What is painted, for a file: the steps before the last one that covers the canvas are left out, the others have
     /// the sizes that they have on the canvas as it is.
     StrokesFile file() const;

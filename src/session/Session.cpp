@@ -160,8 +160,10 @@ void Session::redo()
 
 void Session::blurEverything()
 {
-    if (mayEdit() && m_painting.blurEverything())
-        paintingChanged();
+    if (!mayEdit() || m_painting.isFull())
+        return;
+    m_painting.blurEverything();
+    paintingChanged();
 }
 
 void Session::clearPainting()

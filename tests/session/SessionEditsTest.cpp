@@ -23,9 +23,9 @@ TEST_F(Edits, EachCanBeUndoneAndRedoneWithTheBrushAsItWas)
          [&] {
              m_brush.setEraser(true), paint(kLeft, {0.4, 0.5}), endStroke();
          }},
-        {PaintEdit::Everything, [&] { m_session->blurEverything(); }},
+        {PaintEdit::Everything, [&] { m_session->blurEverything(), m_session->blurEverything(); }},
         {PaintEdit::Erase, [&] { paint(kLeft, kLeft), endStroke(); }},
-        {PaintEdit::Clear, [&] { m_session->clearPainting(); }},
+        {PaintEdit::Clear, [&] { m_session->clearPainting(), m_session->clearPainting(); }},
         {PaintEdit::Stroke, [&] { m_brush.setEraser(false), paint(kRight, kRight), endStroke(); }},
     };
     for (const auto &[edit, make] : edits) {
