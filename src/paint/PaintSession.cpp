@@ -40,7 +40,6 @@ void PaintSession::setSteps(std::shared_ptr<PaintStepList> steps)
 QVariantList PaintSession::dataArray() const
 {
     QVariantList records;
-    records.reserve(qsizetype(m_steps->size()));
     for (const PaintStep &step : *m_steps)
         records.append(QVariant(step.data()));
     return records;

@@ -5,7 +5,6 @@ namespace hazelmark {
 QString formatString(const QString &format, const QStringList &values)
 {
     QString text;
-    text.reserve(format.size());
     qsizetype next = 0;
     for (qsizetype i = 0; i < format.size(); ++i) {
         const bool specifier = format[i] == u'%' && i + 1 < format.size() &&
