@@ -196,6 +196,8 @@ TEST_F(View, GivesAFileOfStrokesItsScale)
     m_session->painting().clearPainting();
     m_session->painting().replaceBy(*file);
     EXPECT_NEAR(m_session->painting().scaled().scale, 1.7, 1e-9);
+    m_session->painting().clearPainting();
+    EXPECT_EQ(m_session->painting().scaled().scale, 1);
 }
 
 /// What is kept from picture to picture shows in none of them.
