@@ -10,11 +10,13 @@
 #include <QAccessible>
 #include <QApplication>
 #include <QImage>
+#include <QPalette>
 #include <QSignalSpy>
 #include <QTest>
 
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <limits>
 
 using namespace hazelmark;
@@ -112,6 +114,42 @@ TEST_F(FloatSliderTest, StepsWithKeysAndWheel)
     m_slider.setRange(0, 1);
     m_slider.stepBy(3);
     EXPECT_DOUBLE_EQ(m_slider.value(), 0.03);
+}
+
+/// By the formula for contrast of the guidelines for accessible content.
+TEST(ThemeTest, LettersAreLegibleOnTheirGroundAndPalerWhereDisabled)
+{
+    const auto luminance = [](const QColor &color) {
+        double sum = 0;
+        for (const auto &[value, weight] :
+             {std::pair(color.redF(), 0.2126), {color.greenF(), 0.7152}, {color.blueF(), 0.0722}})
+            sum += weight * (value <= 0.04045F ? value / 12.92 : std::pow((value + 0.055) / 1.055, 2.4));
+        return sum;
+    };
+    const auto contrast = [&](QPalette::ColorGroup group, QPalette::ColorRole letters, QPalette::ColorRole ground) {
+        const QPalette palette = QApplication::palette();
+        return (luminance(palette.color(group, letters)) + 0.05) / (luminance(palette.color(group, ground)) + 0.05);
+    };
+    using P = QPalette;
+    for (const auto &[letters, ground] : {std::pair(P::WindowText, P::Window),
+                                          {P::Link, P::Window},
+                                          {P::LinkVisited, P::Window},
+                                          {P::Text, P::Base},
+                                          {P::Text, P::AlternateBase},
+                                          {P::PlaceholderText, P::Base},
+                                          {P::ButtonText, P::Button},
+                                          {P::BrightText, P::Window},
+                                          {P::ToolTipText, P::ToolTipBase},
+                                          {P::HighlightedText, P::Highlight}}) {
+        EXPECT_GT(contrast(P::Active, letters, ground), 4.5) << letters;
+    }
+    for (const auto &[letters, ground] : {std::pair(P::WindowText, P::Window),
+                                          {P::Text, P::Base},
+                                          {P::ButtonText, P::Button},
+                                          {P::HighlightedText, P::Highlight}}) {
+        EXPECT_GT(contrast(P::Disabled, letters, ground), 2) << letters;
+        EXPECT_LT(contrast(P::Disabled, letters, ground), 4.5) << letters;
+    }
 }
 
 TEST(BarProgressIndicatorTest, FillsWholePointsOfTheMaximum)
