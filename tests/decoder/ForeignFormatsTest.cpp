@@ -430,6 +430,8 @@ TEST_F(ForeignFormats, CameraRawWithoutColorsShowsTheCamerasOwnJpeg)
             EXPECT_TRUE(samePixels(picture.pixels, upright)) << turn;
         }
     }
+    const QByteArray cut = jpegOf(stored.size(), 0).chopped(300);
+    EXPECT_EQ(reasonFor(makeDng(1, kBehindFilter, cut)), Failure::Reason::Truncated);
     for (const QSize size : {QSize(58, 43), QSize(44, 57), QSize(57, 43)}) {
         const auto info =
             readPictureInfo(write(QStringLiteral("unknown.dng"), makeDng(1, kBehindFilter, jpegOf(size, 0))));

@@ -180,7 +180,7 @@ TEST_F(Export, EverythingThatWouldDisturbItRests)
         return job.run();
     };
     openAndPaint();
-    panel().field(Setting::BlurAmount)->setFocus();
+    view().btnShareService->setFocus();
     save(m_folder.filePath(QStringLiteral("out.png")));
     EXPECT_TRUE(m_application.isUiDisabled());
     EXPECT_EQ(m_window->focusWidget(), nullptr) << "a key would close the window";
@@ -200,7 +200,7 @@ TEST_F(Export, EverythingThatWouldDisturbItRests)
     waitForTheEnd();
     EXPECT_EQ(m_screen->imageUrl(), before);
     EXPECT_TRUE(panel().isEnabled() && view().btnExport->isEnabled());
-    EXPECT_EQ(m_window->focusWidget(), panel().field(Setting::BlurAmount));
+    EXPECT_EQ(m_window->focusWidget(), view().btnShareService);
     EXPECT_FALSE(m_application.isUiDisabled());
 }
 
