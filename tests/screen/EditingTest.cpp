@@ -224,6 +224,12 @@ TEST_F(Editing, IsDoneByKeyboardAlone)
     ASSERT_TRUE(cursor->isCircleShown());
     post(kNotificationMouseout);
     EXPECT_TRUE(view().paintView->isVisible()) << "the circle counts as the pointer";
+    for (const auto &[key, isTaken] : {std::pair(Qt::Key_Space, true), {Qt::Key_Left, true}, {Qt::Key_Z, false}}) {
+        QKeyEvent shortcut(QEvent::ShortcutOverride, key, Qt::NoModifier);
+        shortcut.ignore();
+        QCoreApplication::sendEvent(cursor, &shortcut);
+        EXPECT_EQ(shortcut.isAccepted(), isTaken) << key;
+    }
     QTest::keyClick(cursor, Qt::Key_Left, Qt::ShiftModifier);
     QTest::keyPress(cursor, Qt::Key_Space);
     for (int i = 0; i < 20; ++i)
